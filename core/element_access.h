@@ -1,0 +1,33 @@
+// The one place that reads other processes' elements. Every error of the platform becomes a missing value here: nothing,
+// an empty list, (NaN, NaN) or the null rectangle. Stateless; any thread; each call may block until the other process
+// answers.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/accessibility.h"
+#include "platform/geometry.h"
+
+[[nodiscard]] std::optional<HLValue> HLCopyAttribute(const HLElement& element, std::string_view name);
+
+// A string as it is, a number or boolean in decimal; nothing for a value of any other type.
+[[nodiscard]] std::optional<std::string> HLStringAttribute(const HLElement& element, std::string_view name);
+
+[[nodiscard]] std::vector<std::string> HLActionNames(const HLElement& element);
+
+[[nodiscard]] HLPoint HLPointAttribute(const HLElement& element, std::string_view name);
+[[nodiscard]] HLSize HLSizeAttribute(const HLElement& element, std::string_view name);
+
+// The null rectangle unless position and size are known and the size is positive in both directions. Negative
+// coordinates are kept: screens lie left of and above the main one.
+[[nodiscard]] HLRect HLFrameForElement(const HLElement& element);
+
+// Whether the subrole, in any letter case, names one of Notification Center's own items.
+[[nodiscard]] bool HLIsNotificationBannerSubrole(std::string_view subrole);
+
+// Whether this process may read and press other processes' controls, asked afresh each time: trust comes and goes while
+// the process runs. With prompt, the system asks the user; the call does not wait for the answer.
+[[nodiscard]] bool HLIsAccessibilityTrusted(bool prompt);

@@ -1,0 +1,96 @@
+// Reading and pressing the on-screen interface of other processes.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/value.h"
+
+// An accessibility error code; the values are the home platform's, and every host answers in them.
+using HLAXError = std::int32_t;
+inline constexpr HLAXError HLAXErrorSuccess = 0;
+inline constexpr HLAXError HLAXErrorFailure = -25200;
+inline constexpr HLAXError HLAXErrorInvalidElement = -25202;
+inline constexpr HLAXError HLAXErrorCannotComplete = -25204;
+inline constexpr HLAXError HLAXErrorActionUnsupported = -25206;
+inline constexpr HLAXError HLAXErrorNotificationUnsupported = -25207;
+inline constexpr HLAXError HLAXErrorNotificationNotRegistered = -25210;
+inline constexpr HLAXError HLAXErrorAPIDisabled = -25211;
+inline constexpr HLAXError HLAXErrorNoValue = -25212;
+
+// The answer to one read. On success the value may still be missing; on an error it is.
+struct HLAttribute {
+  HLAXError error = HLAXErrorSuccess;
+  HLValue value;
+};
+
+struct HLActionList {
+  HLAXError error = HLAXErrorSuccess;
+  std::vector<std::string> names;  // in the element's own order
+};
+
+// One node of another process's interface. All methods may be called from any thread, several at once, and may block
+// until that process answers; a host that cannot wait for ever answers HLAXErrorCannotComplete. An element that has gone,
+// or whose process has, answers HLAXErrorInvalidElement; without trust everything answers HLAXErrorAPIDisabled.
+class HLElement {
+ public:
+  HLElement() = default;
+  HLElement(const HLElement&) = delete;
+  HLElement& operator=(const HLElement&) = delete;
+  virtual ~HLElement() = default;
+
+  [[nodiscard]] virtual HLAttribute copyAttributeValue(std::string_view name) const = 0;
+
+  // The same answers as one read per name, in the order of the names. A host overrides it where one round trip can
+  // bring them all.
+  [[nodiscard]] virtual std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const;
+
+  [[nodiscard]] virtual HLActionList copyActionNames() const = 0;
+
+  // Success means that the other process took the action, not that it had an effect.
+  [[nodiscard]] virtual HLAXError performAction(std::string_view action) const = 0;
+
+  // Whether both handles stand for the same node.
+  [[nodiscard]] virtual bool isEqual(const HLElement& other) const = 0;
+};
+
+// Watches one process. Notifications are delivered on the main thread, while its run loop runs, and only between
+// attach() and detach(). Main thread only; destruction detaches.
+class HLObserver {
+ public:
+  HLObserver() = default;
+  HLObserver(const HLObserver&) = delete;
+  HLObserver& operator=(const HLObserver&) = delete;
+  virtual ~HLObserver() = default;
+
+  // Asks for the notification about this element and all below it.
+  virtual HLAXError addNotification(const HLElementRef& element, std::string_view notification) = 0;
+  virtual HLAXError removeNotification(const HLElementRef& element, std::string_view notification) = 0;
+  virtual void attach() = 0;
+  virtual void detach() = 0;
+};
+
+using HLObserverCallback = std::function<void(const HLElementRef& element, std::string_view notification)>;
+
+class HLAccessibility {
+ public:
+  HLAccessibility() = default;
+  HLAccessibility(const HLAccessibility&) = delete;
+  HLAccessibility& operator=(const HLAccessibility&) = delete;
+  virtual ~HLAccessibility() = default;
+
+  // Whether this process may read and press other processes' controls now. With prompt, a process that may not asks the
+  // user; the call does not wait for the answer. Any thread.
+  [[nodiscard]] virtual bool isProcessTrusted(bool prompt) = 0;
+
+  // The root element of a process, or nullptr when it cannot be made. Any thread.
+  [[nodiscard]] virtual HLElementRef createApplication(std::int32_t pid) = 0;
+
+  // nullptr when the process cannot be watched. Main thread.
+  [[nodiscard]] virtual std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) = 0;
+};

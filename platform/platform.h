@@ -1,0 +1,44 @@
+// What the program asks of its host, gathered. Installed once, at the start of main or of a test.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <variant>
+
+class HLAccessibility;
+class HLProcessInfo;
+class HLRunLoop;
+class HLRunningApplications;
+
+struct HLPlatform {
+  HLAccessibility& accessibility;
+  HLRunningApplications& runningApplications;
+  HLRunLoop& runLoop;
+  HLProcessInfo& process;
+};
+
+// The platform stays the caller's and must outlive its use; nullptr takes it out again. Not while other threads use it.
+void HLInstallPlatform(const HLPlatform* platform);
+
+// The installed platform; there must be one. Any thread.
+[[nodiscard]] const HLPlatform& HLCurrentPlatform();
+
+// A host: the owner of everything that a platform record refers to.
+class HLHost {
+ public:
+  HLHost() = default;
+  HLHost(const HLHost&) = delete;
+  HLHost& operator=(const HLHost&) = delete;
+  virtual ~HLHost() = default;
+
+  [[nodiscard]] virtual const HLPlatform& platform() const = 0;
+};
+
+// Why there is no host: one line for standard error, and the code to exit with.
+struct HLHostFailure {
+  std::string message;
+  int exitCode = 1;
+};
+
+// Defined by each host and chosen when the program is linked. Called once, on the main thread, before anything else.
+[[nodiscard]] std::variant<std::unique_ptr<HLHost>, HLHostFailure> HLMakeHost(int argc, char** argv);

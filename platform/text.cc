@@ -1,0 +1,161 @@
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool isSurrogate(char32_t codePoint) { return codePoint >= 0xD800 && codePoint <= 0xDFFF; }
+
+bool isAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+void append(std::string& text, char32_t codePoint) {
+  const auto byte = [&text](char32_t value) { text.push_back(static_cast<char>(value)); };
+  if (codePoint < 0x80) {
+    byte(codePoint);
+  } else if (codePoint < 0x800) {
+    byte(0xC0 | (codePoint >> 6));
+    byte(0x80 | (codePoint & 0x3F));
+  } else if (codePoint < 0x10000) {
+    byte(0xE0 | (codePoint >> 12));
+    byte(0x80 | ((codePoint >> 6) & 0x3F));
+    byte(0x80 | (codePoint & 0x3F));
+  } else {
+    byte(0xF0 | (codePoint >> 18));
+    byte(0x80 | ((codePoint >> 12) & 0x3F));
+    byte(0x80 | ((codePoint >> 6) & 0x3F));
+    byte(0x80 | (codePoint & 0x3F));
+  }
+}
+
+std::u16string toUtf16(std::string_view text) {
+  std::u16string units;
+  units.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) {
+    const char32_t codePoint = HLNextCodePoint(text, position);
+    if (codePoint < 0x10000) {
+      units.push_back(static_cast<char16_t>(codePoint));
+    } else {
+      units.push_back(static_cast<char16_t>(0xD7C0 + (codePoint >> 10)));
+      units.push_back(static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF)));
+    }
+  }
+  return units;
+}
+
+std::string toUtf8(std::u16string_view units) {
+  std::string text;
+  text.reserve(units.size() * 2);
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const char32_t unit = units[i];
+    const bool pair = unit >= 0xD800 && unit <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+                      units[i + 1] <= 0xDFFF;
+    append(text, pair ? 0x10000 + ((unit - 0xD800) << 10) + (units[++i] - 0xDC00U) : unit);
+  }
+  return text;
+}
+
+std::string lowercaseAscii(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
+}  // namespace
+
+char32_t HLNextCodePoint(std::string_view text, std::size_t& position) {
+  const auto at = [text](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
+  const std::uint8_t lead = at(position++);
+  if (lead < 0x80) return lead;
+  const int tail = lead >= 0xF0 && lead <= 0xF4 ? 3 : lead >= 0xE0 && lead < 0xF0 ? 2 : lead >= 0xC2 && lead < 0xE0 ? 1 : 0;
+  if (tail == 0 || position + static_cast<std::size_t>(tail) > text.size()) return kReplacement;
+  char32_t codePoint = lead & (0x3F >> tail);
+  for (int i = 0; i < tail; ++i) {
+    const std::uint8_t next = at(position + static_cast<std::size_t>(i));
+    if ((next & 0xC0) != 0x80) return kReplacement;
+    codePoint = (codePoint << 6) | (next & 0x3F);
+  }
+  const bool overlong = (tail == 2 && codePoint < 0x800) || (tail == 3 && codePoint < 0x10000);
+  if (overlong || codePoint > 0x10FFFF) return kReplacement;
+  position += static_cast<std::size_t>(tail);
+  return codePoint;
+}
+
+bool HLIsWhitespace(char32_t codePoint) {
+  switch (codePoint) {
+    case 0x0020:
+    case 0x0085:
+    case 0x00A0:
+    case 0x1680:
+    case 0x2028:
+    case 0x2029:
+    case 0x202F:
+    case 0x205F:
+    case 0x3000:
+      return true;
+    default:
+      return (codePoint >= 0x0009 && codePoint <= 0x000D) || (codePoint >= 0x2000 && codePoint <= 0x200B);
+  }
+}
+
+std::string_view HLTrim(std::string_view text) {
+  std::size_t begin = text.size();
+  std::size_t end = 0;
+  for (std::size_t position = 0; position < text.size();) {
+    const std::size_t start = position;
+    if (HLIsWhitespace(HLNextCodePoint(text, position))) continue;
+    begin = std::min(begin, start);
+    end = position;
+  }
+  return begin < end ? text.substr(begin, end - begin) : std::string_view();
+}
+
+std::string HLLowercase(std::string_view text) {
+  return isAscii(text) ? lowercaseAscii(text) : toUtf8(HLHostLowercase(toUtf16(text)));
+}
+
+std::string HLFoldCase(std::string_view text) {
+  return isAscii(text) ? lowercaseAscii(text) : toUtf8(HLHostFoldCase(toUtf16(text)));
+}
+
+bool HLContainsIgnoringCase(std::string_view text, std::string_view part) {
+  return HLFoldCase(text).find(HLFoldCase(part)) != std::string::npos;
+}
+
+std::string HLUtf16Prefix(std::string_view text, std::size_t units) {
+  if (text.size() <= units) return std::string(text);  // no unit takes less than a byte
+  std::string prefix;
+  std::size_t used = 0;
+  for (std::size_t position = 0; position < text.size() && used < units;) {
+    const char32_t codePoint = HLNextCodePoint(text, position);
+    const bool halved = codePoint >= 0x10000 && used + 1 == units;
+    append(prefix, halved ? 0xD7C0 + (codePoint >> 10) : codePoint);
+    used += codePoint >= 0x10000 ? 2 : 1;
+  }
+  return prefix;
+}
+
+bool HLIsEncodable(std::string_view text) {
+  // U+FFFD itself is a fine character: it is told from the answer for ill-formed bytes by its length of three.
+  for (std::size_t position = 0; position < text.size();) {
+    const std::size_t start = position;
+    const char32_t codePoint = HLNextCodePoint(text, position);
+    if (isSurrogate(codePoint) || (codePoint == kReplacement && position - start == 1)) return false;
+  }
+  return true;
+}
+
+std::string HLEncodableText(std::string_view text) {
+  std::string encodable;
+  for (std::size_t position = 0; position < text.size();) {
+    const char32_t codePoint = HLNextCodePoint(text, position);
+    append(encodable, isSurrogate(codePoint) ? kReplacement : codePoint);
+  }
+  return encodable;
+}

@@ -1,0 +1,39 @@
+// Text is UTF-8 in std::string. A pair of UTF-16 units that was cut in half leaves its half in generalized UTF-8 (three
+// bytes); everything here passes such a half through unchanged. All functions are pure; any thread.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// The code point at that byte, and the byte after it. A lone half of a pair is given as its surrogate; a byte that begins
+// nothing well-formed is given as U+FFFD, alone.
+[[nodiscard]] char32_t HLNextCodePoint(std::string_view text, std::size_t& position);
+
+// White space and line breaks, one table for every host: U+0009 to 000D, 0020, 0085, 00A0, 1680, 2000 to 200B, 2028, 2029,
+// 202F, 205F, 3000.
+[[nodiscard]] bool HLIsWhitespace(char32_t codePoint);
+
+// Without white space and line breaks at both ends.
+[[nodiscard]] std::string_view HLTrim(std::string_view text);
+
+// Full Unicode mappings that depend on no locale.
+[[nodiscard]] std::string HLLowercase(std::string_view text);
+[[nodiscard]] std::string HLFoldCase(std::string_view text);
+
+// Full case folding of both sides, then a literal search. Everything contains the empty text.
+[[nodiscard]] bool HLContainsIgnoringCase(std::string_view text, std::string_view part);
+
+// The first so many UTF-16 code units. A pair that the cut halves leaves its first half.
+[[nodiscard]] std::string HLUtf16Prefix(std::string_view text, std::size_t units);
+
+// Whether the text can be written as UTF-8: well-formed, without halves of pairs.
+[[nodiscard]] bool HLIsEncodable(std::string_view text);
+
+// The text with U+FFFD in place of everything that cannot be encoded.
+[[nodiscard]] std::string HLEncodableText(std::string_view text);
+
+// What the host's Unicode library does; the functions above call these for text that is not plain ASCII. A lone surrogate
+// maps to itself.
+[[nodiscard]] std::u16string HLHostLowercase(std::u16string_view text);
+[[nodiscard]] std::u16string HLHostFoldCase(std::u16string_view text);
