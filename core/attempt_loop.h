@@ -11,7 +11,8 @@
 
 inline constexpr std::int64_t HLAttemptLimit = 64;
 
-// Blocks until done. maxAlertsPerApp, where given, receives the largest number of alerts of one application at the start.
+// Blocks until done. maxAlertsPerApp, where given, receives the largest number of alerts of one application at the
+// start.
 [[nodiscard]] HLDismissResult HLRunDirectDismiss(const HLElement& application, std::int64_t* maxAlertsPerApp = nullptr);
 
 // 0 for no targets.

@@ -17,8 +17,8 @@ inline constexpr std::array<double, 2> HLBatchVerificationDelays = {0.08, 0.32};
 // Action, "|", snapshot: recognizes a control with the same content across scans.
 [[nodiscard]] std::string HLProgressIdentityKeyForTarget(const HLDismissTarget& target);
 
-// Resolves the targets and performs their actions, up to four at once, each control once. Returns those whose action was
-// accepted, in their order; adds to ineffective the keys of those that failed. Blocks until all are done.
+// Resolves the targets and performs their actions, up to four at once, each control once. Returns those whose action
+// was accepted, in their order; adds to ineffective the keys of those that failed. Blocks until all are done.
 [[nodiscard]] std::vector<HLDismissTarget> HLRunDismissBatch(const std::vector<HLDismissTarget>& eligible,
                                                              HLKeySet& ineffective);
 

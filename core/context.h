@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-// Extending a context costs no search of the words that were there before, so that a deep tree is scanned in linear time.
+// Extending a context costs no search of the words that were there before, so that a deep tree is scanned in linear
+// time.
 class HLContext {
  public:
   HLContext() = default;

@@ -1,6 +1,6 @@
-// The one place that reads other processes' elements. Every error of the platform becomes a missing value here: nothing,
-// an empty list, (NaN, NaN) or the null rectangle. Stateless; any thread; each call may block until the other process
-// answers.
+// The one place that reads other processes' elements. Every error of the platform becomes a missing value here:
+// nothing, an empty list, (NaN, NaN) or the null rectangle. Stateless; any thread; each call may block until the other
+// process answers.
 #pragma once
 
 #include <optional>
@@ -24,6 +24,14 @@
 // The null rectangle unless position and size are known and the size is positive in both directions. Negative
 // coordinates are kept: screens lie left of and above the main one.
 [[nodiscard]] HLRect HLFrameForElement(const HLElement& element);
+
+// What the functions above make of answers that have been read already.
+[[nodiscard]] std::optional<std::string> HLStringFromAttribute(const HLAttribute& attribute);
+[[nodiscard]] HLPoint HLPointFromAttribute(const HLAttribute& attribute);
+[[nodiscard]] HLSize HLSizeFromAttribute(const HLAttribute& attribute);
+[[nodiscard]] HLRect HLFrameFromPointAndSize(HLPoint point, HLSize size);
+// The members of a list that are elements, in their order; members of any other type are skipped.
+[[nodiscard]] std::vector<HLElementRef> HLElementsFromAttribute(const HLAttribute& attribute);
 
 // Whether the subrole, in any letter case, names one of Notification Center's own items.
 [[nodiscard]] bool HLIsNotificationBannerSubrole(std::string_view subrole);

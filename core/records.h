@@ -19,8 +19,8 @@ struct HLQueueItem {
 // A control that is believed to dismiss a notification.
 struct HLDismissTarget {
   HLElementRef element;
-  std::string action;    // as the element reports it
-  HLRect frame;          // when the target was made; may be null
+  std::string action;  // as the element reports it
+  HLRect frame;        // when the target was made; may be null
   std::int64_t score = 0;
   std::string snapshot;  // at most 180 UTF-16 units of the words that justified it
   std::string reason;    // why it was chosen: words joined by ","

@@ -33,8 +33,8 @@ struct HLDismissResult {
 // Takes the number of items left. Called from any thread, several at once, in no certain order.
 using HLProgressCallback = std::function<void(std::int64_t)>;
 
-// The one slot of the process: whoever wants to follow a dismissal puts a handler in and takes it out again. Any thread; a
-// handler that is replaced while it runs lives until it returns.
+// The one slot of the process: whoever wants to follow a dismissal puts a handler in and takes it out again. Any
+// thread; a handler that is replaced while it runs lives until it returns.
 void HLSetProgressHandler(HLProgressCallback handler);
 
 // Reports a count, a negative one as 0.

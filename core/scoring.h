@@ -1,6 +1,7 @@
 // Whether an element dismisses a notification: an additive score over yes/no tests of what was read of it.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -10,6 +11,9 @@
 #include "core/context.h"
 #include "core/element_facts.h"
 #include "core/records.h"
+
+// No word that a context is searched for is longer, in bytes.
+inline constexpr std::size_t HLLongestContextWord = 23;
 
 using HLWordList = std::span<const std::string_view>;
 

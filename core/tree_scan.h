@@ -1,6 +1,7 @@
 // The breadth-first walk of one window.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -9,7 +10,7 @@
 #include "core/element_facts.h"
 #include "core/records.h"
 
-inline constexpr int HLScanLimit = 1400;  // elements visited per root
+inline constexpr std::size_t HLScanLimit = 1400;  // elements visited per root
 
 // The targets at and below the root, in the order found, the first of each key. The label names the root in the log.
 [[nodiscard]] std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::string_view label);

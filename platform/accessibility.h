@@ -35,8 +35,8 @@ struct HLActionList {
 };
 
 // One node of another process's interface. All methods may be called from any thread, several at once, and may block
-// until that process answers; a host that cannot wait for ever answers HLAXErrorCannotComplete. An element that has gone,
-// or whose process has, answers HLAXErrorInvalidElement; without trust everything answers HLAXErrorAPIDisabled.
+// until that process answers; a host that cannot wait for ever answers HLAXErrorCannotComplete. An element that has
+// gone, or whose process has, answers HLAXErrorInvalidElement; without trust everything answers HLAXErrorAPIDisabled.
 class HLElement {
  public:
   HLElement() = default;

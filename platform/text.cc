@@ -52,8 +52,8 @@ std::string toUtf8(std::u16string_view units) {
   text.reserve(units.size() * 2);
   for (std::size_t i = 0; i < units.size(); ++i) {
     const char32_t unit = units[i];
-    const bool pair = unit >= 0xD800 && unit <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
-                      units[i + 1] <= 0xDFFF;
+    const bool pair =
+        unit >= 0xD800 && unit <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF;
     append(text, pair ? 0x10000 + ((unit - 0xD800) << 10) + (units[++i] - 0xDC00U) : unit);
   }
   return text;
@@ -73,7 +73,10 @@ char32_t HLNextCodePoint(std::string_view text, std::size_t& position) {
   const auto at = [text](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
   const std::uint8_t lead = at(position++);
   if (lead < 0x80) return lead;
-  const int tail = lead >= 0xF0 && lead <= 0xF4 ? 3 : lead >= 0xE0 && lead < 0xF0 ? 2 : lead >= 0xC2 && lead < 0xE0 ? 1 : 0;
+  const int tail = lead >= 0xF0 && lead <= 0xF4  ? 3
+                   : lead >= 0xE0 && lead < 0xF0 ? 2
+                   : lead >= 0xC2 && lead < 0xE0 ? 1
+                                                 : 0;
   if (tail == 0 || position + static_cast<std::size_t>(tail) > text.size()) return kReplacement;
   char32_t codePoint = lead & (0x3F >> tail);
   for (int i = 0; i < tail; ++i) {

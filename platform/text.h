@@ -6,12 +6,12 @@
 #include <string>
 #include <string_view>
 
-// The code point at that byte, and the byte after it. A lone half of a pair is given as its surrogate; a byte that begins
-// nothing well-formed is given as U+FFFD, alone.
+// The code point at that byte, and the byte after it. A lone half of a pair is given as its surrogate; a byte that
+// begins nothing well-formed is given as U+FFFD, alone.
 [[nodiscard]] char32_t HLNextCodePoint(std::string_view text, std::size_t& position);
 
-// White space and line breaks, one table for every host: U+0009 to 000D, 0020, 0085, 00A0, 1680, 2000 to 200B, 2028, 2029,
-// 202F, 205F, 3000.
+// White space and line breaks, one table for every host: U+0009 to 000D, 0020, 0085, 00A0, 1680, 2000 to 200B, 2028,
+// 2029, 202F, 205F, 3000.
 [[nodiscard]] bool HLIsWhitespace(char32_t codePoint);
 
 // Without white space and line breaks at both ends.
@@ -33,7 +33,7 @@
 // The text with U+FFFD in place of everything that cannot be encoded.
 [[nodiscard]] std::string HLEncodableText(std::string_view text);
 
-// What the host's Unicode library does; the functions above call these for text that is not plain ASCII. A lone surrogate
-// maps to itself.
+// What the host's Unicode library does; the functions above call these for text that is not plain ASCII. A lone
+// surrogate maps to itself.
 [[nodiscard]] std::u16string HLHostLowercase(std::u16string_view text);
 [[nodiscard]] std::u16string HLHostFoldCase(std::u16string_view text);

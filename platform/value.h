@@ -44,6 +44,6 @@ struct HLDictionaryEntry {
 // The value under the key, or nullptr.
 [[nodiscard]] const HLValue* HLDictionaryValue(const HLDictionary& dictionary, std::string_view key);
 
-// A number as text: a boolean as "1" or "0", an integer in decimal, any other by "%0.16g" in the C locale. Nothing for a
-// value of another type.
+// A number as text: a boolean as "1" or "0", an integer in decimal, any other by "%0.16g" in the C locale. Nothing for
+// a value of another type.
 [[nodiscard]] std::optional<std::string> HLNumberText(const HLValue& value);

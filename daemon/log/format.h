@@ -1,5 +1,5 @@
-// Messages are written as they read in the log: %@ for text, and of C's placeholders %s, %d, %ld, %lu, %%, and %f with a
-// precision. A message whose arguments do not fit its placeholders does not compile.
+// Messages are written as they read in the log: %@ for text, and of C's placeholders %s, %d, %ld, %lu, %%, and %f with
+// a precision. A message whose arguments do not fit its placeholders does not compile.
 #pragma once
 
 #include <concepts>
@@ -25,8 +25,10 @@ constexpr HLFormatPlaceholder HLParsePlaceholder(std::string_view format) {
   int precision = 6;
   if (i < format.size() && format[i] == '.') {
     precision = 0;
-    for (++i; i < format.size() && format[i] >= '0' && format[i] <= '9'; ++i) precision = precision * 10 + (format[i] - '0');
-    return i < format.size() && format[i] == 'f' ? HLFormatPlaceholder{'f', precision, i + 1} : HLFormatPlaceholder{0, 0, 0};
+    for (++i; i < format.size() && format[i] >= '0' && format[i] <= '9'; ++i)
+      precision = precision * 10 + (format[i] - '0');
+    return i < format.size() && format[i] == 'f' ? HLFormatPlaceholder{'f', precision, i + 1}
+                                                 : HLFormatPlaceholder{0, 0, 0};
   }
   const bool isLong = i < format.size() && format[i] == 'l';
   if (isLong) ++i;
@@ -53,7 +55,7 @@ template <class... Args>
 class HLFormatString {
  public:
   template <class Text>
-    requires std::convertible_to<const Text&, std::string_view>
+  requires std::convertible_to<const Text&, std::string_view>
   consteval HLFormatString(const Text& text) : text_(text) {  // NOLINT: converts on purpose
     constexpr char kinds[] = {HLPlaceholderKindOf<std::remove_cvref_t<Args>>()..., '\0'};
     std::size_t argument = 0;
@@ -61,7 +63,8 @@ class HLFormatString {
       if (text_[i] != '%') continue;
       const HLFormatPlaceholder placeholder = HLParsePlaceholder(text_.substr(i));
       if (placeholder.length == 0) throw "unknown placeholder";
-      if (placeholder.kind != '%' && placeholder.kind != kinds[argument++]) throw "an argument does not fit its placeholder";
+      if (placeholder.kind != '%' && placeholder.kind != kinds[argument++])
+        throw "an argument does not fit its placeholder";
       i += placeholder.length - 1;
     }
     if (argument != sizeof...(Args)) throw "arguments left over";

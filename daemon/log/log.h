@@ -9,7 +9,8 @@
 #include "daemon/log/format.h"
 #include "daemon/paths/paths.h"
 
-// Adds a line: the local time, a blank, the message. Does nothing without a path, or when the message cannot be encoded.
+// Adds a line: the local time, a blank, the message. Does nothing without a path, or when the message cannot be
+// encoded.
 void HLAppendLineToPath(const std::optional<std::string>& path, std::string_view message);
 
 // The status log: what the user did and what came of it.

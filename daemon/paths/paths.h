@@ -1,4 +1,5 @@
-// The build flavor and the places where state is kept. Paths are worked out anew at each call; the flavor once per process.
+// The build flavor and the places where state is kept. Paths are worked out anew at each call; the flavor once per
+// process.
 #pragma once
 
 #include <optional>

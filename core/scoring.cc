@@ -1,0 +1,124 @@
+#include "core/scoring.h"
+
+#include <algorithm>
+#include <array>
+
+#include "core/element_access.h"
+#include "platform/text.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+
+// The lists overlap on purpose; they are data, in the order in which they were found to be needed.
+constexpr std::array kDismissWords = {"close"sv, "dismiss"sv, "clear"sv};
+constexpr std::array kOwnCloseWords = {"close"sv, "dismiss"sv, "clear"sv, "xmark"sv};
+constexpr std::array kNegativeWords = {"reply"sv,   "open"sv,  "options"sv, "show"sv,   "view"sv,       "accept"sv,
+                                       "decline"sv, "allow"sv, "later"sv,   "snooze"sv, "mute"sv,       "unmute"sv,
+                                       "play"sv,    "pause"sv, "call"sv,    "manage"sv, "clear menu"sv, "menu item"sv};
+constexpr std::array kButtonWord = {"button"sv};
+constexpr std::array kMenuRoleWord = {"menu"sv};
+constexpr std::array kMenuStructureWords = {"menu item"sv, "menu bar"sv, "menubar"sv};
+constexpr std::array kNotificationWords = {"notification"sv,        "axnotification"sv, "stacked"sv,
+                                           "notification center"sv, "from iphone"sv,    "axnotificationlistitems"sv};
+
+constexpr bool fitContexts(HLWordList words) {
+  return std::all_of(words.begin(), words.end(),
+                     [](std::string_view word) { return word.size() <= HLLongestContextWord; });
+}
+static_assert(fitContexts(kNotificationWords) && fitContexts(kDismissWords));
+
+constexpr std::int64_t kAcceptance = 45;
+constexpr std::int64_t kShortcutScore = 220;
+constexpr double kSmallFrame = 60;  // points, both ways
+
+// For text that is lower-cased already.
+bool containsAny(std::string_view text, HLWordList words) {
+  return std::any_of(words.begin(), words.end(),
+                     [text](std::string_view word) { return text.find(word) != std::string_view::npos; });
+}
+
+bool isSmall(const HLRect& frame) {
+  return !frame.isNull() && frame.width <= kSmallFrame && frame.height <= kSmallFrame;
+}
+
+// Points and reason words, in the order in which they are tested.
+struct Score {
+  std::int64_t points = 0;
+  std::string reason;
+
+  void add(std::int64_t more, std::string_view word) {
+    points += more;
+    if (!reason.empty()) reason += ',';
+    reason += word;
+  }
+};
+
+}  // namespace
+
+bool HLStringContainsAny(std::string_view text, HLWordList words) { return containsAny(HLLowercase(text), words); }
+
+bool HLIsNotificationContext(std::string_view text) { return HLStringContainsAny(text, kNotificationWords); }
+
+bool HLContainsDismissWord(std::string_view text) { return HLStringContainsAny(text, kDismissWords); }
+
+bool HLHasOwnCloseWord(std::string_view own) { return HLStringContainsAny(own, kOwnCloseWords); }
+
+bool HLIsMenuLike(const HLElementFacts& facts) {
+  return HLStringContainsAny(facts.role, kMenuRoleWord) || HLStringContainsAny(facts.subrole, kMenuRoleWord) ||
+         containsAny(HLStructuralContext(facts), kMenuStructureWords);
+}
+
+std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames) {
+  const auto found = std::find_if(actionNames.begin(), actionNames.end(), HLContainsDismissWord);
+  return found == actionNames.end() ? std::nullopt : std::optional(*found);
+}
+
+bool HLIsPressable(const std::vector<std::string>& actionNames) {
+  return std::find(actionNames.begin(), actionNames.end(), "AXPress") != actionNames.end();
+}
+
+std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element, const HLElementFacts& facts,
+                                                     const HLContext& context, const std::string& own) {
+  const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
+
+  // Notification Center's own items come before the menu veto, and whatever words the notification holds: what it says
+  // must not keep it on screen.
+  if (explicitAction && HLIsNotificationBannerSubrole(facts.subrole)) {
+    return HLDismissTarget{element,
+                           *explicitAction,
+                           facts.frame,
+                           kShortcutScore,
+                           HLUtf16Prefix(own, HLSnapshotLimit),
+                           "notification-subrole-explicit-action"};
+  }
+  if (HLIsMenuLike(facts)) return std::nullopt;
+
+  const bool closeWords = HLHasOwnCloseWord(own) || context.hasCloseWord();
+  const bool negativeWords = containsAny(own, kNegativeWords);
+  const bool pressable = HLIsPressable(facts.actionNames);
+  const bool buttonLike = facts.role == "AXButton" || containsAny(own, kButtonWord);
+  const bool small = isSmall(facts.frame);
+
+  Score score;
+  std::string action = explicitAction.value_or("");
+  if (explicitAction) score.add(120, "explicit-action");
+  if (context.isNotification()) score.add(40, "notification-context");
+  if (closeWords) score.add(30, "close-words");
+  if (buttonLike && pressable) score.add(14, "pressable-button");
+  if (small) score.add(8, "small-frame");
+  if (negativeWords) score.add(-100, "negative-words");
+  if (!explicitAction && pressable && context.isNotification() &&
+      (closeWords || (buttonLike && !negativeWords && small))) {
+    action = "AXPress";
+    score.add(0, "press-fallback");
+  }
+  if (action.empty() || score.points < kAcceptance) return std::nullopt;
+
+  return HLDismissTarget{element,
+                         action,
+                         facts.frame,
+                         score.points,
+                         HLUtf16Prefix(own.empty() ? context.text() : own, HLSnapshotLimit),
+                         score.reason};
+}

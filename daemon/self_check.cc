@@ -1,0 +1,26 @@
+#include "daemon/self_check.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <ostream>
+
+#include "core/element_access.h"
+#include "core/notification_center.h"
+#include "daemon/log/log.h"
+#include "platform/platform.h"
+#include "platform/text.h"
+
+int HLSelfCheck(std::ostream& out) {
+  const bool trusted = HLIsAccessibilityTrusted(false);
+  const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
+  std::size_t targets = 0;
+  if (trusted && center) {
+    const HLElementRef application = HLCurrentPlatform().accessibility.createApplication(center->pid);
+    if (application != nullptr) targets = HLCurrentTargets(*application).size();
+  }
+  out << HLEncodableText(HLFormat("trusted=%s notificationCenterPid=%d targets=%ld %s\n", trusted ? "true" : "false",
+                                  center ? center->pid : 0, static_cast<std::int64_t>(targets),
+                                  HLLaunchContextSummary()));
+  return trusted ? EXIT_SUCCESS : EXIT_FAILURE;
+}
