@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// The lists overlap on purpose; they are data, in the order in which they were found to be needed.
+// The lists overlap on purpose and are not to be tidied: each is data with a history of its own.
 constexpr std::array kDismissWords = {"close"sv, "dismiss"sv, "clear"sv};
 constexpr std::array kOwnCloseWords = {"close"sv, "dismiss"sv, "clear"sv, "xmark"sv};
 constexpr std::array kNegativeWords = {"reply"sv,   "open"sv,  "options"sv, "show"sv,   "view"sv,       "accept"sv,

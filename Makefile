@@ -1,0 +1,53 @@
+# The commands of the house; CMakePresets.json holds what they configure. Each one installs what it needs and lacks.
+.PHONY: run test sanitize bench coverage lint tidy format clean
+
+CONFIGURE_FLAGS ?=
+JOBS ?= $(shell nproc)
+
+# Builds the program and shows it clear an ordinary evening's notifications off a simulated screen.
+run:
+	@tools/install-packages build
+	@cmake --preset dev $(CONFIGURE_FLAGS) >build-run.log || { cat build-run.log; exit 1; }; rm -f build-run.log
+	@cmake --build --preset dev -j $(JOBS) --target hushlet hushlet-sim
+	@mkdir -p build/demo && HOME=$(CURDIR)/build/demo HUSHLET_PICTURE=1 build/bin/hushlet-sim --dismiss-now
+
+# Every test, those on a real desktop included.
+test:
+	@tools/install-packages build test
+	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
+	cmake --build --preset dev -j $(JOBS)
+	ctest --preset dev -j $(JOBS)
+
+# The same tests under the address, undefined-behavior and thread sanitizers.
+sanitize:
+	@tools/install-packages build test
+	for preset in asan tsan; do \
+	  cmake --preset $$preset $(CONFIGURE_FLAGS) && cmake --build --preset $$preset -j $(JOBS) && \
+	  ctest --preset $$preset -j $(JOBS) || exit 1; \
+	done
+
+bench:
+	@tools/install-packages build bench
+	cmake --preset release -DHL_BENCH=ON $(CONFIGURE_FLAGS)
+	cmake --build --preset release -j $(JOBS)
+	tools/bench build-release
+
+coverage:
+	@tools/install-packages build test coverage
+	tools/coverage
+
+lint:
+	@tools/install-packages lint
+	tools/lint/all
+
+tidy:
+	@tools/install-packages build test lint
+	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
+	run-clang-tidy -quiet -p build 'hushlet.*/(core|daemon|platform)/.*\.cc$$'
+
+format:
+	@tools/install-packages lint
+	tools/lint/format --fix
+
+clean:
+	rm -rf build build-*
