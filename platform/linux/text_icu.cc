@@ -1,4 +1,5 @@
 // Case mappings by ICU.
+#include <unicode/uchar.h>
 #include <unicode/ustring.h>
 
 #include "platform/text.h"
