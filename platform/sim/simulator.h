@@ -27,8 +27,8 @@ struct HLSimulatedAction {
   HLAXError code = 0;
 };
 
-// The host, and the control side that tests look at. On the virtual clock the thread that made the simulator is its main
-// thread and has the first turn. Destruction writes the scene's record, if it asks for one.
+// The host, and the control side that tests look at. On the virtual clock the thread that made the simulator is its
+// main thread and has the first turn. Destruction writes the scene's record, if it asks for one.
 class HLSimulator : public HLHost {
  public:
   // The newest element that bears the id, present or gone, as a handle; nullptr when there is none.
@@ -43,8 +43,8 @@ class HLSimulator : public HLHost {
   [[nodiscard]] virtual double elapsed() const = 0;
 };
 
-// The simulator, or what is wrong with the scene: "NAME: applications[0].windows[1].frame: expected four numbers". The name
-// is that of the scene's file.
+// The simulator, or what is wrong with the scene: "NAME: applications[0].windows[1].frame: expected four numbers". The
+// name is that of the scene's file.
 [[nodiscard]] std::variant<std::unique_ptr<HLSimulator>, std::string> HLMakeSimulator(std::string_view scene,
                                                                                       const std::string& name,
                                                                                       HLSimulatorSetup setup);

@@ -1,0 +1,83 @@
+#include "platform/sim/simulator.h"
+
+#include <utility>
+
+#include "platform/sim/accessibility.h"
+#include "platform/sim/desktop.h"
+#include "platform/sim/process.h"
+#include "platform/sim/record.h"
+#include "platform/sim/run_loop.h"
+#include "platform/sim/scene_reader.h"
+
+namespace {
+
+class Simulator : public HLSimulator {
+ public:
+  Simulator(std::unique_ptr<const HLScene> scene, HLSimulatorSetup setup)
+      : runLoop_(desktop_),
+        accessibility_(desktop_),
+        runningApplications_(desktop_),
+        process_(*scene, std::move(setup)),
+        platform_{accessibility_, runningApplications_, runLoop_, process_} {
+    desktop_.scene = std::move(scene);
+    desktop_.world = std::make_unique<HLSimWorld>(
+        *desktop_.scene, [this](HLSimNode& node) { return HLMakeSimElement(desktop_, node); },
+        [this](const std::shared_ptr<HLSimRegistrations>& observer, HLElementRef element, const std::string& name) {
+          runLoop_.post([observer, element = std::move(element), name] {
+            if (!observer->attached) return;
+            const HLObserverCallback callback = observer->callback;
+            callback(element, name);
+          });
+        });
+    HLSimHappenings happenings = {[this] { return desktop_.world->nextDue(); },
+                                  [this](HLSimMoment now) { desktop_.world->happenUntil(now); }};
+    desktop_.clock =
+        desktop_.scene->realClock ? HLMakeRealClock(std::move(happenings)) : HLMakeVirtualClock(std::move(happenings));
+  }
+
+  ~Simulator() override {
+    if (!desktop_.scene->record) return;
+    const HLSimLock lock = desktop_.clock->lock();
+    HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_));
+  }
+
+  const HLPlatform& platform() const override { return platform_; }
+
+  HLElementRef element(std::string_view id) override {
+    const HLSimLock lock = desktop_.clock->lock();
+    HLSimNode* node = desktop_.world->newest(id);
+    return node == nullptr ? nullptr : desktop_.world->handle(*node);
+  }
+
+  std::vector<HLSimulatedAction> actions() const override {
+    const HLSimLock lock = desktop_.clock->lock();
+    return desktop_.world->actions();
+  }
+
+  std::vector<std::string> presentElements() const override {
+    const HLSimLock lock = desktop_.clock->lock();
+    return desktop_.world->presentElements();
+  }
+
+  double elapsed() const override {
+    const HLSimLock lock = desktop_.clock->lock();
+    return static_cast<double>(desktop_.clock->now()) / 1e6;
+  }
+
+ private:
+  HLSimDesktop desktop_;
+  HLSimRunLoop runLoop_;
+  HLSimAccessibility accessibility_;
+  HLSimRunningApplications runningApplications_;
+  HLSimProcessInfo process_;
+  HLPlatform platform_;
+};
+
+}  // namespace
+
+std::variant<std::unique_ptr<HLSimulator>, std::string> HLMakeSimulator(std::string_view scene, const std::string& name,
+                                                                        HLSimulatorSetup setup) {
+  auto read = HLReadScene(scene, name);
+  if (auto* error = std::get_if<std::string>(&read)) return std::move(*error);
+  return std::make_unique<Simulator>(std::get<std::unique_ptr<const HLScene>>(std::move(read)), std::move(setup));
+}
