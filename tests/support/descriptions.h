@@ -1,0 +1,16 @@
+// Records as one line of text, so that a test compares them whole and a difference can be read.
+#pragma once
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "core/records.h"
+#include "core/result.h"
+
+// "Name:Close 220 (1060,40,360,80) [snapshot] reason"; "nothing" for no target, "no frame" for the null rectangle.
+[[nodiscard]] std::string Describe(const std::optional<HLDismissTarget>& target);
+[[nodiscard]] std::vector<std::string> Describe(const std::vector<HLDismissTarget>& targets);
+
+void PrintTo(const HLDismissResult& result, std::ostream* stream);

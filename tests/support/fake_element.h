@@ -1,0 +1,31 @@
+// An element whose answers a test writes by hand, for what no scene can express.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/accessibility.h"
+
+class FakeElement : public HLElement {
+ public:
+  std::map<std::string, HLAttribute, std::less<>> attributes;  // any other is missing
+  HLActionList actions;
+  std::function<void()> onRead;  // called before each read of an attribute
+  std::function<HLAXError(std::string_view)> onAction = [](std::string_view) { return HLAXErrorSuccess; };
+  const void* node = this;  // fake elements of one node are equal
+
+  [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override {
+    if (onRead) onRead();
+    const auto found = attributes.find(name);
+    return found == attributes.end() ? HLAttribute{HLAXErrorNoValue, {}} : found->second;
+  }
+  [[nodiscard]] HLActionList copyActionNames() const override { return actions; }
+  [[nodiscard]] HLAXError performAction(std::string_view action) const override { return onAction(action); }
+  [[nodiscard]] bool isEqual(const HLElement& other) const override {
+    const auto* fake = dynamic_cast<const FakeElement*>(&other);
+    return fake != nullptr && fake->node == node;
+  }
+};

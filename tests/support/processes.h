@@ -1,0 +1,39 @@
+// Other processes: programs that are run, and functions that need a process of their own.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+struct ProgramRun {
+  int exitCode = 0;  // 128 and the signal's number where one ended it
+  std::string out;
+  std::string err;
+};
+
+// A program that has been started; its output goes to files.
+class RunningProgram {
+ public:
+  // In this process's environment with these variables set; one without a value is taken out.
+  RunningProgram(const std::vector<std::string>& command, const std::map<std::string, const char*>& environment);
+  RunningProgram(RunningProgram&& other) noexcept;
+  RunningProgram(const RunningProgram&) = delete;
+  RunningProgram& operator=(const RunningProgram&) = delete;
+  ~RunningProgram();
+
+  // Blocks until it has ended. Called once.
+  [[nodiscard]] ProgramRun wait();
+
+ private:
+  int pid_ = -1;
+  std::string out_;
+  std::string err_;
+};
+
+[[nodiscard]] ProgramRun RunProgram(const std::vector<std::string>& command,
+                                    const std::map<std::string, const char*>& environment);
+
+// Runs the function in a child process and returns what it returned there. For what is decided once per process. Throws
+// when the child does not end well.
+[[nodiscard]] std::string InChildProcess(const std::function<std::string()>& function);
