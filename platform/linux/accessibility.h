@@ -1,0 +1,25 @@
+// The accessibility bus in the home platform's terms.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "platform/accessibility.h"
+#include "platform/running_applications.h"
+
+// Trust is that the session has accessibility switched on and this process reaches its bus. An application element
+// stands for a process that is on that bus and has answered; reading its "AXWindows" reads the whole interface afresh,
+// and all its elements answer from there until the next such read. Actions always go to the process itself. A process
+// that falls silent keeps the windows that it last showed, so that silence is never taken for an empty screen.
+class HLLinuxAccessibility : public HLAccessibility {
+ public:
+  // A process that these list is a notification server.
+  explicit HLLinuxAccessibility(HLRunningApplications& servers) : servers_(servers) {}
+
+  [[nodiscard]] bool isProcessTrusted(bool prompt) override;
+  [[nodiscard]] HLElementRef createApplication(std::int32_t pid) override;
+  [[nodiscard]] std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) override;
+
+ private:
+  HLRunningApplications& servers_;
+};

@@ -1,0 +1,22 @@
+// A Linux desktop, gathered.
+#pragma once
+
+#include "platform/linux/accessibility.h"
+#include "platform/linux/process_info.h"
+#include "platform/linux/run_loop.h"
+#include "platform/linux/running_applications.h"
+#include "platform/platform.h"
+
+class HLLinuxHost : public HLHost {
+ public:
+  HLLinuxHost(int argc, char** argv) : process_(argc, argv) {}
+
+  [[nodiscard]] const HLPlatform& platform() const override { return platform_; }
+
+ private:
+  HLLinuxRunningApplications runningApplications_;
+  HLLinuxAccessibility accessibility_{runningApplications_};
+  HLLinuxRunLoop runLoop_;
+  HLLinuxProcessInfo process_;
+  const HLPlatform platform_{accessibility_, runningApplications_, runLoop_, process_};
+};

@@ -1,0 +1,26 @@
+// This process, and the bundle folder beside its executable.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/process_info.h"
+
+// The bundle folder of the executable DIR/bin/NAME is DIR/share/hushlet.
+class HLLinuxProcessInfo : public HLProcessInfo {
+ public:
+  HLLinuxProcessInfo(int argc, char** argv);
+
+  [[nodiscard]] std::vector<std::string> arguments() override { return arguments_; }
+  [[nodiscard]] std::optional<std::string> environment(std::string_view name) override;
+  [[nodiscard]] std::int32_t processIdentifier() override;
+  [[nodiscard]] std::int32_t parentProcessIdentifier() override;
+  [[nodiscard]] std::string homeDirectory() override;
+  [[nodiscard]] std::optional<std::string> applicationSupportDirectory() override;
+  [[nodiscard]] std::optional<std::string> bundleIdentifier() override;
+  [[nodiscard]] HLDictionary informationDictionary() override;
+
+ private:
+  std::vector<std::string> arguments_;
+};

@@ -1,0 +1,14 @@
+// Property lists, in XML or binary form.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/value.h"
+
+// The list's root value, or nothing when the bytes are no property list.
+[[nodiscard]] std::optional<HLValue> HLParsePropertyList(std::string_view bytes);
+
+// The same of a file; nothing when it cannot be read.
+[[nodiscard]] std::optional<HLValue> HLReadPropertyList(const std::string& path);

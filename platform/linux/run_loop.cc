@@ -1,0 +1,96 @@
+#include "platform/linux/run_loop.h"
+
+#include <pthread.h>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// A worker is started only when an operation finds no idle one, so that a batch of one costs one thread.
+class ThreadQueue : public HLOperationQueue {
+ public:
+  ThreadQueue(std::string name, int limit) : name_(std::move(name)), limit_(static_cast<std::size_t>(limit)) {}
+
+  ~ThreadQueue() override {
+    {
+      std::unique_lock lock(mutex_);
+      idle_.wait(lock, [this] { return unfinished_ == 0; });
+      ending_ = true;
+    }
+    work_.notify_all();
+    for (std::thread& worker : workers_) worker.join();
+  }
+
+  void addOperation(std::function<void()> operation) override {
+    const std::lock_guard lock(mutex_);
+    operations_.push_back(std::move(operation));
+    ++unfinished_;
+    if (unfinished_ > workers_.size() && workers_.size() < limit_) {
+      workers_.emplace_back([this] { run(); });
+      pthread_setname_np(workers_.back().native_handle(), name_.substr(0, kNameLimit).c_str());
+    } else {
+      work_.notify_one();
+    }
+  }
+
+  void waitUntilAllOperationsAreFinished() override {
+    std::unique_lock lock(mutex_);
+    idle_.wait(lock, [this] { return unfinished_ == 0; });
+  }
+
+ private:
+  static constexpr std::size_t kNameLimit = 15;  // the kernel's
+
+  void run() {
+    std::unique_lock lock(mutex_);
+    while (true) {
+      work_.wait(lock, [this] { return ending_ || !operations_.empty(); });
+      if (operations_.empty()) return;
+      {
+        const std::function<void()> operation = std::move(operations_.front());
+        operations_.pop_front();
+        lock.unlock();
+        operation();
+      }
+      lock.lock();
+      if (--unfinished_ == 0) idle_.notify_all();
+    }
+  }
+
+  const std::string name_;
+  const std::size_t limit_;
+  std::mutex mutex_;
+  std::condition_variable work_;
+  std::condition_variable idle_;
+  std::deque<std::function<void()>> operations_;
+  std::size_t unfinished_ = 0;
+  bool ending_ = false;
+  std::vector<std::thread> workers_;
+};
+
+}  // namespace
+
+double HLLinuxRunLoop::now() {
+  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+void HLLinuxRunLoop::sleep(double seconds) {
+  if (seconds > 0) std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
+
+// Nothing is delivered to the main thread yet but the passing of time.
+void HLLinuxRunLoop::runFor(double seconds) { sleep(seconds); }
+
+std::unique_ptr<HLOperationQueue> HLLinuxRunLoop::makeOperationQueue(const std::string& name, HLQualityOfService,
+                                                                     int maxConcurrentOperations) {
+  return std::make_unique<ThreadQueue>(name, std::max(1, maxConcurrentOperations));
+}

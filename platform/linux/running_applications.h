@@ -1,0 +1,24 @@
+// The desktop's notification server: the one application that the program has to do with here.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "platform/linux/process_watch.h"
+#include "platform/running_applications.h"
+
+// Whoever owns the notification service of the session bus is listed under Notification Center's bundle identifier;
+// nobody else is listed. Asking never starts a server, but a list() after the death of one that was sent a signal has
+// the bus start its successor.
+class HLLinuxRunningApplications : public HLRunningApplications {
+ public:
+  [[nodiscard]] std::vector<HLRunningApplication> list() override;
+  [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) override;
+  [[nodiscard]] HLSignalOutcome sendSignal(std::int32_t pid, int signal) override;
+
+ private:
+  std::mutex mutex_;
+  std::shared_ptr<const HLProcessWatch> signalled_;  // until its successor has been asked for
+};
