@@ -22,6 +22,6 @@ HLContext HLContext::extendedBy(std::string_view own) const {
 
 void HLContext::searchFrom(std::size_t begin) {
   const std::string_view fresh = std::string_view(text_).substr(begin);
-  isNotification_ = isNotification_ || HLIsNotificationContext(fresh);
-  hasCloseWord_ = hasCloseWord_ || HLContainsDismissWord(fresh);
+  isNotification_ = isNotification_ || HLContextHoldsNotificationWord(fresh);
+  hasCloseWord_ = hasCloseWord_ || HLContextHoldsCloseWord(fresh);
 }

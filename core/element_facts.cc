@@ -18,14 +18,11 @@ constexpr std::array<std::string_view, 12> kAttributes = {
 constexpr std::size_t kFirstChildList = 9;
 
 std::string joinedWords(std::initializer_list<std::string_view> texts) {
-  std::string words;
+  std::string joined;
   for (std::string_view text : texts) {
-    const std::string compact = HLCompactSnapshot(HLLowercase(text));
-    if (compact.empty()) continue;
-    if (!words.empty()) words += ' ';
-    words += compact;
+    if (!text.empty()) joined.append(text).append(" ");
   }
-  return words;
+  return HLCompactSnapshot(HLLowercase(joined));
 }
 
 }  // namespace

@@ -8,17 +8,15 @@
 std::string HLCompactSnapshot(std::string_view text) {
   std::string compact;
   compact.reserve(text.size());
-  bool gap = false;
+  std::size_t word = 0;
   for (std::size_t position = 0; position < text.size();) {
-    const std::size_t start = position;
-    if (HLIsWhitespace(HLNextCodePoint(text, position))) {
-      gap = !compact.empty();
-      continue;
-    }
-    if (gap) compact += ' ';
-    gap = false;
-    compact.append(text, start, position - start);
+    const std::size_t end = position;
+    if (!HLIsWhitespace(HLNextCodePoint(text, position))) continue;
+    if (end > word) compact.append(text, word, end - word).append(" ");
+    word = position;
   }
+  compact.append(text, word);
+  if (compact.ends_with(' ')) compact.pop_back();
   return compact;
 }
 

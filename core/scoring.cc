@@ -62,6 +62,10 @@ bool HLIsNotificationContext(std::string_view text) { return HLStringContainsAny
 
 bool HLContainsDismissWord(std::string_view text) { return HLStringContainsAny(text, kDismissWords); }
 
+bool HLContextHoldsNotificationWord(std::string_view context) { return containsAny(context, kNotificationWords); }
+
+bool HLContextHoldsCloseWord(std::string_view context) { return containsAny(context, kDismissWords); }
+
 bool HLHasOwnCloseWord(std::string_view own) { return HLStringContainsAny(own, kOwnCloseWords); }
 
 bool HLIsMenuLike(const HLElementFacts& facts) {
@@ -92,11 +96,12 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
                            HLUtf16Prefix(own, HLSnapshotLimit),
                            "notification-subrole-explicit-action"};
   }
+  const bool pressable = HLIsPressable(facts.actionNames);
+  if (!explicitAction && !(pressable && context.isNotification())) return std::nullopt;  // nothing to perform
   if (HLIsMenuLike(facts)) return std::nullopt;
 
   const bool closeWords = HLHasOwnCloseWord(own) || context.hasCloseWord();
   const bool negativeWords = containsAny(own, kNegativeWords);
-  const bool pressable = HLIsPressable(facts.actionNames);
   const bool buttonLike = facts.role == "AXButton" || containsAny(own, kButtonWord);
   const bool small = isSmall(facts.frame);
 
@@ -108,8 +113,7 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
   if (buttonLike && pressable) score.add(14, "pressable-button");
   if (small) score.add(8, "small-frame");
   if (negativeWords) score.add(-100, "negative-words");
-  if (!explicitAction && pressable && context.isNotification() &&
-      (closeWords || (buttonLike && !negativeWords && small))) {
+  if (!explicitAction && (closeWords || (buttonLike && !negativeWords && small))) {
     action = "AXPress";
     score.add(0, "press-fallback");
   }

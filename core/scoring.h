@@ -22,8 +22,12 @@ using HLWordList = std::span<const std::string_view>;
 
 [[nodiscard]] bool HLIsNotificationContext(std::string_view text);
 
-// Whether a lower-cased text holds "close", "dismiss" or "clear": what context and action names are tested for.
+// Whether the text, in any letter case, holds "close", "dismiss" or "clear": what action names are tested for.
 [[nodiscard]] bool HLContainsDismissWord(std::string_view text);
+
+// What a context, which is lower-cased already, is searched for.
+[[nodiscard]] bool HLContextHoldsNotificationWord(std::string_view context);
+[[nodiscard]] bool HLContextHoldsCloseWord(std::string_view context);
 
 // Whether the element's own words hold a word that marks a close control.
 [[nodiscard]] bool HLHasOwnCloseWord(std::string_view own);

@@ -9,8 +9,11 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 bool isSurrogate(char32_t codePoint) { return codePoint >= 0xD800 && codePoint <= 0xDFFF; }
 
+// Looks at every byte, which is quicker than stopping at the first that is not.
 bool isAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  unsigned char all = 0;
+  for (char c : text) all |= static_cast<unsigned char>(c);
+  return all < 0x80;
 }
 
 void append(std::string& text, char32_t codePoint) {
@@ -61,18 +64,15 @@ std::string toUtf8(std::u16string_view units) {
 
 std::string lowercaseAscii(std::string_view text) {
   std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
+  for (char& c : lower) c = static_cast<char>(c + (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0));
   return lower;
 }
 
 }  // namespace
 
-char32_t HLNextCodePoint(std::string_view text, std::size_t& position) {
+char32_t HLNextCodePointBeyondAscii(std::string_view text, std::size_t& position) {
   const auto at = [text](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
   const std::uint8_t lead = at(position++);
-  if (lead < 0x80) return lead;
   const int tail = lead >= 0xF0 && lead <= 0xF4  ? 3
                    : lead >= 0xE0 && lead < 0xF0 ? 2
                    : lead >= 0xC2 && lead < 0xE0 ? 1
@@ -90,9 +90,8 @@ char32_t HLNextCodePoint(std::string_view text, std::size_t& position) {
   return codePoint;
 }
 
-bool HLIsWhitespace(char32_t codePoint) {
+bool HLIsWhitespaceBeyondAscii(char32_t codePoint) {
   switch (codePoint) {
-    case 0x0020:
     case 0x0085:
     case 0x00A0:
     case 0x1680:
@@ -103,7 +102,7 @@ bool HLIsWhitespace(char32_t codePoint) {
     case 0x3000:
       return true;
     default:
-      return (codePoint >= 0x0009 && codePoint <= 0x000D) || (codePoint >= 0x2000 && codePoint <= 0x200B);
+      return codePoint >= 0x2000 && codePoint <= 0x200B;
   }
 }
 

@@ -6,13 +6,26 @@
 #include <string>
 #include <string_view>
 
+// Of a sequence that begins with a byte of 0x80 or more; see HLNextCodePoint.
+[[nodiscard]] char32_t HLNextCodePointBeyondAscii(std::string_view text, std::size_t& position);
+
 // The code point at that byte, and the byte after it. A lone half of a pair is given as its surrogate; a byte that
 // begins nothing well-formed is given as U+FFFD, alone.
-[[nodiscard]] char32_t HLNextCodePoint(std::string_view text, std::size_t& position);
+[[nodiscard]] inline char32_t HLNextCodePoint(std::string_view text, std::size_t& position) {
+  const auto byte = static_cast<unsigned char>(text[position]);
+  if (byte >= 0x80) return HLNextCodePointBeyondAscii(text, position);
+  ++position;
+  return byte;
+}
+
+[[nodiscard]] bool HLIsWhitespaceBeyondAscii(char32_t codePoint);
 
 // White space and line breaks, one table for every host: U+0009 to 000D, 0020, 0085, 00A0, 1680, 2000 to 200B, 2028,
 // 2029, 202F, 205F, 3000.
-[[nodiscard]] bool HLIsWhitespace(char32_t codePoint);
+[[nodiscard]] inline bool HLIsWhitespace(char32_t codePoint) {
+  if (codePoint >= 0x80) return HLIsWhitespaceBeyondAscii(codePoint);
+  return codePoint == 0x20 || (codePoint >= 0x09 && codePoint <= 0x0D);
+}
 
 // Without white space and line breaks at both ends.
 [[nodiscard]] std::string_view HLTrim(std::string_view text);
