@@ -142,6 +142,18 @@ TEST(DismissBatch, OfNoneStillLogsAndAllowsOne) {
                                          "resolutionMs=0 actionWallMs=0 actionSumMs=0"});
 }
 
+TEST(DismissBatch, ATargetWithoutAnElementIsPassedOver) {
+  SimulatedDesktop desktop("{}");
+  HLKeySet ineffective;
+  const auto accepted = HLRunDismissBatch(
+      {targetOf(nullptr, "AXPress", "none"), targetOf(std::make_shared<FakeElement>(), "AXPress", "a"),
+       targetOf(nullptr, "AXPress", "none"), targetOf(std::make_shared<FakeElement>(), "AXPress", "b")},
+      ineffective);
+  EXPECT_EQ(snapshots(accepted), (Lines{"a", "b"}));
+  EXPECT_EQ(desktop.diagnostics(), Lines{"batch actions eligible=4 attempted=2 clear=0 close=2 failed=0 "
+                                         "resolutionMs=0 actionWallMs=0 actionSumMs=0"});
+}
+
 TEST(DismissBatch, OfTargetsThatLeadToEqualElementsTheFirstIsPressed) {
   SimulatedDesktop desktop("{}");
   const auto first = std::make_shared<FakeElement>();

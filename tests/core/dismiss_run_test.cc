@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/accessibility.h"
+#include "platform/run_loop.h"
 #include "platform/running_applications.h"
 #include "tests/support/descriptions.h"
 #include "tests/support/scenes.h"
@@ -75,6 +77,12 @@ TEST(DismissRun, WithoutTrustIsDeniedBeforeNotificationCenterIsLookedFor) {
   EXPECT_EQ(run.spied.runningApplications.listings, 0);
   EXPECT_EQ(run.log, Lines{"dismiss preflight trusted=false " + LaunchContextWithoutParent()});
   EXPECT_EQ(run.counts, Counts{});
+}
+
+TEST(DismissRun, NeverAsksTheUserForTrust) {
+  const Dismissal run(scene("", R"(, "trusted": false, "services": {"grantOnPrompt": true})"));
+  HLCurrentPlatform().runLoop.runFor(1);
+  EXPECT_FALSE(HLCurrentPlatform().accessibility.isProcessTrusted(false));
 }
 
 TEST(DismissRun, WithoutNotificationCenterIsUnavailable) {
@@ -187,6 +195,12 @@ TEST(OverflowDrain, WithoutASuccessorLeavesTheFirstResult) {
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 20, 0}));
   EXPECT_EQ(run.log.back(), "overflow drain restart failed drain=0");
   EXPECT_EQ(run.desktop.elapsedMicroseconds(), 80'000 + 5'000'000);
+}
+
+TEST(OverflowDrain, AnyPositiveProcessIdentifierIsASuccessor) {
+  const Dismissal run(
+      scene(notificationCenter(400, alerts(20, "Mail", "a"), relaunch(0.25, notificationCenter(1, "")))));
+  EXPECT_EQ(run.drainLog(), Lines{"overflow drain=0 newPid=1 presented=0"});
 }
 
 TEST(OverflowDrain, WithoutTheSuccessorsRootElementLeavesTheFirstResultSilently) {
