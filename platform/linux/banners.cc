@@ -1,7 +1,6 @@
 #include "platform/linux/banners.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
@@ -13,16 +12,16 @@ namespace {
 
 const HLRawNode& at(const HLRawTree& tree, int index) { return tree[static_cast<std::size_t>(index)]; }
 
-template <std::size_t size, class Value>
-bool isOneOf(const std::array<Value, size>& values, const Value& value) {
-  return std::find(values.begin(), values.end(), value) != values.end();
+template <class Value, std::size_t size>
+bool isOneOf(const Value (&values)[size], const Value& value) {
+  return std::find(std::begin(values), std::end(values), value) != std::end(values);
 }
 
 bool isButton(const HLRawNode& node) { return node.role == HLRawRole::kPushButton; }
 
 bool isLabel(const HLRawNode& node) {
-  static constexpr std::array<std::uint32_t, 5> kLabels = {HLRawRole::kLabel, HLRawRole::kStatic, HLRawRole::kParagraph,
-                                                           HLRawRole::kHeading, HLRawRole::kSection};
+  static constexpr std::uint32_t kLabels[] = {HLRawRole::kLabel, HLRawRole::kStatic, HLRawRole::kParagraph,
+                                              HLRawRole::kHeading, HLRawRole::kSection};
   return isOneOf(kLabels, node.role);
 }
 
@@ -32,15 +31,15 @@ bool hasBannerRole(const HLRawNode& node) {
 
 // What a window that shows nothing but notifications is made of.
 bool isPlainRole(std::uint32_t role) {
-  static constexpr std::array<std::uint32_t, 29> kPlain = {
-      HLRawRole::kAlert,    HLRawRole::kDialog,     HLRawRole::kDrawingArea, HLRawRole::kFiller,
-      HLRawRole::kFrame,    HLRawRole::kGrouping,   HLRawRole::kHeading,     HLRawRole::kIcon,
-      HLRawRole::kImage,    HLRawRole::kLabel,      HLRawRole::kLayeredPane, HLRawRole::kLink,
-      HLRawRole::kList,     HLRawRole::kListBox,    HLRawRole::kListItem,    HLRawRole::kNotification,
-      HLRawRole::kPanel,    HLRawRole::kParagraph,  HLRawRole::kProgressBar, HLRawRole::kPushButton,
-      HLRawRole::kRootPane, HLRawRole::kScrollPane, HLRawRole::kSection,     HLRawRole::kSeparator,
-      HLRawRole::kStatic,   HLRawRole::kText,       HLRawRole::kUnknown,     HLRawRole::kViewport,
-      HLRawRole::kWindow};
+  static constexpr std::uint32_t kPlain[] = {
+      HLRawRole::kAlert,       HLRawRole::kComboBox,     HLRawRole::kEntry,    HLRawRole::kDialog,
+      HLRawRole::kDrawingArea, HLRawRole::kFiller,       HLRawRole::kFrame,    HLRawRole::kGrouping,
+      HLRawRole::kHeading,     HLRawRole::kIcon,         HLRawRole::kImage,    HLRawRole::kLabel,
+      HLRawRole::kLayeredPane, HLRawRole::kLink,         HLRawRole::kList,     HLRawRole::kListBox,
+      HLRawRole::kListItem,    HLRawRole::kNotification, HLRawRole::kPanel,    HLRawRole::kParagraph,
+      HLRawRole::kProgressBar, HLRawRole::kPushButton,   HLRawRole::kRootPane, HLRawRole::kScrollPane,
+      HLRawRole::kSection,     HLRawRole::kSeparator,    HLRawRole::kStatic,   HLRawRole::kText,
+      HLRawRole::kUnknown,     HLRawRole::kViewport,     HLRawRole::kWindow};
   return isOneOf(kPlain, role);
 }
 
@@ -79,52 +78,27 @@ bool holdsText(const HLRawTree& tree, const HLBanner& banner) {
 
 // The names of a close button are in the language of the desktop.
 bool isCloseName(const std::string& lower) {
-  static constexpr std::array<std::string_view, 32> kNames = {"close",
-                                                              "dismiss",
-                                                              "close notification",
-                                                              "dismiss notification",
-                                                              "schließen",
-                                                              "fermer",
-                                                              "cerrar",
-                                                              "chiudi",
-                                                              "fechar",
-                                                              "sluiten",
-                                                              "закрыть",
-                                                              "закрити",
-                                                              "zamknij",
-                                                              "zavřít",
-                                                              "zavrieť",
-                                                              "stäng",
-                                                              "luk",
-                                                              "lukk",
-                                                              "sulje",
-                                                              "sulge",
-                                                              "kapat",
-                                                              "bezárás",
-                                                              "închide",
-                                                              "zapri",
-                                                              "zatvori",
-                                                              "κλείσιμο",
-                                                              "tanca",
-                                                              "关闭",
-                                                              "關閉",
-                                                              "閉じる",
-                                                              "닫기",
-                                                              "إغلاق"};
+  // clang-format off
+  static constexpr std::string_view kNames[] = {
+      "close", "dismiss", "close notification", "dismiss notification", "schließen", "fermer", "cerrar",
+      "chiudi", "fechar", "sluiten", "закрыть", "закрити", "zamknij", "zavřít", "zavrieť", "stäng", "luk",
+      "lukk", "sulje", "sulge", "kapat", "bezárás", "închide", "zapri", "zatvori", "κλείσιμο", "tanca", "关闭",
+      "關閉", "閉じる", "닫기", "إغلاق"};
+  // clang-format on
   return isOneOf(kNames, std::string_view(lower));
 }
 
 bool isCloseGlyph(const std::string& lower) {
-  static constexpr std::array<std::string_view, 9> kGlyphs = {"x", "×", "✕", "✖", "✗", "✘", "⨯", "╳", "🗙"};
+  static constexpr std::string_view kGlyphs[] = {"x", "×", "✕", "✖", "✗", "✘", "⨯", "╳", "🗙"};
   return isOneOf(kGlyphs, std::string_view(lower));
 }
 
 // "Closes the notification." and its translations, by what their inflections have in common.
 bool speaksOfClosing(const std::string& lower) {
-  static constexpr std::array<std::string_view, 22> kStems = {
+  static constexpr std::string_view kStems[] = {
       "close",  "dismiss", "schließ", "ferme", "cierra", "cerrar", "chiud", "fecha", "slui",   "закр", "zamyka",
       "zamkni", "zavř",    "zavírá",  "stäng", "lukke",  "sulkee", "kapat", "bezár", "închid", "閉じ", "关闭"};
-  return std::any_of(kStems.begin(), kStems.end(),
+  return std::any_of(std::begin(kStems), std::end(kStems),
                      [&lower](std::string_view stem) { return lower.find(stem) != std::string::npos; });
 }
 
@@ -239,7 +213,7 @@ bool isPlain(const HLRawTree& tree, int window) {
   bool plain = true;
   walk(tree, window, [&](int index) {
     plain &= isPlainRole(at(tree, index).role);
-    return plain;
+    return plain && at(tree, index).role != HLRawRole::kComboBox;  // many actions are offered as a choice
   });
   return plain;
 }
@@ -285,7 +259,7 @@ const HLRawNode* nodeWithOwnTexts(const HLRawTree& tree, int index) {
 }  // namespace
 
 bool HLIsPressAction(std::string_view name) {
-  static constexpr std::array<std::string_view, 3> kPresses = {"click", "press", "activate"};
+  static constexpr std::string_view kPresses[] = {"click", "press", "activate"};
   return isOneOf(kPresses, std::string_view(HLLowercase(name)));
 }
 

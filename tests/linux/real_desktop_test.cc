@@ -1,0 +1,287 @@
+// The program on real desktops, with notification servers as people run them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/linux/session/desktop_session.h"
+
+namespace {
+
+using std::chrono::seconds;
+using testing::AnyOf;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+struct Server {
+  std::string name;
+  std::string command;
+  int most;                     // it refuses more notifications than that, or there is no point in more
+  std::uint32_t closingReason;  // that it gives when its close control is pressed
+};
+
+void PrintTo(const Server& server, std::ostream* out) { *out << server.name; }
+
+const Server kMate = {"mate", HL_MATE_SERVER, 20, 1};
+const Server kLxqt = {"lxqt", HL_LXQT_SERVER, 25, 2};
+const Server kXfce = {"xfce", HL_XFCE_SERVER, 25, 2};
+
+class RealDesktop : public testing::Test {
+ protected:
+  void begin(const SessionSetup& setup = {}) { session_ = std::make_unique<DesktopSession>(setup); }
+
+  void beginWith(const Server& server, const SessionSetup& setup = {}) {
+    begin(setup);
+    server_ = session_->startServer(server.command);
+    sender_ = std::make_unique<NotificationSender>(session_->environment());
+  }
+
+  void TearDown() override {
+    sender_ = nullptr;
+    server_ = nullptr;
+    session_ = nullptr;
+  }
+
+  std::vector<std::uint32_t> send(int count, const std::string& application = "") {
+    std::vector<std::uint32_t> ids;
+    for (int i = 1; i <= count; ++i) {
+      const std::string number = std::to_string(i);
+      ids.push_back(sender_->send(application.empty() ? "Application " + number : application, "Title " + number,
+                                  "What number " + number + " has to say"));
+    }
+    return ids;
+  }
+
+  // The program's own count, by its self-check.
+  int targets() {
+    const std::string out = run("--self-check");
+    const std::size_t at = out.find("targets=");
+    return at == std::string::npos ? -1 : std::stoi(out.substr(at + 8));
+  }
+
+  void waitForTargets(int count) {
+    ASSERT_TRUE(Eventually([&] { return targets() == count; })) << run("--self-check");
+  }
+
+  std::unique_ptr<ChildProcess> start(const std::string& mode) { return session_->start({HL_PROGRAM, mode}); }
+
+  std::string run(const std::string& mode) {
+    const std::unique_ptr<ChildProcess> program = start(mode);
+    if (!program->wait(seconds(60))) return "it hangs";
+    return program->output();
+  }
+
+  // What it prints; it must end well, and in that time.
+  std::string dismiss(std::chrono::milliseconds limit = seconds(20)) {
+    const std::unique_ptr<ChildProcess> program = start("--dismiss-now");
+    EXPECT_EQ(program->wait(limit), 0) << program->output();
+    return program->output();
+  }
+
+  void keepPicture(const std::string& moment) {
+    const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+    std::string name = std::string(test.test_suite_name()) + "." + test.name() + "-" + moment + ".png";
+    for (char& c : name) {
+      if (c == '/') c = '-';
+    }
+    session_->savePicture(std::string(HL_PICTURES) + "/" + name);
+  }
+
+  void expectClosed(const std::vector<std::uint32_t>& ids, const Server& server) {
+    ASSERT_TRUE(sender_->waitUntilClosed(ids, seconds(10)));
+    for (std::uint32_t id : ids) EXPECT_EQ(sender_->reasonOf(id), server.closingReason) << "notification " << id;
+  }
+
+  std::unique_ptr<DesktopSession> session_;
+  std::unique_ptr<ChildProcess> server_;
+  std::unique_ptr<NotificationSender> sender_;
+};
+
+class RealServer : public RealDesktop, public testing::WithParamInterface<Server> {};
+
+INSTANTIATE_TEST_SUITE_P(Servers, RealServer, testing::Values(kMate, kLxqt),
+                         [](const auto& server) { return server.param.name; });
+
+TEST_P(RealServer, OneNotificationIsClosed) {
+  beginWith(GetParam());
+  const std::vector<std::uint32_t> ids = send(1);
+  waitForTargets(1);
+  keepPicture("before");
+  EXPECT_EQ(dismiss(), "success|1|0\n");
+  expectClosed(ids, GetParam());
+  keepPicture("after");
+}
+
+TEST_P(RealServer, ThreeNotificationsOfSeveralApplicationsAreClosed) {
+  beginWith(GetParam());
+  const std::vector<std::uint32_t> ids = send(3);
+  waitForTargets(3);
+  keepPicture("before");
+  EXPECT_EQ(dismiss(), "success|3|0\n");
+  expectClosed(ids, GetParam());
+  keepPicture("after");
+}
+
+TEST_P(RealServer, FiveNotificationsOfOneApplicationAreClosed) {
+  beginWith(GetParam());
+  const std::vector<std::uint32_t> ids = send(5, "Chat");
+  waitForTargets(5);
+  EXPECT_EQ(dismiss(), "success|5|0\n");
+  expectClosed(ids, GetParam());
+}
+
+TEST_P(RealServer, MoreNotificationsThanTheScreenHoldsAreClosed) {
+  beginWith(GetParam());
+  const std::vector<std::uint32_t> ids = send(GetParam().most);
+  waitForTargets(GetParam().most);
+  keepPicture("before");
+  EXPECT_EQ(dismiss(), "success|" + std::to_string(GetParam().most) + "|0\n");
+  expectClosed(ids, GetParam());
+  keepPicture("after");
+}
+
+TEST_P(RealServer, TheButtonsOfTheApplicationAreNeverPressed) {
+  beginWith(GetParam());
+  const std::vector<std::string> actions = {"default", "Show", "reply", "Reply", "close",
+                                            "Close",   "x",    "x",     "undo",  "Undo"};
+  std::vector<std::uint32_t> ids;
+  for (int i = 0; i < 3; ++i) ids.push_back(sender_->send("Chat", "Ada " + std::to_string(i), "Lunch?", actions));
+  waitForTargets(3);
+  keepPicture("before");
+  EXPECT_EQ(dismiss(), "success|3|0\n");
+  expectClosed(ids, GetParam());
+  EXPECT_THAT(sender_->invoked(), IsEmpty());
+}
+
+TEST_P(RealServer, NothingOnScreenIsNothingToClear) {
+  beginWith(GetParam());
+  ASSERT_TRUE(Eventually([this] { return dismiss() == "nothing|0|0\n"; }));
+}
+
+TEST_P(RealServer, AServerThatIsStoppedIsAFailureAndNotAnEmptyScreen) {
+  beginWith(GetParam());
+  (void)send(2);
+  waitForTargets(2);
+  server_->signal(SIGSTOP);
+  EXPECT_EQ(dismiss(seconds(5)), "failed|0|0\n");
+}
+
+TEST_P(RealServer, AServerThatIsKilledInTheMiddleLeavesNothingToClear) {
+  beginWith(GetParam());
+  (void)send(GetParam().most);
+  waitForTargets(GetParam().most);
+  const std::unique_ptr<ChildProcess> program = start("--dismiss-now");
+  ASSERT_TRUE(Eventually([this] { return !sender_->closed().empty(); }));
+  server_->signal(SIGKILL);
+  ASSERT_EQ(program->wait(seconds(20)), 0) << program->output();
+  EXPECT_THAT(program->output(), AnyOf(StartsWith("success|"), StartsWith("failed|")));
+  EXPECT_THAT(program->output(), testing::EndsWith("|0\n"));
+}
+
+TEST_P(RealServer, WithoutTheAccessibilityBusAccessIsDenied) {
+  beginWith(GetParam());
+  (void)send(1);
+  waitForTargets(1);
+  kill(session_->accessibilityBusPid(), SIGKILL);
+  EXPECT_EQ(dismiss(seconds(5)), "accessDenied|0|0\n");
+}
+
+TEST_P(RealServer, WithoutTheSessionBusAccessIsDenied) {
+  beginWith(GetParam());
+  (void)send(1);
+  waitForTargets(1);
+  session_->sessionBus().signal(SIGKILL);
+  EXPECT_EQ(dismiss(seconds(5)), "accessDenied|0|0\n");
+}
+
+TEST_P(RealServer, ASessionBusThatIsStoppedIsGivenUp) {
+  beginWith(GetParam());
+  session_->sessionBus().signal(SIGSTOP);
+  EXPECT_EQ(dismiss(seconds(10)), "accessDenied|0|0\n");
+  session_->sessionBus().signal(SIGCONT);
+}
+
+TEST_P(RealServer, TheBusBringsBackAServerThatWasEndedForItsOverflow) {
+  beginWith(GetParam(), {.withAccessibility = true, .activatable = {GetParam().command}});
+  const pid_t before = server_->pid();
+  const std::vector<std::uint32_t> ids = send(GetParam().most, "Chat");
+  waitForTargets(GetParam().most);
+  EXPECT_EQ(dismiss(), "success|" + std::to_string(GetParam().most) + "|0\n");
+  expectClosed(ids, GetParam());
+  EXPECT_EQ(server_->wait(seconds(5)), 128 + SIGTERM);
+  const pid_t after = session_->serverPid();
+  EXPECT_NE(after, 0);
+  EXPECT_NE(after, before);
+}
+
+TEST_P(RealServer, AServerThatTheBusWouldNotBringBackIsLeftAlone) {
+  beginWith(GetParam());
+  const std::vector<std::uint32_t> ids = send(GetParam().most, "Chat");
+  waitForTargets(GetParam().most);
+  EXPECT_EQ(dismiss(), "success|" + std::to_string(GetParam().most) + "|0\n");
+  expectClosed(ids, GetParam());
+  EXPECT_FALSE(server_->wait(seconds(0))) << "it has ended";
+}
+
+TEST_P(RealServer, AServerInWhosePlaceTheBusWouldStartAnotherIsLeftAlone) {
+  beginWith(GetParam(), {.withAccessibility = true, .activatable = {GetParam().command, kXfce.command}});
+  (void)send(GetParam().most, "Chat");
+  waitForTargets(GetParam().most);
+  EXPECT_EQ(dismiss(), "success|" + std::to_string(GetParam().most) + "|0\n");
+  EXPECT_FALSE(server_->wait(seconds(0))) << "it has ended";
+}
+
+// Some servers show several alike as one, this one does not.
+TEST_F(RealDesktop, AlikeNotificationsAreClosedOneByOne) {
+  beginWith(kMate);
+  std::vector<std::uint32_t> ids;
+  for (int i = 0; i < 5; ++i) ids.push_back(sender_->send("Chat", "Ada", "Are you there?"));
+  waitForTargets(5);
+  EXPECT_EQ(dismiss(), "success|5|0\n");
+  expectClosed(ids, kMate);
+}
+
+// Its banners have no close control, only the application's own buttons.
+TEST_F(RealDesktop, AServerWithoutCloseControlsIsLeftAlone) {
+  beginWith(kXfce);
+  (void)sender_->send("Mail", "New message", "Hello");
+  (void)sender_->send("Chat", "Ada", "Lunch?", {"close", "Close", "dismiss", "Dismiss"});
+  keepPicture("before");
+  EXPECT_EQ(dismiss(), "nothing|0|0\n");
+  EXPECT_THAT(sender_->invoked(), IsEmpty());
+  EXPECT_THAT(sender_->closed(), IsEmpty());
+}
+
+TEST_F(RealDesktop, WithoutAServerThereIsNoNotificationCenter) {
+  begin();
+  EXPECT_EQ(dismiss(), "notificationCenterUnavailable|0|0\n");
+}
+
+TEST_F(RealDesktop, AskingDoesNotStartAServer) {
+  begin({.withAccessibility = true, .activatable = {kMate.command}});
+  EXPECT_EQ(dismiss(), "notificationCenterUnavailable|0|0\n");
+  EXPECT_EQ(session_->serverPid(), 0);
+}
+
+TEST_F(RealDesktop, WithoutAccessibilityAccessIsDenied) {
+  beginWith(kMate, {.withAccessibility = false, .activatable = {}});
+  EXPECT_EQ(dismiss(), "accessDenied|0|0\n");
+}
+
+TEST_F(RealDesktop, OutsideASessionAccessIsDenied) {
+  begin();
+  Environment environment = session_->environment();
+  environment.erase("DBUS_SESSION_BUS_ADDRESS");
+  environment["XDG_RUNTIME_DIR"] = session_->directory() + "/home";
+  ChildProcess program({HL_PROGRAM, "--dismiss-now"}, environment, session_->directory() + "/output");
+  EXPECT_EQ(program.wait(seconds(5)), 0);
+  EXPECT_EQ(program.output(), "accessDenied|0|0\n");
+}
+
+}  // namespace
