@@ -148,6 +148,8 @@ TEST(ElementFrame, NeedsAPositionAndAPositiveSize) {
   const double unknown = std::nan("");
   const HLPoint origin{0, 0};
   EXPECT_EQ(HLFrameFromPointAndSize(origin, {1, 25}), (HLRect{0, 0, 1, 25}));
+  EXPECT_EQ(HLFrameFromPointAndSize(origin, {25, 1}), (HLRect{0, 0, 25, 1}));
+  EXPECT_EQ(HLFrameFromPointAndSize(origin, {0.25, 0.25}), (HLRect{0, 0, 0.25, 0.25}));
   EXPECT_EQ(HLFrameFromPointAndSize({-1440, 12}, {360, 80}), (HLRect{-1440, 12, 360, 80}));
   for (const HLSize& size :
        {HLSize{0, 25}, HLSize{25, 0}, HLSize{-1, 25}, HLSize{25, -1}, HLSize{unknown, 25}, HLSize{25, unknown}}) {

@@ -58,10 +58,12 @@ TEST(TargetOrder, SizeActionSnapshotAndReasonTakeNoPart) {
 }
 
 TEST(TargetOrder, TheComparisonIsNegativeForTheFirstAndPositiveForTheSecond) {
-  const HLDismissTarget high = named("high", 92, {0, 10, 1, 1});
-  const HLDismissTarget low = named("low", 92, {0, 11, 1, 1});
-  EXPECT_LT(HLCompareTargets(high, low), 0);
-  EXPECT_GT(HLCompareTargets(low, high), 0);
+  const HLDismissTarget target = named("target", 92, {20, 10, 1, 1});
+  for (const HLDismissTarget& later :
+       {named("score", 91, {20, 10, 1, 1}), named("height", 92, {20, 11, 1, 1}), named("left", 92, {19, 10, 1, 1})}) {
+    EXPECT_LT(HLCompareTargets(target, later), 0) << later.snapshot;
+    EXPECT_GT(HLCompareTargets(later, target), 0) << later.snapshot;
+  }
 }
 
 TEST(TargetOrder, AnUnknownCoordinatePutsTheSecondFirstEitherWayRound) {

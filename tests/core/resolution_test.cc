@@ -103,7 +103,7 @@ TEST(ClearAction, IsAnActionThatNamesClearInAnyLetterCase) {
   for (const char* action : {"clear", "Name:Clear All", "CLEAR", "unclear"}) {
     EXPECT_TRUE(HLTargetUsesClearAction(pressOf(nullptr, {}, action))) << action;
   }
-  for (const char* action : {"", "Name:Close", "AXDismiss", "AXPress", "cle ar"}) {
+  for (const char* action : {"", "Name:Close", "AXDismiss", "AXPress", "cle ar", "Clean up"}) {
     EXPECT_FALSE(HLTargetUsesClearAction(pressOf(nullptr, {}, action))) << action;
   }
   HLDismissTarget snapshot = pressOf(nullptr, {}, "Name:Close");
@@ -251,6 +251,13 @@ TEST(FocusedControl, ATopEdgeWithin36OfTheGroupsIsNearTheTop) {
   EXPECT_EQ(found("36.001"), "AXPress 140 (0,36.001,20,10) [x] focused-press-fallback,small-frame");
   EXPECT_EQ(found("-36"), "AXPress 150 (0,-36,20,10) [x] focused-press-fallback,small-frame,near-top");
   EXPECT_EQ(found("-36.001"), "AXPress 140 (0,-36.001,20,10) [x] focused-press-fallback,small-frame");
+}
+
+TEST(FocusedControl, ThePlaceIsThatWithinTheGroup) {
+  SimulatedDesktop desktop(NotificationCenterScene(R"({"id": "group", "frame": [-1440, 500, 360, 80], "children": [
+      {"title": "x", "frame": [-1110, 508, 20, 20], "actions": ["AXPress"]}]})"));
+  EXPECT_EQ(Describe(HLFocusedDismissControlInSubtree(desktop.element("group"))),
+            "AXPress 180 (-1110,508,20,20) [x] focused-press-fallback,small-frame,top-rightish,near-top");
 }
 
 TEST(FocusedControl, AControlWithoutAFrameHasNoPlace) {

@@ -95,6 +95,22 @@ TEST(ResultText, CountsAreReadLeniently) {
   EXPECT_EQ(parsed("success|1.9|007\r"), (HLDismissResult{HLDismissStatusSuccess, 1, 7}));
 }
 
+TEST(ResultText, AllKindsOfBlanksBeforeACountAreSkipped) {
+  EXPECT_EQ(parsed("success|\t\n12|\v\f\r 3"), (HLDismissResult{HLDismissStatusSuccess, 12, 3}));
+  EXPECT_EQ(parsed("success|\b12|\x0E"
+                   "3"),
+            (HLDismissResult{HLDismissStatusSuccess, 0, 0}));
+}
+
+TEST(ResultText, CountsOfSixtyFourBitsAreExact) {
+  EXPECT_EQ(parsed("success|9223372036854775806|-9223372036854775807"),
+            (HLDismissResult{HLDismissStatusSuccess, 9223372036854775806, -9223372036854775807}));
+  EXPECT_EQ(parsed("success|9000000000000000001|-9000000000000000009"),
+            (HLDismissResult{HLDismissStatusSuccess, 9000000000000000001, -9000000000000000009}));
+  EXPECT_EQ(parsed("success|8999999999999999999|9223372036854775799"),
+            (HLDismissResult{HLDismissStatusSuccess, 8999999999999999999, 9223372036854775799}));
+}
+
 TEST(ResultText, CountsBeyondSixtyFourBitsAreClamped) {
   EXPECT_EQ(parsed("success|9223372036854775808|-9223372036854775809"),
             (HLDismissResult{HLDismissStatusSuccess, std::numeric_limits<std::int64_t>::max(),
