@@ -156,6 +156,8 @@ bool mayBeWholeBanner(const HLRawTree& tree, int index) {
                                                 [&](int button) { return mayClose(at(tree, button)); });
 }
 
+bool isContent(const HLRawNode& node) { return isButton(node) || (isLabel(node) && !node.name.empty()); }
+
 // The children that show something, and those of them that may be banners themselves.
 struct Content {
   std::vector<int> parts;
@@ -163,7 +165,6 @@ struct Content {
 };
 
 Content contentOf(const HLRawTree& tree, int index) {
-  const auto isContent = [](const HLRawNode& node) { return isButton(node) || (isLabel(node) && !node.name.empty()); };
   Content content;
   for (int child : at(tree, index).children) {
     const HLRawNode& node = at(tree, child);
@@ -201,11 +202,16 @@ void findByRole(const HLRawTree& tree, int index, std::vector<int>& found) {
   for (int child : node.children) findByRole(tree, child, found);
 }
 
-// A window of its own may be the banner, its role borne by the text inside only, with the close control beside it.
+// A window may be the banner as a whole: its role is borne by the text inside only, with the close control beside it.
+// Then it holds nothing else that is put together of several parts.
 int wholeBanner(const HLRawTree& tree, int index, std::size_t inWindow) {
   const int parent = at(tree, index).parent;
   const bool alone = inWindow == 1 && parent > 0 && at(tree, parent).parent == 0;
   if (!alone || mayBeWholeBanner(tree, index)) return index;
+  for (int sibling : at(tree, parent).children) {
+    const bool simple = isButton(at(tree, sibling)) || isLabel(at(tree, sibling));
+    if (sibling != index && !simple && anyBelow(tree, sibling, isContent)) return index;
+  }
   return parent;
 }
 
@@ -221,29 +227,31 @@ bool isPlain(const HLRawTree& tree, int window) {
 // ---------------------------------------------------------------------------------------------------------------------
 // What a banner says.
 
-// Some toolkits list labels in no order; what is hidden has no place and stays where it is listed.
+bool saysSomething(const HLRawNode& label) { return label.isVisible() && !HLTrim(label.name).empty(); }
+
+// Some toolkits list labels in no order. Those that are cut off have no place, and come last.
 std::vector<std::string> textsInReadingOrder(const HLRawTree& tree, const HLBanner& banner) {
   std::vector<int> labels;
   std::copy_if(banner.labels.begin(), banner.labels.end(), std::back_inserter(labels),
-               [&](int label) { return !HLTrim(at(tree, label).name).empty(); });
-  if (std::all_of(labels.begin(), labels.end(), [&](int label) { return at(tree, label).extents.has_value(); })) {
-    std::stable_sort(labels.begin(), labels.end(), [&](int a, int b) {
-      const HLRect& first = *at(tree, a).extents;
-      const HLRect& second = *at(tree, b).extents;
-      return first.y != second.y ? first.y < second.y : first.x < second.x;
-    });
-  }
+               [&](int label) { return saysSomething(at(tree, label)); });
+  std::stable_sort(labels.begin(), labels.end(), [&](int a, int b) {
+    const std::optional<HLRect>& first = at(tree, a).extents;
+    const std::optional<HLRect>& second = at(tree, b).extents;
+    if (!first || !second) return first && !second;
+    return first->y != second->y ? first->y < second->y : first->x < second->x;
+  });
   std::vector<std::string> texts;
   for (int label : labels) texts.emplace_back(HLTrim(at(tree, label).name));
   return texts;
 }
 
-// Servers that name the application have a label for each of its name, the title and the body, if only an empty one; an
-// empty one before them stands for the icon.
+// Servers that name the application have a label for each of its name, the title and the body, if only a hidden empty
+// one; an empty one before them stands for the icon.
 bool namesApplication(const HLRawTree& tree, const HLBanner& banner) {
   const auto first = std::find_if(banner.labels.begin(), banner.labels.end(),
-                                  [&](int label) { return !HLTrim(at(tree, label).name).empty(); });
-  return banner.labels.end() - first >= 3;
+                                  [&](int label) { return saysSomething(at(tree, label)); });
+  return std::count_if(first, banner.labels.end(),
+                       [&](int label) { return at(tree, label).isVisible() || at(tree, label).name.empty(); }) >= 3;
 }
 
 // Some servers say title and body once more, as name and description of the node that bears the role.

@@ -75,10 +75,9 @@ std::optional<std::string> HLLinuxProcessInfo::bundleIdentifier() {
   return *identifier;
 }
 
-HLDictionary HLLinuxProcessInfo::informationDictionary() {
-  const std::filesystem::path prefix = std::filesystem::path(arguments_.front()).parent_path().parent_path();
+HLDictionary HLBundleInformation(const std::string& executable) {
+  const std::filesystem::path prefix = std::filesystem::path(executable).parent_path().parent_path();
   std::optional<HLValue> list = HLReadPropertyList((prefix / "share/hushlet/Info.plist").string());
-  if (!list) return {};
-  HLDictionary* information = std::get_if<HLDictionary>(&*list);
+  HLDictionary* information = list ? std::get_if<HLDictionary>(&*list) : nullptr;
   return information == nullptr ? HLDictionary() : std::move(*information);
 }

@@ -7,7 +7,9 @@
 
 #include "platform/process_info.h"
 
-// The bundle folder of the executable DIR/bin/NAME is DIR/share/hushlet.
+// The information dictionary of an executable's bundle. The bundle folder of DIR/bin/NAME is DIR/share/hushlet.
+[[nodiscard]] HLDictionary HLBundleInformation(const std::string& executable);
+
 class HLLinuxProcessInfo : public HLProcessInfo {
  public:
   HLLinuxProcessInfo(int argc, char** argv);
@@ -19,7 +21,7 @@ class HLLinuxProcessInfo : public HLProcessInfo {
   [[nodiscard]] std::string homeDirectory() override;
   [[nodiscard]] std::optional<std::string> applicationSupportDirectory() override;
   [[nodiscard]] std::optional<std::string> bundleIdentifier() override;
-  [[nodiscard]] HLDictionary informationDictionary() override;
+  [[nodiscard]] HLDictionary informationDictionary() override { return HLBundleInformation(arguments_.front()); }
 
  private:
   std::vector<std::string> arguments_;

@@ -74,6 +74,7 @@ inline constexpr std::uint32_t kStatic = 116;
 namespace HLRawState {
 inline constexpr std::uint64_t kDefunct = 1ULL << 6;
 inline constexpr std::uint64_t kShowing = 1ULL << 25;
+inline constexpr std::uint64_t kVisible = 1ULL << 30;  // would show, were it not covered or scrolled away
 inline constexpr std::uint64_t kManagesDescendants = 1ULL << 31;
 }  // namespace HLRawState
 
@@ -91,6 +92,7 @@ struct HLRawNode {
   std::vector<std::string> actions;
   std::optional<HLRect> extents;
 
+  [[nodiscard]] bool isVisible() const { return isShowing() || (states & HLRawState::kVisible) != 0; }
   [[nodiscard]] bool isShowing() const {
     return (states & HLRawState::kShowing) != 0 && (states & HLRawState::kDefunct) == 0;
   }
