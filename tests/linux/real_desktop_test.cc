@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/linux/servers.h"
 #include "tests/linux/session/desktop_session.h"
 
 namespace {
@@ -18,19 +19,6 @@ using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-struct Server {
-  std::string name;
-  std::string command;
-  int most;                     // it refuses more notifications than that, or there is no point in more
-  std::uint32_t closingReason;  // that it gives when its close control is pressed
-};
-
-void PrintTo(const Server& server, std::ostream* out) { *out << server.name; }
-
-const Server kMate = {"mate", HL_MATE_SERVER, 20, 1};
-const Server kLxqt = {"lxqt", HL_LXQT_SERVER, 25, 2};
-const Server kXfce = {"xfce", HL_XFCE_SERVER, 25, 2};
 
 class RealDesktop : public testing::Test {
  protected:

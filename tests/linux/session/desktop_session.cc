@@ -145,11 +145,15 @@ void DesktopSession::startAccessibility() {
   if (!Eventually([&address] { return ownerOf(address, "org.a11y.Bus") != 0; })) {
     throw std::runtime_error("no accessibility bus");
   }
-  sd_bus* bus = connect(address);
-  const int set =
-      sd_bus_set_property(bus, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status", "IsEnabled", nullptr, "b", 1);
+  setAccessibilityEnabled(true);
+}
+
+void DesktopSession::setAccessibilityEnabled(bool enabled) {
+  sd_bus* bus = connect(environment_.at("DBUS_SESSION_BUS_ADDRESS"));
+  const int set = sd_bus_set_property(bus, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status", "IsEnabled", nullptr,
+                                      "b", enabled ? 1 : 0);
   sd_bus_close_unref(bus);
-  if (set < 0) throw std::runtime_error("accessibility cannot be switched on");
+  if (set < 0) throw std::runtime_error("accessibility cannot be switched");
 }
 
 pid_t DesktopSession::accessibilityBusPid() {

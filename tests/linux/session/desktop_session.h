@@ -28,6 +28,7 @@ class DesktopSession {
   [[nodiscard]] const std::string& directory() const { return directory_; }
   [[nodiscard]] ChildProcess& sessionBus() { return *sessionBus_; }
   [[nodiscard]] pid_t accessibilityBusPid();
+  void setAccessibilityEnabled(bool enabled);
 
   // Starts the program in the session.
   [[nodiscard]] std::unique_ptr<ChildProcess> start(const std::vector<std::string>& command);
