@@ -59,7 +59,8 @@ TEST(Context, EachWordIsFoundAloneAndWithinOthers) {
 
 TEST(Context, OtherWordsAreNone) {
   for (const char* word :
-       {"", "notificatio", "stack", "from", "iphone", "from ipad", "center", "xmark", "clos", "cle ar"}) {
+       {"", "notificatio", "otification", "stacke", "tacked", "from", "iphone", "from iphon", "rom iphone", "from ipad",
+        "center", "xmark", "clos", "lose", "dismis", "ismiss", "clea", "lear", "cle ar"}) {
     EXPECT_FALSE(HLContext(word).isNotification()) << word;
     EXPECT_FALSE(HLContext(word).hasCloseWord()) << word;
   }

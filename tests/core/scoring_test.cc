@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <string>
@@ -34,6 +35,25 @@ HLElementFacts banner(std::string title, HLRect frame = {0, 0, 360, 80}) {
   HLElementFacts facts = element("AXGroup", std::move(title), {"AXPress", "Name:Close"}, frame);
   facts.subrole = "AXNotificationCenterAlert";
   return facts;
+}
+
+const std::vector<std::string> kNegativeWords = {"reply",   "open",  "options", "show",   "view",       "accept",
+                                                 "decline", "allow", "later",   "snooze", "mute",       "unmute",
+                                                 "play",    "pause", "call",    "manage", "clear menu", "menu item"};
+const std::vector<std::string> kNotificationWords = {
+    "notification", "axnotification", "stacked", "notification center", "from iphone", "axnotificationlistitems"};
+
+// Each word without its first or its last letter, where that holds none of the words itself.
+std::vector<std::string> nearMisses(const std::vector<std::string>& words) {
+  std::vector<std::string> misses;
+  for (const std::string& word : words) {
+    for (const std::string& miss : {word.substr(1), word.substr(0, word.size() - 1)}) {
+      const bool isAnother = std::any_of(words.begin(), words.end(),
+                                         [&miss](const std::string& other) { return miss.find(other) != miss.npos; });
+      if (!isAnother) misses.push_back(miss);
+    }
+  }
+  return misses;
 }
 
 constexpr HLRect kSmall = {0, 0, 16, 16};
@@ -79,6 +99,10 @@ TEST(DismissAction, TheFirstThatSaysSoIsTakenUnchanged) {
   EXPECT_EQ(HLExplicitDismissAction({}), std::nullopt);
 }
 
+TEST(DismissAction, WordsThatResembleItsWordsAreNone) {
+  EXPECT_EQ(HLExplicitDismissAction(nearMisses({"close", "dismiss", "clear"})), std::nullopt);
+}
+
 TEST(Pressable, IsWhatListsExactlyAXPress) {
   EXPECT_TRUE(HLIsPressable({"AXShowMenu", "AXPress"}));
   for (const std::string action : {"axpress", "AXPress ", "AXPressed", "Press"}) {
@@ -122,6 +146,19 @@ TEST(MenuLike, IsAStructuralTextWithAMenuWord) {
     HLElementFacts facts;
     facts.*text = "menu item";
     EXPECT_FALSE(HLIsMenuLike(facts)) << "words that tell no structure";
+  }
+}
+
+TEST(MenuLike, WordsThatResembleMenuWordsAreNone) {
+  for (const std::string& word : nearMisses({"menu"})) {
+    HLElementFacts facts;
+    facts.role = facts.subrole = word;
+    EXPECT_FALSE(HLIsMenuLike(facts)) << word;
+  }
+  for (const std::string& words : nearMisses({"menu item", "menu bar", "menubar"})) {
+    HLElementFacts facts;
+    facts.roleDescription = facts.identifier = words;
+    EXPECT_FALSE(HLIsMenuLike(facts)) << words;
   }
 }
 
@@ -251,9 +288,7 @@ TEST(Score, AddsUpPointsAndReasonsInTheirOrder) {
 }
 
 TEST(Score, EachNegativeWordCostsAHundredPointsAnywhereInTheOwnText) {
-  for (const std::string word :
-       {"reply", "open", "options", "show", "view", "accept", "decline", "allow", "later", "snooze", "mute", "unmute",
-        "play", "pause", "call", "manage", "clear menu", "menu item"}) {
+  for (const std::string& word : kNegativeWords) {
     const bool isCloseWord = word == "clear menu";  // which is worth 30 points besides
     EXPECT_EQ(candidate(element("AXGroup", "x" + word + "y", {"Name:Close"}, kLarge), "notification"),
               "Name:Close " + std::string(isCloseWord ? "90" : "60") + " (0,0,360,80) [axgroup x" + word +
@@ -267,10 +302,28 @@ TEST(Score, NegativeWordsOfAncestorsDoNotCount) {
 }
 
 TEST(Score, WordsThatResembleNegativeOnesCostNothing) {
-  for (const std::string word :
-       {"repl", "ope n", "option", "clear  the menu", "item", "late", "cal", "accep", "menuitem"}) {
-    HLElementFacts facts = element("AXGroup", word, {"Name:Close"}, kLarge);
-    EXPECT_EQ(candidate(facts).find("negative-words"), std::string::npos) << word;
+  std::vector<std::string> words = nearMisses(kNegativeWords);
+  EXPECT_EQ(words.size(), 35U) << "all but the mute in unmute";
+  words.insert(words.end(), {"ope n", "clear  the menu", "menuitem"});
+  for (const std::string& word : words) {
+    const std::string found = candidate(element("AXGroup", word, {"Name:Close"}, kLarge), "notification");
+    EXPECT_NE(found, "nothing") << word;
+    EXPECT_EQ(found.find("negative-words"), std::string::npos) << word;
+  }
+}
+
+TEST(Score, WordsThatResembleCloseWordsAddNothing) {
+  for (const std::string& word : nearMisses({"close", "dismiss", "clear", "xmark"})) {
+    EXPECT_EQ(candidate(element("AXGroup", word, {"Name:Close"}, kLarge), word),
+              "Name:Close 120 (0,0,360,80) [axgroup " + word + "] explicit-action");
+  }
+}
+
+TEST(Score, WordsThatResembleNotificationWordsAddNothing) {
+  for (const std::string& word : nearMisses(kNotificationWords)) {
+    EXPECT_EQ(candidate(element("AXGroup", "", {"Name:Close"}, kLarge), word),
+              "Name:Close 120 (0,0,360,80) [axgroup] explicit-action");
+    EXPECT_FALSE(HLIsNotificationContext(word)) << word;
   }
 }
 
@@ -291,8 +344,7 @@ TEST(Score, OfAncestorsThreeCloseWordsCountAndXmarkDoesNot) {
 
 TEST(Score, EachNotificationWordOfTheContextCounts) {
   const HLElementFacts facts = element("AXGroup", "hello", {"Name:Close"}, kLarge);
-  for (const std::string words :
-       {"notification", "axnotification", "stacked", "notification center", "from iphone", "axnotificationlistitems"}) {
+  for (const std::string& words : kNotificationWords) {
     EXPECT_EQ(candidate(facts, words),
               "Name:Close 160 (0,0,360,80) [axgroup hello] explicit-action,notification-context");
   }
@@ -314,7 +366,10 @@ TEST(Score, AButtonIsTheRoleOrTheWordInItsOwnText) {
             "Name:Go clear 134 (0,0,360,80) [axbutton] explicit-action,pressable-button");
   EXPECT_EQ(withButtonWords("AXImage", "Radiobuttons"),
             "Name:Go clear 134 (0,0,360,80) [aximage radiobuttons] explicit-action,pressable-button");
-  EXPECT_EQ(withButtonWords("AXImage", "butto n"), "Name:Go clear 120 (0,0,360,80) [aximage butto n] explicit-action");
+  for (const std::string& word : nearMisses({"button"})) {
+    EXPECT_EQ(withButtonWords("AXImage", word),
+              "Name:Go clear 120 (0,0,360,80) [aximage " + word + "] explicit-action");
+  }
 }
 
 TEST(Score, TheRoleAloneMakesAButtonOfAnElementWithoutText) {
