@@ -85,6 +85,13 @@ TEST(TreeScan, AChildListedTwiceAsTwoHandlesIsVisitedTwiceAndKeptOnce) {
   EXPECT_EQ(scan.line, "scan root=here visited=3 candidates=1");
 }
 
+TEST(TreeScan, AHandleMetAgainDoesNotEndTheWalk) {
+  const Scan scan(
+      R"({"id": "root", "children": [{"id": "child"}, {"ref": "child"}, {"title": "c", "actions": ["Close"]}]})");
+  EXPECT_EQ(scan.snapshots, Lines{"c"});
+  EXPECT_EQ(scan.line, "scan root=here visited=3 candidates=1");
+}
+
 TEST(TreeScan, ACycleOfHandlesEnds) {
   const Scan scan(R"({"id": "root", "children": [{"id": "child", "children": [{"ref": "root"}, {"ref": "child"}]}]})");
   EXPECT_EQ(scan.line, "scan root=here visited=2 candidates=0");
