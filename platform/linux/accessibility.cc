@@ -1,5 +1,6 @@
 #include "platform/linux/accessibility.h"
 
+#include <atomic>
 #include <cstddef>
 #include <deque>
 #include <mutex>
@@ -66,6 +67,7 @@ class Element : public HLElement {
 
   const Snapshot& snapshot_;  // it owns this element, and every handle owns it
   const int index_;
+  mutable std::atomic<bool> pressed_ = false;  // it may be gone since
 };
 
 // What an application showed at one moment. Handles of its elements share the ownership of the whole.
@@ -77,7 +79,7 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
     for (int i = 0; i < count; ++i) elements_.emplace_back(*this, i);
   }
 
-  [[nodiscard]] Source& source() const { return *source_; }
+  [[nodiscard]] const std::shared_ptr<Source>& source() const { return source_; }
   [[nodiscard]] const HLPresentedNode& node(int index) const {
     return interface_->presentation.nodes[static_cast<std::size_t>(index)];
   }
@@ -116,10 +118,17 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
   mutable std::unordered_map<Identity, int, IdentityHash> index_;
 };
 
+std::shared_ptr<const Snapshot> takeSnapshot(const std::shared_ptr<Source>& source) {
+  std::unique_ptr<const HLAccessibleApplication::Interface> interface = source->application->read();
+  if (interface == nullptr) return nullptr;
+  return std::make_shared<const Snapshot>(source, std::move(interface));
+}
+
 std::optional<Element::Place> Element::place() const {
-  Source& source = snapshot_.source();
-  if (source.application->hasEnded()) return std::nullopt;
-  std::shared_ptr<const Snapshot> newest = source.newest();
+  const std::shared_ptr<Source>& source = snapshot_.source();
+  if (source->application->hasEnded()) return std::nullopt;
+  std::shared_ptr<const Snapshot> newest = pressed_ ? takeSnapshot(source) : nullptr;
+  if (newest == nullptr) newest = source->newest();
   if (newest == nullptr || newest.get() == &snapshot_) return Place{nullptr, &snapshot_, index_};
   const std::optional<int> index = newest->find(snapshot_.identity(index_));
   if (!index) return std::nullopt;
@@ -171,7 +180,9 @@ HLAXError Element::performAction(std::string_view name) const {
   if (!now) return HLAXErrorInvalidElement;
   for (const HLPresentedAction& action : now->snapshot->node(now->index).actions) {
     if (action.name != name) continue;
-    return snapshot_.source().application->press(now->snapshot->pathOf(action.node), action.action);
+    const HLAXError error = snapshot_.source()->application->press(now->snapshot->pathOf(action.node), action.action);
+    if (error == HLAXErrorSuccess) pressed_ = true;
+    return error;
   }
   return HLAXErrorActionUnsupported;
 }
@@ -179,7 +190,7 @@ HLAXError Element::performAction(std::string_view name) const {
 bool Element::isEqual(const HLElement& other) const {
   const auto* element = dynamic_cast<const Element*>(&other);
   return element != nullptr &&
-         snapshot_.source().application->pid() == element->snapshot_.source().application->pid() &&
+         snapshot_.source()->application->pid() == element->snapshot_.source()->application->pid() &&
          snapshot_.identity(index_) == element->snapshot_.identity(element->index_);
 }
 
@@ -220,12 +231,6 @@ class ApplicationElement : public HLElement {
   const std::shared_ptr<Source> source_;
   mutable std::shared_ptr<const Snapshot> shown_;  // under the source's mutex
 };
-
-std::shared_ptr<const Snapshot> takeSnapshot(const std::shared_ptr<Source>& source) {
-  std::unique_ptr<const HLAccessibleApplication::Interface> interface = source->application->read();
-  if (interface == nullptr) return nullptr;
-  return std::make_shared<const Snapshot>(source, std::move(interface));
-}
 
 HLAttribute ApplicationElement::windows() const {
   if (std::shared_ptr<const Snapshot> taken = takeSnapshot(source_)) {
