@@ -1,0 +1,192 @@
+// The simulated process, its record and its host.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/platform/desktop.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// A file's name in a place of the test's own, without the file.
+std::string freshPath(const std::string& name) {
+  const std::string path = testing::TempDir() + "sim_process_test." + std::to_string(getpid()) + "." + name;
+  std::remove(path.c_str());
+  return path;
+}
+
+std::string content(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+TEST(SimulatedProcess, HasTheArgumentsOfTheRealOneUnlessTheSceneSaysOtherwise) {
+  const HLSimulatorSetup setup{{"/bin/sim", "--a", "--b"}, {}};
+  EXPECT_THAT(Desktop("{}", setup).process().arguments(), ElementsAre("/bin/sim", "--a", "--b"));
+  EXPECT_THAT(Desktop(R"({"arguments": ["--c"]})", setup).process().arguments(), ElementsAre("/bin/sim", "--c"));
+  EXPECT_THAT(Desktop(R"({"arguments": []})", setup).process().arguments(), ElementsAre("/bin/sim"));
+}
+
+TEST(SimulatedProcess, HasTheEnvironmentThatItIsGiven) {
+  Desktop desktop("{}", {{"sim"}, {{"A", "1"}, {"EMPTY", ""}}});
+  EXPECT_EQ(desktop.process().environment("A"), "1");
+  EXPECT_EQ(desktop.process().environment("EMPTY"), "");
+  EXPECT_EQ(desktop.process().environment("PATH"), std::nullopt);
+}
+
+TEST(SimulatedProcess, FindsItsDirectoriesInTheSceneThenInTheEnvironment) {
+  const HLSimulatorSetup setup{{"sim"}, {{"HOME", "/home/me/"}}};
+  const HLSimulatorSetup withData{{"sim"}, {{"HOME", "/home/me"}, {"XDG_DATA_HOME", "/data/"}}};
+  EXPECT_EQ(Desktop("{}", setup).process().homeDirectory(), "/home/me");
+  EXPECT_EQ(Desktop(R"({"home": "/scene"})", setup).process().homeDirectory(), "/scene");
+  EXPECT_EQ(Desktop("{}", setup).process().applicationSupportDirectory(), "/home/me/.local/share");
+  EXPECT_EQ(Desktop(R"({"home": "/scene"})", setup).process().applicationSupportDirectory(), "/scene/.local/share");
+  EXPECT_EQ(Desktop("{}", withData).process().applicationSupportDirectory(), "/data");
+  EXPECT_EQ(Desktop(R"({"applicationSupport": "/s"})", withData).process().applicationSupportDirectory(), "/s");
+  EXPECT_EQ(Desktop(R"({"applicationSupport": null})", withData).process().applicationSupportDirectory(), std::nullopt);
+}
+
+TEST(SimulatedProcess, HasABundleWhereTheSceneGivesOne) {
+  EXPECT_EQ(Desktop("{}").process().bundleIdentifier(), std::nullopt);
+  EXPECT_TRUE(Desktop("{}").process().informationDictionary().empty());
+  Desktop desktop(R"({"bundle": {"identifier": "com.example.a", "info": {"HLProductFlavor": "product", "n": 3,
+    "nothing": null, "list": [1.5, {"deep": true}]}}})");
+  EXPECT_EQ(desktop.process().bundleIdentifier(), "com.example.a");
+  const HLDictionary info = desktop.process().informationDictionary();
+  EXPECT_EQ(info[0].key, "HLProductFlavor") << "entries keep their order";
+  EXPECT_EQ(*HLDictionaryValue(info, "HLProductFlavor")->as<std::string>(), "product");
+  EXPECT_EQ(*HLDictionaryValue(info, "n")->as<std::int64_t>(), 3);
+  EXPECT_TRUE(HLDictionaryValue(info, "nothing")->isMissing());
+  const HLArray list = *HLDictionaryValue(info, "list")->as<HLArray>();
+  EXPECT_EQ(*list[0].as<double>(), 1.5);
+  EXPECT_EQ(*HLDictionaryValue(*list[1].as<HLDictionary>(), "deep")->as<bool>(), true);
+}
+
+TEST(SimulatedProcess, HasTheParentThatTheSceneNamesAndElseNone) {
+  Desktop child(R"({"parent": 7, "applications": [{"pid": 7, "name": "Terminal"}]})");
+  EXPECT_EQ(child.process().parentProcessIdentifier(), 7);
+  Desktop orphan(
+      R"({"applications": [{"pid": 1}, {"pid": 500}, {"pid": 501}], "timeline": [{"at": 1, "launch": {"pid": 2}}]})");
+  orphan.sleep(1);
+  EXPECT_FALSE(orphan.applications().find(orphan.process().parentProcessIdentifier()).has_value());
+  EXPECT_FALSE(orphan.applications().find(orphan.process().processIdentifier()).has_value());
+}
+
+TEST(SimulatedProcess, HasTheSameIdentifierInEveryRun) {
+  EXPECT_EQ(Desktop("{}").process().processIdentifier(), Desktop("{}").process().processIdentifier());
+  EXPECT_EQ(Desktop("{}").process().parentProcessIdentifier(), Desktop("{}").process().parentProcessIdentifier());
+}
+
+// The record
+
+TEST(Record, IsALineAddedToItsFileAtTheEnd) {
+  const std::string path = freshPath("record");
+  std::ofstream(path) << "before\n";
+  {
+    Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "children": [{"id": "a", "actions": ["Close\n"],
+      "closes": "a"}, {"title": "nameless", "actions": ["AXPress"]}, {"id": "b"}]})",
+                          R"(, "record": ")" + path + '"'));
+    const HLElementRef nameless = desktop.elements(desktop.element("w"), "AXChildren").at(1);
+    desktop.sleep(0.0124);
+    EXPECT_EQ(desktop.press("a", "Close\n"), HLAXErrorSuccess);
+    desktop.sleep(0.1);
+    EXPECT_EQ(nameless->performAction("AXRaise"), HLAXErrorActionUnsupported);
+    EXPECT_EQ(content(path), "before\n");
+  }
+  EXPECT_EQ(content(path),
+            "before\n"
+            R"({"at":0.112,"observers":[],"actions":[{"at":0.012,"element":"a","action":"Close\n","code":0},)"
+            R"({"at":0.112,"element":null,"action":"AXRaise","code":-25206}],"present":["w","b"]})"
+            "\n");
+}
+
+TEST(Record, ListsTheObserversThatAreStillThere) {
+  const std::string path = freshPath("observers");
+  const HLObserverCallback nothing = [](const HLElementRef&, std::string_view) {};
+  std::unique_ptr<HLObserver> kept;
+  {
+    Desktop desktop(Scene(R"({"id": "w"})", R"(, "record": ")" + path + '"'));
+    const auto dropped = desktop.accessibility().createObserver(400, nothing);
+    kept = desktop.accessibility().createObserver(400, nothing);
+    const HLElementRef root = desktop.accessibility().createApplication(400);
+    EXPECT_EQ(kept->addNotification(root, "N"), HLAXErrorSuccess);
+    EXPECT_EQ(kept->addNotification(desktop.element("w"), "N"), HLAXErrorSuccess);
+    EXPECT_EQ(kept->addNotification(root, "A"), HLAXErrorSuccess);
+  }
+  kept.reset();
+  EXPECT_EQ(content(path), R"({"at":0.0,"observers":[{"pid":400,"notifications":["N","A"]}],"actions":[],)"
+                           R"("present":["w"]})"
+                           "\n");
+}
+
+TEST(Record, ThatCannotBeWrittenIsComplainedAbout) {
+  testing::internal::CaptureStderr();
+  { const Desktop desktop(R"({"record": "/nowhere/at/all"})"); }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "/nowhere/at/all: No such file or directory\n");
+}
+
+// The host of hushlet-sim
+
+class Host : public testing::Test {
+ protected:
+  void TearDown() override { unsetenv("HUSHLET_SCENE"); }
+
+  static std::variant<std::unique_ptr<HLHost>, HLHostFailure> make() {
+    std::string program = "hushlet-sim";
+    std::string mode = "--dismiss-now";
+    std::vector<char*> arguments = {program.data(), mode.data(), nullptr};
+    return HLMakeHost(2, arguments.data());
+  }
+  static std::string failureWith(const std::string& path) {
+    setenv("HUSHLET_SCENE", path.c_str(), 1);
+    const auto made = make();
+    const auto* failure = std::get_if<HLHostFailure>(&made);
+    if (failure == nullptr) return "";
+    EXPECT_EQ(failure->exitCode, 2);
+    return failure->message;
+  }
+};
+
+TEST_F(Host, ShowsTheBuiltInEveningWhereNoSceneIsNamed) {
+  const auto made = make();
+  const auto* host = std::get_if<std::unique_ptr<HLHost>>(&made);
+  ASSERT_NE(host, nullptr);
+  const HLPlatform& platform = (*host)->platform();
+  EXPECT_THAT(platform.process.arguments(), ElementsAre("hushlet-sim", "--dismiss-now"));
+  EXPECT_EQ(platform.process.environment("PATH"), std::getenv("PATH"));
+  EXPECT_EQ(platform.runningApplications.list().back().bundleIdentifier, "com.apple.notificationcenterui");
+}
+
+TEST_F(Host, ShowsTheSceneThatTheEnvironmentNames) {
+  const std::string path = freshPath("scene.json");
+  std::ofstream(path) << R"({"applications": [{"pid": 77}]})";
+  setenv("HUSHLET_SCENE", path.c_str(), 1);
+  const auto made = make();
+  const auto* host = std::get_if<std::unique_ptr<HLHost>>(&made);
+  ASSERT_NE(host, nullptr);
+  EXPECT_TRUE((*host)->platform().runningApplications.find(77).has_value());
+}
+
+TEST_F(Host, IsNotThereForASceneThatCannotBeRead) {
+  const std::string path = freshPath("bad.json");
+  std::ofstream(path) << R"({"applications": [{"pid": 77, "windows": [{}, {"frame": [1]}]}]})";
+  EXPECT_EQ(failureWith(path), path + ": applications[0].windows[1].frame: expected four numbers");
+  std::ofstream(path) << "";
+  EXPECT_NE(failureWith(path), "");
+  EXPECT_EQ(failureWith("/nowhere.json"), "/nowhere.json: cannot be read: No such file or directory");
+  EXPECT_EQ(failureWith("/"), "/: cannot be read: Is a directory");
+}
+
+}  // namespace
