@@ -3,8 +3,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/sim/built_in_scene.h"
@@ -28,6 +31,20 @@ HLSimulatorSetup setupFromProcess(int argc, char** argv) {
   return setup;
 }
 
+// Shows the screen as it is at the start and as it is at the end.
+class WatchedHost : public HLHost {
+ public:
+  explicit WatchedHost(std::unique_ptr<HLSimulator> simulator) : simulator_(std::move(simulator)) { show("before"); }
+  ~WatchedHost() override { show("after"); }
+
+  [[nodiscard]] const HLPlatform& platform() const override { return simulator_->platform(); }
+
+ private:
+  void show(const char* when) const { std::cout << when << ":\n" << simulator_->picture() << std::flush; }
+
+  std::unique_ptr<HLSimulator> simulator_;
+};
+
 }  // namespace
 
 std::variant<std::unique_ptr<HLHost>, HLHostFailure> HLMakeHost(int argc, char** argv) {
@@ -43,5 +60,9 @@ std::variant<std::unique_ptr<HLHost>, HLHostFailure> HLMakeHost(int argc, char**
   }
   auto made = HLMakeSimulator(scene, name, setupFromProcess(argc, argv));
   if (auto* error = std::get_if<std::string>(&made)) return HLHostFailure{std::move(*error), kBadScene};
-  return std::unique_ptr<HLHost>(std::get<std::unique_ptr<HLSimulator>>(std::move(made)));
+  auto simulator = std::get<std::unique_ptr<HLSimulator>>(std::move(made));
+  const char* picture = std::getenv("HUSHLET_PICTURE");
+  if (picture != nullptr && std::string_view(picture) == "1")
+    return std::make_unique<WatchedHost>(std::move(simulator));
+  return std::unique_ptr<HLHost>(std::move(simulator));
 }

@@ -4,6 +4,7 @@
 
 #include "platform/sim/accessibility.h"
 #include "platform/sim/desktop.h"
+#include "platform/sim/picture.h"
 #include "platform/sim/process.h"
 #include "platform/sim/record.h"
 #include "platform/sim/run_loop.h"
@@ -62,6 +63,11 @@ class Simulator : public HLSimulator {
   double elapsed() const override {
     const HLSimLock lock = desktop_.clock->lock();
     return static_cast<double>(desktop_.clock->now()) / 1e6;
+  }
+
+  std::string picture() const override {
+    const HLSimLock lock = desktop_.clock->lock();
+    return HLPictureOfScreen(*desktop_.world);
   }
 
  private:

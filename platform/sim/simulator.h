@@ -41,6 +41,9 @@ class HLSimulator : public HLHost {
 
   // Seconds from the start on the scene's clock.
   [[nodiscard]] virtual double elapsed() const = 0;
+
+  // The screen as it is now, drawn in lines of characters.
+  [[nodiscard]] virtual std::string picture() const = 0;
 };
 
 // The simulator, or what is wrong with the scene: "NAME: applications[0].windows[1].frame: expected four numbers". The
