@@ -7,9 +7,24 @@
 
 #include "core/element_access.h"
 #include "core/notification_center.h"
+#include "core/result.h"
+#include "daemon/local_socket.h"
 #include "daemon/log/log.h"
 #include "platform/platform.h"
 #include "platform/text.h"
+
+namespace {
+
+std::optional<HLDismissResult> askDaemon() {
+  HLDismissResult result;
+  return HLRunLocalSocketCommand("self-check", result) ? std::optional(result) : std::nullopt;
+}
+
+bool isReachable(const std::optional<HLDismissResult>& answer) {
+  return answer && answer->status != HLDismissStatusAccessDenied;
+}
+
+}  // namespace
 
 int HLSelfCheck(std::ostream& out) {
   const bool trusted = HLIsAccessibilityTrusted(false);
@@ -23,4 +38,13 @@ int HLSelfCheck(std::ostream& out) {
                                   center ? center->pid : 0, static_cast<std::int64_t>(targets),
                                   HLLaunchContextSummary()));
   return trusted ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+bool HLLocalDaemonReachable() { return isReachable(askDaemon()); }
+
+int HLLocalDaemonSelfCheck(std::ostream& out) {
+  const std::optional<HLDismissResult> answer = askDaemon();
+  out << HLFormat("reachable=%s status=%s\n", isReachable(answer) ? "true" : "false",
+                  answer ? HLStatusString(answer->status) : std::string_view("unreachable"));
+  return isReachable(answer) ? EXIT_SUCCESS : EXIT_FAILURE;
 }

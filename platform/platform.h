@@ -7,14 +7,18 @@
 
 class HLAccessibility;
 class HLProcessInfo;
+class HLPropertyLists;
 class HLRunLoop;
 class HLRunningApplications;
+class HLUserNotifications;
 
 struct HLPlatform {
   HLAccessibility& accessibility;
   HLRunningApplications& runningApplications;
   HLRunLoop& runLoop;
   HLProcessInfo& process;
+  HLPropertyLists& propertyLists;
+  HLUserNotifications& userNotifications;
 };
 
 // The platform stays the caller's and must outlive its use; nullptr takes it out again. Not while other threads use it.

@@ -21,6 +21,19 @@ class HLOperationQueue {
   virtual void waitUntilAllOperationsAreFinished() = 0;
 };
 
+// Lets one thread wait for another. Any thread.
+class HLSemaphore {
+ public:
+  HLSemaphore() = default;
+  HLSemaphore(const HLSemaphore&) = delete;
+  HLSemaphore& operator=(const HLSemaphore&) = delete;
+  virtual ~HLSemaphore() = default;
+
+  virtual void signal() = 0;
+  // Waits for a signal, which it takes, for at most so many seconds; whether there was one.
+  [[nodiscard]] virtual bool wait(double seconds) = 0;
+};
+
 class HLRunLoop {
  public:
   HLRunLoop() = default;
@@ -42,4 +55,6 @@ class HLRunLoop {
   [[nodiscard]] virtual std::unique_ptr<HLOperationQueue> makeOperationQueue(const std::string& name,
                                                                              HLQualityOfService quality,
                                                                              int maxConcurrentOperations) = 0;
+
+  [[nodiscard]] virtual std::unique_ptr<HLSemaphore> makeSemaphore() = 0;
 };

@@ -1,0 +1,89 @@
+#include "autoclose/auto_closer.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <ostream>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/element_access.h"
+#include "core/notification_center.h"
+#include "daemon/log/log.h"
+#include "platform/platform.h"
+#include "platform/process_info.h"
+#include "platform/run_loop.h"
+
+namespace {
+
+constexpr std::string_view kLayoutChanged = "AXLayoutChanged";
+constexpr std::size_t kHandledLimit = 200;
+
+std::optional<std::string> closeAction(const std::vector<std::string>& names) {
+  const auto found = std::find_if(names.begin(), names.end(), [](const std::string& name) {
+    return name.starts_with("Name:Close") || name == "AXClose";
+  });
+  return found == names.end() ? std::nullopt : std::optional(*found);
+}
+
+}  // namespace
+
+HLAutoCloser::~HLAutoCloser() { stop(); }
+
+void HLAutoCloser::startForCurrentNotificationCenter() {
+  stop();
+  HLAccessibility& accessibility = HLCurrentPlatform().accessibility;
+  const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
+  if (center) {
+    observer_ = accessibility.createObserver(
+        center->pid, [this](const HLElementRef& element, std::string_view) { handleEvent(*element); });
+  }
+  if (observer_ == nullptr) {
+    HLAppendLog("auto-close start failed nc=%@", center ? "present" : "missing");
+    return;
+  }
+  application_ = accessibility.createApplication(center->pid);
+  const HLAXError registration =
+      application_ != nullptr ? observer_->addNotification(application_, kLayoutChanged) : HLAXErrorFailure;
+  observer_->attach();
+  pid_ = center->pid;
+  HLAppendLog("auto-close watching pid=%d register=%d", pid_, registration);
+}
+
+void HLAutoCloser::stop() {
+  if (observer_ != nullptr) {
+    observer_->detach();
+    if (application_ != nullptr) observer_->removeNotification(application_, kLayoutChanged);
+    observer_ = nullptr;
+  }
+  application_ = nullptr;
+  pid_ = 0;
+}
+
+void HLAutoCloser::handleEvent(const HLElement& element) {
+  if (HLStringAttribute(element, "AXSubrole") != "AXNotificationCenterAlert") return;
+  const std::string description = HLStringAttribute(element, "AXDescription").value_or("");
+  if (!HLAlertDescriptionMatchesAutoClose(description, rules_)) return;
+  // An alert is laid out many times while it moves and stays: what it says is acted upon once, whatever comes of it.
+  if (!handled_.insert(description).second) return;
+  if (handled_.size() > kHandledLimit) handled_.clear();
+
+  const std::optional<std::string> action = closeAction(HLActionNames(element));
+  if (!action) return;
+  const HLAXError error = element.performAction(*action);
+  if (error == HLAXErrorSuccess) ++closed_;
+  const std::string application = description.substr(0, description.find(", "));  // which a match begins with
+  HLAppendLog("auto-close app=%@ error=%d closed=%ld", application, error, closed_);
+}
+
+int HLRunAutoCloseProbe(double seconds, std::ostream& out) {
+  HLAutoCloser closer;
+  closer.setRules(HLAutoCloseRules(HLCurrentPlatform().process.environment("HL_AUTO_CLOSE_TEST_RULE")));
+  closer.startForCurrentNotificationCenter();
+  if (closer.pid() == 0) return EXIT_FAILURE;
+  out << "watching\n" << std::flush;
+  HLCurrentPlatform().runLoop.runFor(seconds);
+  out << HLFormat("closed=%ld\n", closer.closed());
+  return EXIT_SUCCESS;
+}

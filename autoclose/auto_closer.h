@@ -1,0 +1,47 @@
+// Closes banners of running automations as they appear.
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "autoclose/rules.h"
+#include "platform/accessibility.h"
+
+// Watches one Notification Center process. It does not notice that the process has gone: its owner starts it again when
+// another one is launched. Main thread only.
+class HLAutoCloser {
+ public:
+  HLAutoCloser() = default;
+  ~HLAutoCloser();
+  HLAutoCloser(const HLAutoCloser&) = delete;
+  HLAutoCloser& operator=(const HLAutoCloser&) = delete;
+
+  // Nothing is closed until there are rules.
+  void setRules(HLAutoCloseRuleList rules) { rules_ = std::move(rules); }
+
+  // Watches the Notification Center that runs now, instead of any other. Success shows in pid().
+  void startForCurrentNotificationCenter();
+  void stop();
+
+  [[nodiscard]] std::int32_t pid() const { return pid_; }        // 0 when not watching
+  [[nodiscard]] std::int64_t closed() const { return closed_; }  // since construction
+  // Descriptions of alerts that have been acted upon; each is acted upon once.
+  [[nodiscard]] const std::set<std::string>& handled() const { return handled_; }
+
+ private:
+  void handleEvent(const HLElement& element);
+
+  std::unique_ptr<HLObserver> observer_;
+  HLElementRef application_;
+  std::int32_t pid_ = 0;
+  HLAutoCloseRuleList rules_;
+  std::int64_t closed_ = 0;
+  std::set<std::string> handled_;
+};
+
+// Runs an auto-closer with the built-in rule, and that of the environment's "HL_AUTO_CLOSE_TEST_RULE", for so many seconds,
+// and prints how many banners it closed. Returns 1 when it could not start, else 0.
+[[nodiscard]] int HLRunAutoCloseProbe(double seconds, std::ostream& out);

@@ -1,0 +1,21 @@
+#include "daemon/routing.h"
+
+#include "core/dismiss_run.h"
+#include "core/element_access.h"
+#include "daemon/local_socket.h"
+#include "daemon/log/log.h"
+
+HLDismissResult HLDismissNotificationsPreferTrustedDaemon() {
+  if (HLIsAccessibilityTrusted(false)) {
+    HLAppendDiagnostics("dismiss using in-process trusted path %@", HLLaunchContextSummary());
+    return HLDismissNotificationsNow();
+  }
+  HLDismissResult result;
+  if (HLRunLocalSocketCommand("dismiss", result)) {
+    HLAppendDiagnostics("dismiss using trusted daemon status=%@ dismissed=%ld remaining=%ld %@",
+                        HLStatusString(result.status), result.dismissed, result.remaining, HLLaunchContextSummary());
+    return result;
+  }
+  HLAppendDiagnostics("dismiss failed because neither process nor daemon is trusted %@", HLLaunchContextSummary());
+  return {HLDismissStatusAccessDenied, 0, 0};
+}
