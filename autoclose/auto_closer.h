@@ -42,6 +42,6 @@ class HLAutoCloser {
   std::set<std::string> handled_;
 };
 
-// Runs an auto-closer with the built-in rule, and that of the environment's "HL_AUTO_CLOSE_TEST_RULE", for so many seconds,
-// and prints how many banners it closed. Returns 1 when it could not start, else 0.
+// Runs an auto-closer with the built-in rule, and that of the environment's "HL_AUTO_CLOSE_TEST_RULE", for so many
+// seconds, and prints how many banners it closed. Returns 1 when it could not start, else 0.
 [[nodiscard]] int HLRunAutoCloseProbe(double seconds, std::ostream& out);

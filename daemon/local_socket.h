@@ -1,5 +1,6 @@
 // The wire between the daemon and its callers: one connection, one command line, one reply line. docs/protocol.md
-// describes it for whoever writes a client. Nothing here has a time-out; every call may block for as long as its peer does.
+// describes it for whoever writes a client. Nothing here has a time-out; every call may block for as long as its peer
+// does.
 #pragma once
 
 #include <string>
@@ -38,14 +39,14 @@ class HLSocket {
 // Writes the command and a line feed, then ends the sending direction. False when not all of it was sent.
 [[nodiscard]] bool HLWriteSocketRequest(int descriptor, std::string_view command);
 
-// Reads until the end of the stream, or until more than 16,384 bytes are held. False, and the text untouched, when reading
-// fails. Bytes that are no UTF-8 give the empty text.
+// Reads until the end of the stream, or until more than 16,384 bytes are held. False, and the text untouched, when
+// reading fails. Bytes that are no UTF-8 give the empty text.
 [[nodiscard]] bool HLReadSocketResponse(int descriptor, std::string& text);
 
 // The daemon's side.
 
-// The command of a request: up to a line feed, the end of the stream, a failing read, or 1,025 bytes; trimmed. Bytes that
-// are no UTF-8 give the empty text.
+// The command of a request: up to a line feed, the end of the stream, a failing read, or 1,025 bytes; trimmed. Bytes
+// that are no UTF-8 give the empty text.
 [[nodiscard]] std::string HLReadClientLine(int descriptor);
 
 // Writes the text and a line feed at once; what the client does not take is lost.

@@ -55,9 +55,8 @@ int HLObserveNotificationCenter(double seconds, std::ostream& out, std::ostream&
     return EXIT_FAILURE;
   }
   const std::unique_ptr<HLObserver> observer = platform.accessibility.createObserver(
-      center->pid, [&out](const HLElementRef& element, std::string_view notification) {
-        printEvent(out, *element, notification);
-      });
+      center->pid,
+      [&out](const HLElementRef& element, std::string_view notification) { printEvent(out, *element, notification); });
   if (observer == nullptr) {
     err << "AXObserverCreate failed\n";
     return EXIT_FAILURE;

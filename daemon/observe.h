@@ -8,8 +8,8 @@
 #include "platform/accessibility.h"
 #include "platform/geometry.h"
 
-// Prints every event of Notification Center for so many seconds, each line as it happens. Returns 1, and prints the reason
-// on err, when there is none or it cannot be watched; else 0. Main thread.
+// Prints every event of Notification Center for so many seconds, each line as it happens. Returns 1, and prints the
+// reason on err, when there is none or it cannot be watched; else 0. Main thread.
 [[nodiscard]] int HLObserveNotificationCenter(double seconds, std::ostream& out, std::ostream& err);
 
 [[nodiscard]] std::string HLElementDebugSummary(const HLElement& element);

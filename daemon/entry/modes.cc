@@ -4,35 +4,71 @@
 #include <array>
 #include <cstdlib>
 #include <locale>
+#include <optional>
 #include <ostream>
 #include <sstream>
 
+#include "autoclose/auto_closer.h"
+#include "autoclose/close_matching.h"
+#include "autoclose/rules.h"
 #include "core/dismiss_run.h"
 #include "core/result.h"
+#include "daemon/accessibility_request.h"
+#include "daemon/observe.h"
+#include "daemon/routing.h"
 #include "daemon/self_check.h"
+#include "daemon/test_notifications.h"
+#include "daemon/trusted_daemon.h"
 
 namespace {
 
 constexpr double kDefaultSeconds = 10.0;
 
-int dismissNow(const HLModeCall& call) {
-  call.out << HLResultWireString(HLDismissNotificationsNow()) << '\n';
+void printResult(const HLDismissResult& result, std::ostream& out) { out << HLResultWireString(result) << '\n'; }
+
+int requestAccessibility(const HLModeCall&) { return HLRequestAccessibility(true) ? EXIT_FAILURE : EXIT_SUCCESS; }
+
+int daemon(const HLModeCall&) { return HLRunTrustedDaemon(); }
+
+int daemonDismiss(const HLModeCall& call) {
+  printResult(HLDismissNotificationsPreferTrustedDaemon(), call.out);
   return EXIT_SUCCESS;
 }
 
+int daemonSelfCheck(const HLModeCall& call) { return HLLocalDaemonSelfCheck(call.out); }
+
+int autoCloseMatch(const HLModeCall& call) {
+  const bool match = HLAlertDescriptionMatchesAutoClose(call.value, HLAutoCloseRules(std::nullopt));
+  call.out << (match ? "match" : "no") << '\n';
+  return EXIT_SUCCESS;
+}
+
+int closeMatching(const HLModeCall& call) { return HLCloseMatchingAlerts(call.value, call.out); }
+
+int autoCloseProbe(const HLModeCall& call) { return HLRunAutoCloseProbe(call.seconds, call.out); }
+
+int observe(const HLModeCall& call) { return HLObserveNotificationCenter(call.seconds, call.out, call.err); }
+
 int selfCheck(const HLModeCall& call) { return HLSelfCheck(call.out); }
 
+int sendTestNotifications(const HLModeCall&) { return HLSendTestNotifications(); }
+
+int dismissNow(const HLModeCall& call) {
+  printResult(HLDismissNotificationsNow(), call.out);
+  return EXIT_SUCCESS;
+}
+
 constexpr std::array<HLMode, 12> kModes = {{
-    {"--request-accessibility", HLModeValue::none, nullptr},
-    {"--daemon", HLModeValue::none, nullptr},
-    {"--daemon-dismiss", HLModeValue::none, nullptr},
-    {"--daemon-self-check", HLModeValue::none, nullptr},
-    {"--auto-close-match", HLModeValue::required, nullptr},
-    {"--close-matching", HLModeValue::required, nullptr},
-    {"--auto-close-probe", HLModeValue::seconds, nullptr},
-    {"--observe-nc", HLModeValue::seconds, nullptr},
+    {"--request-accessibility", HLModeValue::none, requestAccessibility},
+    {"--daemon", HLModeValue::none, daemon},
+    {"--daemon-dismiss", HLModeValue::none, daemonDismiss},
+    {"--daemon-self-check", HLModeValue::none, daemonSelfCheck},
+    {"--auto-close-match", HLModeValue::required, autoCloseMatch},
+    {"--close-matching", HLModeValue::required, closeMatching},
+    {"--auto-close-probe", HLModeValue::seconds, autoCloseProbe},
+    {"--observe-nc", HLModeValue::seconds, observe},
     {"--self-check", HLModeValue::none, selfCheck},
-    {"--send-test-notifications", HLModeValue::none, nullptr},
+    {"--send-test-notifications", HLModeValue::none, sendTestNotifications},
     {"--dismiss-now", HLModeValue::none, dismissNow},
     {"", HLModeValue::none, nullptr},
 }};
