@@ -46,9 +46,9 @@ Lines statusLog(const SimulatedDesktop& desktop) {
   return LogMessages(FileContent(desktop.home() + "/.local/share/test/status.log"));
 }
 
-std::vector<std::pair<std::string, std::string>> presses(const SimulatedDesktop& desktop) {
+std::vector<std::pair<std::string, std::string>> presses(SimulatedDesktop& desktop) {
   std::vector<std::pair<std::string, std::string>> pairs;
-  for (const HLSimulatedAction& action : const_cast<SimulatedDesktop&>(desktop).simulator().actions()) {
+  for (const HLSimulatedAction& action : desktop.simulator().actions()) {
     pairs.emplace_back(action.element.value_or("?"), action.action);
   }
   return pairs;
