@@ -31,10 +31,10 @@ HLBusReply failure(const sd_bus_error& error) {
 
 }  // namespace
 
-std::unique_ptr<HLBus> HLBus::openSession() {
+std::unique_ptr<HLBus> HLBus::openSession(Patience patience) {
   sd_bus* bus = nullptr;
   if (sd_bus_open_user(&bus) < 0) return nullptr;
-  return finishOpening(bus, false, HLBusPatience);
+  return finishOpening(bus, false, patience);
 }
 
 std::unique_ptr<HLBus> HLBus::openBus(const std::string& address, Patience patience) {

@@ -48,7 +48,7 @@ class HLBus {
   using Patience = std::chrono::milliseconds;
 
   // nullptr when the bus is not there or does not answer.
-  [[nodiscard]] static std::unique_ptr<HLBus> openSession();
+  [[nodiscard]] static std::unique_ptr<HLBus> openSession(Patience patience = HLBusPatience);
   [[nodiscard]] static std::unique_ptr<HLBus> openBus(const std::string& address, Patience patience = HLBusPatience);
   [[nodiscard]] static std::unique_ptr<HLBus> openPeer(const std::string& address, Patience patience = HLBusPatience);
 

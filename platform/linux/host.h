@@ -3,8 +3,10 @@
 
 #include "platform/linux/accessibility.h"
 #include "platform/linux/process_info.h"
+#include "platform/linux/property_list.h"
 #include "platform/linux/run_loop.h"
 #include "platform/linux/running_applications.h"
+#include "platform/linux/user_notifications.h"
 #include "platform/platform.h"
 
 class HLLinuxHost : public HLHost {
@@ -18,5 +20,8 @@ class HLLinuxHost : public HLHost {
   HLLinuxAccessibility accessibility_{runningApplications_};
   HLLinuxRunLoop runLoop_;
   HLLinuxProcessInfo process_;
-  const HLPlatform platform_{accessibility_, runningApplications_, runLoop_, process_};
+  HLLinuxPropertyLists propertyLists_;
+  HLLinuxUserNotifications userNotifications_;
+  const HLPlatform platform_{accessibility_, runningApplications_, runLoop_,
+                             process_,       propertyLists_,       userNotifications_};
 };

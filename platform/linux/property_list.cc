@@ -103,3 +103,9 @@ std::optional<HLValue> HLReadPropertyList(const std::string& path) {
   if (file.bad()) return std::nullopt;
   return HLParsePropertyList(bytes);
 }
+
+std::optional<HLDictionary> HLLinuxPropertyLists::readDictionary(const std::string& path) {
+  std::optional<HLValue> list = HLReadPropertyList(path);
+  HLDictionary* dictionary = list ? std::get_if<HLDictionary>(&*list) : nullptr;
+  return dictionary != nullptr ? std::optional(std::move(*dictionary)) : std::nullopt;
+}

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/property_lists.h"
 #include "platform/value.h"
 
 // The list's root value, or nothing when the bytes are no property list.
@@ -12,3 +13,8 @@
 
 // The same of a file; nothing when it cannot be read.
 [[nodiscard]] std::optional<HLValue> HLReadPropertyList(const std::string& path);
+
+class HLLinuxPropertyLists : public HLPropertyLists {
+ public:
+  [[nodiscard]] std::optional<HLDictionary> readDictionary(const std::string& path) override;
+};

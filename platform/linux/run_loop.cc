@@ -77,6 +77,28 @@ class ThreadQueue : public HLOperationQueue {
   std::vector<std::thread> workers_;
 };
 
+class Semaphore : public HLSemaphore {
+ public:
+  void signal() override {
+    const std::lock_guard lock(mutex_);
+    ++count_;
+    signaled_.notify_one();
+  }
+
+  bool wait(double seconds) override {
+    std::unique_lock lock(mutex_);
+    const std::chrono::duration<double> patience(std::max(seconds, 0.0));
+    if (!signaled_.wait_for(lock, patience, [this] { return count_ > 0; })) return false;
+    --count_;
+    return true;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable signaled_;
+  int count_ = 0;
+};
+
 }  // namespace
 
 double HLLinuxRunLoop::now() {
@@ -94,3 +116,5 @@ std::unique_ptr<HLOperationQueue> HLLinuxRunLoop::makeOperationQueue(const std::
                                                                      int maxConcurrentOperations) {
   return std::make_unique<ThreadQueue>(name, std::max(1, maxConcurrentOperations));
 }
+
+std::unique_ptr<HLSemaphore> HLLinuxRunLoop::makeSemaphore() { return std::make_unique<Semaphore>(); }

@@ -14,4 +14,5 @@ class HLLinuxRunLoop : public HLRunLoop {
   [[nodiscard]] std::unique_ptr<HLOperationQueue> makeOperationQueue(const std::string& name,
                                                                      HLQualityOfService quality,
                                                                      int maxConcurrentOperations) override;
+  [[nodiscard]] std::unique_ptr<HLSemaphore> makeSemaphore() override;
 };

@@ -24,9 +24,8 @@ HLBusReply startService(HLBus& bus) {
 }
 
 void post(const HLUserNotification& notification) {
-  const std::unique_ptr<HLBus> bus = HLBus::openSession();
+  const std::unique_ptr<HLBus> bus = HLBus::openSession(kStartPatience);
   if (bus == nullptr) return;
-  bus->setPatience(kStartPatience);
   if (!startService(*bus)) return;
   const HLBusCall notify{kService, "/org/freedesktop/Notifications", kService, "Notify"};
   const auto none = static_cast<unsigned>(0);
@@ -50,9 +49,8 @@ void post(const HLUserNotification& notification) {
 
 void HLLinuxUserNotifications::requestAuthorization(
     std::function<void(bool granted, std::optional<std::string> error)> answer) {
-  const std::unique_ptr<HLBus> bus = HLBus::openSession();
+  const std::unique_ptr<HLBus> bus = HLBus::openSession(kStartPatience);
   if (bus == nullptr) return answer(false, "there is no session bus");
-  bus->setPatience(kStartPatience);
   const HLBusReply started = startService(*bus);
   if (!started) return answer(false, "the session has no notification service: " + started.error);
   answer(true, std::nullopt);

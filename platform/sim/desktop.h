@@ -2,14 +2,17 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "platform/sim/clock.h"
 #include "platform/sim/scene.h"
 #include "platform/sim/world.h"
+#include "platform/user_notifications.h"
 
 struct HLSimDesktop {
   std::unique_ptr<const HLScene> scene;
   std::unique_ptr<HLSimWorld> world;
   std::unique_ptr<HLSimClock> clock;
+  std::vector<HLUserNotification> notifications;  // handed over by the program
   bool promptPending = false;  // the user has been asked for trust, and will grant it when the run loop is idle
 };

@@ -42,11 +42,24 @@ HLJson actions(const HLSimWorld& world) {
   return list;
 }
 
+HLJson notifications(const HLSimDesktop& desktop) {
+  HLJson list = HLJson::array();
+  for (const HLUserNotification& notification : desktop.notifications) {
+    list.push_back({{"identifier", notification.identifier},
+                    {"title", notification.title},
+                    {"body", notification.body},
+                    {"delay", notification.delay},
+                    {"sound", notification.sound}});
+  }
+  return list;
+}
+
 }  // namespace
 
 std::string HLRecordLine(const HLSimDesktop& desktop) {
   HLJson record;
   record["at"] = toTheMillisecond(static_cast<double>(desktop.clock->now()) / 1e6);
+  record["notifications"] = notifications(desktop);
   record["observers"] = observers(*desktop.world);
   record["actions"] = actions(*desktop.world);
   record["present"] = desktop.world->presentElements();

@@ -57,6 +57,31 @@ class OperationQueue : public HLOperationQueue {
   HLSimSignal idle_;
 };
 
+class Semaphore : public HLSemaphore {
+ public:
+  explicit Semaphore(HLSimDesktop& desktop) : desktop_(desktop) {}
+
+  void signal() override {
+    const HLSimLock lock = desktop_.clock->lock();
+    ++count_;
+    desktop_.clock->give(given_);
+  }
+
+  bool wait(double seconds) override {
+    HLSimLock lock = desktop_.clock->lock();
+    const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
+    while (count_ == 0 && desktop_.clock->now() < end) desktop_.clock->waitFor(lock, given_, end);
+    if (count_ == 0) return false;
+    --count_;
+    return true;
+  }
+
+ private:
+  HLSimDesktop& desktop_;
+  int count_ = 0;
+  HLSimSignal given_;
+};
+
 double wallClock() {
   return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
@@ -103,3 +128,5 @@ std::unique_ptr<HLOperationQueue> HLSimRunLoop::makeOperationQueue(const std::st
                                                                    int maxConcurrentOperations) {
   return std::make_unique<OperationQueue>(desktop_, std::max(maxConcurrentOperations, 1));
 }
+
+std::unique_ptr<HLSemaphore> HLSimRunLoop::makeSemaphore() { return std::make_unique<Semaphore>(desktop_); }

@@ -20,6 +20,8 @@ class HLSimRunLoop : public HLRunLoop {
                                                                      HLQualityOfService quality,
                                                                      int maxConcurrentOperations) override;
 
+  [[nodiscard]] std::unique_ptr<HLSemaphore> makeSemaphore() override;
+
   // Has this run on the main thread, when its loop runs. With the lock held.
   void post(std::function<void()> delivery);
 

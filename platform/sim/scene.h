@@ -139,6 +139,14 @@ struct HLSceneBundle {
 struct HLSceneFromEnvironment {};
 using HLSceneApplicationSupport = std::variant<HLSceneFromEnvironment, std::monostate, std::string>;
 
+enum class HLScenePermission { granted, denied, silent };
+
+struct HLSceneUserNotifications {
+  HLScenePermission permission = HLScenePermission::granted;
+  std::optional<std::string> error;
+  std::vector<std::pair<std::string, std::string>> addErrors;  // by identifier
+};
+
 struct HLScene {
   // Elements and applications, those included that are yet to come; the pointers between them point here.
   std::deque<HLSceneElement> elements;
@@ -157,6 +165,7 @@ struct HLScene {
   HLDictionary defaults;
   HLDictionary services;
   bool grantOnPrompt = false;
+  HLSceneUserNotifications userNotifications;
   std::vector<HLSceneTimelineEvent> timeline;  // as written
   std::optional<std::string> record;
 

@@ -60,13 +60,24 @@ void checkLoginItem(HLSceneSource& source, const HLSceneSpot& spot) {
   if (const auto key = source.find(spot, "unregisterError")) checkTextOrNull(source, *key);
 }
 
-void checkUserNotifications(HLSceneSource& source, const HLSceneSpot& spot) {
+HLSceneUserNotifications readUserNotifications(HLSceneSource& source, const HLSceneSpot& spot) {
   source.expectObject(spot, {"permission", "error", "addErrors"});
-  if (const auto key = source.find(spot, "permission")) (void)source.word(*key, {"granted", "denied", "silent"});
-  if (const auto key = source.find(spot, "error")) checkTextOrNull(source, *key);
-  if (const auto key = source.find(spot, "addErrors")) {
-    for (const HLSceneSpot& entry : source.entries(*key)) (void)source.string(entry);
+  HLSceneUserNotifications service;
+  if (const auto key = source.find(spot, "permission")) {
+    const std::string permission = source.word(*key, {"granted", "denied", "silent"});
+    service.permission = permission == "granted"  ? HLScenePermission::granted
+                         : permission == "denied" ? HLScenePermission::denied
+                                                  : HLScenePermission::silent;
   }
+  if (const auto key = source.find(spot, "error")) {
+    checkTextOrNull(source, *key);
+    if (!key->json->is_null()) service.error = source.string(*key);
+  }
+  if (const auto key = source.find(spot, "addErrors")) {
+    for (const HLSceneSpot& entry : source.entries(*key))
+      service.addErrors.emplace_back(source.keyText(entry), source.string(entry));
+  }
+  return service;
 }
 
 void checkHttp(HLSceneSource& source, const HLSceneSpot& spot) {
@@ -120,7 +131,8 @@ void HLReadServices(HLSceneSource& source, const HLSceneSpot& spot, HLScene& sce
     }
   }
   if (const auto key = source.find(spot, "loginItem")) checkLoginItem(source, *key);
-  if (const auto key = source.find(spot, "userNotifications")) checkUserNotifications(source, *key);
+  if (const auto key = source.find(spot, "userNotifications"))
+    scene.userNotifications = readUserNotifications(source, *key);
   if (const auto key = source.find(spot, "http")) checkHttp(source, *key);
   scene.services = source.dictionary(spot);
 }

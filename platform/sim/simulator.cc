@@ -9,6 +9,7 @@
 #include "platform/sim/record.h"
 #include "platform/sim/run_loop.h"
 #include "platform/sim/scene_reader.h"
+#include "platform/sim/services.h"
 
 namespace {
 
@@ -19,7 +20,9 @@ class Simulator : public HLSimulator {
         accessibility_(desktop_),
         runningApplications_(desktop_),
         process_(*scene, std::move(setup)),
-        platform_{accessibility_, runningApplications_, runLoop_, process_} {
+        propertyLists_(desktop_),
+        userNotifications_(desktop_),
+        platform_{accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_} {
     desktop_.scene = std::move(scene);
     desktop_.world = std::make_unique<HLSimWorld>(
         *desktop_.scene, [this](HLSimNode& node) { return HLMakeSimElement(desktop_, node); },
@@ -60,6 +63,11 @@ class Simulator : public HLSimulator {
     return desktop_.world->presentElements();
   }
 
+  std::vector<HLUserNotification> notifications() const override {
+    const HLSimLock lock = desktop_.clock->lock();
+    return desktop_.notifications;
+  }
+
   double elapsed() const override {
     const HLSimLock lock = desktop_.clock->lock();
     return static_cast<double>(desktop_.clock->now()) / 1e6;
@@ -76,6 +84,8 @@ class Simulator : public HLSimulator {
   HLSimAccessibility accessibility_;
   HLSimRunningApplications runningApplications_;
   HLSimProcessInfo process_;
+  HLSimPropertyLists propertyLists_;
+  HLSimUserNotifications userNotifications_;
   HLPlatform platform_;
 };
 

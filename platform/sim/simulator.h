@@ -12,6 +12,7 @@
 
 #include "platform/accessibility.h"
 #include "platform/platform.h"
+#include "platform/user_notifications.h"
 
 // What the simulated process is given from outside.
 struct HLSimulatorSetup {
@@ -38,6 +39,9 @@ class HLSimulator : public HLHost {
 
   // The ids of the elements that are still there, in tree order.
   [[nodiscard]] virtual std::vector<std::string> presentElements() const = 0;
+
+  // The notifications of its own that the program has handed over.
+  [[nodiscard]] virtual std::vector<HLUserNotification> notifications() const = 0;
 
   // Seconds from the start on the scene's clock.
   [[nodiscard]] virtual double elapsed() const = 0;

@@ -23,12 +23,12 @@ std::string window(const std::vector<std::string>& alerts) {
   return R"({"id": "window", "role": "AXWindow", "children": [)" + children + "]}";
 }
 
-struct Run {
+struct Outcome {
   int code;
   std::string printed;
 };
 
-Run closeMatching(const std::string& text) {
+Outcome closeMatching(const std::string& text) {
   std::ostringstream out;
   const int code = HLCloseMatchingAlerts(text, out);
   return {code, out.str()};
@@ -47,7 +47,7 @@ TEST(CloseMatching, ClosesWhatHoldsTheTextInAnyLetterCaseAndNothingElse) {
   SimulatedDesktop desktop(NotificationCenterScene(window({alert("mail", "Mail, WEEKLY Report", R"(,"closes": "mail")"),
                                                            alert("chat", "Chat, hello", R"(,"closes": "chat")"),
                                                            alert("news", "weekly report", R"(,"closes": "news")")})));
-  const Run run = closeMatching("Weekly report");
+  const Outcome run = closeMatching("Weekly report");
   EXPECT_EQ(run.code, 0);
   EXPECT_EQ(run.printed, "closed_matching=2\n");
   EXPECT_EQ(closedElements(desktop), (Ids{"mail", "news"}));
@@ -63,7 +63,7 @@ TEST(CloseMatching, FoldsTheLetterCaseOfAllOfUnicode) {
 
 TEST(CloseMatching, StopsAfterThePassThatClosesNothing) {
   const SimulatedDesktop desktop(NotificationCenterScene(window({alert("chat", "Chat, hello")})));
-  const Run run = closeMatching("mail");
+  const Outcome run = closeMatching("mail");
   EXPECT_EQ(run.code, 0);
   EXPECT_EQ(run.printed, "closed_matching=0\n");
   EXPECT_EQ(desktop.elapsedMicroseconds(), 0);
@@ -79,7 +79,7 @@ TEST(CloseMatching, NeverMakesMoreThanFivePasses) {
 TEST(CloseMatching, CountsOnlyPressesThatWereTaken) {
   const SimulatedDesktop desktop(
       NotificationCenterScene(window({alert("a", "Mail, one", R"(,"onAction": {"Name:Close": {"error": -25204}})")})));
-  const Run run = closeMatching("mail");
+  const Outcome run = closeMatching("mail");
   EXPECT_EQ(run.code, 0);
   EXPECT_EQ(run.printed, "closed_matching=0\n");
 }
@@ -87,19 +87,19 @@ TEST(CloseMatching, CountsOnlyPressesThatWereTaken) {
 TEST(CloseMatching, SaysNothingWithoutATextOrANotificationCenter) {
   {
     const SimulatedDesktop desktop(NotificationCenterScene(window({alert("a", "Mail, one")})));
-    const Run run = closeMatching("");
+    const Outcome run = closeMatching("");
     EXPECT_EQ(run.code, 1);
     EXPECT_EQ(run.printed, "");
   }
   const SimulatedDesktop desktop("{}");
-  const Run run = closeMatching("mail");
+  const Outcome run = closeMatching("mail");
   EXPECT_EQ(run.code, 1);
   EXPECT_EQ(run.printed, "");
 }
 
 TEST(CloseMatching, WithoutTrustNothingMatches) {
   const SimulatedDesktop desktop(NotificationCenterScene(window({alert("a", "Mail, one")}), R"(,"trusted": false)"));
-  const Run run = closeMatching("mail");
+  const Outcome run = closeMatching("mail");
   EXPECT_EQ(run.code, 0);
   EXPECT_EQ(run.printed, "closed_matching=0\n");
 }

@@ -18,13 +18,13 @@ std::string summaryOf(const std::string& element) {
   return HLElementDebugSummary(*desktop.element("e"));
 }
 
-struct Run {
+struct Outcome {
   int code;
   std::string printed;
   std::string errors;
 };
 
-Run observe(double seconds) {
+Outcome observe(double seconds) {
   std::ostringstream out;
   std::ostringstream err;
   const int code = HLObserveNotificationCenter(seconds, out, err);
@@ -65,7 +65,7 @@ TEST(ElementSummary, TellsOfTheButtonsThatAttributesHold) {
 
 TEST(Observer, WithoutNotificationCenterSaysSo) {
   const SimulatedDesktop desktop("{}");
-  const Run run = observe(1);
+  const Outcome run = observe(1);
   EXPECT_EQ(run.code, 1);
   EXPECT_EQ(run.printed, "");
   EXPECT_EQ(run.errors, "Notification Center is not running\n");
@@ -74,7 +74,7 @@ TEST(Observer, WithoutNotificationCenterSaysSo) {
 TEST(Observer, SaysWhenTheProcessCannotBeWatched) {
   const SimulatedDesktop desktop(
       R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui", "observerFails": true}]})");
-  const Run run = observe(1);
+  const Outcome run = observe(1);
   EXPECT_EQ(run.code, 1);
   EXPECT_EQ(run.printed, "");
   EXPECT_EQ(run.errors, "AXObserverCreate failed\n");
@@ -85,7 +85,7 @@ TEST(Observer, RegistersEightNotificationsInTheirOrderAndThenTheWindows) {
       R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
           "registerErrors": {"AXCreated": -25207},
           "windows": [{"id": "a", "role": "AXWindow"}, "no element", {"id": "b", "role": "AXSheet"}]}]})");
-  const Run run = observe(2.5);
+  const Outcome run = observe(2.5);
   EXPECT_EQ(run.code, 0);
   EXPECT_EQ(run.printed,
             "register AXWindowCreated -> 0\n"
@@ -106,7 +106,7 @@ TEST(Observer, RegistersEightNotificationsInTheirOrderAndThenTheWindows) {
 }
 
 // The lines that follow those of the registration.
-std::vector<std::string> events(const Run& run) {
+std::vector<std::string> events(const Outcome& run) {
   std::vector<std::string> lines;
   std::istringstream stream(run.printed);
   for (std::string line; std::getline(stream, line);) {

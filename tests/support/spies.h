@@ -40,6 +40,7 @@ class SpyRunLoop : public HLRunLoop {
     queues.push_back({name, quality, maxConcurrentOperations});
     return inner_.makeOperationQueue(name, quality, maxConcurrentOperations);
   }
+  [[nodiscard]] std::unique_ptr<HLSemaphore> makeSemaphore() override { return inner_.makeSemaphore(); }
 
  private:
   HLRunLoop& inner_;
@@ -76,7 +77,7 @@ class SpiedPlatform {
       : runLoop(inner.runLoop),
         runningApplications(inner.runningApplications),
         inner_(inner),
-        platform_{inner.accessibility, runningApplications, runLoop, inner.process} {
+        platform_{inner.accessibility, runningApplications, runLoop, inner.process, inner.propertyLists, inner.userNotifications} {
     HLInstallPlatform(&platform_);
   }
   SpiedPlatform(const SpiedPlatform&) = delete;
