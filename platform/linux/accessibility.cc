@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/linux/accessible_application.h"
+#include "platform/linux/observer.h"
 
 namespace {
 
@@ -220,6 +221,8 @@ class ApplicationElement : public HLElement {
     return element != nullptr && source_->application->pid() == element->source_->application->pid();
   }
 
+  [[nodiscard]] const std::string& busName() const { return source_->application->busName(); }
+
  private:
   [[nodiscard]] std::shared_ptr<const Snapshot> shown() const {
     const std::lock_guard lock(source_->mutex);
@@ -243,6 +246,21 @@ HLAttribute ApplicationElement::windows() const {
   return {HLAXErrorSuccess, shown()->windows()};
 }
 
+// The address of the session's accessibility bus; "" where there is none.
+std::string sessionBusAddress() {
+  const std::unique_ptr<HLBus> session = HLBus::openSession();
+  return session == nullptr ? "" : HLAccessibilityBusAddress(*session);
+}
+
+// nullptr when the process is not on the bus or does not answer.
+std::shared_ptr<Source> connect(std::int32_t pid, HLRunningApplications& servers) {
+  const std::string address = sessionBusAddress();
+  if (address.empty()) return nullptr;
+  const HLProcessKind kind = servers.find(pid) ? HLProcessKind::notificationServer : HLProcessKind::other;
+  std::unique_ptr<HLAccessibleApplication> application = HLAccessibleApplication::connect(address, pid, kind);
+  return application == nullptr ? nullptr : std::make_shared<Source>(std::move(application));
+}
+
 }  // namespace
 
 bool HLLinuxAccessibility::isProcessTrusted(bool) {
@@ -257,18 +275,18 @@ bool HLLinuxAccessibility::isProcessTrusted(bool) {
 }
 
 HLElementRef HLLinuxAccessibility::createApplication(std::int32_t pid) {
-  const std::unique_ptr<HLBus> session = HLBus::openSession();
-  const std::string address = session == nullptr ? "" : HLAccessibilityBusAddress(*session);
-  if (address.empty()) return nullptr;
-  const HLProcessKind kind = servers_.find(pid) ? HLProcessKind::notificationServer : HLProcessKind::other;
-  std::unique_ptr<HLAccessibleApplication> application = HLAccessibleApplication::connect(address, pid, kind);
-  if (application == nullptr) return nullptr;
-  auto source = std::make_shared<Source>(std::move(application));
-  std::shared_ptr<const Snapshot> first = takeSnapshot(source);
+  std::shared_ptr<Source> source = connect(pid, servers_);
+  std::shared_ptr<const Snapshot> first = source == nullptr ? nullptr : takeSnapshot(source);
   if (first == nullptr) return nullptr;
   source->newestSnapshot = first;
   return std::make_shared<ApplicationElement>(std::move(source), std::move(first));
 }
 
-// The accessibility bus is not watched yet.
-std::unique_ptr<HLObserver> HLLinuxAccessibility::createObserver(std::int32_t, HLObserverCallback) { return nullptr; }
+std::unique_ptr<HLObserver> HLLinuxAccessibility::createObserver(std::int32_t pid, HLObserverCallback callback) {
+  const HLElementRef application = createApplication(pid);
+  const auto* element = dynamic_cast<const ApplicationElement*>(application.get());
+  if (element == nullptr) return nullptr;
+  std::unique_ptr<HLBus> events = HLWatchAccessibilityEvents(sessionBusAddress(), element->busName());
+  if (events == nullptr) return nullptr;
+  return std::make_unique<HLLinuxObserver>(runLoop_, std::move(events), application, std::move(callback));
+}

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/accessibility.h"
+#include "platform/linux/run_loop.h"
 #include "platform/running_applications.h"
 
 // Trust is that the session has accessibility switched on and this process reaches its bus. An application element
@@ -13,8 +14,9 @@
 // that falls silent keeps the windows that it last showed, so that silence is never taken for an empty screen.
 class HLLinuxAccessibility : public HLAccessibility {
  public:
-  // A process that these list is a notification server.
-  explicit HLLinuxAccessibility(HLRunningApplications& servers) : servers_(servers) {}
+  // A process that these list is a notification server. Observers are served by the run loop.
+  HLLinuxAccessibility(HLRunningApplications& servers, HLLinuxRunLoop& runLoop)
+      : servers_(servers), runLoop_(runLoop) {}
 
   [[nodiscard]] bool isProcessTrusted(bool prompt) override;
   [[nodiscard]] HLElementRef createApplication(std::int32_t pid) override;
@@ -22,4 +24,5 @@ class HLLinuxAccessibility : public HLAccessibility {
 
  private:
   HLRunningApplications& servers_;
+  HLLinuxRunLoop& runLoop_;
 };

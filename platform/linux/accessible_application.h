@@ -34,6 +34,7 @@ class HLAccessibleApplication {
 
   [[nodiscard]] bool hasEnded() const { return process_.hasEnded(); }
   [[nodiscard]] std::int32_t pid() const { return process_.pid(); }
+  [[nodiscard]] const std::string& busName() const { return name_; }
 
  private:
   HLAccessibleApplication(const std::string& busAddress, std::int32_t pid, HLProcessKind kind)

@@ -155,3 +155,20 @@ HLBusOutcome HLBus::settle(std::size_t unanswered) {
   }
   return lost_;
 }
+
+bool HLBus::watch(const std::string& rule) {
+  return sd_bus_add_match(bus_, nullptr, rule.c_str(), &HLBus::count, this) >= 0;
+}
+
+int HLBus::count(sd_bus_message*, void* bus, sd_bus_error*) {
+  ++static_cast<HLBus*>(bus)->signals_;
+  return 0;
+}
+
+std::optional<int> HLBus::takeSignals() {
+  int processed = 0;
+  while ((processed = sd_bus_process(bus_, nullptr)) > 0) {
+  }
+  if (processed < 0) return std::nullopt;
+  return std::exchange(signals_, 0);
+}

@@ -8,6 +8,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 // How long a peer may stay silent before a call is given up.
@@ -77,6 +78,13 @@ class HLBus {
   // connection is of no further use.
   HLBusOutcome settle(std::size_t unanswered);
 
+  // Has the bus send the signals that match the rule. False when it will not.
+  [[nodiscard]] bool watch(const std::string& rule);
+  // Becomes readable when something has arrived.
+  [[nodiscard]] int descriptor() const { return sd_bus_get_fd(bus_); }
+  // Takes what has arrived, without waiting: how many watched signals, or nothing when the connection has been lost.
+  [[nodiscard]] std::optional<int> takeSignals();
+
  private:
   struct Pending {
     HLBus* bus;
@@ -86,6 +94,7 @@ class HLBus {
   HLBus(sd_bus* bus, bool isPeer, Patience patience) : bus_(bus), isPeer_(isPeer), patience_(patience) {}
   static std::unique_ptr<HLBus> finishOpening(sd_bus* bus, bool isPeer, Patience patience);
   static std::unique_ptr<HLBus> openAddress(const std::string& address, bool isPeer, Patience patience);
+  static int count(sd_bus_message* message, void* bus, sd_bus_error* error);
   static int deliver(sd_bus_message* message, void* pending, sd_bus_error* error);
 
   [[nodiscard]] HLBusMessage newCall(const HLBusCall& to) const;
@@ -98,6 +107,7 @@ class HLBus {
   const Patience patience_;
   std::deque<Pending> pending_;  // of the batch that is under way; the library keeps their addresses
   std::size_t unanswered_ = 0;
+  int signals_ = 0;
   std::chrono::steady_clock::time_point lastAnswer_;
   HLBusOutcome lost_ = HLBusOutcome::answered;
 };

@@ -17,8 +17,8 @@ class HLLinuxHost : public HLHost {
 
  private:
   HLLinuxRunningApplications runningApplications_;
-  HLLinuxAccessibility accessibility_{runningApplications_};
   HLLinuxRunLoop runLoop_;
+  HLLinuxAccessibility accessibility_{runningApplications_, runLoop_};
   HLLinuxProcessInfo process_;
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;

@@ -1,11 +1,13 @@
 #include "platform/linux/run_loop.h"
 
+#include <poll.h>
 #include <pthread.h>
 
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -14,6 +16,8 @@
 #include <vector>
 
 namespace {
+
+constexpr std::int64_t kLongestWait = 60'000;  // milliseconds; what is left is waited for again
 
 // A worker is started only when an operation finds no idle one, so that a batch of one costs one thread.
 class ThreadQueue : public HLOperationQueue {
@@ -109,8 +113,39 @@ void HLLinuxRunLoop::sleep(double seconds) {
   if (seconds > 0) std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
 
-// Nothing is delivered to the main thread yet but the passing of time.
-void HLLinuxRunLoop::runFor(double seconds) { sleep(seconds); }
+void HLLinuxRunLoop::runFor(double seconds) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point end =
+      Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::max(seconds, 0.0)));
+  for (;;) {
+    serveSources();  // first: what has arrived may have been taken off the descriptor already
+    const Clock::duration left = end - Clock::now();
+    if (left <= Clock::duration::zero()) return;
+    std::vector<pollfd> descriptors;
+    for (const auto& [number, source] : sources_) descriptors.push_back({source.descriptor, POLLIN, 0});
+    const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
+    ::poll(descriptors.data(), descriptors.size(),
+           static_cast<int>(std::min<std::int64_t>(milliseconds, kLongestWait)));
+  }
+}
+
+int HLLinuxRunLoop::addSource(Source source) {
+  sources_.emplace(++nextNumber_, std::move(source));
+  return nextNumber_;
+}
+
+void HLLinuxRunLoop::removeSource(int number) { sources_.erase(number); }
+
+void HLLinuxRunLoop::serveSources() {
+  std::vector<int> numbers;
+  for (const auto& [number, source] : sources_) numbers.push_back(number);
+  for (int number : numbers) {
+    const auto found = sources_.find(number);
+    if (found == sources_.end()) continue;
+    const std::function<bool()> ready = found->second.ready;  // it may remove its own source
+    if (!ready()) sources_.erase(number);
+  }
+}
 
 std::unique_ptr<HLOperationQueue> HLLinuxRunLoop::makeOperationQueue(const std::string& name, HLQualityOfService,
                                                                      int maxConcurrentOperations) {
