@@ -22,6 +22,8 @@ class RunningProgram {
   RunningProgram& operator=(const RunningProgram&) = delete;
   ~RunningProgram();
 
+  [[nodiscard]] int pid() const { return pid_; }
+
   // Blocks until it has ended. Called once.
   [[nodiscard]] ProgramRun wait();
 

@@ -1,0 +1,129 @@
+// Daemons as processes of their own, and clients that are written by hand.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tests/support/processes.h"
+#include "tests/support/simulated_desktop.h"
+#include "tests/support/temporary_directory.h"
+
+inline const std::string kThreeBanners =
+    R"({"repeat": 3, "id": "b{n}", "role": "AXGroup", "subrole": "AXNotificationCenterAlert",
+        "description": "Mail, message {n}", "actions": ["AXPress", "Name:Close"], "closes": "b{n}"})";
+
+// One connection, used step by step.
+class Client {
+ public:
+  explicit Client(const std::string& path) : descriptor_(::socket(AF_UNIX, SOCK_STREAM, 0)) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(static_cast<char*>(address.sun_path), 103);
+    connected_ = ::connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  }
+  ~Client() { ::close(descriptor_); }
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+
+  [[nodiscard]] bool isConnected() const { return connected_; }
+  void send(std::string_view bytes) const { (void)::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
+  void endSending() const { ::shutdown(descriptor_, SHUT_WR); }
+  [[nodiscard]] bool hasReplyWithin(std::chrono::milliseconds time) const {
+    pollfd waiting{descriptor_, POLLIN, 0};
+    return ::poll(&waiting, 1, static_cast<int>(time.count())) > 0;
+  }
+  // Until the end of the stream, or the reset that follows a reply to a request that was not read whole.
+  [[nodiscard]] std::string receive() const {
+    std::string received;
+    std::array<char, 256> buffer{};
+    for (ssize_t count = 0; (count = ::read(descriptor_, buffer.data(), buffer.size())) > 0;) {
+      received.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    return received;
+  }
+  [[nodiscard]] std::string ask(std::string_view bytes) const {
+    send(bytes);
+    endSending();
+    return receive();
+  }
+
+ private:
+  int descriptor_;
+  bool connected_ = false;
+};
+
+inline bool WaitFor(const std::function<bool()>& condition) {
+  const std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::yield();
+  }
+  return true;
+}
+
+class TrustedDaemon : public testing::Test {
+ protected:
+  ~TrustedDaemon() override {
+    for (const std::unique_ptr<RunningProgram>& daemon : daemons_) {
+      if (daemon) ::kill(daemon->pid(), SIGKILL);
+    }
+  }
+
+  // Starts a daemon on the scene, and waits until it answers.
+  RunningProgram& start(const std::string& scene) {
+    RunningProgram& daemon = launch(scene);
+    EXPECT_TRUE(WaitFor([this] { return Client(socketPath()).ask("ping\n") != ""; }));
+    return daemon;
+  }
+  RunningProgram& launch(const std::string& scene) {
+    const std::string path = home() + "/scene.json";
+    std::ofstream(path) << scene;
+    daemons_.push_back(std::make_unique<RunningProgram>(
+        std::vector<std::string>{HUSHLET_SIM, "--daemon"},
+        std::map<std::string, const char*>{
+            {"HOME", home().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", path.c_str()}}));
+    return *daemons_.back();
+  }
+  // The program in the same home, on a scene of its own.
+  [[nodiscard]] ProgramRun run(const std::string& scene, const std::vector<std::string>& arguments) const {
+    const std::string path = home() + "/client.json";
+    std::ofstream(path) << scene;
+    std::vector<std::string> command = {HUSHLET_SIM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return RunProgram(command, {{"HOME", home().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", path.c_str()}});
+  }
+  // Its exit code, once it has ended.
+  int ended(RunningProgram& daemon) {
+    for (std::unique_ptr<RunningProgram>& each : daemons_) {
+      if (each.get() == &daemon) return std::exchange(each, nullptr)->wait().exitCode;
+    }
+    return -1;
+  }
+
+  [[nodiscard]] const std::string& home() const { return home_.path(); }
+  [[nodiscard]] std::string socketPath() const { return home() + "/.local/state/hushlet/daemon.sock"; }
+  [[nodiscard]] std::string ask(std::string_view bytes) const { return Client(socketPath()).ask(bytes); }
+  [[nodiscard]] std::vector<std::string> diagnostics() const {
+    return LogMessages(FileContent(home() + "/.local/state/hushlet/hushlet_detailed_diagnostics.log"));
+  }
+
+ private:
+  TemporaryDirectory home_;
+  std::vector<std::unique_ptr<RunningProgram>> daemons_;
+};
