@@ -207,11 +207,11 @@ HLNeededDetails HLDetailsNeeded(const HLRawTree& tree, const std::vector<HLBanne
     }
     return needed;
   }
-  // Nobody can point at what is hidden, nor press it.
+  // Nobody can press what is hidden; and where something is, matters for windows and for what can be pressed only.
   for (std::size_t i = 1; i < tree.size(); ++i) {
     if (!tree[i].isShowing()) continue;
-    extents(static_cast<int>(i));
     if (tree[i].hasActions) needed.actionsOf.push_back(static_cast<int>(i));
+    if (tree[i].hasActions || tree[i].parent == 0) extents(static_cast<int>(i));
   }
   return needed;
 }

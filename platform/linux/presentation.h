@@ -38,7 +38,8 @@ enum class HLProcessKind {
   other,
 };
 
-// What a presentation will need of nodes beyond what HLReadTree brings.
+// What a presentation will need of nodes beyond what HLReadTree brings: a round trip each, so only of those that can be
+// acted on, and of what is around them.
 struct HLNeededDetails {
   std::vector<int> extentsOf;
   std::vector<int> actionsOf;

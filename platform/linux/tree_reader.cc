@@ -91,6 +91,25 @@ bool isPassiveRole(std::uint32_t role) {
   return std::find(kPassive.begin(), kPassive.end(), role) != kPassive.end();
 }
 
+// Passive roles whose names and descriptions nobody sees.
+bool isContainerRole(std::uint32_t role) {
+  static constexpr std::array kContainers = {HLRawRole::kFiller,     HLRawRole::kLayeredPane, HLRawRole::kPanel,
+                                             HLRawRole::kScrollPane, HLRawRole::kSeparator,   HLRawRole::kSplitPane,
+                                             HLRawRole::kViewport};
+  return std::find(kContainers.begin(), kContainers.end(), role) != kContainers.end();
+}
+
+// Roles whose name is the text that they show, and all that they say.
+bool isTextRole(std::uint32_t role) { return role == HLRawRole::kLabel || role == HLRawRole::kStatic; }
+
+// Roles of which no toolkit puts anything below that could be acted on.
+bool isLeafRole(std::uint32_t role) {
+  static constexpr std::array kLeaves = {HLRawRole::kLabel, HLRawRole::kStatic,      HLRawRole::kIcon,
+                                         HLRawRole::kImage, HLRawRole::kCheckBox,    HLRawRole::kRadioButton,
+                                         HLRawRole::kEntry, HLRawRole::kProgressBar, HLRawRole::kSeparator};
+  return std::find(kLeaves.begin(), kLeaves.end(), role) != kLeaves.end();
+}
+
 // One element of the application's own cache.
 struct CacheItem {
   HLRawNode node;
@@ -151,7 +170,10 @@ class Walk {
 
  private:
   int add(int parent, std::string_view path);
+  HLRawNode& node(int index) { return tree_[static_cast<std::size_t>(index)]; }
+  const std::string& pathOf(int index) { return node(index).path; }
   void ask(int index);
+  void askForMore(int index);
   void askForChildren(int index);
   void takeChildren(int parent, sd_bus_message* message);
   bool wantsChildren(int index);
@@ -220,37 +242,41 @@ void Walk::adopt(std::vector<CacheItem>& items) {
   }
 }
 
+// Role and state first, since they tell what else is worth a round trip.
 void Walk::ask(int index) {
-  const std::string path = tree_[static_cast<std::size_t>(index)].path;
-  const auto node = [this, index]() -> HLRawNode& { return tree_[static_cast<std::size_t>(index)]; };
-  bus_.start({application_, path, kAccessible, "GetRole"}, [node](const HLBusReply& reply) {
-    if (!reply) return;
-    sd_bus_message_read_basic(reply.message.get(), 'u', &node().role);
-    node().hasActions = !isPassiveRole(node().role);
+  const std::string path = pathOf(index);
+  bus_.start({application_, path, kAccessible, "GetRole"}, [this, index](const HLBusReply& reply) {
+    if (reply) sd_bus_message_read_basic(reply.message.get(), 'u', &node(index).role);
   });
-  bus_.start(
-      {application_, path, kProperties, "Get"},
-      [node](const HLBusReply& reply) {
-        if (reply) node().name = readPropertyText(reply.message.get());
-      },
-      "ss", kAccessible, "Name");
-  bus_.start(
-      {application_, path, kProperties, "Get"},
-      [node](const HLBusReply& reply) {
-        if (reply) node().description = readPropertyText(reply.message.get());
-      },
-      "ss", kAccessible, "Description");
-  // The children last: by then it is known whether they are wanted.
-  bus_.start({application_, path, kAccessible, "GetState"}, [this, node, index](const HLBusReply& reply) {
+  bus_.start({application_, path, kAccessible, "GetState"}, [this, index](const HLBusReply& reply) {
     if (!reply) return;  // it has vanished
-    node().states = readStates(reply.message.get());
-    node().hasExtents = true;
-    if (wantsChildren(index)) askForChildren(index);
+    node(index).states = readStates(reply.message.get());
+    askForMore(index);
   });
 }
 
+void Walk::askForMore(int index) {
+  HLRawNode& known = node(index);
+  known.hasExtents = true;
+  known.hasActions = !isPassiveRole(known.role);
+  const HLBusCall property{application_, known.path, kProperties, "Get"};
+  if (!isContainerRole(known.role)) {
+    const auto take = [this, index](const HLBusReply& reply) {
+      if (reply) node(index).name = readPropertyText(reply.message.get());
+    };
+    bus_.start(property, take, "ss", kAccessible, "Name");
+  }
+  if (!isContainerRole(known.role) && !isTextRole(known.role)) {
+    const auto take = [this, index](const HLBusReply& reply) {
+      if (reply) node(index).description = readPropertyText(reply.message.get());
+    };
+    bus_.start(property, take, "ss", kAccessible, "Description");
+  }
+  if (wantsChildren(index) && !isLeafRole(known.role)) askForChildren(index);
+}
+
 void Walk::askForChildren(int index) {
-  const HLBusCall call{application_, tree_[static_cast<std::size_t>(index)].path, kAccessible, "GetChildren"};
+  const HLBusCall call{application_, pathOf(index), kAccessible, "GetChildren"};
   bus_.start(call, [this, index](const HLBusReply& reply) {
     if (reply) takeChildren(index, reply.message.get());
   });

@@ -288,14 +288,14 @@ TEST_P(Adapter, NoSignalGoesToWhatTheBusCannotStartAgain) {
 }
 
 TEST_P(Adapter, NoSignalGoesToAnotherProcess) {
-  begin({.withAccessibility = true, .activatable = {GetParam().command}});
+  begin(WithActivatable({GetParam().command}));
   const std::unique_ptr<ChildProcess> other = session_->start({"sleep", "60"});
   EXPECT_EQ(host_->platform().runningApplications.sendSignal(other->pid(), SIGKILL), HLSignalOutcome::refused);
   EXPECT_FALSE(other->wait(milliseconds(200)));
 }
 
 TEST_P(Adapter, AServerThatIsHardToEndComesBackAllTheSame) {
-  begin({.withAccessibility = true, .activatable = {GetParam().command}});
+  begin(WithActivatable({GetParam().command}));
   HLRunningApplications& applications = host_->platform().runningApplications;
   const std::int32_t before = server_->pid();
   server_->signal(SIGSTOP);

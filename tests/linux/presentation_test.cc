@@ -163,11 +163,12 @@ window '' [0 0 9x9]
   EXPECT_THAT(needed.actionsOf, ElementsAre(6));
 }
 
-TEST(DetailsNeeded, OfOtherProcessesAreThoseOfWhatIsShowing) {
+TEST(DetailsNeeded, OfOtherProcessesAreThoseOfWindowsAndOfWhatCanBePressed) {
   const HLRawTree tree = ParseTree(R"(
 frame '' [0 0 9x9]
   button 'Shown' [0 0 9x9] <Click>
   button 'Hidden' (hidden) [0 0 9x9] <Click>
+  label 'Text' [0 0 9x9]
 )");
   const HLNeededDetails needed = HLDetailsNeeded(tree, {}, HLProcessKind::other);
   EXPECT_THAT(needed.extentsOf, ElementsAre(1, 2));

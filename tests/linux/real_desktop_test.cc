@@ -196,7 +196,7 @@ TEST_P(RealServer, ASessionBusThatIsStoppedIsGivenUp) {
 }
 
 TEST_P(RealServer, TheBusBringsBackAServerThatWasEndedForItsOverflow) {
-  beginWith(GetParam(), {.withAccessibility = true, .activatable = {GetParam().command}});
+  beginWith(GetParam(), WithActivatable({GetParam().command}));
   const pid_t before = server_->pid();
   const std::vector<std::uint32_t> ids = send(GetParam().most, "Chat");
   waitForTargets(GetParam().most);
@@ -218,7 +218,7 @@ TEST_P(RealServer, AServerThatTheBusWouldNotBringBackIsLeftAlone) {
 }
 
 TEST_P(RealServer, AServerInWhosePlaceTheBusWouldStartAnotherIsLeftAlone) {
-  beginWith(GetParam(), {.withAccessibility = true, .activatable = {GetParam().command, kXfce.command}});
+  beginWith(GetParam(), WithActivatable({GetParam().command, kXfce.command}));
   (void)send(GetParam().most, "Chat");
   waitForTargets(GetParam().most);
   EXPECT_EQ(dismiss(), "success|" + std::to_string(GetParam().most) + "|0\n");
@@ -252,13 +252,13 @@ TEST_F(RealDesktop, WithoutAServerThereIsNoNotificationCenter) {
 }
 
 TEST_F(RealDesktop, AskingDoesNotStartAServer) {
-  begin({.withAccessibility = true, .activatable = {kMate.command}});
+  begin(WithActivatable({kMate.command}));
   EXPECT_EQ(dismiss(), "notificationCenterUnavailable|0|0\n");
   EXPECT_EQ(session_->serverPid(), 0);
 }
 
 TEST_F(RealDesktop, WithoutAccessibilityAccessIsDenied) {
-  beginWith(kMate, {.withAccessibility = false, .activatable = {}});
+  beginWith(kMate, WithoutAccessibility());
   EXPECT_EQ(dismiss(), "accessDenied|0|0\n");
 }
 

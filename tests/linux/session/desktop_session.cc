@@ -74,6 +74,24 @@ pid_t ownerOf(const std::string& address, const char* name) {
 
 }  // namespace
 
+SessionSetup WithActivatable(std::vector<std::string> commands) {
+  SessionSetup setup;
+  setup.activatable = std::move(commands);
+  return setup;
+}
+
+SessionSetup WithoutAccessibility() {
+  SessionSetup setup;
+  setup.withAccessibility = false;
+  return setup;
+}
+
+SessionSetup WithScreen(std::string size) {
+  SessionSetup setup;
+  setup.screen = std::move(size);
+  return setup;
+}
+
 DesktopSession::DesktopSession(const SessionSetup& setup)
     : directory_(newDirectory()), reaper_(std::make_unique<OrphanReaper>()) {
   for (const char* name : {"run", "home", "data", "data/dbus-1", "data/dbus-1/services"}) {
@@ -94,7 +112,7 @@ DesktopSession::DesktopSession(const SessionSetup& setup)
       {"GIO_USE_VFS", "local"},
   };
   configureSessionBus(setup);
-  startScreen();
+  startScreen(setup.screen);
   startSessionBus();
   windowManager_ = start({"openbox", "--sm-disable"});
   if (setup.withAccessibility) startAccessibility();
@@ -123,10 +141,10 @@ void DesktopSession::configureSessionBus(const SessionSetup& setup) {
   environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + socket;
 }
 
-void DesktopSession::startScreen() {
+void DesktopSession::startScreen(const std::string& size) {
   // The server itself finds a free display and says which.
   const std::string file = directory_ + "/display";
-  screen_ = start({"sh", "-c", "exec Xvfb -displayfd 3 -noreset -nolisten tcp -screen 0 1280x1024x24 3>" + file});
+  screen_ = start({"sh", "-c", "exec Xvfb -displayfd 3 -noreset -nolisten tcp -screen 0 " + size + " 3>" + file});
   if (!Eventually([&file] { return !firstLine(file).empty(); })) throw std::runtime_error("no X server");
   environment_["DISPLAY"] = ":" + firstLine(file);
 }

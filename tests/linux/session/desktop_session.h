@@ -16,7 +16,12 @@ struct SessionSetup {
   bool withAccessibility = true;  // its bus, switched on
   // Commands of the notification server as service files of the bus, so that it can start it; they are not started yet.
   std::vector<std::string> activatable;
+  std::string screen = "1280x1024x24";  // width, height, depth
 };
+
+[[nodiscard]] SessionSetup WithActivatable(std::vector<std::string> commands);
+[[nodiscard]] SessionSetup WithoutAccessibility();
+[[nodiscard]] SessionSetup WithScreen(std::string size);
 
 // Everything in it has ended when it is destroyed. One at a time in a process.
 class DesktopSession {
@@ -42,7 +47,7 @@ class DesktopSession {
 
  private:
   void configureSessionBus(const SessionSetup& setup);
-  void startScreen();
+  void startScreen(const std::string& size);
   void startSessionBus();
   void startAccessibility();
 
