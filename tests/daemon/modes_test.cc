@@ -121,26 +121,25 @@ TEST(ModeValue, SecondsThatAreNotPositiveAreTen) {
 }
 
 TEST(ModeValue, SecondsAreTheNumberAtTheBeginning) {
-  for (const auto& [value, seconds] : std::vector<std::pair<std::string, double>>{{"2.5", 2.5},
-                                                                                  {" 2.5", 2.5},
-                                                                                  {"\t 7", 7.0},
-                                                                                  {"2.5abc", 2.5},
-                                                                                  {"1e1", 10.0},
-                                                                                  {"2e0x", 2.0},
-                                                                                  {"25E-1", 2.5},
-                                                                                  {"3e", 3.0},
-                                                                                  {"3e+", 3.0},
-                                                                                  {".5", 0.5},
-                                                                                  {"5.", 5.0},
-                                                                                  {"+3", 3.0},
-                                                                                  {"1,5", 1.0},
-                                                                                  {"1.5.5", 1.5},
-                                                                                  {"007", 7.0},
-                                                                                  {"0.001", 0.001},
-                                                                                  {"4 5", 4.0}}) {
+  for (const auto& [value, seconds] : std::vector<std::pair<std::string, double>>{
+           {"2.5", 2.5},   {" 2.5", 2.5}, {"\t\n\v\f\r 7", 7.0}, {"2.5abc", 2.5}, {"2e1", 20.0},
+           {"2e+1", 20.0}, {"2E1", 20.0}, {"2e0x", 2.0},         {"25E-1", 2.5},  {"2e12", 2e12},
+           {"3e", 3.0},    {"3e+", 3.0},  {"3e-", 3.0},          {"3e+x", 3.0},   {"3ex1", 3.0},
+           {".5", 0.5},    {"5.", 5.0},   {"5.e1", 50.0},        {"+3", 3.0},     {"1,5", 1.0},
+           {"1.5.5", 1.5}, {"007", 7.0},  {"0.001", 0.001},      {"4 5", 4.0},    {"1290.95", 1290.95},
+           {"0x10", 10.0}}) {
     EXPECT_EQ(secondsOf(value), seconds) << value;
   }
-  EXPECT_EQ(secondsOf("0x10"), 10.0) << "a zero, then something else";
+}
+
+TEST(ModeValue, OthersHaveNone) {
+  for (const auto& [name, value] : kTable) {
+    const HLSelectedMode mode = HLSelectMode({"hushlet", name, "2.5"});
+    EXPECT_EQ(mode.value, value == HLModeValue::required ? "2.5" : "") << name;
+    EXPECT_EQ(mode.seconds, value == HLModeValue::seconds ? 2.5 : 0.0) << name;
+  }
+  EXPECT_EQ(HLSelectMode({"hushlet", "text"}).value, "");
+  EXPECT_EQ(HLSelectMode({"hushlet", "2.5"}).seconds, 0.0);
 }
 
 TEST(ModeValue, ASwitchAsTheValueIsConsumed) {
@@ -177,9 +176,11 @@ TEST(RunningAMode, ThatThisBuildDoesNotHaveSaysSoInOneLine) {
   std::ostringstream err;
   EXPECT_EQ(HLRunMode({mode, "", 0}, out, err), 1);
   EXPECT_EQ(out.str(), "");
-  const std::string line = err.str();
-  EXPECT_NE(line.find("--some-mode"), std::string::npos) << line;
-  EXPECT_EQ(line.find('\n'), line.size() - 1) << line;
+  EXPECT_EQ(err.str(), "hushlet: this build does not have --some-mode\n");
+  err.str("");
+  const HLMode application = {"", HLModeValue::none, nullptr};
+  EXPECT_EQ(HLRunMode({application, "", 0}, out, err), 1);
+  EXPECT_EQ(err.str(), "hushlet: this build does not have the menu-bar application\n");
 }
 
 }  // namespace

@@ -4,12 +4,17 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "daemon/entry/modes.h"
+#include "daemon/self_check.h"
+#include "platform/accessibility.h"
+#include "platform/run_loop.h"
 #include "tests/support/processes.h"
 #include "tests/support/scenes.h"
 #include "tests/support/simulated_desktop.h"
@@ -113,6 +118,14 @@ TEST_F(Program, SelfCheckWithoutARootElementCountsNothing) {
                                  {"--self-check"});
   EXPECT_EQ(program.out.rfind("trusted=true notificationCenterPid=400 targets=0 pid=", 0), 0U) << program.out;
   EXPECT_EQ(program.exitCode, 0);
+}
+
+TEST_F(Program, SelfCheckNeverAsksTheUserForTrust) {
+  SimulatedDesktop desktop(R"({"trusted": false, "services": {"grantOnPrompt": true}})");
+  std::ostringstream out;
+  EXPECT_EQ(HLSelfCheck(out), 1);
+  desktop.platform().runLoop.runFor(1);
+  EXPECT_FALSE(desktop.platform().accessibility.isProcessTrusted(false));
 }
 
 TEST_F(Program, SelfCheckNamesTheParent) {
