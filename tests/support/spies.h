@@ -77,7 +77,8 @@ class SpiedPlatform {
       : runLoop(inner.runLoop),
         runningApplications(inner.runningApplications),
         inner_(inner),
-        platform_{inner.accessibility, runningApplications, runLoop, inner.process, inner.propertyLists, inner.userNotifications} {
+        platform_{inner.accessibility, runningApplications, runLoop,
+                  inner.process,       inner.propertyLists, inner.userNotifications} {
     HLInstallPlatform(&platform_);
   }
   SpiedPlatform(const SpiedPlatform&) = delete;
