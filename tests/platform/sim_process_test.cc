@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/property_lists.h"
+#include "platform/user_notifications.h"
 #include "tests/platform/desktop.h"
 
 namespace {
@@ -89,6 +91,54 @@ TEST(SimulatedProcess, HasTheSameIdentifierInEveryRun) {
   EXPECT_EQ(Desktop("{}").process().parentProcessIdentifier(), Desktop("{}").process().parentProcessIdentifier());
 }
 
+// Services
+
+TEST(SimulatedPropertyLists, AreThoseOfTheScene) {
+  Desktop desktop(R"({"propertyLists": {"/a.plist": {"Label": "x", "List": [1]}, "/list.plist": [1]}})");
+  HLPropertyLists& lists = desktop.simulator().platform().propertyLists;
+  const std::optional<HLDictionary> list = lists.readDictionary("/a.plist");
+  ASSERT_TRUE(list.has_value());
+  EXPECT_EQ(*HLDictionaryValue(*list, "Label")->as<std::string>(), "x");
+  EXPECT_FALSE(lists.readDictionary("/list.plist").has_value()) << "it is no dictionary";
+  EXPECT_FALSE(lists.readDictionary("/b.plist").has_value());
+}
+
+class SimulatedUserNotifications : public testing::Test {
+ protected:
+  // "granted", "denied" or "silent", and the error where there is one.
+  static std::string permission(const std::string& service) {
+    Desktop desktop(R"({"services": {"userNotifications": )" + service + "}}");
+    std::string answer = "silent";
+    desktop.simulator().platform().userNotifications.requestAuthorization(
+        [&answer](bool granted, const std::optional<std::string>& error) {
+          answer = (granted ? "granted" : "denied") + (error ? " " + *error : "");
+        });
+    return answer;
+  }
+};
+
+TEST_F(SimulatedUserNotifications, ArePermittedAsTheSceneSays) {
+  EXPECT_EQ(permission("{}"), "granted");
+  EXPECT_EQ(permission(R"({"permission": "granted", "error": null})"), "granted");
+  EXPECT_EQ(permission(R"({"permission": "denied", "error": "no"})"), "denied no");
+  EXPECT_EQ(permission(R"({"permission": "silent"})"), "silent");
+}
+
+TEST_F(SimulatedUserNotifications, AreKeptAndAnsweredAsTheSceneSays) {
+  Desktop desktop(R"({"services": {"userNotifications": {"addErrors": {"b": "full"}}}})");
+  std::vector<std::string> answers;
+  for (const char* identifier : {"a", "b"}) {
+    desktop.simulator().platform().userNotifications.add(
+        {identifier, "title", "body", 1.5, true},
+        [&answers](const std::optional<std::string>& error) { answers.push_back(error.value_or("added")); });
+  }
+  EXPECT_THAT(answers, ElementsAre("added", "full"));
+  const std::vector<HLUserNotification> handedOver = desktop.simulator().notifications();
+  ASSERT_EQ(handedOver.size(), 2U);
+  EXPECT_EQ(handedOver[1].identifier, "b");
+  EXPECT_EQ(handedOver[1].delay, 1.5);
+}
+
 // The record
 
 TEST(Record, IsALineAddedToItsFileAtTheEnd) {
@@ -105,11 +155,12 @@ TEST(Record, IsALineAddedToItsFileAtTheEnd) {
     EXPECT_EQ(nameless->performAction("AXRaise"), HLAXErrorActionUnsupported);
     EXPECT_EQ(content(path), "before\n");
   }
-  EXPECT_EQ(content(path),
-            "before\n"
-            R"({"at":0.112,"observers":[],"actions":[{"at":0.012,"element":"a","action":"Close\n","code":0},)"
-            R"({"at":0.112,"element":null,"action":"AXRaise","code":-25206}],"present":["w","b"]})"
-            "\n");
+  EXPECT_EQ(
+      content(path),
+      "before\n"
+      R"({"at":0.112,"notifications":[],"observers":[],"actions":[{"at":0.012,"element":"a","action":"Close\n","code":0},)"
+      R"({"at":0.112,"element":null,"action":"AXRaise","code":-25206}],"present":["w","b"]})"
+      "\n");
 }
 
 TEST(Record, ListsTheObserversThatAreStillThere) {
@@ -126,8 +177,20 @@ TEST(Record, ListsTheObserversThatAreStillThere) {
     EXPECT_EQ(kept->addNotification(root, "A"), HLAXErrorSuccess);
   }
   kept.reset();
-  EXPECT_EQ(content(path), R"({"at":0.0,"observers":[{"pid":400,"notifications":["N","A"]}],"actions":[],)"
-                           R"("present":["w"]})"
+  EXPECT_EQ(content(path),
+            R"({"at":0.0,"notifications":[],"observers":[{"pid":400,"notifications":["N","A"]}],"actions":[],)"
+            R"("present":["w"]})"
+            "\n");
+}
+
+TEST(Record, ListsTheNotificationsThatTheProgramPosted) {
+  const std::string path = freshPath("notifications");
+  {
+    Desktop desktop(R"({"record": ")" + path + "\"}");
+    desktop.simulator().platform().userNotifications.add({"id", "title", "body", 2, true}, [](const auto&) {});
+  }
+  EXPECT_EQ(content(path), R"({"at":0.0,"notifications":[{"identifier":"id","title":"title","body":"body","delay":2.0,)"
+                           R"("sound":true}],"observers":[],"actions":[],"present":[]})"
                            "\n");
 }
 

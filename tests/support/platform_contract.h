@@ -393,6 +393,37 @@ TEST_P(PlatformContract, DestroyingAQueueWaitsForItsOperations) {
   EXPECT_EQ(done, 6);
 }
 
+TEST_P(PlatformContract, ASemaphoreKeepsItsSignals) {
+  const auto semaphore = runLoop().makeSemaphore();
+  semaphore->signal();
+  semaphore->signal();
+  EXPECT_TRUE(semaphore->wait(0));
+  EXPECT_TRUE(semaphore->wait(5));
+  EXPECT_FALSE(semaphore->wait(0));
+}
+
+TEST_P(PlatformContract, WaitingForASignalThatNeverComesTakesItsTime) {
+  const auto semaphore = runLoop().makeSemaphore();
+  const double before = runLoop().now();
+  EXPECT_FALSE(semaphore->wait(0.03));
+  EXPECT_GE(runLoop().now() - before, 0.03 - 1e-3);
+  const double between = runLoop().now();
+  EXPECT_FALSE(semaphore->wait(-1));
+  EXPECT_LT(runLoop().now() - between, 1);
+}
+
+TEST_P(PlatformContract, ASignalOfAnotherThreadEndsTheWait) {
+  const auto semaphore = runLoop().makeSemaphore();
+  const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
+  queue->addOperation([&] {
+    runLoop().sleep(0.02);
+    semaphore->signal();
+  });
+  const double before = runLoop().now();
+  EXPECT_TRUE(semaphore->wait(30));
+  EXPECT_LT(runLoop().now() - before, 25);
+}
+
 // Process
 
 TEST_P(PlatformContract, ArgumentsBeginWithTheExecutable) {
