@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,10 @@ constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 
 // Once an application has let a call time out, it is asked more briefly until it answers again.
 constexpr std::chrono::milliseconds kPatienceWithSilent{250};
+
+// A server that has just started owns its service a moment before it is on the bus.
+constexpr std::chrono::milliseconds kStartupTime{2000};
+constexpr std::chrono::milliseconds kStartupPoll{20};
 
 // The applications that have registered on the bus.
 std::vector<std::string> registeredNames(HLBus& bus) {
@@ -79,6 +84,10 @@ bool HLAccessibleApplication::findOnBus() {
   std::unique_ptr<HLBus> bus = HLBus::openBus(busAddress_);
   if (bus == nullptr) return false;
   name_ = nameOfProcess(*bus, pid());
+  while (name_.empty() && !hasEnded() && process_.age() < kStartupTime) {
+    std::this_thread::sleep_for(kStartupPoll);
+    name_ = nameOfProcess(*bus, pid());
+  }
   if (name_.empty()) return false;
   const HLBusReply reply =
       bus->call({name_, HLAccessibleRootPath, "org.a11y.atspi.Application", "GetApplicationBusAddress"}, "s", "");

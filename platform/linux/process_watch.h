@@ -1,6 +1,7 @@
 // A hold on one process, by which its end is told from the start of another with the same number.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 class HLProcessWatch {
@@ -14,6 +15,9 @@ class HLProcessWatch {
 
   // Whether the process is no more; one that nobody has waited for yet is no more. Any thread.
   [[nodiscard]] bool hasEnded() const;
+
+  // How long ago it started; a very long time where that is not known.
+  [[nodiscard]] std::chrono::milliseconds age() const;
 
   // Any thread; nothing happens once it has ended.
   void sendSignal(int signal) const;
