@@ -32,31 +32,47 @@ std::vector<std::string> namesIn(const fs::path& directory, const std::string& e
   return names;
 }
 
-// One run, written down.
-std::string run(const std::string& scene, const std::string& mode) {
+// Lines of the observer begin with the time of day.
+std::string withoutTimes(const std::string& output) {
+  return std::regex_replace(output, std::regex(R"((^|\n)\d{10}\.\d{3} )"), "$1TIME ");
+}
+
+// One run, written down with all that it logs.
+std::string run(const std::string& scene, const std::vector<std::string>& arguments) {
   const TemporaryDirectory home;
   const std::string path = (kScenes / (scene + ".json")).string();
+  std::vector<std::string> command = {HUSHLET_SIM};
+  command.insert(command.end(), arguments.begin(), arguments.end());
   const ProgramRun program =
-      RunProgram({HUSHLET_SIM, mode}, {{"HOME", home.path().c_str()}, {"HUSHLET_SCENE", path.c_str()}});
-  std::string text = "$ hushlet-sim " + mode + "\n" + program.out;
+      RunProgram(command, {{"HOME", home.path().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", path.c_str()}});
+  std::string text = "$ hushlet-sim";
+  for (const std::string& argument : arguments) text += " " + argument;
+  text += "\n" + withoutTimes(program.out);
   if (!program.err.empty()) text += "standard error:\n" + program.err;
   text += "exit code " + std::to_string(program.exitCode) + "\n";
-  const std::string log = FileContent(home.path() + "/.local/state/hushlet/hushlet_detailed_diagnostics.log");
-  for (const std::string& line : LogMessages(log)) text += "  " + line + "\n";
+  for (const char* log : {"/.local/state/hushlet/hushlet_detailed_diagnostics.log",
+                          "/.local/share/com.tessaly.hushlet/hushlet_detailed_diagnostics.log",
+                          "/.local/share/com.tessaly.hushlet/status.log"}) {
+    if (fs::exists(home.path() + log)) text += std::string(" ") + log + "\n";
+    for (const std::string& line : LogMessages(FileContent(home.path() + log))) text += "  " + line + "\n";
+  }
   return text;
+}
+
+void expectGolden(const std::string& name, const std::string& text) {
+  const fs::path golden = kGoldens / (name + ".txt");
+  if (std::getenv("HUSHLET_RENEW_GOLDENS") != nullptr) {
+    std::ofstream(golden, std::ios::binary) << text;
+    return;
+  }
+  ASSERT_TRUE(fs::exists(golden)) << "no golden of that name: run tools/renew-goldens and look at it";
+  EXPECT_EQ(text, FileContent(golden.string()));
 }
 
 class Golden : public testing::TestWithParam<std::string> {};
 
 TEST_P(Golden, IsWhatTheSceneComesTo) {
-  const std::string text = run(GetParam(), "--self-check") + "\n" + run(GetParam(), "--dismiss-now");
-  const fs::path golden = kGoldens / (GetParam() + ".txt");
-  if (std::getenv("HUSHLET_RENEW_GOLDENS") != nullptr) {
-    std::ofstream(golden, std::ios::binary) << text;
-    return;
-  }
-  ASSERT_TRUE(fs::exists(golden)) << "no golden for this scene: run tools/renew-goldens and look at it";
-  EXPECT_EQ(text, FileContent(golden.string()));
+  expectGolden(GetParam(), run(GetParam(), {"--self-check"}) + "\n" + run(GetParam(), {"--dismiss-now"}));
 }
 
 std::string nameOf(const testing::TestParamInfo<std::string>& info) {
@@ -65,11 +81,32 @@ std::string nameOf(const testing::TestParamInfo<std::string>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Scenes, Golden, testing::ValuesIn(namesIn(kScenes, ".json")), nameOf);
 
+constexpr const char* kEveryMode = "every_mode";
+
+TEST(Goldens, ShowWhatEveryModeDoesWhileAnAutomationRuns) {
+  const std::vector<std::vector<std::string>> calls = {
+      {"--request-accessibility"},
+      {"--daemon-dismiss"},
+      {"--daemon-self-check"},
+      {"--auto-close-match", "Kurzbefehle, Zuhause, Deine Automation wird ausgeführt"},
+      {"--auto-close-match", "Mail, Running your automation"},
+      {"--close-matching", "lunch"},
+      {"--auto-close-probe", "3"},
+      {"--observe-nc", "3"},
+      {"--self-check"},
+      {"--send-test-notifications"},
+      {"--dismiss-now"},
+      {}};
+  std::string text;
+  for (const std::vector<std::string>& call : calls) text += (text.empty() ? "" : "\n") + run("automation", call);
+  expectGolden(kEveryMode, text);
+}
+
 TEST(Goldens, AreThereForScenesOnly) {
   EXPECT_FALSE(namesIn(kScenes, ".json").empty());
   const std::vector<std::string> scenes = namesIn(kScenes, ".json");
   for (const std::string& golden : namesIn(kGoldens, ".txt")) {
-    if (golden == "CMakeLists") continue;
+    if (golden == "CMakeLists" || golden == kEveryMode) continue;
     EXPECT_TRUE(std::binary_search(scenes.begin(), scenes.end(), golden)) << golden << ".txt has no scene";
   }
 }
