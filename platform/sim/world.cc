@@ -86,7 +86,7 @@ HLSimWorld::HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deli
       newest_(scene.ids.size(), nullptr) {
   for (const HLSceneApplication* application : scene.applications) launch(*application);
   for (const HLSceneTimelineEvent& entry : scene.timeline) {
-    schedule(entry.at, false, [this, &entry](HLSimMoment now) { apply(entry.event, now); });
+    schedule(entry.at, [this, &entry](HLSimMoment now) { apply(entry.event, now); });
   }
   happenUntil(0);
 }
@@ -95,8 +95,8 @@ HLSimWorld::~HLSimWorld() = default;
 
 // Time
 
-void HLSimWorld::schedule(HLSimMoment moment, bool caused, Happening happening) {
-  due_.emplace(Due{moment, caused, dueNumber_++}, std::move(happening));
+void HLSimWorld::schedule(HLSimMoment moment, Happening happening) {
+  due_.emplace(Due{moment, dueNumber_++}, std::move(happening));
 }
 
 void HLSimWorld::happenUntil(HLSimMoment now) {
@@ -140,12 +140,12 @@ void HLSimWorld::kill(HLSimApplication& application, HLSimMoment now) {
   const HLSimMoment lingers = HLSimMomentFromSeconds(origin.lingers);
   const auto leave = [this, &application](HLSimMoment) { std::erase(listed_, &application); };
   if (lingers > 0) {
-    schedule(now + lingers, true, leave);
+    schedule(now + lingers, leave);
   } else {
     leave(now);
   }
   if (origin.relaunch) {
-    schedule(now + HLSimMomentFromSeconds(origin.relaunch->after), true,
+    schedule(now + HLSimMomentFromSeconds(origin.relaunch->after),
              [this, next = origin.relaunch->application](HLSimMoment) { launch(*next); });
   }
 }
@@ -386,11 +386,11 @@ HLSimWorld::Answer HLSimWorld::perform(const HLSimNode& node, std::string_view a
     answer.code = reaction->error;
     answer.at = now + HLSimMomentFromSeconds(reaction->seconds);
     const HLSimMoment effects = now + HLSimMomentFromSeconds(reaction->seconds + reaction->after);
-    schedule(effects, true, [this, reaction](HLSimMoment moment) {
+    schedule(effects, [this, reaction](HLSimMoment moment) {
       for (const HLSceneEvent& event : reaction->effects) apply(event, moment);
     });
   } else if (closesBy(node, action)) {
-    schedule(now + kCloseDelay, true, [this, id = *node.origin->closes](HLSimMoment) { remove(id); });
+    schedule(now + kCloseDelay, [this, id = *node.origin->closes](HLSimMoment) { remove(id); });
   }
   std::optional<std::string> id;
   if (node.origin != nullptr && node.origin->id) id = scene_.ids[static_cast<std::size_t>(*node.origin->id)];

@@ -108,16 +108,14 @@ class HLSimWorld {
   [[nodiscard]] std::vector<HLSimNode*> members(const HLSimNode& node) const;
 
  private:
-  // Of one moment the timeline comes first, then what was caused, each in its order.
   struct Due {
     HLSimMoment moment = 0;
-    bool caused = false;
-    std::int64_t number = 0;
+    std::int64_t number = 0;  // the order of one moment: the timeline has the first ones
     auto operator<=>(const Due&) const = default;
   };
   using Happening = std::function<void(HLSimMoment)>;
 
-  void schedule(HLSimMoment moment, bool caused, Happening happening);
+  void schedule(HLSimMoment moment, Happening happening);
   void apply(const HLSceneEvent& event, HLSimMoment now);
   void add(const HLSceneAdd& event);
   void remove(HLSceneId id);

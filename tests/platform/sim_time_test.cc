@@ -294,6 +294,12 @@ TEST(RealTime, BringsTimelineAndEffectsWhenTheyAreDue) {
   EXPECT_GE(desktop.simulator().elapsed() - pressed, 0.05 - 1e-6);
 }
 
+TEST(RealTime, PassesForWhoNeverWaits) {
+  Desktop desktop(Scene(R"({"id": "w"})", R"(, "clock": "real", "timeline": [{"at": 0.01, "remove": "w"}])"));
+  while (desktop.simulator().elapsed() < 0.01) EXPECT_LT(desktop.simulator().elapsed(), 20);
+  EXPECT_EQ(desktop.error("w", "AXRole"), HLAXErrorInvalidElement);
+}
+
 TEST(RealTime, RunsSeveralThreadsAtOnce) {
   Desktop desktop(R"({"clock": "real"})");
   const auto pool = desktop.runLoop().makeOperationQueue("test", HLQualityOfService::userInitiated, 2);

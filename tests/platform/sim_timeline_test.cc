@@ -188,6 +188,20 @@ TEST(Application, LingersTerminatedAndIsFollowedByItsRelaunch) {
   EXPECT_THAT(pids(), ElementsAre("9", "6"));
 }
 
+TEST(Application, ThatComesBackWithItsPidIsTheOneThatIsFound) {
+  Desktop desktop(R"({"applications": [{"pid": 4, "name": "old", "lingers": 5, "windows": [{"title": "old"}],
+    "relaunch": {"after": 1, "application": {"pid": 4, "name": "new", "windows": [{"title": "new"}]}}}]})");
+  EXPECT_EQ(desktop.applications().sendSignal(4, SIGTERM), HLSignalOutcome::sent);
+  EXPECT_TRUE(desktop.applications().find(4)->terminated);
+  desktop.sleep(1);
+  EXPECT_EQ(desktop.applications().list().size(), 2U);
+  EXPECT_EQ(desktop.applications().find(4)->name, "new");
+  EXPECT_THAT(desktop.titles(desktop.accessibility().createApplication(4), "AXWindows"), ElementsAre("new"));
+  EXPECT_EQ(desktop.applications().sendSignal(4, SIGTERM), HLSignalOutcome::sent);
+  ASSERT_EQ(desktop.applications().list().size(), 1U);
+  EXPECT_EQ(desktop.applications().find(4)->name, "old");
+}
+
 TEST(Application, MayIgnoreBeingAskedToEndButNotBeingKilled) {
   Desktop desktop(R"({"applications": [{"pid": 4, "ignoresTerminate": true}, {"pid": 5}]})");
   EXPECT_EQ(desktop.applications().sendSignal(4, SIGTERM), HLSignalOutcome::sent);
@@ -196,6 +210,7 @@ TEST(Application, MayIgnoreBeingAskedToEndButNotBeingKilled) {
   EXPECT_EQ(desktop.applications().sendSignal(4, SIGKILL), HLSignalOutcome::sent);
   EXPECT_EQ(desktop.applications().sendSignal(5, SIGKILL), HLSignalOutcome::sent);
   EXPECT_THAT(desktop.applications().list(), IsEmpty());
+  EXPECT_EQ(desktop.applications().sendSignal(77, SIGTERM), HLSignalOutcome::sent);
   EXPECT_EQ(desktop.applications().sendSignal(77, SIGKILL), HLSignalOutcome::sent);
 }
 
