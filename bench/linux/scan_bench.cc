@@ -56,8 +56,8 @@ struct Walk {
   double time = 0;
 };
 
-std::optional<Walk> stockWalk(DesktopSession& session, pid_t pid) {
-  const std::unique_ptr<ChildProcess> walk = session.start({HL_STOCK_WALK, std::to_string(pid)});
+std::optional<Walk> stockWalk(DesktopSession& session, pid_t pid, const std::string& way) {
+  const std::unique_ptr<ChildProcess> walk = session.start({HL_STOCK_WALK, std::to_string(pid), way});
   if (walk->wait(std::chrono::seconds(60)) != 0) return std::nullopt;
   std::istringstream out(walk->output());
   Walk result;
@@ -111,13 +111,16 @@ bool measure(const Case& each) {
   }
 
   std::vector<double> stock;
+  std::vector<double> cached;
   std::vector<double> scans;
   std::vector<double> first;
   int walked = 0;
   for (int i = 0; i < kRepetitions; ++i) {  // side by side, so that a busy moment hits all alike
-    const std::optional<Walk> walk = stockWalk(session, window->pid());
-    if (!walk) return false;
+    const std::optional<Walk> walk = stockWalk(session, window->pid(), "fresh");
+    const std::optional<Walk> withCache = stockWalk(session, window->pid(), "cached");
+    if (!walk || !withCache) return false;
     stock.push_back(walk->time);
+    cached.push_back(withCache->time);
     walked = walk->elements;
     scans.push_back(scan(*application));
     const Clock::time_point begin = Clock::now();
@@ -130,6 +133,7 @@ bool measure(const Case& each) {
   const Times ours = summary(scans);
   std::printf("%s\n", each.title);
   printRow("walk with the stock client library", walked, theirs);
+  printRow("the same, with that library's cache", walked, summary(cached));
   printRow("scan by this program", elements + 1, ours);
   printRow("the same, with making the application's element", elements + 1, summary(first));
   std::printf("  %-62s%12.1f%12.1f   aim: %s\n", "stock walk / scan", theirs.median / ours.median,

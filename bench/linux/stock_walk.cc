@@ -8,6 +8,8 @@
 
 namespace {
 
+bool fresh = false;
+
 struct Sum {
   int elements = 0;
   std::size_t characters = 0;  // so that nothing is read in vain
@@ -21,6 +23,7 @@ void add(gchar* text, Sum& sum) {
 // Role, name, description, actions with their names, extents and children of each.
 void walk(AtspiAccessible* element, Sum& sum) {
   ++sum.elements;
+  if (fresh) atspi_accessible_clear_cache(element);
   sum.characters += static_cast<std::size_t>(atspi_accessible_get_role(element, nullptr));
   add(atspi_accessible_get_name(element, nullptr), sum);
   add(atspi_accessible_get_description(element, nullptr), sum);
@@ -50,6 +53,7 @@ int main(int argc, char** argv) {
   if (argc < 2 || atspi_init() != 0) return 2;
   const guint pid = static_cast<guint>(std::stoul(argv[1]));
   AtspiAccessible* desktop = atspi_get_desktop(0);
+  fresh = argc > 2 && std::string(argv[2]) == "fresh";
   const int applications = atspi_accessible_get_child_count(desktop, nullptr);
   for (int i = 0; i < applications; ++i) {
     AtspiAccessible* application = atspi_accessible_get_child_at_index(desktop, i, nullptr);
