@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/scoring.h"
+#include "core/words.h"
 
 HLContext::HLContext(std::string text) : text_(std::move(text)) { searchFrom(0); }
 

@@ -2,17 +2,16 @@
 
 #include <array>
 #include <cmath>
-#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 #include "core/element_access.h"
 #include "core/element_facts.h"
 #include "core/scoring.h"
-#include "core/tree_scan.h"
+#include "core/tree_walk.h"
+#include "core/words.h"
 #include "platform/text.h"
 
 namespace {
@@ -50,9 +49,8 @@ std::optional<std::string> dismissOrPressAction(const std::vector<std::string>& 
 }
 
 // The control that one visited element is, or nothing.
-std::optional<HLDismissTarget> focusedControl(const HLElementRef& element, const HLElementFacts& facts,
-                                              const HLContext& context, const std::string& own,
-                                              const HLRect& rootFrame) {
+std::optional<HLDismissTarget> focusedControl(const HLVisit& visit, const HLRect& rootFrame) {
+  const auto& [element, facts, own, context] = visit;
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
   const std::string snapshot = own.empty() ? context.text() : own;
   if (explicitAction && HLIsNotificationBannerSubrole(facts.subrole)) {
@@ -116,22 +114,13 @@ std::optional<HLDismissTarget> HLCloseControlAttributeTarget(const HLElement& el
 
 std::optional<HLDismissTarget> HLFocusedDismissControlInSubtree(const HLElementRef& root) {
   const HLElementFacts rootFacts = HLReadElementFacts(*root);
-  std::deque<HLQueueItem> queue = {{root, std::make_shared<const HLContext>(HLSearchableContext(rootFacts))}};
-  std::unordered_set<HLElementRef> visited;
   std::optional<HLDismissTarget> best;
-
-  while (!queue.empty() && visited.size() < kVisitLimit) {
-    const HLQueueItem item = std::move(queue.front());
-    queue.pop_front();
-    if (!visited.insert(item.element).second) continue;
-
-    const HLElementFacts facts = HLReadElementFacts(*item.element);
-    const std::string own = HLSearchableContext(facts);
-    const auto context = std::make_shared<const HLContext>(item.context->extendedBy(own));
-    std::optional<HLDismissTarget> control = focusedControl(item.element, facts, *context, own, rootFacts.frame);
+  const auto look = [&best, &rootFacts](const HLVisit& visit) {
+    std::optional<HLDismissTarget> control = focusedControl(visit, rootFacts.frame);
     // Of equal ones the first stays: it is nearer to the root.
     if (control && (!best || control->score > best->score)) best = std::move(control);
-    for (HLQueueItem& child : HLChildQueueItems(facts, context)) queue.push_back(std::move(child));
-  }
+    return true;
+  };
+  HLWalkTree({root, std::make_shared<const HLContext>(HLSearchableContext(rootFacts))}, kVisitLimit, look);
   return best;
 }

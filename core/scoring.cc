@@ -1,42 +1,28 @@
 #include "core/scoring.h"
 
-#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <string_view>
 
 #include "core/element_access.h"
+#include "core/words.h"
 #include "platform/text.h"
 
 namespace {
 
 using namespace std::string_view_literals;
 
-// The lists overlap on purpose and are not to be tidied: each is data with a history of its own.
-constexpr std::array kDismissWords = {"close"sv, "dismiss"sv, "clear"sv};
-constexpr std::array kOwnCloseWords = {"close"sv, "dismiss"sv, "clear"sv, "xmark"sv};
+// Like all such lists, not to be tidied: words that hold others are meant.
 constexpr std::array kNegativeWords = {"reply"sv,   "open"sv,  "options"sv, "show"sv,   "view"sv,       "accept"sv,
                                        "decline"sv, "allow"sv, "later"sv,   "snooze"sv, "mute"sv,       "unmute"sv,
                                        "play"sv,    "pause"sv, "call"sv,    "manage"sv, "clear menu"sv, "menu item"sv};
 constexpr std::array kButtonWord = {"button"sv};
 constexpr std::array kMenuRoleWord = {"menu"sv};
 constexpr std::array kMenuStructureWords = {"menu item"sv, "menu bar"sv, "menubar"sv};
-constexpr std::array kNotificationWords = {"notification"sv,        "axnotification"sv, "stacked"sv,
-                                           "notification center"sv, "from iphone"sv,    "axnotificationlistitems"sv};
-
-constexpr bool fitContexts(HLWordList words) {
-  return std::all_of(words.begin(), words.end(),
-                     [](std::string_view word) { return word.size() <= HLLongestContextWord; });
-}
-static_assert(fitContexts(kNotificationWords) && fitContexts(kDismissWords));
 
 constexpr std::int64_t kAcceptance = 45;
 constexpr std::int64_t kShortcutScore = 220;
 constexpr double kSmallFrame = 60;  // points, both ways
-
-// For text that is lower-cased already.
-bool containsAny(std::string_view text, HLWordList words) {
-  return std::any_of(words.begin(), words.end(),
-                     [text](std::string_view word) { return text.find(word) != std::string_view::npos; });
-}
 
 bool isSmall(const HLRect& frame) {
   return !frame.isNull() && frame.width <= kSmallFrame && frame.height <= kSmallFrame;
@@ -56,30 +42,9 @@ struct Score {
 
 }  // namespace
 
-bool HLStringContainsAny(std::string_view text, HLWordList words) { return containsAny(HLLowercase(text), words); }
-
-bool HLIsNotificationContext(std::string_view text) { return HLStringContainsAny(text, kNotificationWords); }
-
-bool HLContainsDismissWord(std::string_view text) { return HLStringContainsAny(text, kDismissWords); }
-
-bool HLContextHoldsNotificationWord(std::string_view context) { return containsAny(context, kNotificationWords); }
-
-bool HLContextHoldsCloseWord(std::string_view context) { return containsAny(context, kDismissWords); }
-
-bool HLHasOwnCloseWord(std::string_view own) { return HLStringContainsAny(own, kOwnCloseWords); }
-
 bool HLIsMenuLike(const HLElementFacts& facts) {
   return HLStringContainsAny(facts.role, kMenuRoleWord) || HLStringContainsAny(facts.subrole, kMenuRoleWord) ||
-         containsAny(HLStructuralContext(facts), kMenuStructureWords);
-}
-
-std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames) {
-  const auto found = std::find_if(actionNames.begin(), actionNames.end(), HLContainsDismissWord);
-  return found == actionNames.end() ? std::nullopt : std::optional(*found);
-}
-
-bool HLIsPressable(const std::vector<std::string>& actionNames) {
-  return std::find(actionNames.begin(), actionNames.end(), "AXPress") != actionNames.end();
+         HLLowercaseContainsAny(HLStructuralContext(facts), kMenuStructureWords);
 }
 
 std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element, const HLElementFacts& facts,
@@ -101,8 +66,8 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
   if (HLIsMenuLike(facts)) return std::nullopt;
 
   const bool closeWords = HLHasOwnCloseWord(own) || context.hasCloseWord();
-  const bool negativeWords = containsAny(own, kNegativeWords);
-  const bool buttonLike = facts.role == "AXButton" || containsAny(own, kButtonWord);
+  const bool negativeWords = HLLowercaseContainsAny(own, kNegativeWords);
+  const bool buttonLike = facts.role == "AXButton" || HLLowercaseContainsAny(own, kButtonWord);
   const bool small = isSmall(facts.frame);
 
   Score score;

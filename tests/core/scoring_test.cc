@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/words.h"
 #include "tests/support/descriptions.h"
 #include "tests/support/fake_element.h"
 

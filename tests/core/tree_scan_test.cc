@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/tree_walk.h"
 #include "tests/support/descriptions.h"
 #include "tests/support/fake_element.h"
 #include "tests/support/scenes.h"
