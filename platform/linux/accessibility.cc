@@ -1,6 +1,7 @@
 #include "platform/linux/accessibility.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <mutex>
@@ -229,14 +230,26 @@ class ApplicationElement : public HLElement {
     return shown_;
   }
 
+  // What the making of this element read, to whoever is first to ask, and asks at once.
+  [[nodiscard]] std::shared_ptr<const Snapshot> justRead() const {
+    constexpr std::chrono::milliseconds kMoment{5};  // a reading may take longer itself
+    const std::lock_guard lock(source_->mutex);
+    const bool isFirst = std::exchange(isUnread_, false);
+    return isFirst && std::chrono::steady_clock::now() - made_ <= kMoment ? shown_ : nullptr;
+  }
+
   [[nodiscard]] HLAttribute windows() const;
 
   const std::shared_ptr<Source> source_;
-  mutable std::shared_ptr<const Snapshot> shown_;  // under the source's mutex
+  const std::chrono::steady_clock::time_point made_ = std::chrono::steady_clock::now();
+  mutable std::shared_ptr<const Snapshot> shown_;  // this and the next under the source's mutex
+  mutable bool isUnread_ = true;
 };
 
 HLAttribute ApplicationElement::windows() const {
-  if (std::shared_ptr<const Snapshot> taken = takeSnapshot(source_)) {
+  std::shared_ptr<const Snapshot> taken = justRead();
+  if (taken == nullptr) taken = takeSnapshot(source_);
+  if (taken != nullptr) {
     const std::lock_guard lock(source_->mutex);
     shown_ = taken;
     source_->newestSnapshot = taken;
