@@ -97,7 +97,11 @@ class TrustedDaemon : public testing::Test {
     daemons_.push_back(std::make_unique<RunningProgram>(
         std::vector<std::string>{HUSHLET_SIM, "--daemon"},
         std::map<std::string, const char*>{
-            {"HOME", home().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", path.c_str()}}));
+            {"HOME", home().c_str()},
+            {"XDG_DATA_HOME", nullptr},
+            {"HUSHLET_SCENE", path.c_str()},
+            // Where memory is watched, what was freed is not kept back: tests look at how much the daemon holds.
+            {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}}));
     return *daemons_.back();
   }
   // The program in the same home, on a scene of its own.

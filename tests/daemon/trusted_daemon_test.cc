@@ -116,7 +116,7 @@ long residentPagesOf(int pid) {
 }
 
 TEST_F(TrustedDaemon, AnswersTenThousandOneAfterAnotherAndLeaksNothing) {
-  const RunningProgram& daemon = start("{}");
+  RunningProgram& daemon = start("{}");
   for (int i = 0; i < 1000; ++i) ASSERT_EQ(ask("ping\n"), "nothing|0|0\n") << i;
   const std::size_t files = openFilesOf(daemon.pid());
   const long pages = residentPagesOf(daemon.pid());
@@ -124,6 +124,8 @@ TEST_F(TrustedDaemon, AnswersTenThousandOneAfterAnotherAndLeaksNothing) {
   EXPECT_EQ(ask("ping\n"), "nothing|0|0\n");
   EXPECT_EQ(openFilesOf(daemon.pid()), files);
   EXPECT_LE(residentPagesOf(daemon.pid()), pages + 128);
+  EXPECT_EQ(ask("quit-daemon\n"), "success|0|0\n");
+  EXPECT_EQ(ended(daemon), 0) << "where leaks are looked for, they are found now";
 }
 
 TEST_F(TrustedDaemon, ItsSocketAndItsDirectoryAreForTheUserAlone) {
