@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <limits>
 #include <string_view>
@@ -24,6 +25,9 @@ constexpr int kWalkLimit = 3 * kWindowLimit;
 constexpr int kHiddenLevels = 2;
 // More calls under way at once make nothing faster.
 constexpr std::size_t kCallsUnderWay = 48;
+
+// An application may answer each call just before it would be given up; the whole of them is given up after that.
+constexpr std::chrono::seconds kWalkPatience{5};
 
 constexpr std::uint32_t kScreenCoordinates = 0;
 constexpr std::int32_t kOffScreen = std::numeric_limits<std::int32_t>::min();
@@ -160,12 +164,14 @@ class Walk {
   HLBusOutcome run(bool adopted) {
     if (!adopted) partial_.push_back(0);
     for (int index : partial_) askForChildren(index);
-    while (true) {
+    const auto deadline = std::chrono::steady_clock::now() + kWalkPatience;
+    while (std::chrono::steady_clock::now() < deadline) {
       const bool more = next_ < toRead_.size();
       if (more) ask(toRead_[next_++]);
       const HLBusOutcome outcome = bus_.settle(more ? kCallsUnderWay : 0);
       if (outcome != HLBusOutcome::answered || (!more && next_ == toRead_.size())) return outcome;
     }
+    return HLBusOutcome::silent;
   }
 
  private:
