@@ -1,5 +1,5 @@
 # The commands of the house; CMakePresets.json holds what they configure. Each one installs what it needs and lacks.
-.PHONY: run test sanitize bench coverage lint tidy format clean
+.PHONY: run test fuzz sanitize bench coverage lint tidy format clean
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell nproc)
@@ -11,11 +11,14 @@ run:
 	@cmake --build --preset dev -j $(JOBS) --target hushlet hushlet-sim
 	@mkdir -p build/demo && HOME=$(CURDIR)/build/demo HUSHLET_PICTURE=1 build/bin/hushlet-sim --dismiss-now
 
-# Every test, those on a real desktop included.
+# Every test, those on a real desktop included, after a short run of the fuzzers.
 test:
-	@tools/install-packages build test
+	@tools/install-packages build test fuzz
 	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
 	cmake --build --preset dev -j $(JOBS)
+	cmake --preset fuzz $(CONFIGURE_FLAGS)
+	cmake --build --preset fuzz -j $(JOBS)
+	tools/fuzz 5
 	ctest --preset dev -j $(JOBS)
 
 # The same tests under the address, undefined-behavior and thread sanitizers.
@@ -25,6 +28,14 @@ sanitize:
 	  cmake --preset $$preset $(CONFIGURE_FLAGS) && cmake --build --preset $$preset -j $(JOBS) && \
 	  ctest --preset $$preset -j $(JOBS) || exit 1; \
 	done
+
+# Every fuzzer for so many seconds, going on from what was found before.
+fuzz: SECONDS ?= 600
+fuzz:
+	@tools/install-packages build fuzz
+	cmake --preset fuzz $(CONFIGURE_FLAGS)
+	cmake --build --preset fuzz -j $(JOBS)
+	tools/fuzz $(SECONDS)
 
 bench:
 	@tools/install-packages build bench

@@ -8,7 +8,8 @@
 #include "platform/property_lists.h"
 #include "platform/value.h"
 
-// The list's root value, or nothing when the bytes are no property list.
+// The list's root value, or nothing when the bytes are no property list or more than a million. A text or key that has
+// a NUL makes it none; values nested more than 500 deep are missing.
 [[nodiscard]] std::optional<HLValue> HLParsePropertyList(std::string_view bytes);
 
 // The same of a file; nothing when it cannot be read.

@@ -90,6 +90,7 @@ void HLSceneBuilder::readPending() {
 }
 
 HLSceneElement* HLSceneBuilder::promiseElement(const HLSceneSpot& spot, std::optional<std::int64_t> repetition) {
+  source_.countElement(spot);
   HLSceneElement* element = &scene_.elements.emplace_back();
   pending_.push_back({spot, element, repetition});
   return element;

@@ -9,6 +9,8 @@ namespace {
 constexpr std::string_view kNumberMark = "{n}";
 // Deeper values would cost the reader its stack. Elements may be nested as deep as memory allows.
 constexpr int kDeepestValue = 500;
+constexpr std::size_t kMostPieces = 1'000'000;
+constexpr std::size_t kMostBytes = 64'000'000;
 
 const HLJson kNull;
 
@@ -34,17 +36,31 @@ void HLSceneSource::fail(const HLSceneSpot& spot, std::string_view what) {
   if (!error_) error_ = placeText(spot.place) + ": " + std::string(what);
 }
 
-std::string HLSceneSource::text(std::string_view written) const {
-  std::string result(written);
-  if (!repetition_) return result;
-  const std::string number = std::to_string(*repetition_);
-  for (std::size_t at = 0; (at = result.find(kNumberMark, at)) != std::string::npos; at += number.size()) {
-    result.replace(at, kNumberMark.size(), number);
+void HLSceneSource::count(const HLSceneSpot& spot, std::size_t pieces, std::size_t bytes) {
+  pieces_ += pieces;
+  bytes_ += bytes;
+  if (pieces_ > kMostPieces) {
+    fail(spot, "the scene is too large: more than 1000000 elements, keys and members, repetitions counted");
   }
+  if (bytes_ > kMostBytes) {
+    fail(spot, "the scene is too large: more than 64000000 bytes of text, repetitions counted");
+  }
+}
+
+std::string HLSceneSource::text(const HLSceneSpot& spot, std::string_view written) {
+  std::string result(written);
+  if (repetition_) {
+    const std::string number = std::to_string(*repetition_);
+    for (std::size_t at = 0; (at = result.find(kNumberMark, at)) != std::string::npos; at += number.size()) {
+      result.replace(at, kNumberMark.size(), number);
+    }
+  }
+  count(spot, 0, result.size());
   return result;
 }
 
 HLSceneSpot HLSceneSource::below(const HLSceneSpot& parent, const HLJson& json, std::string_view key) {
+  count(parent, 1, 0);
   return {&json, &places_.emplace_back(HLScenePlace{parent.place, key, 0})};
 }
 
@@ -89,6 +105,7 @@ std::vector<HLSceneSpot> HLSceneSource::members(const HLSceneSpot& list) {
     fail(list, "expected a list");
     return found;
   }
+  count(list, list.json->size(), 0);
   found.reserve(list.json->size());
   for (const HLJson& member : *list.json) {
     found.push_back({&member, &places_.emplace_back(HLScenePlace{list.place, std::nullopt, found.size()})});
@@ -97,7 +114,7 @@ std::vector<HLSceneSpot> HLSceneSource::members(const HLSceneSpot& list) {
 }
 
 std::string HLSceneSource::string(const HLSceneSpot& spot) {
-  if (spot.json->is_string()) return text(spot.json->get_ref<const std::string&>());
+  if (spot.json->is_string()) return text(spot, spot.json->get_ref<const std::string&>());
   fail(spot, "expected a string");
   return {};
 }

@@ -41,7 +41,10 @@ class HLSceneSource {
   // In every text that is read, "{n}" stands for this number while there is one.
   void setRepetition(std::optional<std::int64_t> number) { repetition_ = number; }
   [[nodiscard]] std::optional<std::int64_t> repetition() const { return repetition_; }
-  [[nodiscard]] std::string text(std::string_view written) const;
+
+  // Repetition makes large scenes of small documents; fails once this one is larger than memory should be asked for.
+  // What is read by the calls below counts by itself.
+  void countElement(const HLSceneSpot& spot) { count(spot, 1, 0); }
 
   // Fails unless the spot holds an object with no other keys than these.
   void expectObject(const HLSceneSpot& spot, std::initializer_list<std::string_view> keys);
@@ -71,13 +74,17 @@ class HLSceneSource {
   [[nodiscard]] HLDictionary dictionary(const HLSceneSpot& spot, int depth = 0);
 
   // What an entry of an object is called, repetition put in.
-  [[nodiscard]] std::string keyText(const HLSceneSpot& entry) const { return text(entry.place->key.value_or("")); }
+  [[nodiscard]] std::string keyText(const HLSceneSpot& entry) { return text(entry, entry.place->key.value_or("")); }
 
  private:
+  [[nodiscard]] std::string text(const HLSceneSpot& spot, std::string_view written);
+  void count(const HLSceneSpot& spot, std::size_t pieces, std::size_t bytes);
   [[nodiscard]] HLSceneSpot below(const HLSceneSpot& parent, const HLJson& json, std::string_view key);
 
   std::deque<HLScenePlace> places_;
   HLSceneSpot root_;
+  std::size_t pieces_ = 0;  // elements, keys and members of lists
+  std::size_t bytes_ = 0;   // of texts
   std::optional<std::int64_t> repetition_;
   std::optional<std::string> error_;
 };

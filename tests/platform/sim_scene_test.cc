@@ -253,6 +253,26 @@ TEST(Scene, MayBeNestedVeryDeep) {
   EXPECT_EQ(desktop.elements(desktop.element("w19999"), "AXChildren").size(), 1U);
 }
 
+// What is written is 100,000 times smaller than what it stands for.
+TEST(Scene, ThatIsTooLargeWithItsRepetitionsIsRefusedInOneLine) {
+  std::string members = R"({"repeat": 100000})";
+  for (int i = 0; i < 10; ++i) members += R"(, {"repeat": 100000})";
+  EXPECT_NE(SceneError(Scene(R"({"children": [)" + members + "]}"))
+                .find("].children[9]: the scene is too large: more than 1000000 elements, keys and members"),
+            std::string::npos);
+  const std::string keys = R"("a": 1, "b": [1, 2, 3, 4, 5, 6, 7, 8, 9])";
+  EXPECT_NE(SceneError(Scene(R"({"children": [{"repeat": 100000, "attributes": {)" + keys + "}}]}"))
+                .find("the scene is too large: more than 1000000 elements, keys and members"),
+            std::string::npos);
+  EXPECT_NE(SceneError(Scene(R"({"children": [{"repeat": 100000, "title": ")" + std::string(1000, 'x') + R"("}]})"))
+                .find(".children[0].title: the scene is too large: more than 64000000 bytes of text"),
+            std::string::npos);
+}
+
+TEST(Scene, MayRepeatAnElementAHundredThousandTimes) {
+  EXPECT_EQ(SceneError(Scene(R"({"children": [{"repeat": 100000, "role": "AXGroup", "title": "{n}"}]})")), "");
+}
+
 TEST(Scene, WhoseValuesAreNestedWithoutEndIsRefused) {
   const std::string deep = std::string(5000, '[') + std::string(5000, ']');
   EXPECT_NE(SceneError(R"({"defaults": {"a": )" + deep + "}}").find("nested too deeply"), std::string::npos);
