@@ -91,7 +91,7 @@ HLBusReply HLBus::finish(sd_bus_message* message) {
     return reply;
   }
   const Clock::time_point begin = Clock::now();
-  sd_bus_error error = SD_BUS_ERROR_NULL;
+  sd_bus_error error{};
   sd_bus_message* answer = nullptr;
   if (sd_bus_call(bus_, message, microseconds(patience_), &error, &answer) >= 0) {
     reply.message.reset(answer);

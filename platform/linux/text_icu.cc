@@ -1,10 +1,33 @@
-// Case mappings by ICU.
+// Case mappings by ICU, which is loaded when the first text comes that is not plain ASCII: together with what it needs
+// it costs as much time as all other libraries, and most runs never ask for it.
+#include <dlfcn.h>
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
+#include <unicode/uvernum.h>
+
+#include <cstdio>
+#include <cstdlib>
 
 #include "platform/text.h"
 
+// ICU's functions bear its version in their names.
+#define HL_NAME_OF(function) HL_TEXT_OF(function)
+#define HL_TEXT_OF(name) #name
+
 namespace {
+
+// What the dynamic loader does about a library that is missing, only later.
+[[noreturn]] void giveUp() {
+  std::fprintf(stderr, "hushlet: %s\n", ::dlerror());
+  std::abort();
+}
+
+void* functionOfIcu(const char* name) {
+  static void* const library = ::dlopen("libicuuc.so." U_ICU_VERSION_SHORT, RTLD_LAZY | RTLD_LOCAL);
+  void* const function = library == nullptr ? nullptr : ::dlsym(library, name);
+  if (function == nullptr) giveUp();
+  return function;
+}
 
 // ICU's string functions share this shape: called again with room enough when the first room was not.
 template <class Mapping>
@@ -25,13 +48,15 @@ std::u16string map(std::u16string_view text, const Mapping& mapping) {
 }  // namespace
 
 std::u16string HLHostLowercase(std::u16string_view text) {
+  static const auto toLower = reinterpret_cast<decltype(&u_strToLower)>(functionOfIcu(HL_NAME_OF(u_strToLower)));
   return map(text, [text](char16_t* out, std::int32_t room, UErrorCode& error) {
-    return u_strToLower(out, room, text.data(), static_cast<std::int32_t>(text.size()), "", &error);
+    return toLower(out, room, text.data(), static_cast<std::int32_t>(text.size()), "", &error);
   });
 }
 
 std::u16string HLHostFoldCase(std::u16string_view text) {
+  static const auto foldCase = reinterpret_cast<decltype(&u_strFoldCase)>(functionOfIcu(HL_NAME_OF(u_strFoldCase)));
   return map(text, [text](char16_t* out, std::int32_t room, UErrorCode& error) {
-    return u_strFoldCase(out, room, text.data(), static_cast<std::int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &error);
+    return foldCase(out, room, text.data(), static_cast<std::int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &error);
   });
 }

@@ -20,7 +20,7 @@ constexpr std::chrono::seconds kStartPatience{10};
 
 // Whether the service is there, if need be because the bus has now started it.
 bool haveService(HLBus& bus) {
-  const auto ask = [&bus](const char* member) -> HLBusCall {
+  const auto ask = [](const char* member) -> HLBusCall {
     return {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member};
   };
   const HLBusReply owned = bus.call(ask("NameHasOwner"), "s", kService);
