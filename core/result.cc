@@ -1,35 +1,18 @@
 #include "core/result.h"
 
 #include <array>
-#include <limits>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <utility>
 
 #include "daemon/log/format.h"
+#include "platform/text.h"
 
 namespace {
 
 constexpr std::array<std::string_view, 5> kStatusWords = {"success", "nothing", "accessDenied",
                                                           "notificationCenterUnavailable", "failed"};
-
-// Leading blanks, one sign, digits; 0 without digits, the nearest limit beyond 64 bits.
-std::int64_t lenientInteger(std::string_view text) {
-  std::size_t i = 0;
-  while (i < text.size() && (text[i] == ' ' || (text[i] >= '\t' && text[i] <= '\r'))) ++i;
-  const bool negative = i < text.size() && text[i] == '-';
-  if (i < text.size() && (text[i] == '-' || text[i] == '+')) ++i;
-  using Limits = std::numeric_limits<std::int64_t>;
-  std::int64_t number = 0;  // kept negative or zero, since the negative range is the wider one
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
-    const std::int64_t digit = text[i] - '0';
-    if (number < (Limits::min() + digit) / 10) return negative ? Limits::min() : Limits::max();
-    number = number * 10 - digit;
-  }
-  if (negative) return number;
-  return number == Limits::min() ? Limits::max() : -number;
-}
 
 std::mutex handlerMutex;
 std::shared_ptr<const HLProgressCallback> progressHandler;  // HLProgressHandler, the slot
@@ -52,8 +35,8 @@ bool HLParseResultString(std::string_view text, HLDismissResult& result) {
   for (std::size_t i = 0; i < kStatusWords.size(); ++i) {
     if (text.substr(0, first) != kStatusWords[i]) continue;
     // Each number ends by itself at the bar that follows it.
-    result = {static_cast<HLDismissStatus>(i), lenientInteger(text.substr(first + 1, second - first - 1)),
-              lenientInteger(text.substr(second + 1))};
+    result = {static_cast<HLDismissStatus>(i), HLLeadingInteger(text.substr(first + 1, second - first - 1)),
+              HLLeadingInteger(text.substr(second + 1))};
     return true;
   }
   return false;

@@ -1,11 +1,13 @@
 // What the program asks of its host, gathered. Installed once, at the start of main or of a test.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <variant>
 
 class HLAccessibility;
+struct HLApplicationPlatform;
 class HLProcessInfo;
 class HLPropertyLists;
 class HLRunLoop;
@@ -19,6 +21,9 @@ struct HLPlatform {
   HLProcessInfo& process;
   HLPropertyLists& propertyLists;
   HLUserNotifications& userNotifications;
+  // Makes ready what the menu-bar application needs besides, at the first call; it lives as long as the host. Else one
+  // line that says what is missing. Main thread.
+  std::function<std::variant<const HLApplicationPlatform*, std::string>()> applicationPlatform;
 };
 
 // The platform stays the caller's and must outlive its use; nullptr takes it out again. Not while other threads use it.

@@ -27,6 +27,9 @@ class HLProcessInfo {
   // Where applications keep their state; nothing when the host finds no such place.
   [[nodiscard]] virtual std::optional<std::string> applicationSupportDirectory() = 0;
 
+  // Of the bundle; nothing where the host knows none.
+  [[nodiscard]] virtual std::optional<std::string> bundlePath() = 0;
+  [[nodiscard]] virtual std::optional<std::string> executablePath() = 0;
   [[nodiscard]] virtual std::optional<std::string> bundleIdentifier() = 0;
   // The bundle's information dictionary; empty where the bundle has none.
   [[nodiscard]] virtual HLDictionary informationDictionary() = 0;

@@ -34,6 +34,15 @@ class HLSemaphore {
   [[nodiscard]] virtual bool wait(double seconds) = 0;
 };
 
+// A repeating timer of the main thread. Destruction ends it, from within its own action too. Main thread.
+class HLTimer {
+ public:
+  HLTimer() = default;
+  HLTimer(const HLTimer&) = delete;
+  HLTimer& operator=(const HLTimer&) = delete;
+  virtual ~HLTimer() = default;
+};
+
 class HLRunLoop {
  public:
   HLRunLoop() = default;
@@ -50,6 +59,17 @@ class HLRunLoop {
   // Runs the main thread's loop for that many seconds, delivering what is due; it does not return early after an event.
   // Main thread.
   virtual void runFor(double seconds) = 0;
+
+  // Has this run on the main thread while its loop runs, after all that was posted before. Any thread.
+  virtual void postToMainQueue(std::function<void()> step) = 0;
+  // The same, that many seconds from now.
+  virtual void postToMainQueueAfter(double seconds, std::function<void()> step) = 0;
+
+  // Has this run on a thread of its own choosing, beside everything else. Any thread.
+  virtual void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) = 0;
+
+  // Runs the action on the main thread every so many seconds, the first time that long from now. Main thread.
+  [[nodiscard]] virtual std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) = 0;
 
   // A queue that runs at most that many operations at once (1 or more). The name is shown by debuggers.
   [[nodiscard]] virtual std::unique_ptr<HLOperationQueue> makeOperationQueue(const std::string& name,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +31,10 @@ class HLRunningApplications {
   [[nodiscard]] virtual std::vector<HLRunningApplication> list() = 0;
 
   [[nodiscard]] virtual std::optional<HLRunningApplication> find(std::int32_t pid) = 0;
+
+  // Calls on the main thread, while its loop runs, for each application that is launched from now on. Main thread; for
+  // the whole life of the process. A host may tell of a launch by what it lists alone.
+  virtual void observeLaunches(std::function<void(const HLRunningApplication&)> observer) = 0;
 
   // Sends SIGTERM or SIGKILL to an application that the system starts again by itself, or that the host can have
   // started again.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 namespace {
 
@@ -122,12 +123,20 @@ std::string HLLowercase(std::string_view text) {
   return isAscii(text) ? lowercaseAscii(text) : toUtf8(HLHostLowercase(toUtf16(text)));
 }
 
+std::string HLUppercase(std::string_view text) { return toUtf8(HLHostUppercase(toUtf16(text))); }
+
 std::string HLFoldCase(std::string_view text) {
   return isAscii(text) ? lowercaseAscii(text) : toUtf8(HLHostFoldCase(toUtf16(text)));
 }
 
 bool HLContainsIgnoringCase(std::string_view text, std::string_view part) {
   return HLFoldCase(text).find(HLFoldCase(part)) != std::string::npos;
+}
+
+std::size_t HLUtf16Length(std::string_view text) {
+  std::size_t units = 0;
+  for (std::size_t position = 0; position < text.size();) units += HLNextCodePoint(text, position) >= 0x10000 ? 2U : 1U;
+  return units;
 }
 
 std::string HLUtf16Prefix(std::string_view text, std::size_t units) {
@@ -160,4 +169,20 @@ std::string HLEncodableText(std::string_view text) {
     append(encodable, isSurrogate(codePoint) ? kReplacement : codePoint);
   }
   return encodable;
+}
+
+std::int64_t HLLeadingInteger(std::string_view text) {
+  std::size_t i = 0;
+  while (i < text.size() && (text[i] == ' ' || (text[i] >= '\t' && text[i] <= '\r'))) ++i;
+  const bool negative = i < text.size() && text[i] == '-';
+  if (i < text.size() && (text[i] == '-' || text[i] == '+')) ++i;
+  using Limits = std::numeric_limits<std::int64_t>;
+  std::int64_t number = 0;  // kept negative or zero, since the negative range is the wider one
+  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
+    const std::int64_t digit = text[i] - '0';
+    if (number < (Limits::min() + digit) / 10) return negative ? Limits::min() : Limits::max();
+    number = number * 10 - digit;
+  }
+  if (negative) return number;
+  return number == Limits::min() ? Limits::max() : -number;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -32,10 +33,13 @@
 
 // Full Unicode mappings that depend on no locale.
 [[nodiscard]] std::string HLLowercase(std::string_view text);
+[[nodiscard]] std::string HLUppercase(std::string_view text);
 [[nodiscard]] std::string HLFoldCase(std::string_view text);
 
 // Full case folding of both sides, then a literal search. Everything contains the empty text.
 [[nodiscard]] bool HLContainsIgnoringCase(std::string_view text, std::string_view part);
+
+[[nodiscard]] std::size_t HLUtf16Length(std::string_view text);
 
 // The first so many UTF-16 code units. A pair that the cut halves leaves its first half.
 [[nodiscard]] std::string HLUtf16Prefix(std::string_view text, std::size_t units);
@@ -46,7 +50,12 @@
 // The text with U+FFFD in place of everything that cannot be encoded.
 [[nodiscard]] std::string HLEncodableText(std::string_view text);
 
+// The integer that the text begins with: ASCII blanks, one sign, digits; 0 without digits, the nearest limit beyond 64
+// bits.
+[[nodiscard]] std::int64_t HLLeadingInteger(std::string_view text);
+
 // What the host's Unicode library does; the functions above call these for text that is not plain ASCII. A lone
 // surrogate maps to itself.
 [[nodiscard]] std::u16string HLHostLowercase(std::u16string_view text);
+[[nodiscard]] std::u16string HLHostUppercase(std::u16string_view text);
 [[nodiscard]] std::u16string HLHostFoldCase(std::u16string_view text);

@@ -16,12 +16,12 @@ class HLLinuxHost : public HLHost {
   [[nodiscard]] const HLPlatform& platform() const override { return platform_; }
 
  private:
-  HLLinuxRunningApplications runningApplications_;
   HLLinuxRunLoop runLoop_;
+  HLLinuxRunningApplications runningApplications_{runLoop_};
   HLLinuxAccessibility accessibility_{runningApplications_, runLoop_};
   HLLinuxProcessInfo process_;
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;
-  const HLPlatform platform_{accessibility_, runningApplications_, runLoop_,
-                             process_,       propertyLists_,       userNotifications_};
+  const HLPlatform platform_{accessibility_, runningApplications_, runLoop_, process_,
+                             propertyLists_, userNotifications_,   {}};
 };

@@ -13,6 +13,10 @@
 
 namespace {
 
+std::filesystem::path bundleFolder(const std::string& executable) {
+  return std::filesystem::path(executable).parent_path().parent_path() / "share/hushlet";
+}
+
 std::string withoutTrailingSlash(std::string path) {
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   return path;
@@ -67,6 +71,8 @@ std::optional<std::string> HLLinuxProcessInfo::applicationSupportDirectory() {
   return (std::filesystem::path(*directory) / ".local/share").string();
 }
 
+std::optional<std::string> HLLinuxProcessInfo::bundlePath() { return bundleFolder(arguments_.front()).string(); }
+
 std::optional<std::string> HLLinuxProcessInfo::bundleIdentifier() {
   const HLDictionary information = informationDictionary();
   const HLValue* value = HLDictionaryValue(information, "CFBundleIdentifier");
@@ -76,8 +82,7 @@ std::optional<std::string> HLLinuxProcessInfo::bundleIdentifier() {
 }
 
 HLDictionary HLBundleInformation(const std::string& executable) {
-  const std::filesystem::path prefix = std::filesystem::path(executable).parent_path().parent_path();
-  std::optional<HLValue> list = HLReadPropertyList((prefix / "share/hushlet/Info.plist").string());
+  std::optional<HLValue> list = HLReadPropertyList((bundleFolder(executable) / "Info.plist").string());
   HLDictionary* information = list ? std::get_if<HLDictionary>(&*list) : nullptr;
   return information == nullptr ? HLDictionary() : std::move(*information);
 }

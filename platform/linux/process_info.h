@@ -20,6 +20,8 @@ class HLLinuxProcessInfo : public HLProcessInfo {
   [[nodiscard]] std::int32_t parentProcessIdentifier() override;
   [[nodiscard]] std::string homeDirectory() override;
   [[nodiscard]] std::optional<std::string> applicationSupportDirectory() override;
+  [[nodiscard]] std::optional<std::string> bundlePath() override;
+  [[nodiscard]] std::optional<std::string> executablePath() override { return arguments_.front(); }
   [[nodiscard]] std::optional<std::string> bundleIdentifier() override;
   [[nodiscard]] HLDictionary informationDictionary() override { return HLBundleInformation(arguments_.front()); }
 

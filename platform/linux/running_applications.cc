@@ -101,6 +101,25 @@ std::optional<HLRunningApplication> HLLinuxRunningApplications::find(std::int32_
   return std::nullopt;
 }
 
+void HLLinuxRunningApplications::observeLaunches(std::function<void(const HLRunningApplication&)> observer) {
+  std::shared_ptr<HLBus> events = HLBus::openSession();
+  if (events == nullptr || !events->watch(std::string("type='signal',sender='org.freedesktop.DBus',"
+                                                      "interface='org.freedesktop.DBus',member='NameOwnerChanged',"
+                                                      "arg0='") +
+                                          kService + "'")) {
+    return;
+  }
+  const int descriptor = events->descriptor();
+  const auto ready = [this, events = std::move(events), observer = std::move(observer)] {
+    const std::optional<int> changes = events->takeSignals();
+    if (!changes) return false;
+    if (*changes == 0) return true;
+    for (const HLRunningApplication& application : list()) observer(application);
+    return true;
+  };
+  (void)runLoop_.addSource({descriptor, ready});
+}
+
 HLSignalOutcome HLLinuxRunningApplications::sendSignal(std::int32_t pid, int signal) {
   const std::lock_guard lock(mutex_);
   if (signalled_ == nullptr || signalled_->pid() != pid) {

@@ -54,6 +54,13 @@ std::u16string HLHostLowercase(std::u16string_view text) {
   });
 }
 
+std::u16string HLHostUppercase(std::u16string_view text) {
+  static const auto toUpper = reinterpret_cast<decltype(&u_strToUpper)>(functionOfIcu(HL_NAME_OF(u_strToUpper)));
+  return map(text, [text](char16_t* out, std::int32_t room, UErrorCode& error) {
+    return toUpper(out, room, text.data(), static_cast<std::int32_t>(text.size()), "", &error);
+  });
+}
+
 std::u16string HLHostFoldCase(std::u16string_view text) {
   static const auto foldCase = reinterpret_cast<decltype(&u_strFoldCase)>(functionOfIcu(HL_NAME_OF(u_strFoldCase)));
   return map(text, [text](char16_t* out, std::int32_t room, UErrorCode& error) {

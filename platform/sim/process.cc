@@ -25,6 +25,13 @@ std::optional<HLRunningApplication> HLSimRunningApplications::find(std::int32_t 
   return desktop_.world->find(pid);
 }
 
+void HLSimRunningApplications::observeLaunches(std::function<void(const HLRunningApplication&)> observer) {
+  const HLSimLock lock = desktop_.clock->lock();
+  desktop_.world->observeLaunches([this, observer = std::move(observer)](const HLRunningApplication& application) {
+    runLoop_.post([observer, application] { observer(application); });
+  });
+}
+
 HLSignalOutcome HLSimRunningApplications::sendSignal(std::int32_t pid, int signal) {
   const HLSimLock lock = desktop_.clock->lock();
   desktop_.world->sendSignal(pid, signal, desktop_.clock->now());

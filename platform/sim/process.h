@@ -4,18 +4,21 @@
 #include "platform/process_info.h"
 #include "platform/running_applications.h"
 #include "platform/sim/desktop.h"
+#include "platform/sim/run_loop.h"
 #include "platform/sim/simulator.h"
 
 class HLSimRunningApplications : public HLRunningApplications {
  public:
-  explicit HLSimRunningApplications(HLSimDesktop& desktop) : desktop_(desktop) {}
+  HLSimRunningApplications(HLSimDesktop& desktop, HLSimRunLoop& runLoop) : desktop_(desktop), runLoop_(runLoop) {}
 
   [[nodiscard]] std::vector<HLRunningApplication> list() override;
   [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) override;
+  void observeLaunches(std::function<void(const HLRunningApplication&)> observer) override;
   [[nodiscard]] HLSignalOutcome sendSignal(std::int32_t pid, int signal) override;
 
  private:
   HLSimDesktop& desktop_;
+  HLSimRunLoop& runLoop_;
 };
 
 class HLSimProcessInfo : public HLProcessInfo {
@@ -28,6 +31,8 @@ class HLSimProcessInfo : public HLProcessInfo {
   [[nodiscard]] std::int32_t parentProcessIdentifier() override;
   [[nodiscard]] std::string homeDirectory() override;
   [[nodiscard]] std::optional<std::string> applicationSupportDirectory() override;
+  [[nodiscard]] std::optional<std::string> bundlePath() override { return scene_.bundle.path; }
+  [[nodiscard]] std::optional<std::string> executablePath() override { return scene_.bundle.executablePath; }
   [[nodiscard]] std::optional<std::string> bundleIdentifier() override { return scene_.bundle.identifier; }
   [[nodiscard]] HLDictionary informationDictionary() override { return scene_.bundle.info; }
 

@@ -101,23 +101,141 @@ void HLSimRunLoop::sleep(double seconds) {
   desktop_.clock->sleepUntil(lock, desktop_.clock->now() + HLSimMomentFromSeconds(seconds));
 }
 
+// The main thread's own dues
+
+class HLSimRunLoop::Timer : public HLTimer {
+ public:
+  Timer(HLSimRunLoop& loop, double interval, std::function<void()> action)
+      : loop_(loop), interval_(std::max<HLSimMoment>(HLSimMomentFromSeconds(interval), 1)), action_(std::move(action)) {
+    const HLSimLock lock = loop_.desktop_.clock->lock();
+    ++loop_.timers_;
+    scheduleAfter(loop_.desktop_.clock->now());
+  }
+  ~Timer() override {
+    const HLSimLock lock = loop_.desktop_.clock->lock();
+    --loop_.timers_;
+    loop_.due_.erase(key_);
+  }
+
+ private:
+  // Turns that have been missed are not made up for.
+  void scheduleAfter(HLSimMoment last) {
+    HLSimMoment next = last + interval_;
+    const HLSimMoment now = loop_.desktop_.clock->now();
+    if (next <= now) next += (now - next) / interval_ * interval_ + interval_;
+    key_ = loop_.schedule(next, [this] { fire(); });
+  }
+
+  void fire() {
+    {
+      const HLSimLock lock = loop_.desktop_.clock->lock();
+      scheduleAfter(key_.first);
+    }
+    const std::function<void()> action = action_;  // it may end the timer
+    action();
+  }
+
+  HLSimRunLoop& loop_;
+  const HLSimMoment interval_;
+  const std::function<void()> action_;
+  DueKey key_;
+};
+
+HLSimRunLoop::DueKey HLSimRunLoop::schedule(HLSimMoment moment, std::function<void()> action) {
+  const DueKey key = {moment, dueNumber_++};
+  due_.emplace(key, std::move(action));
+  desktop_.clock->give(posted_);
+  return key;
+}
+
+std::unique_ptr<HLTimer> HLSimRunLoop::scheduleTimer(double interval, std::function<void()> action) {
+  return std::make_unique<Timer>(*this, interval, std::move(action));
+}
+
+void HLSimRunLoop::postToMainQueue(std::function<void()> step) {
+  const HLSimLock lock = desktop_.clock->lock();
+  post(std::move(step));
+}
+
+void HLSimRunLoop::postToMainQueueAfter(double seconds, std::function<void()> step) {
+  const HLSimLock lock = desktop_.clock->lock();
+  (void)schedule(desktop_.clock->now() + HLSimMomentFromSeconds(std::max(seconds, 0.0)), std::move(step));
+}
+
+// Running
+
+void HLSimRunLoop::runWhatIsDue(HLSimLock& lock) {
+  for (;;) {
+    std::function<void()> next;
+    if (!deliveries_.empty()) {
+      next = std::move(deliveries_.front());
+      deliveries_.pop_front();
+    } else if (!due_.empty() && due_.begin()->first.first <= desktop_.clock->now()) {
+      next = std::move(due_.extract(due_.begin()).mapped());
+    } else {
+      break;
+    }
+    lock.unlock();
+    next();
+    next = nullptr;
+    lock = desktop_.clock->lock();
+    if (stopped_) return;
+  }
+  if (std::exchange(desktop_.promptPending, false)) desktop_.world->setTrusted(true);
+}
+
 void HLSimRunLoop::runFor(double seconds) {
   HLSimLock lock = desktop_.clock->lock();
   const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
   for (;;) {
-    while (!deliveries_.empty()) {
-      const std::function<void()> delivery = std::move(deliveries_.front());
-      deliveries_.pop_front();
-      lock.unlock();
-      delivery();
-      lock = desktop_.clock->lock();
-    }
-    if (std::exchange(desktop_.promptPending, false)) desktop_.world->setTrusted(true);
+    runWhatIsDue(lock);
     const HLSimMoment now = desktop_.clock->now();
     if (now >= end && desktop_.world->nextDue() > now) return;
-    desktop_.clock->waitFor(lock, posted_, std::max(now, end));
+    const HLSimMoment next = due_.empty() ? HLSimNever : due_.begin()->first.first;
+    desktop_.clock->waitFor(lock, posted_, std::max(now, std::min(next, end)));
   }
 }
+
+void HLSimRunLoop::runEventLoop() {
+  HLSimLock lock = desktop_.clock->lock();
+  for (;;) {
+    runWhatIsDue(lock);
+    if (stopped_ || onlyTimersAreDue()) return;
+    desktop_.clock->waitFor(lock, posted_, due_.empty() ? HLSimNever : due_.begin()->first.first);
+  }
+}
+
+bool HLSimRunLoop::onlyTimersAreDue() const {
+  return deliveries_.empty() && due_.size() == timers_ && working_ == 0 && desktop_.world->nextDue() == HLSimNever;
+}
+
+// Queues
+
+void HLSimRunLoop::postToGlobalQueue(HLQualityOfService, std::function<void()> work) {
+  const HLSimLock lock = desktop_.clock->lock();
+  ++working_;
+  HLSimWork& own = works_.emplace_back(HLSimWork{this, static_cast<std::int64_t>(works_.size())});
+  threads_.push_back(desktop_.clock->startThread(own, [this, work = std::move(work)](HLSimLock& workLock) mutable {
+    workLock.unlock();
+    work();
+    work = nullptr;
+    workLock.lock();
+    --working_;
+    desktop_.clock->give(idle_);
+    desktop_.clock->give(posted_);
+  }));
+}
+
+void HLSimRunLoop::finishGlobalQueue() {
+  {
+    HLSimLock lock = desktop_.clock->lock();
+    while (working_ > 0) desktop_.clock->waitFor(lock, idle_, HLSimNever);
+  }
+  for (std::thread& thread : threads_) thread.join();
+  threads_.clear();
+}
+
+HLSimRunLoop::~HLSimRunLoop() { finishGlobalQueue(); }
 
 void HLSimRunLoop::post(std::function<void()> delivery) {
   deliveries_.push_back(std::move(delivery));

@@ -18,11 +18,11 @@ class Simulator : public HLSimulator {
   Simulator(std::unique_ptr<const HLScene> scene, HLSimulatorSetup setup)
       : runLoop_(desktop_),
         accessibility_(desktop_),
-        runningApplications_(desktop_),
+        runningApplications_(desktop_, runLoop_),
         process_(*scene, std::move(setup)),
         propertyLists_(desktop_),
         userNotifications_(desktop_),
-        platform_{accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_} {
+        platform_{accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, {}} {
     desktop_.scene = std::move(scene);
     desktop_.world = std::make_unique<HLSimWorld>(
         *desktop_.scene, [this](HLSimNode& node) { return HLMakeSimElement(desktop_, node); },
@@ -40,6 +40,7 @@ class Simulator : public HLSimulator {
   }
 
   ~Simulator() override {
+    runLoop_.finishGlobalQueue();
     if (!desktop_.scene->record) return;
     const HLSimLock lock = desktop_.clock->lock();
     HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_));

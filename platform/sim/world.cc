@@ -131,7 +131,10 @@ void HLSimWorld::launch(const HLSceneApplication& application) {
   }
   fillNewNodes();
   listed_.push_back(&made);
+  for (const LaunchObserver& observer : launchObservers_) observer(made.record);
 }
+
+void HLSimWorld::observeLaunches(LaunchObserver observer) { launchObservers_.push_back(std::move(observer)); }
 
 void HLSimWorld::kill(HLSimApplication& application, HLSimMoment now) {
   if (application.record.terminated) return;

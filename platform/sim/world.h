@@ -59,6 +59,7 @@ class HLSimWorld {
   using MakeHandle = std::function<HLElementRef(HLSimNode&)>;
   using Deliver =
       std::function<void(const std::shared_ptr<HLSimRegistrations>&, HLElementRef element, const std::string& name)>;
+  using LaunchObserver = std::function<void(const HLRunningApplication&)>;
 
   // What the timeline has at 0 has then happened.
   HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deliver);
@@ -80,6 +81,7 @@ class HLSimWorld {
   [[nodiscard]] HLSimApplication& applicationWithPid(std::int32_t pid);
   [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) const;
   void sendSignal(std::int32_t pid, int signal, HLSimMoment now);
+  void observeLaunches(LaunchObserver observer);
 
   // Elements.
   [[nodiscard]] HLElementRef handle(HLSimNode& node);
@@ -145,5 +147,6 @@ class HLSimWorld {
   std::map<Due, Happening> due_;
   std::int64_t dueNumber_ = 0;
   std::vector<std::weak_ptr<HLSimRegistrations>> observers_;
+  std::vector<LaunchObserver> launchObservers_;
   std::vector<HLSimulatedAction> actions_;
 };

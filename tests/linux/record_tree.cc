@@ -9,7 +9,8 @@
 #include "tests/linux/recorded_tree.h"
 
 int main(int argc, char** argv) {
-  HLLinuxRunningApplications servers;
+  HLLinuxRunLoop loop;
+  HLLinuxRunningApplications servers(loop);
   const std::vector<HLRunningApplication> found = servers.list();
   const std::unique_ptr<HLBus> session = HLBus::openSession();
   if (session == nullptr || (found.empty() && argc < 2)) {

@@ -33,8 +33,9 @@ class FaultSweep : public testing::Test {
     Faults faults(failingCall, code);
     FaultyAccessibility accessibility(desktop.accessibility(), faults);
     const HLPlatform& inner = desktop.simulator().platform();
-    const HLPlatform platform{accessibility, inner.runningApplications, inner.runLoop,
-                              inner.process, inner.propertyLists,       inner.userNotifications};
+    const HLPlatform platform{
+        accessibility,           inner.runningApplications, inner.runLoop, inner.process, inner.propertyLists,
+        inner.userNotifications, inner.applicationPlatform};
     HLInstallPlatform(&platform);
     Dismissal run;
     run.result = HLDismissNotificationsNow();

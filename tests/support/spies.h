@@ -41,6 +41,16 @@ class SpyRunLoop : public HLRunLoop {
     return inner_.makeOperationQueue(name, quality, maxConcurrentOperations);
   }
   [[nodiscard]] std::unique_ptr<HLSemaphore> makeSemaphore() override { return inner_.makeSemaphore(); }
+  void postToMainQueue(std::function<void()> step) override { inner_.postToMainQueue(std::move(step)); }
+  void postToMainQueueAfter(double seconds, std::function<void()> step) override {
+    inner_.postToMainQueueAfter(seconds, std::move(step));
+  }
+  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) override {
+    inner_.postToGlobalQueue(quality, std::move(work));
+  }
+  [[nodiscard]] std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) override {
+    return inner_.scheduleTimer(interval, std::move(action));
+  }
 
  private:
   HLRunLoop& inner_;
@@ -61,6 +71,9 @@ class SpyRunningApplications : public HLRunningApplications {
     return inner_.list();
   }
   [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) override { return inner_.find(pid); }
+  void observeLaunches(std::function<void(const HLRunningApplication&)> observer) override {
+    inner_.observeLaunches(std::move(observer));
+  }
   [[nodiscard]] HLSignalOutcome sendSignal(std::int32_t pid, int signal) override {
     signals.emplace_back(pid, signal);
     return refuses ? HLSignalOutcome::refused : inner_.sendSignal(pid, signal);
@@ -77,8 +90,8 @@ class SpiedPlatform {
       : runLoop(inner.runLoop),
         runningApplications(inner.runningApplications),
         inner_(inner),
-        platform_{inner.accessibility, runningApplications, runLoop,
-                  inner.process,       inner.propertyLists, inner.userNotifications} {
+        platform_{inner.accessibility,     runningApplications,      runLoop, inner.process, inner.propertyLists,
+                  inner.userNotifications, inner.applicationPlatform} {
     HLInstallPlatform(&platform_);
   }
   SpiedPlatform(const SpiedPlatform&) = delete;

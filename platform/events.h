@@ -1,0 +1,27 @@
+// What the user does with mouse and keyboard, in the home platform's numbers, which are also what is stored.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+inline constexpr std::uint64_t HLModifierCapsLock = 0x10000;
+inline constexpr std::uint64_t HLModifierShift = 0x20000;
+inline constexpr std::uint64_t HLModifierControl = 0x40000;
+inline constexpr std::uint64_t HLModifierOption = 0x80000;
+inline constexpr std::uint64_t HLModifierCommand = 0x100000;
+inline constexpr std::uint64_t HLModifierFunction = 0x800000;
+
+inline constexpr std::int64_t HLEventLeftMouseUp = 2;
+inline constexpr std::int64_t HLEventRightMouseUp = 4;
+
+// The event that is being handled.
+struct HLEvent {
+  std::int64_t type = 0;
+  std::uint64_t modifiers = 0;  // a host may set further bits than those above
+};
+
+struct HLKeyEvent {
+  std::uint16_t code = 0;  // the home platform's virtual key code: a position on the keyboard
+  std::uint64_t modifiers = 0;
+  std::string charactersIgnoringModifiers;
+};
