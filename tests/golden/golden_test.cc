@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -37,6 +39,29 @@ std::string withoutTimes(const std::string& output) {
   return std::regex_replace(output, std::regex(R"((^|\n)\d{10}\.\d{3} )"), "$1TIME ");
 }
 
+// A line that a scene dumps, one key in a line of the text.
+std::string unfolded(const std::string& line) {
+  if (!line.starts_with('{')) return line + "\n";
+  std::string text = "dump\n";
+  const auto dump = nlohmann::ordered_json::parse(line);
+  for (const auto& [key, value] : dump.items()) {
+    if (!value.is_array() || value.size() < 2) {
+      text += "  " + key + ": " + value.dump() + "\n";
+      continue;
+    }
+    text += "  " + key + ":\n";
+    for (const auto& member : value) text += "    " + member.dump() + "\n";
+  }
+  return text;
+}
+
+std::string unfoldedLines(const std::string& output) {
+  std::string text;
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);) text += unfolded(line);
+  return text;
+}
+
 // One run, written down with all that it logs.
 std::string run(const std::string& scene, const std::vector<std::string>& arguments) {
   const TemporaryDirectory home;
@@ -47,7 +72,7 @@ std::string run(const std::string& scene, const std::vector<std::string>& argume
       RunProgram(command, {{"HOME", home.path().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", path.c_str()}});
   std::string text = "$ hushlet-sim";
   for (const std::string& argument : arguments) text += " " + argument;
-  text += "\n" + withoutTimes(program.out);
+  text += "\n" + unfoldedLines(withoutTimes(program.out));
   if (!program.err.empty()) text += "standard error:\n" + program.err;
   text += "exit code " + std::to_string(program.exitCode) + "\n";
   for (const char* log : {"/.local/state/hushlet/hushlet_detailed_diagnostics.log",
@@ -75,11 +100,18 @@ TEST_P(Golden, IsWhatTheSceneComesTo) {
   expectGolden(GetParam(), run(GetParam(), {"--self-check"}) + "\n" + run(GetParam(), {"--dismiss-now"}));
 }
 
+// The menu-bar application on scenes with a timeline of what a user does.
+class ApplicationGolden : public testing::TestWithParam<std::string> {};
+
+TEST_P(ApplicationGolden, IsWhatTheSceneComesTo) { expectGolden("app/" + GetParam(), run("app/" + GetParam(), {})); }
+
 std::string nameOf(const testing::TestParamInfo<std::string>& info) {
   return std::regex_replace(info.param, std::regex("[^A-Za-z0-9]"), "_");
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, Golden, testing::ValuesIn(namesIn(kScenes, ".json")), nameOf);
+
+INSTANTIATE_TEST_SUITE_P(Scenes, ApplicationGolden, testing::ValuesIn(namesIn(kScenes / "app", ".json")), nameOf);
 
 constexpr const char* kEveryMode = "every_mode";
 
@@ -105,6 +137,7 @@ TEST(Goldens, ShowWhatEveryModeDoesWhileAnAutomationRuns) {
 TEST(Goldens, AreThereForScenesOnly) {
   EXPECT_FALSE(namesIn(kScenes, ".json").empty());
   const std::vector<std::string> scenes = namesIn(kScenes, ".json");
+  EXPECT_EQ(namesIn(kGoldens / "app", ".txt"), namesIn(kScenes / "app", ".json"));
   for (const std::string& golden : namesIn(kGoldens, ".txt")) {
     if (golden == "CMakeLists" || golden == kEveryMode) continue;
     EXPECT_TRUE(std::binary_search(scenes.begin(), scenes.end(), golden)) << golden << ".txt has no scene";
