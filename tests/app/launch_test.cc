@@ -171,7 +171,8 @@ TEST(Menu, RunsTheSelfCheckToStandardOutput) {
   const ApplicationRun run = RunApplication({.isProduct = false,
                                              .timeline = {At(1, R"("choose": "Run Self-Check")")},
                                              .windows = BannerWindow({Banner("a", "Mail, One")})});
-  EXPECT_EQ(run.out, "trusted=true nc=400 targets=1\n");
+  EXPECT_EQ(run.out,
+            "trusted=true notificationCenterPid=400 targets=1 pid=500 ppid=1 parentBundle=none parentName=none\n");
 }
 
 struct Click {

@@ -39,26 +39,44 @@ std::string withoutTimes(const std::string& output) {
   return std::regex_replace(output, std::regex(R"((^|\n)\d{10}\.\d{3} )"), "$1TIME ");
 }
 
-// A line that a scene dumps, one key in a line of the text.
-std::string unfolded(const std::string& line) {
-  if (!line.starts_with('{')) return line + "\n";
-  std::string text = "dump\n";
-  const auto dump = nlohmann::ordered_json::parse(line);
-  for (const auto& [key, value] : dump.items()) {
-    if (!value.is_array() || value.size() < 2) {
-      text += "  " + key + ": " + value.dump() + "\n";
+using Json = nlohmann::ordered_json;
+
+void writeValue(std::string& text, const std::string& key, const Json& value, const std::string& indent) {
+  text += indent + key + ":";
+  if (!value.is_array() || value.empty()) {
+    text += " " + value.dump() + "\n";
+    return;
+  }
+  text += "\n";
+  for (const Json& member : value) {
+    if (!member.is_object() || !member.contains("content")) {
+      text += indent + "  " + member.dump() + "\n";
       continue;
     }
-    text += "  " + key + ":\n";
-    for (const auto& member : value) text += "    " + member.dump() + "\n";
+    Json window = member;
+    window.erase("content");
+    text += indent + "  " + window.dump() + "\n";
+    for (const Json& item : member["content"]) text += indent + "    " + item.dump() + "\n";
   }
-  return text;
 }
 
-std::string unfoldedLines(const std::string& output) {
+// Lines that a scene dumps are unfolded; of all but the first, what has changed is written.
+std::string unfolded(const std::string& output) {
   std::string text;
+  Json last = Json::object();
   std::istringstream lines(output);
-  for (std::string line; std::getline(lines, line);) text += unfolded(line);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with('{')) {
+      text += line + "\n";
+      continue;
+    }
+    const Json dump = Json::parse(line);
+    text += "dump\n";
+    for (const auto& [key, value] : dump.items()) {
+      if (!last.contains(key) || last[key] != value) writeValue(text, key, value, "  ");
+    }
+    last = dump;
+  }
   return text;
 }
 
@@ -72,7 +90,7 @@ std::string run(const std::string& scene, const std::vector<std::string>& argume
       RunProgram(command, {{"HOME", home.path().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", path.c_str()}});
   std::string text = "$ hushlet-sim";
   for (const std::string& argument : arguments) text += " " + argument;
-  text += "\n" + unfoldedLines(withoutTimes(program.out));
+  text += "\n" + unfolded(withoutTimes(program.out));
   if (!program.err.empty()) text += "standard error:\n" + program.err;
   text += "exit code " + std::to_string(program.exitCode) + "\n";
   for (const char* log : {"/.local/state/hushlet/hushlet_detailed_diagnostics.log",
