@@ -109,7 +109,7 @@ bool HLLinuxUserDefaults::read() {
     complain("the preferences in " + file + " cannot be read: " + std::strerror(read.error));
     return false;
   }
-  std::optional<HLJsonDocument> document = HLParseJson(read.content);
+  std::optional<HLJsonDocument> document = HLJsonDocumentOf(read.content);
   const bool isWhole = document && document->is_object();
   stored_ = isWhole ? std::move(*document) : HLJsonDocument::object();
   if (!isWhole) setAside(file);
