@@ -158,8 +158,8 @@ TEST_F(Fetch, FailsForWhatIsNoWebAddress) {
   const TemporaryDirectory directory;
   std::ofstream(directory.path() + "/secret") << "secret";
   for (const std::string& address : {std::string(), std::string("file://") + directory.path() + "/secret",
-                                    std::string("data:text/plain,secret"), std::string("ftp://127.0.0.1/"),
-                                    std::string("http://"), std::string("http://a b/"), std::string("latest.json")}) {
+                                     std::string("data:text/plain,secret"), std::string("ftp://127.0.0.1/"),
+                                     std::string("http://"), std::string("http://a b/"), std::string("latest.json")}) {
     EXPECT_EQ(fetch(address), "0 -") << address;
   }
 }
