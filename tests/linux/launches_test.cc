@@ -58,6 +58,17 @@ TEST_P(Launches, AreToldOfOnceEach) {
   expectTold({first->pid(), second->pid()});
 }
 
+TEST_P(Launches, BetweenWhichTheLoopDidNotRunAreToldOfAsTheLastOne) {
+  begin();
+  {
+    const std::unique_ptr<ChildProcess> first = session_->startServer(GetParam().command);
+    first->signal(SIGKILL);
+    EXPECT_TRUE(first->wait(std::chrono::seconds(10)));
+  }
+  const std::unique_ptr<ChildProcess> second = session_->startServer(GetParam().command);
+  expectTold({second->pid()});
+}
+
 TEST_P(Launches, OfAServerThatTheBusBringsBackAreToldOf) {
   begin(WithActivatable({GetParam().command}));
   NotificationSender sender(session_->environment());

@@ -4,19 +4,26 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "platform/linux/access_guide.h"
 #include "platform/linux/detached_program.h"
 #include "tests/linux/fake_process.h"
-#include "tests/linux/session/child_process.h"
+#include "tests/linux/session/desktop_session.h"
 #include "tests/support/temporary_directory.h"
 
 namespace {
@@ -153,7 +160,73 @@ TEST_F(Workspace, SaysWhenNothingCanOpenAPage) {
   before == nullptr ? unsetenv("DBUS_SESSION_BUS_ADDRESS") : setenv("DBUS_SESSION_BUS_ADDRESS", kept.c_str(), 1);
 }
 
+// The portal, as far as addresses go: a program that writes down what it is asked for.
+class AddressPortal {
+ public:
+  AddressPortal() {
+    static const sd_bus_vtable kTable[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD("OpenURI", "ssa{sv}", "o", &AddressPortal::openUri, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_VTABLE_END};
+    if (sd_bus_open_user(&bus_) < 0 ||
+        sd_bus_add_object_vtable(bus_, nullptr, "/org/freedesktop/portal/desktop", "org.freedesktop.portal.OpenURI",
+                                 kTable, this) < 0 ||
+        sd_bus_request_name(bus_, "org.freedesktop.portal.Desktop", 0) < 0) {
+      throw std::runtime_error("no portal");
+    }
+    thread_ = std::thread([this] {
+      while (!ending_) {
+        if (sd_bus_process(bus_, nullptr) == 0) sd_bus_wait(bus_, 5'000);
+      }
+    });
+  }
+  AddressPortal(const AddressPortal&) = delete;
+  AddressPortal& operator=(const AddressPortal&) = delete;
+  ~AddressPortal() {
+    ending_ = true;
+    thread_.join();
+    sd_bus_flush_close_unref(bus_);
+  }
+
+  // After the call has been answered, and so on the asker's thread.
+  [[nodiscard]] std::string opened() {
+    const std::lock_guard lock(mutex_);
+    return opened_;
+  }
+
+ private:
+  static int openUri(sd_bus_message* message, void* data, sd_bus_error*) {
+    auto& self = *static_cast<AddressPortal*>(data);
+    const char* window = nullptr;
+    const char* address = nullptr;
+    sd_bus_message_read(message, "ss", &window, &address);
+    {
+      const std::lock_guard lock(self.mutex_);
+      self.opened_ = address;
+    }
+    return sd_bus_reply_method_return(message, "o", "/org/freedesktop/portal/desktop/request/1/2");
+  }
+
+  sd_bus* bus_ = nullptr;
+  std::mutex mutex_;
+  std::string opened_;
+  std::atomic<bool> ending_ = false;
+  std::thread thread_;
+};
+
+TEST_F(Workspace, OpensPagesByThePortalWhereThereIsNoProgramForThem) {
+  DesktopSession session(WithoutAccessibility());
+  const SessionEnvironment environment(session.environment());
+  EXPECT_FALSE(workspace_.openAddress("https://example.org")) << "there is no portal either";
+  AddressPortal portal;
+  EXPECT_TRUE(workspace_.openAddress("https://example.org"));
+  EXPECT_EQ(portal.opened(), "https://example.org");
+  EXPECT_FALSE(workspace_.openAddress("file:///etc/passwd"));
+  EXPECT_EQ(portal.opened(), "https://example.org");
+}
+
 TEST_F(Workspace, WhatItStartsRunsByItself) {
+  prctl(PR_SET_CHILD_SUBREAPER, 0);  // a session of a test before this one may have made this process take in orphans
   // The shell's own look at its descriptors, its session and its parent.
   makeProgram(
       "xdg-open",
@@ -183,6 +256,19 @@ TEST_F(Workspace, DoesNotWaitForWhatItStarts) {
   const pid_t pid = std::stoi(reported());
   EXPECT_EQ(kill(pid, 0), 0);
   kill(pid, SIGKILL);
+}
+
+TEST(AccessGuide, HasThreeStepsAndNamesTheApplicationAndItsButton) {
+  const HLAccessGuide guide = HLLinuxAccessGuide();
+  EXPECT_EQ(std::count(guide.steps.begin(), guide.steps.end(), '\n'), 2);
+  EXPECT_THAT(guide.steps, HasSubstr("1. Click Open Accessibility Settings."));
+  EXPECT_THAT(guide.steps, HasSubstr("\n3. Come back here. This window updates by itself."));
+  for (const std::string& text : {guide.explanation, guide.note}) EXPECT_THAT(text, HasSubstr("%@"));
+  for (const std::string& text : {guide.explanation, guide.steps, guide.note}) {
+    EXPECT_EQ(text.find('%'), text.find("%@"));
+    EXPECT_EQ(text.find("macOS"), std::string::npos);
+    EXPECT_EQ(text.find("Mac"), std::string::npos);
+  }
 }
 
 TEST(DetachedProgram, ThatIsNotThereIsNotStarted) {
