@@ -127,6 +127,7 @@ void HLLinuxUserDefaults::setAside(const std::string& file) {
 
 void HLLinuxUserDefaults::store() {
   const std::string file = withoutLinks(path_);
+  (void)HLMakeDirectories(file);  // so that there is something to lock; what fails is told of by the writing
   const DirectoryLock lock(file);
   if (!read()) return;
   HLJsonDocument document = stored_;

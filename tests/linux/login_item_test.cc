@@ -82,7 +82,8 @@ TEST_F(LoginItem, StartsAProgramWhateverItsPathIs) {
     ASSERT_TRUE(item_.registerItem().ok) << name;
     EXPECT_EQ(item_.status(), HLLoginItemEnabled) << FileContent(own());
     const HLDesktopEntry written = HLReadDesktopEntry(FileContent(own()));
-    EXPECT_EQ(HLProgramOfExec(written.at("Exec")), process_.executable);
+    const bool asArgument = process_.executable->find('%') != std::string::npos;
+    EXPECT_EQ(HLProgramOfExec(written.at("Exec")), asArgument ? "env" : process_.executable);
     EXPECT_EQ(HLTextOfDesktopString(written.at("TryExec")), process_.executable);
     fs::remove(*process_.executable);
     EXPECT_EQ(item_.status(), HLLoginItemNotFound) << name;
@@ -95,7 +96,8 @@ TEST(DesktopEntry, ProgramsAreQuotedByItsRules) {
   EXPECT_EQ(HLExecOfProgram("/a\"b"), R"("/a\\"b")");
   EXPECT_EQ(HLExecOfProgram("/a$b`c"), R"("/a\\$b\\`c")");
   EXPECT_EQ(HLExecOfProgram("/a\\b"), R"("/a\\\\b")") << "four of them, as the rules say";
-  EXPECT_EQ(HLExecOfProgram("/a%b"), "\"/a%%b\"");
+  EXPECT_EQ(HLExecOfProgram("/a%b"), "env \"/a%%b\"");
+  EXPECT_EQ(HLExecOfProgram("/a%=b"), "\"/a%%=b\"");
 }
 
 TEST(DesktopEntry, TheProgramIsTheFirstWordOfACommand) {

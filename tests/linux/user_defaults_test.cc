@@ -151,7 +151,6 @@ TEST_F(Preferences, AnotherProcesssChangeOfAnotherKeyIsKept) {
 }
 
 TEST_F(Preferences, ManyProcessesWriteWithoutLosingAKey) {
-  fs::create_directories(folder());
   constexpr int kProcesses = 4;
   constexpr int kKeys = 20;
   std::vector<pid_t> children;
