@@ -110,7 +110,10 @@ std::string HLDesktopStringOfText(std::string_view text) {
 }
 
 std::string HLExecOfProgram(std::string_view program) {
-  std::string command = "\"";
+  // GLib looks for the program under its escaped name; one of an argument it finds. A path with an equals sign would
+  // be a variable there.
+  const bool asArgument = program.find('%') != std::string_view::npos && program.find('=') == std::string_view::npos;
+  std::string command = asArgument ? "env \"" : "\"";
   for (const char c : program) {
     if (c == '"' || c == '`' || c == '$' || c == '\\') command += '\\';
     if (c == '%') command += '%';

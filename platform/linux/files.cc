@@ -15,16 +15,6 @@ namespace {
 constexpr std::size_t kMostBytes = 1'000'000;
 constexpr mode_t kDirectoryMode = 0700;  // as the XDG base directory rules have it
 
-int makeDirectories(const std::string& path) {
-  for (std::size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1)) {
-    if (mkdir(path.substr(0, slash).c_str(), kDirectoryMode) != 0 && errno != EEXIST && errno != EROFS &&
-        errno != EACCES) {
-      return errno;  // the last two may tell of a directory that is there already; else the file tells of them
-    }
-  }
-  return 0;
-}
-
 int writeAll(int descriptor, std::string_view content) {
   while (!content.empty()) {
     const ssize_t written = write(descriptor, content.data(), content.size());
@@ -46,6 +36,16 @@ HLDescriptor::~HLDescriptor() {
   if (isOpen()) close(number_);
 }
 
+int HLMakeDirectories(const std::string& path) {
+  for (std::size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1)) {
+    if (mkdir(path.substr(0, slash).c_str(), kDirectoryMode) != 0 && errno != EEXIST && errno != EROFS &&
+        errno != EACCES) {
+      return errno;  // the last two may tell of a directory that is there already; else the file tells of them
+    }
+  }
+  return 0;
+}
+
 HLFileContent HLReadFile(const std::string& path) {
   const HLDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file.isOpen()) return {errno, ""};
@@ -65,7 +65,7 @@ HLFileContent HLReadFile(const std::string& path) {
 }
 
 int HLWriteFile(const std::string& path, std::string_view content, mode_t mode) {
-  if (const int error = makeDirectories(path)) return error;
+  if (const int error = HLMakeDirectories(path)) return error;
   const std::size_t slash = path.rfind('/');
   const std::string directory = slash == std::string::npos ? "." : path.substr(0, slash + 1);
   std::string temporary = directory + (slash == std::string::npos ? "/." : ".") + path.substr(slash + 1) + ".XXXXXX";

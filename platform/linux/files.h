@@ -30,6 +30,9 @@ struct HLFileContent {
 // A regular file of at most 1 MB; never waits for a pipe's other end.
 [[nodiscard]] HLFileContent HLReadFile(const std::string& path);
 
+// Makes the directories that lead to the path and are missing, for this user only. 0, or an errno.
+[[nodiscard]] int HLMakeDirectories(const std::string& path);
+
 // Puts a file with that content in the place of what is there, a link included, in one step: a crash leaves the one or
 // the other. Makes the directories that are missing. 0, or an errno.
 [[nodiscard]] int HLWriteFile(const std::string& path, std::string_view content, mode_t mode);

@@ -30,7 +30,7 @@ bool isTooDeep(std::string_view text) {
 
 }  // namespace
 
-std::optional<HLJsonDocument> HLReadJsonDocument(std::string_view text) {
+std::optional<HLJsonDocument> HLJsonDocumentOf(std::string_view text) {
   if (isTooDeep(text)) return std::nullopt;
   HLJsonDocument json = HLJsonDocument::parse(text, nullptr, /*allow_exceptions=*/false);
   if (json.is_discarded()) return std::nullopt;
@@ -73,7 +73,7 @@ HLValue HLValueOfJson(const HLJsonDocument& json) {
 }
 
 std::optional<HLValue> HLReadJson(std::string_view text) {
-  const std::optional<HLJsonDocument> json = HLReadJsonDocument(text);
+  const std::optional<HLJsonDocument> json = HLJsonDocumentOf(text);
   if (!json) return std::nullopt;
   return HLValueOfJson(*json);
 }

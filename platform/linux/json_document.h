@@ -11,6 +11,6 @@
 using HLJsonDocument = nlohmann::ordered_json;
 
 // Nothing when the text is not JSON to the letter, or is nested too deeply for its reader's stack.
-[[nodiscard]] std::optional<HLJsonDocument> HLReadJsonDocument(std::string_view text);
+[[nodiscard]] std::optional<HLJsonDocument> HLJsonDocumentOf(std::string_view text);
 
 [[nodiscard]] HLValue HLValueOfJson(const HLJsonDocument& json);

@@ -109,7 +109,7 @@ bool HLLinuxUserDefaults::read() {
     complain("the preferences in " + file + " cannot be read: " + std::strerror(read.error));
     return false;
   }
-  std::optional<HLJsonDocument> document = HLReadJsonDocument(read.content);
+  std::optional<HLJsonDocument> document = HLJsonDocumentOf(read.content);
   const bool isWhole = document && document->is_object();
   stored_ = isWhole ? std::move(*document) : HLJsonDocument::object();
   if (!isWhole) setAside(file);
@@ -127,6 +127,7 @@ void HLLinuxUserDefaults::setAside(const std::string& file) {
 
 void HLLinuxUserDefaults::store() {
   const std::string file = withoutLinks(path_);
+  (void)HLMakeDirectories(file);  // so that there is something to lock; what fails is told of by the writing
   const DirectoryLock lock(file);
   if (!read()) return;
   HLJsonDocument document = stored_;

@@ -267,7 +267,7 @@ bool HLX11HotKeys::HotKey::takePress(const xcb_key_press_event_t& event) {
 }
 
 void HLX11HotKeys::HotKey::takeRelease(const xcb_key_release_event_t& event) {
-  if (event.detail != key_) return;
+  if (!isDown_ || event.detail != key_) return;
   isDown_ = false;
   lastRelease_ = event.time;
 }
