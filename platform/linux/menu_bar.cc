@@ -3,8 +3,13 @@
 #include <dlfcn.h>
 
 #include <filesystem>
+#include <utility>
 
 #include "platform/linux/access_guide.h"
+#include "platform/linux/desktop_module.h"
+#include "platform/linux/login_item.h"
+#include "platform/linux/user_defaults.h"
+#include "platform/linux/workspace.h"
 #include "platform/value.h"
 
 namespace {
@@ -30,18 +35,33 @@ std::string displayName(HLProcessInfo& process) {
 
 }  // namespace
 
+struct HLLinuxMenuBar::Parts {
+  Parts(HLProcessInfo& process, std::unique_ptr<HLDesktop> made) : desktop(std::move(made)), loginItem(process), userDefaults(HLUserDefaultsPath(process)), workspace(process) {}
+
+  const std::unique_ptr<HLDesktop> desktop;
+  HLLinuxLoginItem loginItem;
+  HLLinuxUserDefaults userDefaults;
+  HLLinuxWorkspace workspace;
+  const HLApplicationPlatform platform{desktop->application(), desktop->statusItem(), desktop->windows(),
+                                       desktop->alerts(),      desktop->hotKeys(),    loginItem,
+                                       userDefaults,           desktop->httpClient(), workspace,
+                                       HLLinuxAccessGuide()};
+};
+
+HLLinuxMenuBar::HLLinuxMenuBar(HLProcessInfo& process, HLLinuxRunLoop& runLoop)
+    : process_(process), runLoop_(runLoop) {}
+
+HLLinuxMenuBar::~HLLinuxMenuBar() = default;
+
 std::variant<const HLApplicationPlatform*, std::string> HLLinuxMenuBar::platform() {
-  if (platform_ != nullptr) return platform_.get();
+  if (parts_ != nullptr) return &parts_->platform;
   const auto loaded = loadModule(process_.executablePath().value_or(""));
   if (const auto* failure = std::get_if<std::string>(&loaded)) return *failure;
 
   HLDesktopAnswer answer;
-  const HLDesktopRequest request{process_.bundleIdentifier().value_or(kProgramName), displayName(process_), runLoop_};
-  std::get<HLMakeDesktopFunction*>(loaded)(request, answer);
+  std::get<HLMakeDesktopFunction*>(loaded)(
+      {process_.bundleIdentifier().value_or(kProgramName), displayName(process_), runLoop_}, answer);
   if (answer.desktop == nullptr) return answer.failure;
-  desktop_ = std::move(answer.desktop);
-  platform_ = std::make_unique<const HLApplicationPlatform>(HLApplicationPlatform{
-      desktop_->application(), desktop_->statusItem(), desktop_->windows(), desktop_->alerts(), desktop_->hotKeys(),
-      loginItem_, userDefaults_, desktop_->httpClient(), workspace_, HLLinuxAccessGuide()});
-  return platform_.get();
+  parts_ = std::make_unique<Parts>(process_, std::move(answer.desktop));
+  return &parts_->platform;
 }
