@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <cerrno>
 #include <functional>
 #include <iostream>
 #include <map>
@@ -46,6 +46,7 @@ class Program {
     };
     platform_.statusItem.install(std::move(item));
     platform_.statusItem.setImage({"bell.slash", true, "Hushlet"});
+    fcntl(STDIN_FILENO, F_SETFL, O_NONBLOCK);  // sources are asked though nothing has come
     (void)runLoop_.addSource({STDIN_FILENO, [this] { return read(); }});
     say("launched");
   }
@@ -66,7 +67,8 @@ class Program {
   bool read() {
     char buffer[4096];
     const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
-    if (count <= 0) return false;
+    if (count < 0) return errno == EAGAIN;
+    if (count == 0) return false;
     std::istringstream lines(std::string(buffer, static_cast<std::size_t>(count)));
     for (std::string line; std::getline(lines, line);) obey(line);
     return true;
