@@ -8,6 +8,8 @@ foreach(file ${HL_CONFIGURED})
     configure_file(${CMAKE_CURRENT_SOURCE_DIR}/linux/${file}.in ${PROJECT_BINARY_DIR}/${file} @ONLY)")
 endforeach()
 
+# Beside the executable, wherever that is: bin/hushlet looks for ../lib/hushlet, not for the machine's library folder.
+install(TARGETS hl_desktop_module LIBRARY DESTINATION lib/hushlet)
 install(FILES ${PROJECT_BINARY_DIR}/hushlet-daemon.service DESTINATION lib/systemd/user)
 install(FILES ${PROJECT_BINARY_DIR}/com.tessaly.hushlet.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${PROJECT_BINARY_DIR}/com.tessaly.hushlet.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
