@@ -89,7 +89,7 @@ void HLAppDelegate::quit() { host_.application.terminate(); }
 int HLRunApplication(std::ostream& err) {
   const auto host = HLCurrentPlatform().applicationPlatform();
   if (const auto* missing = std::get_if<std::string>(&host)) {
-    err << "hushlet: " << *missing << '\n';
+    err << *missing << '\n';
     return EXIT_FAILURE;
   }
   const HLApplicationPlatform& platform = *std::get<const HLApplicationPlatform*>(host);
