@@ -47,7 +47,11 @@ std::string panelConfiguration(const std::string& gray) {
 
 class MenuBar : public testing::Test {
  protected:
-  void SetUp() override { session_ = std::make_unique<DesktopSession>(WithoutAccessibility()); }
+  void SetUp() override {
+    session_ = std::make_unique<DesktopSession>(WithoutAccessibility());
+    // A window that is there before the window manager is not made the active one.
+    ASSERT_TRUE(Eventually([this] { return xdotool({"get_desktop"}) == "0\n"; }));
+  }
 
   void TearDown() override {
     program_ = nullptr;
@@ -106,6 +110,16 @@ class MenuBar : public testing::Test {
     const auto tool = session_->start(command);
     (void)tool->wait(std::chrono::seconds(20));
     return tool->output();
+  }
+
+  // Waits until a window of that name is the active one.
+  void waitForActiveWindow(const std::string& name) {
+    std::string active;
+    const bool came = Eventually([&] {
+      active = xdotool({"getactivewindow", "getwindowname"});
+      return active == name + "\n";
+    });
+    if (!came) throw std::runtime_error(name + " is not active, but: " + active);
   }
 
   // The item's own window, once a tray has taken it in.
@@ -290,7 +304,7 @@ TEST_F(MenuBar, KeysAreToldByPositionAndByCharacter) {
   startProgram();
   tell("setup");
   waitFor("shown");
-  xdotool({"search", "--sync", "--onlyvisible", "--name", "Set Up Hushlet", "windowfocus", "--sync"});
+  waitForActiveWindow("Set Up Hushlet");
   tell("record");
   waitFor("recording");
   xdotool({"key", "ctrl+alt+super+n"});
@@ -306,8 +320,7 @@ TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
   startProgram();
   tell("setup");
   waitFor("shown");
-  const std::string window = xdotool({"search", "--sync", "--onlyvisible", "--name", "Set Up Hushlet"});
-  ASSERT_TRUE(Eventually([&] { return window.find(xdotool({"getactivewindow"})) == 0; })) << window;
+  waitForActiveWindow("Set Up Hushlet");
   keepPicture("setup-window");
   xdotool({"key", "Return"});
   waitFor("primary");
@@ -318,7 +331,7 @@ TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
 TEST_F(MenuBar, AnAlertHoldsItUpAndTheRunLoopGoesOn) {
   startProgram();
   tell("ask");
-  xdotool({"search", "--sync", "--onlyvisible", "--class", kIdentifier, "windowfocus", "--sync"});
+  waitForActiveWindow("Hushlet");
   tell("later");
   waitFor("served");
   EXPECT_EQ(count("answer 0"), 0);
