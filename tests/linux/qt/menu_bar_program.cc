@@ -79,10 +79,16 @@ class Program {
     const std::string rest = line.size() > word.size() ? line.substr(word.size() + 1) : "";
     const std::map<std::string, std::function<void()>> commands = {
         {"title", [&] { platform_.statusItem.setTitle(rest); }},
-        {"image", [&] { platform_.statusItem.setImage({rest, true, "Hushlet"}); }},
+        {"image",
+         [&] {
+           platform_.statusItem.setImage({rest, true, "Hushlet"});
+         }},
         {"setup", [&] { showSetup(); }},
         {"record", [&] { record(); }},
-        {"ask", [&] { say("answer " + std::to_string(platform_.alerts.runModal({"Title", "Message", {"A", "B"}}))); }},
+        {"ask",
+         [&] {
+           say("answer " + std::to_string(platform_.alerts.runModal({"Title", "Message", {"A", "B"}})));
+         }},
         {"later", [&] { runLoop_.postToMainQueueAfter(0.05, [] { say("served"); }); }},
         {"quit", [&] { platform_.application.terminate(); }},
     };

@@ -38,11 +38,11 @@ std::string panelConfiguration(const std::string& gray) {
          property("size", "uint", "30") + property("background-style", "uint", "1") +
          "<property name=\"background-rgba\" type=\"array\">" + color +
          "<value type=\"double\" value=\"1.0\"/></property>"
-         "<property name=\"plugin-ids\" type=\"array\"><value type=\"int\" value=\"1\"/></property></property></property>"
+         "<property name=\"plugin-ids\" type=\"array\"><value type=\"int\" "
+         "value=\"1\"/></property></property></property>"
          "<property name=\"plugins\" type=\"empty\">" +
-         "<property name=\"plugin-1\" type=\"string\" value=\"systray\">" +
-         property("square-icons", "bool", "true") + property("icon-size", "int", "22") +
-         "</property></property></channel>";
+         "<property name=\"plugin-1\" type=\"string\" value=\"systray\">" + property("square-icons", "bool", "true") +
+         property("icon-size", "int", "22") + "</property></property></channel>";
 }
 
 class MenuBar : public testing::Test {
@@ -124,9 +124,10 @@ class MenuBar : public testing::Test {
   }
 
   [[nodiscard]] std::string registered() {
-    const auto tool = session_->start({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher",
-                                       "--object-path", "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
-                                       "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
+    const auto tool =
+        session_->start({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
+                         "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
+                         "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
     (void)tool->wait(std::chrono::seconds(20));
     return tool->output();
   }
@@ -139,9 +140,7 @@ class MenuBar : public testing::Test {
 
   void clickPanel(const std::string& button) { xdotool({"mousemove", "16", "15", "click", button}); }
 
-  void keepPicture(const std::string& name) {
-    session_->savePicture(std::string(HL_PICTURES) + "/" + name + ".png");
-  }
+  void keepPicture(const std::string& name) { session_->savePicture(std::string(HL_PICTURES) + "/" + name + ".png"); }
 
   std::unique_ptr<DesktopSession> session_;
   std::unique_ptr<ChildProcess> settings_;
