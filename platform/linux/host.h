@@ -24,6 +24,8 @@ class HLLinuxHost : public HLHost {
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;
   HLLinuxMenuBar menuBar_{process_, runLoop_};
-  const HLPlatform platform_{accessibility_, runningApplications_, runLoop_, process_,
-                             propertyLists_, userNotifications_,   [this] { return menuBar_.platform(); }};
+  const HLPlatform platform_{
+      accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, [this] {
+        return menuBar_.platform();
+      }};
 };

@@ -36,7 +36,8 @@ std::string displayName(HLProcessInfo& process) {
 }  // namespace
 
 struct HLLinuxMenuBar::Parts {
-  Parts(HLProcessInfo& process, std::unique_ptr<HLDesktop> made) : desktop(std::move(made)), loginItem(process), userDefaults(HLUserDefaultsPath(process)), workspace(process) {}
+  Parts(HLProcessInfo& process, std::unique_ptr<HLDesktop> made)
+      : desktop(std::move(made)), loginItem(process), userDefaults(HLUserDefaultsPath(process)), workspace(process) {}
 
   const std::unique_ptr<HLDesktop> desktop;
   HLLinuxLoginItem loginItem;

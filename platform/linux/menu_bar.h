@@ -1,5 +1,5 @@
-// What only the menu-bar application asks of a Linux desktop, gathered. That of it which needs the window toolkit comes from
-// the module beside the executable: DIR/lib/hushlet/hushlet-desktop.so for DIR/bin/NAME.
+// What only the menu-bar application asks of a Linux desktop, gathered. That of it which needs the window toolkit comes
+// from the module beside the executable: DIR/lib/hushlet/hushlet-desktop.so for DIR/bin/NAME.
 #pragma once
 
 #include <memory>
