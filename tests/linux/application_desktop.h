@@ -5,14 +5,15 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
+#include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdint>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -21,24 +22,30 @@
 #include "tests/linux/session/screen.h"
 #include "tests/linux/session/shown_parts.h"
 
+// What it waits for in vain ends the test.
 class ApplicationDesktop : public RealDesktop {
  protected:
-  static constexpr std::chrono::seconds kPatience{30};  // an instrumented program on a busy machine
+  static constexpr std::chrono::seconds kPatience{30};  // for an instrumented program on a busy machine
   static constexpr const char* kProduct = HL_PROGRAM;
   static constexpr const char* kPersonal = HL_PERSONAL_PROGRAM;
   static constexpr const char* kSettings = "Hushlet Settings";
   static constexpr const char* kSetup = "Set Up Hushlet";
   inline static const std::vector<int> kDefaultShortcut = {KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_N};
 
-  // A desktop with that server, or with none, and a tray.
-  void beginDesktop(const Server* server = nullptr, const SessionSetup& setup = {}) {
-    if (server != nullptr) {
-      beginWith(*server, setup);
-    } else {
-      begin(setup);
-    }
+  static void require(const std::function<bool()>& condition, const std::function<std::string()>& otherwise) {
+    if (!Eventually(condition, kPatience)) throw std::runtime_error(otherwise());
+  }
+
+  void beginDesktop(const SessionSetup& setup = {}) {
+    begin(setup);
     screen_ = std::make_unique<Screen>(session_->environment());
+    sender_ = std::make_unique<NotificationSender>(session_->environment());
     startTray();
+  }
+
+  void beginDesktopWith(const Server& server) {
+    beginDesktop();
+    server_ = session_->startServer(server.command);
   }
 
   void startTray() {
@@ -53,116 +60,132 @@ class ApplicationDesktop : public RealDesktop {
     RealDesktop::TearDown();
   }
 
-  // Starts it and waits until its launch is over.
-  void startApplication(const std::vector<std::string>& arguments = {}, const std::string& program = kProduct) {
-    application_ = session_->start(commandLine(program, arguments));
-    ASSERT_TRUE(Eventually([this] { return icon().has_value(); }, kPatience)) << application_->output();
+  // Starts it and waits until the tray has its icon.
+  void startApplication(std::vector<std::string> arguments = {}, const std::string& program = kProduct) {
+    arguments.insert(arguments.begin(), program);
+    application_ = session_->start(arguments);
+    (void)icon();
   }
 
-  static std::vector<std::string> commandLine(const std::string& program, const std::vector<std::string>& arguments) {
-    std::vector<std::string> command = {program};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return command;
-  }
-
-  // Its icon, once the tray has taken it in.
-  std::optional<ScreenWindow> icon() {
-    constexpr int kLargest = 64;
-    return screen_->find([](const ScreenWindow& window) {
-      const bool isOurs = window.instance == "com.tessaly.hushlet" || window.instance == "com.tessaly.hushlet.personal";
-      return isOurs && window.width > 1 && window.width <= kLargest && window.height > 1 && window.height <= kLargest;
+  // Its windows and menus that fit, its icon and those without a title among them.
+  std::optional<ScreenWindow> ownWindow(const std::function<bool(const ScreenWindow&)>& fits) {
+    return screen_->find([&fits](const ScreenWindow& window) {
+      const bool isOwn = window.instance == "hushlet" || window.instance.starts_with("com.tessaly.hushlet");
+      return isOwn && fits(window);
     });
   }
 
-  void clickIcon(std::uint8_t button, const std::vector<int>& heldKeys = {}) {
+  ScreenWindow icon() {
+    constexpr int kLargest = 64;
     std::optional<ScreenWindow> found;
-    ASSERT_TRUE(Eventually([&] { return (found = icon()).has_value(); }, kPatience)) << "no tray has the icon";
-    screen_->moveTo(found->x + found->width / 2, found->y + found->height / 2);
+    const auto isThere = [&] {
+      found = ownWindow([](const ScreenWindow& window) {
+        return std::min(window.width, window.height) > 1 && std::max(window.width, window.height) <= kLargest;
+      });
+      return found.has_value();
+    };
+    require(isThere, [this] { return "no tray has the icon: " + application_->output(); });
+    return *found;
+  }
+
+  void clickIcon(std::uint8_t button, const std::vector<int>& heldKeys = {}) {
+    const ScreenWindow window = icon();
+    screen_->moveTo(window.x + window.width / 2, window.y + window.height / 2);
     screen_->click(button, heldKeys);
   }
 
+  // Below the icon, on the left.
+  ScreenWindow openMenu(std::uint8_t button = Screen::kRightButton, const std::vector<int>& heldKeys = {}) {
+    const ScreenWindow above = icon();
+    clickIcon(button, heldKeys);
+    std::optional<ScreenWindow> menu;
+    const auto isThere = [&] {
+      menu = ownWindow([&above](const ScreenWindow& window) {
+        return window.x == above.x && window.y >= above.y + above.height && window.width > 1;
+      });
+      return menu.has_value();
+    };
+    require(isThere, [] { return "no menu opens"; });
+    return *menu;
+  }
+
+  // Shown, and the one that gets the keys.
   void waitForWindow(const std::string& title) {
-    ASSERT_TRUE(Eventually([&] { return screen_->findTitled(title).has_value(); }, kPatience)) << title;
-    // Keys go to it from then on.
-    ASSERT_TRUE(Eventually(
-        [&] {
-          const std::optional<ScreenWindow> window = screen_->findTitled(title);
-          return window && screen_->activeWindow() == window->id;
-        },
-        kPatience))
-        << title;
+    const auto isActive = [&] {
+      const std::optional<ScreenWindow> window = screen_->findTitled(title);
+      return window && screen_->activeWindow() == window->id;
+    };
+    require(isActive, [&] { return "no window \"" + title + "\" gets the keys"; });
   }
 
   void waitUntilGone(const std::string& title) {
-    ASSERT_TRUE(Eventually([&] { return !screen_->findTitled(title).has_value(); }, kPatience)) << title;
+    require([&] { return !screen_->findTitled(title); }, [&] { return "\"" + title + "\" stays"; });
   }
 
-  // What the program has written on its windows and menus, one a line.
+  std::optional<ShownPart> findPart(const std::string& name) {
+    for (const ShownPart& part : ShownParts(session_->environment(), application_->pid())) {
+      if (part.name == name) return part;
+    }
+    return std::nullopt;
+  }
+
+  // What is written in the program's windows.
   std::string shownTexts() {
     std::string texts;
     for (const ShownPart& part : ShownParts(session_->environment(), application_->pid())) texts += part.name + "\n";
     return texts;
   }
 
-  void waitForText(const std::string& text) {
-    ASSERT_TRUE(
-        Eventually([&] { return ("\n" + shownTexts()).find("\n" + text + "\n") != std::string::npos; }, kPatience))
-        << "\"" << text << "\" is not among:\n"
-        << shownTexts();
-  }
-
-  std::optional<ShownPart> findPart(const std::string& name) {
-    for (const ShownPart& part : ShownParts(session_->environment(), application_->pid())) {
-      if (part.name == name && part.place.width > 1) return part;
-    }
-    return std::nullopt;
-  }
-
-  // Clicks on the button, check box or menu item on which that is written.
-  void clickPart(const std::string& name) {
+  ShownPart waitForPart(const std::string& name) {
     std::optional<ShownPart> part;
-    ASSERT_TRUE(Eventually([&] { return (part = findPart(name)).has_value(); }, kPatience))
-        << "\"" << name << "\" is not among:\n"
-        << shownTexts();
-    // A check box is larger than what can be clicked of it.
-    const double across = part->role == HLRawRole::kCheckBox ? part->place.height / 2 : part->place.width / 2;
-    screen_->moveTo(static_cast<int>(part->place.x + across), static_cast<int>(part->place.y + part->place.height / 2));
+    require([&] { return (part = findPart(name)).has_value(); },
+            [&] { return "\"" + name + "\" is not among:\n" + shownTexts(); });
+    return *part;
+  }
+
+  // Clicks on the button or check box that says so.
+  void clickPart(const std::string& name) {
+    const ShownPart part = waitForPart(name);
+    // A check box may be wider than what can be clicked of it.
+    const double across = part.role == HLRawRole::kCheckBox ? part.place.height : part.place.width;
+    screen_->moveTo(static_cast<int>(part.place.x + across / 2),
+                    static_cast<int>(part.place.y + part.place.height / 2));
     screen_->click(Screen::kLeftButton);
   }
 
-  // What it has logged of what the user did; of the product flavor.
+  // The lines of the product flavor's status log, without the date, the time and the zone.
   std::vector<std::string> logged() {
     std::ifstream file(session_->directory() + "/data/com.tessaly.hushlet/status.log");
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) {
-      const std::size_t afterDate = line.find(' ');
-      const std::size_t afterTime = afterDate == std::string::npos ? afterDate : line.find(' ', afterDate + 1);
-      lines.push_back(afterTime == std::string::npos ? line : line.substr(afterTime + 1));
+      const std::size_t zone = line.find(" +0000 ");
+      lines.push_back(zone == std::string::npos ? line : line.substr(zone + 7));
     }
     return lines;
   }
 
   int countLogged(const std::string& begin) {
-    int count = 0;
-    for (const std::string& line : logged()) count += line.find(begin) != std::string::npos ? 1 : 0;
-    return count;
+    const std::vector<std::string> lines = logged();
+    return static_cast<int>(
+        std::count_if(lines.begin(), lines.end(), [&](const std::string& line) { return line.starts_with(begin); }));
   }
 
   void waitForLogged(const std::string& begin, int times = 1) {
-    ASSERT_TRUE(Eventually([&] { return countLogged(begin) >= times; }, kPatience))
-        << "\"" << begin << "\" is not among:\n"
-        << testing::PrintToString(logged());
+    require([&] { return countLogged(begin) >= times; },
+            [&] { return "\"" + begin + "\" is not among " + testing::PrintToString(logged()); });
   }
 
-  // Everything has been cleared by one request, that the log tells of.
-  void expectCleared(const std::vector<std::uint32_t>& ids, const Server& server, int request = 1) {
-    waitForLogged("dismissNotifications outcome ", request);
-    EXPECT_EQ(countLogged("dismissNotifications outcome status=success dismissed=" + std::to_string(ids.size()) +
-                          " remaining=0 elapsedMs="),
-              request)
-        << testing::PrintToString(logged());
+  // Of the one dismissal that has been asked for since then.
+  void expectCleared(const std::vector<std::uint32_t>& ids, const Server& server, int before = 0) {
+    waitForLogged("dismissNotifications outcome ", before + 1);
+    const std::vector<std::string> lines = logged();
+    const std::string last = *std::find_if(lines.rbegin(), lines.rend(), [](const std::string& line) {
+      return line.starts_with("dismissNotifications outcome ");
+    });
+    EXPECT_THAT(last, testing::MatchesRegex("dismissNotifications outcome status=success dismissed=" +
+                                            std::to_string(ids.size()) + " remaining=0 elapsedMs=[0-9]+"));
     expectClosed(ids, server);
-    waitForTargets(0);
+    EXPECT_EQ(targets(), 0);
   }
 
   std::string defaultsFile() {

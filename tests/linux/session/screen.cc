@@ -68,16 +68,9 @@ xcb_window_t Screen::activeWindow() {
   return active.empty() ? XCB_NONE : active.front();
 }
 
-std::vector<std::string> Screen::allowedActions(xcb_window_t window) {
-  std::vector<std::string> names;
-  for (xcb_atom_t action : numbers(window, atom("_NET_WM_ALLOWED_ACTIONS"))) {
-    const Held<xcb_get_atom_name_reply_t> name(
-        xcb_get_atom_name_reply(connection_, xcb_get_atom_name(connection_, action), nullptr));
-    if (name == nullptr) continue;
-    names.emplace_back(xcb_get_atom_name_name(name.get()),
-                       static_cast<std::size_t>(xcb_get_atom_name_name_length(name.get())));
-  }
-  return names;
+Screen::FrameWishes Screen::frameWishes(xcb_window_t window) {
+  const std::vector<std::uint32_t> hints = numbers(window, atom("_MOTIF_WM_HINTS"));
+  return hints.size() < 3 ? FrameWishes{} : FrameWishes{hints[1], hints[2]};
 }
 
 xcb_atom_t Screen::atom(const std::string& name) {

@@ -27,6 +27,12 @@ class Screen {
   static constexpr std::uint8_t kLeftButton = 1;
   static constexpr std::uint8_t kRightButton = 3;
 
+  // In the wishes for a frame.
+  static constexpr std::uint32_t kCloseFunction = 1 << 5;
+  static constexpr std::uint32_t kTitleDecoration = 1 << 3;
+  static constexpr std::uint32_t kMinimizeDecoration = 1 << 5;
+  static constexpr std::uint32_t kMaximizeDecoration = 1 << 6;
+
   explicit Screen(const Environment& environment);
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
@@ -36,8 +42,12 @@ class Screen {
   [[nodiscard]] std::optional<ScreenWindow> find(const std::function<bool(const ScreenWindow&)>& fits);
   [[nodiscard]] std::optional<ScreenWindow> findTitled(const std::string& title);
   [[nodiscard]] xcb_window_t activeWindow();
-  // What the window manager lets a person do with it, such as "_NET_WM_ACTION_CLOSE".
-  [[nodiscard]] std::vector<std::string> allowedActions(xcb_window_t window);
+  // Of what the program asks of the window's frame: bits of the buttons and of what a person may do with it.
+  struct FrameWishes {
+    std::uint32_t functions = 0;
+    std::uint32_t decorations = 0;
+  };
+  [[nodiscard]] FrameWishes frameWishes(xcb_window_t window);
 
   void moveTo(int x, int y);
   // Presses and releases the button where the pointer is, while the keys are held.

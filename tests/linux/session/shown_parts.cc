@@ -27,12 +27,9 @@ std::vector<ShownPart> ShownParts(const Environment& environment, pid_t program)
   if (HLReadDetails(*bus, application->busName(), tree, all, {}) != HLBusOutcome::answered) return {};
 
   std::vector<ShownPart> parts;
-  std::vector<std::string> windows(tree.size());
-  for (std::size_t i = 1; i < tree.size(); ++i) {
-    const HLRawNode& node = tree[i];
-    windows[i] = node.parent == 0 ? node.name : windows[static_cast<std::size_t>(node.parent)];
+  for (const HLRawNode& node : tree) {
     if (!node.isShowing() || !node.extents) continue;
-    parts.push_back({windows[i], node.name, node.role, (node.states & kChecked) != 0, *node.extents});
+    parts.push_back({node.name, node.role, (node.states & kChecked) != 0, *node.extents});
   }
   return parts;
 }

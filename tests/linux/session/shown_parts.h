@@ -11,8 +11,7 @@
 #include "tests/linux/session/child_process.h"
 
 struct ShownPart {
-  std::string window;  // the title of the window that it lies in
-  std::string name;    // what is written on it
+  std::string name;  // what is written on it
   std::uint32_t role = 0;
   bool isChecked = false;
   HLRect place;  // on the screen
