@@ -31,8 +31,8 @@ TEST_P(ApplicationWithServer, AClickOnTheIconClearsTheScreen) {
 TEST_P(ApplicationWithServer, TheShortcutClearsTheScreenWhileAnotherProgramHasTheKeys) {
   beginDesktopWith(GetParam());
   startApplication();
-  const auto other = session_->start({"xclock"});
-  waitForWindow("xclock");
+  const auto other = session_->start({"xedit"});
+  waitForWindow("xedit");
   int requests = 0;
   for (bool withNumLock : {false, true}) {
     if (withNumLock) screen_->press({KEY_NUMLOCK});
@@ -81,8 +81,10 @@ TEST_F(Application, AutomationBannersCloseByThemselvesOnceTheBoxIsChecked) {
   beginDesktopWith(kLxqt);
   startApplication({"--open-settings"});
   waitForWindow(kSettings);
-  const auto sendAutomation = [this] { return sender_->send("Shortcuts", "Evening", "Running your automation"); };
-  const std::uint32_t before = sendAutomation();
+  const auto sendAutomation = [this](const std::string& name) {
+    return sender_->send("Shortcuts", name, "Running your automation");
+  };
+  const std::uint32_t before = sendAutomation("Dawn");
   waitForTargets(1);
   EXPECT_FALSE(waitForPart("Close Shortcuts Automation Banners").isChecked);
   clickPart("Close Shortcuts Automation Banners");
@@ -91,7 +93,7 @@ TEST_F(Application, AutomationBannersCloseByThemselvesOnceTheBoxIsChecked) {
   EXPECT_THAT(defaultsFile(), HasSubstr("\"HLAutoCloseAutomationBanners\": true"));
 
   const std::uint32_t ordinary = sender_->send("Mail", "Lunch", "Running your automation at noon");
-  const std::vector<std::uint32_t> automations = {sendAutomation(), sendAutomation()};
+  const std::vector<std::uint32_t> automations = {sendAutomation("Morning"), sendAutomation("Noon")};
   ASSERT_TRUE(sender_->waitUntilClosed(automations, kPatience));
   keepPicture("closed");
   EXPECT_EQ(sender_->closed(), (std::set<std::uint32_t>(automations.begin(), automations.end())));
@@ -101,11 +103,12 @@ TEST_F(Application, AutomationBannersCloseByThemselvesOnceTheBoxIsChecked) {
   server_->signal(SIGKILL);
   ASSERT_TRUE(server_->wait(kPatience));
   server_ = session_->startServer(kLxqt.command);
-  ASSERT_TRUE(sender_->waitUntilClosed({sendAutomation()}, kPatience));
+  waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
+  ASSERT_TRUE(sender_->waitUntilClosed({sendAutomation("Evening")}, kPatience));
 
   clickPart("Close Shortcuts Automation Banners");
   waitForLogged("autoClose want=off");
-  (void)sendAutomation();
+  (void)sendAutomation("Night");
   waitForTargets(1);
 }
 

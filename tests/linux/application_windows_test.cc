@@ -160,12 +160,18 @@ class ApplicationSetup : public ApplicationWindows, public testing::WithParamInt
     EXPECT_EQ(tool->wait(kPatience), 0) << tool->output();
     return tool->output() == "b true\n";
   }
+
+  // As a session would that knows nothing of accessibility yet.
+  void startServer(const std::string& command) {
+    server_ = session_->start({"env", "--unset=QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "--unset=GTK_MODULES", command});
+    require([this] { return session_->serverPid() == server_->pid(); }, [this] { return server_->output(); });
+  }
 };
 
 TEST_P(ApplicationSetup, LeadsFromTheFirstStartToTheFirstClearedScreen) {
   beginDesktop();
   session_->setAccessibilityEnabled(false);
-  server_ = session_->startServer(GetParam().command);
+  startServer(GetParam().command);
   startApplication();
   waitForWindow(kSetup);
   expectPlainFrame(kSetup);

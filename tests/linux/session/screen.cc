@@ -52,6 +52,7 @@ std::optional<ScreenWindow> Screen::search(xcb_window_t parent, int x, int y,
     ScreenWindow window;
     window.id = id;
     window.title = text(id, atom("_NET_WM_NAME"));
+    if (window.title.empty()) window.title = text(id, XCB_ATOM_WM_NAME);
     window.instance = text(id, XCB_ATOM_WM_CLASS).c_str();  // up to the zero that ends it
     window.x = x + geometry->x + geometry->border_width;
     window.y = y + geometry->y + geometry->border_width;
