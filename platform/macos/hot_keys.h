@@ -1,0 +1,16 @@
+// Hot keys of the Carbon event manager.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/hot_keys.h"
+
+class HLMacHotKeys : public HLHotKeys {
+ public:
+  void installHandler(Handler handler) override;
+  [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
+                                                    const HLHotKeyIdentity& identity) override;
+
+ private:
+  Handler handler_;
+};
