@@ -28,13 +28,6 @@ find_program(CMAKE_RANLIB llvm-ranlib-${HL_LLVM_VERSION} REQUIRED)
 find_program(CMAKE_INSTALL_NAME_TOOL llvm-install-name-tool-${HL_LLVM_VERSION} REQUIRED)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -fuse-ld=lld)
 
-# SMAppService came with macOS 13; a sysroot whose library stub is older leaves that one class to be found at run time.
-file(STRINGS ${CMAKE_OSX_SYSROOT}/System/Library/Frameworks/ServiceManagement.framework/ServiceManagement.tbd known
-  REGEX SMAppService LIMIT_COUNT 1)
-if(NOT known)
-  string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " -Wl,-U,'_OBJC_CLASS_$_SMAppService'")
-endif()
-
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
