@@ -57,10 +57,14 @@ OSStatus pressed(EventHandlerCallRef, EventRef event, void* handler) {
 
 }  // namespace
 
+HLMacHotKeys::~HLMacHotKeys() {
+  if (installed_ != nullptr) RemoveEventHandler(installed_);
+}
+
 void HLMacHotKeys::installHandler(Handler handler) {
   handler_ = std::move(handler);
   const EventTypeSpec type{kEventClassKeyboard, kEventHotKeyPressed};
-  InstallEventHandler(GetApplicationEventTarget(), NewEventHandlerUPP(pressed), 1, &type, &handler_, nullptr);
+  InstallEventHandler(GetApplicationEventTarget(), NewEventHandlerUPP(pressed), 1, &type, &handler_, &installed_);
 }
 
 HLHotKeyRegistration HLMacHotKeys::registerHotKey(std::uint32_t code, std::uint32_t modifiers,
