@@ -44,7 +44,7 @@ class WindowProcess {
   int end_ = -1;
 };
 
-class MacContractDesktop : public ContractDesktop {
+class MacContractDesktop final : public ContractDesktop {
  public:
   MacContractDesktop() {
     if (!platform().accessibility.isProcessTrusted(false)) {

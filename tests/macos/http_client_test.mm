@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -19,6 +20,7 @@ namespace {
 class Server {
  public:
   explicit Server(std::string answer) : listener_(socket(AF_INET, SOCK_STREAM, 0)) {
+    if (listener_ < 0) throw std::runtime_error("no socket");
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);

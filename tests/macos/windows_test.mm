@@ -6,6 +6,7 @@
 
 #include "platform/macos/controls.h"
 #include "platform/macos/host.h"
+#include "platform/macos/values.h"
 
 namespace {
 
@@ -108,7 +109,7 @@ TEST_F(Windows, StandBesideAStatusItem) {
   platform_.statusItem.setTitle("HL");
   for (const char* symbol : {"bell.slash", "exclamationmark.triangle"}) {
     platform_.statusItem.setImage({symbol, true, "Hushlet"});
-    EXPECT_NE([NSImage imageWithSystemSymbolName:@(symbol) accessibilityDescription:nil], nil) << symbol;
+    EXPECT_NE([NSImage imageWithSystemSymbolName:HLMakeString(symbol) accessibilityDescription:nil], nil) << symbol;
   }
   platform_.statusItem.setMenuItem("dismiss", "Dismiss", true);
   platform_.statusItem.setMenuItem("nobody", "Nothing", true);
