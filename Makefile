@@ -1,8 +1,8 @@
 # The commands of the house; CMakePresets.json holds what they configure. Each one installs what it needs and lacks.
-.PHONY: run test fuzz sanitize bench coverage lint tidy format clean
+.PHONY: run test fuzz sanitize bench coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
-JOBS ?= $(shell nproc)
+JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
 
 # Builds the program and shows it clear an ordinary evening's notifications off a simulated screen.
 run:
@@ -46,6 +46,14 @@ bench:
 coverage:
 	@tools/install-packages build test coverage
 	tools/coverage
+
+# What can be proved of the macOS build without a Mac; docs/macos.md.
+macos:
+	tools/check-macos
+
+# On a Mac: every test, and a report to send back.
+mac-report:
+	tools/macos-report
 
 lint:
 	@tools/install-packages lint

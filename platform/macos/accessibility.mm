@@ -12,7 +12,7 @@
 
 namespace {
 
-class Observer : public HLObserver {
+class Observer final : public HLObserver {
  public:
   Observer(HLCFRef<AXObserverRef> observer, HLObserverCallback callback)
       : observer_(std::move(observer)), callback_(std::move(callback)) {
@@ -35,19 +35,26 @@ class Observer : public HLObserver {
     return AXObserverRemoveNotification(observer_.get(), watched, HLMakeCFString(notification).get());
   }
 
-  void attach() override { CFRunLoopAddSource(CFRunLoopGetMain(), source(), kCFRunLoopDefaultMode); }
-  void detach() override { CFRunLoopRemoveSource(CFRunLoopGetMain(), source(), kCFRunLoopDefaultMode); }
+  void attach() override {
+    attached_ = true;
+    CFRunLoopAddSource(CFRunLoopGetMain(), source(), kCFRunLoopDefaultMode);
+  }
+  void detach() override {
+    attached_ = false;
+    CFRunLoopRemoveSource(CFRunLoopGetMain(), source(), kCFRunLoopDefaultMode);
+  }
 
   // The system's callback; on the thread whose loop has the source, which is the main one.
   static void notified(AXObserverRef, AXUIElementRef element, CFStringRef notification, void* context) {
     const auto found = living().find(reinterpret_cast<std::uintptr_t>(context));
-    if (found == living().end()) return;
+    if (found == living().end() || !found->second->attached_) return;
     const HLObserverCallback callback = found->second->callback_;  // it may end the observer
     callback(HLMakeElement(element), HLTextOfCFString(notification));
   }
 
  private:
-  // A notification may be under way when its observer ends, so that the context is a number and not an address.
+  // One firing of the source may bring several notifications, and the first may end the observer: so the context is a
+  // number and not an address.
   static std::map<std::uintptr_t, Observer*>& living() {
     static std::map<std::uintptr_t, Observer*> observers;
     return observers;
@@ -63,6 +70,7 @@ class Observer : public HLObserver {
   const std::uintptr_t number_ = nextNumber();
   const HLCFRef<AXObserverRef> observer_;
   const HLObserverCallback callback_;
+  bool attached_ = false;
 };
 
 }  // namespace

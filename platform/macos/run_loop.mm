@@ -24,20 +24,30 @@ dispatch_time_t moment(double seconds) {
 class OperationQueue : public HLOperationQueue {
  public:
   OperationQueue(const std::string& name, HLQualityOfService quality, int maxConcurrentOperations) {
-    queue_.name = HLMakeString(name);
-    queue_.qualityOfService = static_cast<NSQualityOfService>(quality);
-    queue_.maxConcurrentOperationCount = maxConcurrentOperations;
+    @autoreleasepool {
+      queue_.name = HLMakeString(name);
+      queue_.qualityOfService = static_cast<NSQualityOfService>(quality);
+      queue_.maxConcurrentOperationCount = maxConcurrentOperations;
+    }
   }
-  ~OperationQueue() override { [queue_ waitUntilAllOperationsAreFinished]; }
+  ~OperationQueue() override { wait(); }
 
   void addOperation(std::function<void()> operation) override {
-    [queue_ addOperationWithBlock:^{
-      operation();
-    }];
+    @autoreleasepool {
+      [queue_ addOperationWithBlock:^{
+        operation();
+      }];
+    }
   }
-  void waitUntilAllOperationsAreFinished() override { [queue_ waitUntilAllOperationsAreFinished]; }
+  void waitUntilAllOperationsAreFinished() override { wait(); }
 
  private:
+  void wait() {
+    @autoreleasepool {
+      [queue_ waitUntilAllOperationsAreFinished];
+    }
+  }
+
   NSOperationQueue* const queue_ = [[NSOperationQueue alloc] init];
 };
 
@@ -72,7 +82,9 @@ class Timer : public HLTimer {
 double HLMacRunLoop::now() { return CFAbsoluteTimeGetCurrent() + kCFAbsoluteTimeIntervalSince1970; }
 
 void HLMacRunLoop::sleep(double seconds) {
-  if (seconds > 0) [NSThread sleepForTimeInterval:seconds];
+  @autoreleasepool {
+    if (seconds > 0) [NSThread sleepForTimeInterval:seconds];
+  }
 }
 
 void HLMacRunLoop::runFor(double seconds) {
@@ -109,7 +121,9 @@ void HLMacRunLoop::postToGlobalQueue(HLQualityOfService quality, std::function<v
 }
 
 std::unique_ptr<HLTimer> HLMacRunLoop::scheduleTimer(double interval, std::function<void()> action) {
-  return std::make_unique<Timer>(interval, std::move(action));
+  @autoreleasepool {
+    return std::make_unique<Timer>(interval, std::move(action));
+  }
 }
 
 std::unique_ptr<HLOperationQueue> HLMacRunLoop::makeOperationQueue(const std::string& name, HLQualityOfService quality,

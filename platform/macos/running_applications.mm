@@ -46,8 +46,9 @@ namespace {
 
 constexpr int kMostTurns = 100;  // of a loop that always has something to do
 
+// Not under an application's event loop, which turns by itself, and in whose handlers nothing else may come between.
 void learn() {
-  if (!NSThread.isMainThread) return;
+  if (!NSThread.isMainThread || NSApp != nil) return;
   CFRunLoopMode mode = CFRunLoopCopyCurrentMode(CFRunLoopGetMain());
   const HLCFRef<CFRunLoopMode> running(mode);
   if (running) return;
