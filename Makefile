@@ -1,5 +1,5 @@
 # The commands of the house; CMakePresets.json holds what they configure. Each one installs what it needs and lacks.
-.PHONY: run test fuzz sanitize bench coverage macos mac-report lint tidy format clean
+.PHONY: run package test fuzz sanitize bench coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
@@ -10,6 +10,13 @@ run:
 	@cmake --preset dev $(CONFIGURE_FLAGS) >build-run.log || { cat build-run.log; exit 1; }; rm -f build-run.log
 	@cmake --build --preset dev -j $(JOBS) --target hushlet hushlet-sim
 	@mkdir -p build/demo && HOME=$(CURDIR)/build/demo HUSHLET_PICTURE=1 build/bin/hushlet-sim --dismiss-now
+
+# The Debian package.
+package:
+	@tools/install-packages build package
+	cmake --preset release $(CONFIGURE_FLAGS)
+	cmake --build --preset release -j $(JOBS)
+	cd build-release && cpack
 
 # Every test, those on a real desktop included, after a short run of the fuzzers.
 test:

@@ -8,6 +8,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "app/app_delegate.h"
 #include "autoclose/auto_closer.h"
 #include "autoclose/close_matching.h"
 #include "autoclose/rules.h"
@@ -58,6 +59,8 @@ int dismissNow(const HLModeCall& call) {
   return EXIT_SUCCESS;
 }
 
+int menuBarApplication(const HLModeCall& call) { return HLRunApplication(call.err); }
+
 constexpr std::array<HLMode, 12> kModes = {{
     {"--request-accessibility", HLModeValue::none, requestAccessibility},
     {"--daemon", HLModeValue::none, daemon},
@@ -70,7 +73,7 @@ constexpr std::array<HLMode, 12> kModes = {{
     {"--self-check", HLModeValue::none, selfCheck},
     {"--send-test-notifications", HLModeValue::none, sendTestNotifications},
     {"--dismiss-now", HLModeValue::none, dismissNow},
-    {"", HLModeValue::none, nullptr},
+    {"", HLModeValue::none, menuBarApplication},
 }};
 
 // The number that the text begins with: blanks, a sign, digits, a dot, an exponent, as in the C locale; 0 for none.
@@ -127,11 +130,6 @@ HLSelectedMode HLSelectMode(const std::vector<std::string>& arguments) {
 }
 
 int HLRunMode(const HLSelectedMode& selected, std::ostream& out, std::ostream& err) {
-  if (selected.mode.run == nullptr) {
-    const std::string_view name = selected.mode.switchName;
-    err << "hushlet: this build does not have " << (name.empty() ? "the menu-bar application" : name) << '\n';
-    return EXIT_FAILURE;
-  }
   const int code = selected.mode.run({selected.value, selected.seconds, out, err});
   out.flush();
   return code;

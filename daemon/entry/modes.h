@@ -27,7 +27,7 @@ enum class HLModeValue {
 struct HLMode {
   std::string_view switchName;  // "" for the menu-bar application, which runs when no switch applies
   HLModeValue value;
-  HLModeFunction run;  // nullptr where this build does not have the mode
+  HLModeFunction run;
 };
 
 // All modes in the order in which they are tested, the menu-bar application last.
@@ -42,5 +42,5 @@ struct HLSelectedMode {
 // The first mode that applies. The first argument is the executable's path. Unknown switches are ignored.
 [[nodiscard]] HLSelectedMode HLSelectMode(const std::vector<std::string>& arguments);
 
-// The mode's exit code; 1, and a line on err, where this build does not have it.
+// The mode's exit code.
 [[nodiscard]] int HLRunMode(const HLSelectedMode& selected, std::ostream& out, std::ostream& err);

@@ -12,6 +12,14 @@ void appendReal(std::string& text, int precision, double value) {
   text += digits.data();
 }
 
+// The sign counts as one of the digits, as in C.
+void appendInteger(std::string& text, int digits, std::string number) {
+  const std::size_t sign = number.front() == '-' ? 1 : 0;
+  const auto least = static_cast<std::size_t>(digits);
+  if (number.size() < least) number.insert(sign, least - number.size(), '0');
+  text += number;
+}
+
 }  // namespace
 
 std::string HLFormatArguments(std::string_view format, std::span<const HLFormatArgument> arguments) {
@@ -32,9 +40,9 @@ std::string HLFormatArguments(std::string_view format, std::span<const HLFormatA
     if (const auto* words = std::get_if<std::string_view>(&argument)) {
       text += *words;
     } else if (const auto* integer = std::get_if<std::int64_t>(&argument)) {
-      text += std::to_string(*integer);
+      appendInteger(text, placeholder.precision, std::to_string(*integer));
     } else if (const auto* natural = std::get_if<std::uint64_t>(&argument)) {
-      text += std::to_string(*natural);
+      appendInteger(text, placeholder.precision, std::to_string(*natural));
     } else {
       appendReal(text, placeholder.precision, std::get<double>(argument));
     }

@@ -1,5 +1,6 @@
-// Messages are written as they read in the log: %@ for text, and of C's placeholders %s, %d, %ld, %lu, %%, and %f with
-// a precision. A message whose arguments do not fit its placeholders does not compile.
+// Messages are written as they read in the log: %@ for text, and of C's placeholders %s, %d, %ld, %u, %lu, %%, integers
+// filled up with zeros (%02ld), and %f with a precision. A message whose arguments do not fit its placeholders does not
+// compile.
 #pragma once
 
 #include <concepts>
@@ -16,7 +17,7 @@ using HLFormatArgument = std::variant<std::string_view, std::int64_t, std::uint6
 // What the placeholders of a format ask for.
 struct HLFormatPlaceholder {
   char kind = 0;       // '@', 'd', 'u', 'f', or '%' for the sign itself
-  int precision = 6;   // of 'f'
+  int precision = 6;   // of 'f'; of an integer, how many digits there are at least
   std::size_t length;  // in the format, the percent sign included; 0 when it is none that is understood
 };
 
@@ -30,10 +31,16 @@ constexpr HLFormatPlaceholder HLParsePlaceholder(std::string_view format) {
     return i < format.size() && format[i] == 'f' ? HLFormatPlaceholder{'f', precision, i + 1}
                                                  : HLFormatPlaceholder{0, 0, 0};
   }
+  int digits = 1;
+  if (i + 1 < format.size() && format[i] == '0' && format[i + 1] >= '1' && format[i + 1] <= '9') {
+    digits = format[i + 1] - '0';
+    i += 2;
+  }
   const bool isLong = i < format.size() && format[i] == 'l';
   if (isLong) ++i;
   const char c = i < format.size() ? format[i] : '\0';
-  if (c == 'd' || (isLong && c == 'u')) return {c, precision, i + 1};
+  if (c == 'd' || c == 'u') return {c, digits, i + 1};
+  if (digits > 1) return {0, 0, 0};
   if (!isLong && (c == '@' || c == 's')) return {'@', precision, i + 1};
   if (!isLong && (c == 'f' || c == '%')) return {c, precision, i + 1};
   return {0, 0, 0};

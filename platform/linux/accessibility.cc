@@ -18,6 +18,14 @@
 
 namespace {
 
+constexpr const char* kService = "org.a11y.Bus";
+constexpr const char* kServicePath = "/org/a11y/bus";
+constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
+constexpr const char* kStatus = "org.a11y.Status";
+constexpr const char* kIsEnabled = "IsEnabled";
+// A service that has to be started first takes a while to answer.
+constexpr std::chrono::seconds kStartPatience{3};
+
 class Snapshot;
 
 // The application, and the newest snapshot as long as anybody holds it.
@@ -274,17 +282,31 @@ std::shared_ptr<Source> connect(std::int32_t pid, HLRunningApplications& servers
   return application == nullptr ? nullptr : std::make_shared<Source>(std::move(application));
 }
 
-}  // namespace
-
-bool HLLinuxAccessibility::isProcessTrusted(bool) {
+bool isTrusted() {
   const std::unique_ptr<HLBus> session = HLBus::openSession();
   if (session == nullptr) return false;
-  const HLBusReply reply = session->call({"org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Get"},
-                                         "ss", "org.a11y.Status", "IsEnabled");
+  const HLBusReply reply = session->call({kService, kServicePath, kProperties, "Get"}, "ss", kStatus, kIsEnabled);
   int enabled = 0;
   if (!reply || sd_bus_message_read(reply.message.get(), "v", "b", &enabled) <= 0 || enabled == 0) return false;
   const std::string address = HLAccessibilityBusAddress(*session);
   return !address.empty() && HLBus::openBus(address) != nullptr;
+}
+
+bool switchOn() {
+  const std::unique_ptr<HLBus> session = HLBus::openSession(kStartPatience);
+  if (session == nullptr) return false;
+  (void)session->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "StartServiceByName"},
+                      "su", kService, std::uint32_t{0});
+  return static_cast<bool>(
+      session->call({kService, kServicePath, kProperties, "Set"}, "ssv", kStatus, kIsEnabled, "b", 1));
+}
+
+}  // namespace
+
+bool HLLinuxAccessibility::isProcessTrusted(bool prompt) {
+  if (isTrusted()) return true;
+  // Here the user has nothing to answer: to have asked for access is to want it switched on.
+  return prompt && switchOn() && isTrusted();
 }
 
 HLElementRef HLLinuxAccessibility::createApplication(std::int32_t pid) {

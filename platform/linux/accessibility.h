@@ -18,6 +18,7 @@ class HLLinuxAccessibility : public HLAccessibility {
   HLLinuxAccessibility(HLRunningApplications& servers, HLLinuxRunLoop& runLoop)
       : servers_(servers), runLoop_(runLoop) {}
 
+  // Prompting switches accessibility on for the whole session; without it nothing is changed or started by asking.
   [[nodiscard]] bool isProcessTrusted(bool prompt) override;
   [[nodiscard]] HLElementRef createApplication(std::int32_t pid) override;
   [[nodiscard]] std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) override;

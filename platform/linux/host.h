@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/linux/accessibility.h"
+#include "platform/linux/menu_bar.h"
 #include "platform/linux/process_info.h"
 #include "platform/linux/property_list.h"
 #include "platform/linux/run_loop.h"
@@ -22,6 +23,9 @@ class HLLinuxHost : public HLHost {
   HLLinuxProcessInfo process_;
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;
-  const HLPlatform platform_{accessibility_, runningApplications_, runLoop_, process_,
-                             propertyLists_, userNotifications_,   {}};
+  HLLinuxMenuBar menuBar_{process_, runLoop_};
+  const HLPlatform platform_{
+      accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, [this] {
+        return menuBar_.platform();
+      }};
 };

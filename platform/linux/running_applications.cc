@@ -110,11 +110,17 @@ void HLLinuxRunningApplications::observeLaunches(std::function<void(const HLRunn
     return;
   }
   const int descriptor = events->descriptor();
-  const auto ready = [this, events = std::move(events), observer = std::move(observer)] {
+  const std::vector<HLRunningApplication> present = list();
+  // The end of one server and the beginning of the next are two changes, but one launch; and after the first of them
+  // the next server may be there already.
+  const auto ready = [this, events = std::move(events), observer = std::move(observer),
+                      known = present.empty() ? 0 : present.front().pid]() mutable {
     const std::optional<int> changes = events->takeSignals();
     if (!changes) return false;
     if (*changes == 0) return true;
-    for (const HLRunningApplication& application : list()) observer(application);
+    const std::vector<HLRunningApplication> now = list();
+    const std::int32_t before = std::exchange(known, now.empty() ? 0 : now.front().pid);
+    if (known != 0 && known != before) observer(now.front());
     return true;
   };
   (void)runLoop_.addSource({descriptor, ready});

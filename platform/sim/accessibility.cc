@@ -89,7 +89,7 @@ HLElementRef HLMakeSimElement(HLSimDesktop& desktop, HLSimNode& node) {
 bool HLSimAccessibility::isProcessTrusted(bool prompt) {
   const HLSimLock lock = desktop_.clock->lock();
   const bool trusted = desktop_.world->isTrusted();
-  if (prompt && !trusted && desktop_.scene->grantOnPrompt) desktop_.promptPending = true;
+  if (prompt && !trusted && desktop_.scene->services.grantOnPrompt) desktop_.promptPending = true;
   return trusted;
 }
 

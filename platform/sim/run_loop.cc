@@ -201,7 +201,9 @@ void HLSimRunLoop::runEventLoop() {
   for (;;) {
     runWhatIsDue(lock);
     if (stopped_ || onlyTimersAreDue()) return;
-    desktop_.clock->waitFor(lock, posted_, due_.empty() ? HLSimNever : due_.begin()->first.first);
+    // What happens on the desktop may leave nothing due.
+    const HLSimMoment own = due_.empty() ? HLSimNever : due_.begin()->first.first;
+    desktop_.clock->waitFor(lock, posted_, std::min(own, desktop_.world->nextDue()));
   }
 }
 

@@ -12,6 +12,9 @@
 #include <vector>
 
 #include "platform/accessibility.h"
+#include "platform/events.h"
+#include "platform/hot_keys.h"
+#include "platform/http_client.h"
 #include "platform/value.h"
 
 // Microseconds since the program's start.
@@ -77,10 +80,34 @@ struct HLSceneQuit {
 struct HLSceneTrust {
   bool trusted = false;
 };
-// What a user does to this program's own interface, as it is written in the scene.
-struct HLSceneUserEvent {
-  HLDictionary event;
+// What a user does to this program's own interface. Modifiers are HLModifier... of platform/events.h.
+struct HLSceneClick {
+  std::optional<HLEvent> event;  // nothing: its action is sent without one
 };
+struct HLSceneChoose {
+  std::string item;
+};
+struct HLSceneOpenMenu {};
+struct HLSceneShortcut {  // typed in another program
+  std::uint32_t code = 0;
+  std::uint64_t modifiers = 0;
+};
+struct HLSceneHotKey {
+  std::optional<HLHotKeyIdentity> identity;
+};
+struct HLScenePress {
+  std::string control;
+  std::string window;
+};
+struct HLSceneCloseWindow {
+  std::string window;
+};
+struct HLSceneDump {
+  std::string path;
+};
+struct HLSceneTerminate {};
+using HLSceneUserEvent = std::variant<HLSceneClick, HLSceneChoose, HLSceneOpenMenu, HLSceneShortcut, HLSceneHotKey,
+                                      HLKeyEvent, HLScenePress, HLSceneCloseWindow, HLSceneDump, HLSceneTerminate>;
 
 using HLSceneEvent = std::variant<HLSceneAdd, HLSceneRemove, HLSceneSet, HLSceneSetActions, HLSceneNotify,
                                   HLSceneLaunch, HLSceneQuit, HLSceneTrust, HLSceneUserEvent>;
@@ -147,7 +174,37 @@ struct HLSceneUserNotifications {
   std::vector<std::pair<std::string, std::string>> addErrors;  // by identifier
 };
 
+struct HLSceneRefusedHotKey {
+  std::uint32_t code = 0;
+  std::uint64_t modifiers = 0;
+  std::int32_t status = 0;
+};
+
+struct HLSceneLoginItem {
+  std::int64_t status = 0;
+  std::int64_t statusAfterRegister = 1;
+  std::optional<std::string> registerError;
+  std::optional<std::string> unregisterError;
+};
+
+struct HLSceneHTTPAnswer {
+  std::string path;
+  HLHTTPAnswer answer;
+  double seconds = 0;
+};
+
+struct HLSceneServices {
+  bool grantOnPrompt = false;
+  std::optional<std::vector<std::string>> opens;  // prefixes of addresses; nothing for all
+  std::vector<HLSceneRefusedHotKey> refusedHotKeys;
+  HLSceneLoginItem loginItem;
+  HLSceneUserNotifications userNotifications;
+  std::vector<HLSceneHTTPAnswer> http;
+  std::vector<std::string> alertAnswers;
+};
+
 struct HLScene {
+  std::string name;  // of its file
   // Elements and applications, those included that are yet to come; the pointers between them point here.
   std::deque<HLSceneElement> elements;
   std::deque<HLSceneApplication> allApplications;
@@ -163,9 +220,7 @@ struct HLScene {
   std::optional<std::int32_t> parent;
   HLDictionary propertyLists;
   HLDictionary defaults;
-  HLDictionary services;
-  bool grantOnPrompt = false;
-  HLSceneUserNotifications userNotifications;
+  HLSceneServices services;
   std::vector<HLSceneTimelineEvent> timeline;  // as written
   std::optional<std::string> record;
 

@@ -41,7 +41,7 @@ HLSceneEvent HLSceneBuilder::event(const HLSceneSpot& spot, bool ofTimeline) {
   if (source_.failed()) return {};
   if (HLIsUserEvent(*kind)) {
     expectKeys(spot, ofTimeline, HLUserEventKeys(*kind));
-    return HLReadUserEvent(source_, spot);
+    return HLReadUserEvent(source_, spot, *kind);
   }
   const HLSceneSpot what = source_.require(spot, *kind);
   if (*kind == "add") {

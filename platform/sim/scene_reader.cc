@@ -58,7 +58,7 @@ void readProcess(HLSceneSource& source, const HLSceneSpot& root, HLScene& scene)
   if (const auto key = source.find(root, "parent")) scene.parent = source.pid(*key);
   if (const auto key = source.find(root, "propertyLists")) scene.propertyLists = source.dictionary(*key);
   if (const auto key = source.find(root, "defaults")) scene.defaults = source.dictionary(*key);
-  if (const auto key = source.find(root, "services")) HLReadServices(source, *key, scene);
+  if (const auto key = source.find(root, "services")) scene.services = HLReadServices(source, *key);
   if (const auto key = source.find(root, "record")) scene.record = source.string(*key);
 }
 
@@ -102,6 +102,7 @@ std::variant<std::unique_ptr<const HLScene>, std::string> HLReadScene(std::strin
   if (const auto* error = std::get_if<std::string>(&document)) return oneLine(name + ": " + *error);
   HLSceneSource source(std::get<HLJson>(document));
   auto scene = std::make_unique<HLScene>();
+  scene->name = name;
   source.expectObject(
       source.root(), {"applications", "trusted", "clock", "bundle", "arguments", "home", "applicationSupport", "parent",
                       "propertyLists", "defaults", "services", "timeline", "record"});

@@ -10,6 +10,7 @@ using Keys = std::initializer_list<std::string_view>;
 
 constexpr std::int64_t kMostKeyCode = 0xFFFF;
 constexpr std::int64_t kMostUnsigned = 0xFFFFFFFF;
+constexpr std::int64_t kOK = 200;
 
 const std::map<std::string_view, Keys>& userEvents() {
   static const Keys click = {"click", "modifiers"};
@@ -30,34 +31,72 @@ const std::map<std::string_view, Keys>& userEvents() {
   return events;
 }
 
-void checkModifiers(HLSceneSource& source, const HLSceneSpot& spot) {
-  for (const HLSceneSpot& member : source.members(spot)) {
-    (void)source.word(member, {"shift", "control", "option", "command", "capsLock", "function"});
+std::uint64_t readModifiers(HLSceneSource& source, const HLSceneSpot& object) {
+  static const std::map<std::string_view, std::uint64_t> flags = {
+      {"shift", HLModifierShift},     {"control", HLModifierControl},   {"option", HLModifierOption},
+      {"command", HLModifierCommand}, {"capsLock", HLModifierCapsLock}, {"function", HLModifierFunction}};
+  const auto key = source.find(object, "modifiers");
+  if (!key) return 0;
+  std::uint64_t modifiers = 0;
+  for (const HLSceneSpot& member : source.members(*key)) {
+    const auto flag =
+        flags.find(source.word(member, {"shift", "control", "option", "command", "capsLock", "function"}));
+    if (flag != flags.end()) modifiers |= flag->second;
   }
+  return modifiers;
 }
 
-// {"code": 45, "modifiers": [...]} and what else may stand with it.
-void checkKey(HLSceneSource& source, const HLSceneSpot& spot, Keys keys) {
-  source.expectObject(spot, keys);
-  (void)source.integer(source.require(spot, "code"), 0, kMostKeyCode);
-  if (const auto modifiers = source.find(spot, "modifiers")) checkModifiers(source, *modifiers);
-  if (const auto characters = source.find(spot, "characters")) (void)source.string(*characters);
+std::uint16_t readKeyCode(HLSceneSource& source, const HLSceneSpot& object) {
+  return static_cast<std::uint16_t>(source.integer(source.require(object, "code"), 0, kMostKeyCode));
+}
+
+HLSceneClick readClick(HLSceneSource& source, const HLSceneSpot& spot) {
+  const std::string button = source.word(source.require(spot, "click"), {"left", "right", "none"});
+  const std::uint64_t modifiers = readModifiers(source, spot);
+  if (button == "none") return {};
+  return {HLEvent{button == "right" ? HLEventRightMouseUp : HLEventLeftMouseUp, modifiers}};
+}
+
+HLSceneHotKey readHotKey(HLSceneSource& source, const HLSceneSpot& spot) {
+  if (spot.json->is_null()) return {};
+  source.expectObject(spot, {"signature", "id"});
+  HLHotKeyIdentity identity;
+  identity.signature = source.string(source.require(spot, "signature"));
+  identity.id = static_cast<std::uint32_t>(source.integer(source.require(spot, "id"), 0, kMostUnsigned));
+  return {identity};
+}
+
+HLKeyEvent readKey(HLSceneSource& source, const HLSceneSpot& spot) {
+  source.expectObject(spot, {"code", "modifiers", "characters"});
+  HLKeyEvent event{readKeyCode(source, spot), readModifiers(source, spot), ""};
+  if (const auto key = source.find(spot, "characters")) event.charactersIgnoringModifiers = source.string(*key);
+  return event;
+}
+
+HLSceneShortcut readShortcut(HLSceneSource& source, const HLSceneSpot& spot) {
+  source.expectObject(spot, {"code", "modifiers"});
+  return {readKeyCode(source, spot), readModifiers(source, spot)};
 }
 
 void checkTrue(HLSceneSource& source, const HLSceneSpot& spot) {
   if (!spot.json->is_boolean() || !spot.json->get<bool>()) source.fail(spot, "expected true");
 }
 
-void checkTextOrNull(HLSceneSource& source, const HLSceneSpot& spot) {
-  if (!spot.json->is_string() && !spot.json->is_null()) source.fail(spot, "expected a string or null");
+std::optional<std::string> readTextOrNull(HLSceneSource& source, const HLSceneSpot& object, std::string_view name) {
+  const auto spot = source.find(object, name);
+  if (!spot || spot->json->is_null()) return std::nullopt;
+  if (!spot->json->is_string()) source.fail(*spot, "expected a string or null");
+  return source.failed() ? std::string() : source.string(*spot);
 }
 
-void checkLoginItem(HLSceneSource& source, const HLSceneSpot& spot) {
+HLSceneLoginItem readLoginItem(HLSceneSource& source, const HLSceneSpot& spot) {
   source.expectObject(spot, {"status", "registerError", "unregisterError", "statusAfterRegister"});
-  if (const auto key = source.find(spot, "status")) (void)source.integer(*key, 0, 3);
-  if (const auto key = source.find(spot, "statusAfterRegister")) (void)source.integer(*key, 0, 3);
-  if (const auto key = source.find(spot, "registerError")) checkTextOrNull(source, *key);
-  if (const auto key = source.find(spot, "unregisterError")) checkTextOrNull(source, *key);
+  HLSceneLoginItem item;
+  if (const auto key = source.find(spot, "status")) item.status = source.integer(*key, 0, 3);
+  if (const auto key = source.find(spot, "statusAfterRegister")) item.statusAfterRegister = source.integer(*key, 0, 3);
+  item.registerError = readTextOrNull(source, spot, "registerError");
+  item.unregisterError = readTextOrNull(source, spot, "unregisterError");
+  return item;
 }
 
 HLSceneUserNotifications readUserNotifications(HLSceneSource& source, const HLSceneSpot& spot) {
@@ -69,10 +108,7 @@ HLSceneUserNotifications readUserNotifications(HLSceneSource& source, const HLSc
                          : permission == "denied" ? HLScenePermission::denied
                                                   : HLScenePermission::silent;
   }
-  if (const auto key = source.find(spot, "error")) {
-    checkTextOrNull(source, *key);
-    if (!key->json->is_null()) service.error = source.string(*key);
-  }
+  service.error = readTextOrNull(source, spot, "error");
   if (const auto key = source.find(spot, "addErrors")) {
     for (const HLSceneSpot& entry : source.entries(*key))
       service.addErrors.emplace_back(source.keyText(entry), source.string(entry));
@@ -80,18 +116,28 @@ HLSceneUserNotifications readUserNotifications(HLSceneSource& source, const HLSc
   return service;
 }
 
-void checkHttp(HLSceneSource& source, const HLSceneSpot& spot) {
-  for (const HLSceneSpot& answer : source.entries(spot)) {
-    source.expectObject(answer, {"status", "body", "error", "seconds"});
-    const auto status = source.find(answer, "status");
-    const auto body = source.find(answer, "body");
-    const auto error = source.find(answer, "error");
-    if (error.has_value() == (status || body)) source.fail(answer, "expected \"status\" and \"body\", or \"error\"");
-    if (status) (void)source.integer(*status, 0, 999);
-    if (body) (void)source.string(*body);
-    if (error) (void)source.string(*error);
-    if (const auto seconds = source.find(answer, "seconds")) (void)source.seconds(*seconds);
+HLSceneHTTPAnswer readHTTPAnswer(HLSceneSource& source, const HLSceneSpot& spot) {
+  source.expectObject(spot, {"status", "body", "error", "seconds"});
+  const auto status = source.find(spot, "status");
+  const auto body = source.find(spot, "body");
+  const auto error = source.find(spot, "error");
+  if (error.has_value() == (status || body)) source.fail(spot, "expected \"status\" and \"body\", or \"error\"");
+  HLSceneHTTPAnswer made;
+  made.path = source.keyText(spot);
+  if (const auto seconds = source.find(spot, "seconds")) made.seconds = source.seconds(*seconds);
+  if (error) {
+    (void)source.string(*error);
+    return made;
   }
+  made.answer = {kOK, ""};
+  if (status) made.answer.status = source.integer(*status, 0, 999);
+  if (body) made.answer.body = source.string(*body);
+  return made;
+}
+
+HLSceneRefusedHotKey readRefusedHotKey(HLSceneSource& source, const HLSceneSpot& spot) {
+  source.expectObject(spot, {"code", "modifiers", "status"});
+  return {readKeyCode(source, spot), readModifiers(source, spot), source.code(source.require(spot, "status"))};
 }
 
 }  // namespace
@@ -100,39 +146,37 @@ bool HLIsUserEvent(std::string_view kind) { return userEvents().contains(kind); 
 
 std::initializer_list<std::string_view> HLUserEventKeys(std::string_view kind) { return userEvents().at(kind); }
 
-HLSceneUserEvent HLReadUserEvent(HLSceneSource& source, const HLSceneSpot& spot) {
-  if (const auto key = source.find(spot, "click")) (void)source.word(*key, {"left", "right", "none"});
-  if (const auto key = source.find(spot, "modifiers")) checkModifiers(source, *key);
-  if (const auto key = source.find(spot, "openMenu")) checkTrue(source, *key);
-  if (const auto key = source.find(spot, "terminate")) checkTrue(source, *key);
-  for (const std::string_view text : {"choose", "press", "window", "closeWindow", "dump"}) {
-    if (const auto key = source.find(spot, text)) (void)source.string(*key);
-  }
-  if (const auto key = source.find(spot, "shortcut")) checkKey(source, *key, {"code", "modifiers"});
-  if (const auto key = source.find(spot, "key")) checkKey(source, *key, {"code", "modifiers", "characters"});
-  if (const auto key = source.find(spot, "hotKey"); key && !key->json->is_null()) {
-    source.expectObject(*key, {"signature", "id"});
-    (void)source.string(source.require(*key, "signature"));
-    (void)source.integer(source.require(*key, "id"), 0, kMostUnsigned);
-  }
-  return {source.dictionary(spot)};
+HLSceneUserEvent HLReadUserEvent(HLSceneSource& source, const HLSceneSpot& spot, std::string_view kind) {
+  const HLSceneSpot what = source.require(spot, kind);
+  if (kind == "click") return readClick(source, spot);
+  if (kind == "choose") return HLSceneChoose{source.string(what)};
+  if (kind == "shortcut") return readShortcut(source, what);
+  if (kind == "hotKey") return readHotKey(source, what);
+  if (kind == "key") return readKey(source, what);
+  if (kind == "press") return HLScenePress{source.string(what), source.string(source.require(spot, "window"))};
+  if (kind == "closeWindow") return HLSceneCloseWindow{source.string(what)};
+  if (kind == "dump") return HLSceneDump{source.string(what)};
+  checkTrue(source, what);
+  if (kind == "openMenu") return HLSceneOpenMenu{};
+  return HLSceneTerminate{};
 }
 
-void HLReadServices(HLSceneSource& source, const HLSceneSpot& spot, HLScene& scene) {
+HLSceneServices HLReadServices(HLSceneSource& source, const HLSceneSpot& spot) {
   source.expectObject(
       spot, {"grantOnPrompt", "opens", "refusedHotKeys", "loginItem", "userNotifications", "http", "alertAnswers"});
-  if (const auto key = source.find(spot, "grantOnPrompt")) scene.grantOnPrompt = source.boolean(*key);
-  if (const auto key = source.find(spot, "opens")) (void)source.strings(*key);
-  if (const auto key = source.find(spot, "alertAnswers")) (void)source.strings(*key);
+  HLSceneServices services;
+  if (const auto key = source.find(spot, "grantOnPrompt")) services.grantOnPrompt = source.boolean(*key);
+  if (const auto key = source.find(spot, "opens")) services.opens = source.strings(*key);
+  if (const auto key = source.find(spot, "alertAnswers")) services.alertAnswers = source.strings(*key);
   if (const auto key = source.find(spot, "refusedHotKeys")) {
-    for (const HLSceneSpot& refused : source.members(*key)) {
-      checkKey(source, refused, {"code", "modifiers", "status"});
-      (void)source.code(source.require(refused, "status"));
-    }
+    for (const HLSceneSpot& refused : source.members(*key))
+      services.refusedHotKeys.push_back(readRefusedHotKey(source, refused));
   }
-  if (const auto key = source.find(spot, "loginItem")) checkLoginItem(source, *key);
+  if (const auto key = source.find(spot, "loginItem")) services.loginItem = readLoginItem(source, *key);
   if (const auto key = source.find(spot, "userNotifications"))
-    scene.userNotifications = readUserNotifications(source, *key);
-  if (const auto key = source.find(spot, "http")) checkHttp(source, *key);
-  scene.services = source.dictionary(spot);
+    services.userNotifications = readUserNotifications(source, *key);
+  if (const auto key = source.find(spot, "http")) {
+    for (const HLSceneSpot& answer : source.entries(*key)) services.http.push_back(readHTTPAnswer(source, answer));
+  }
+  return services;
 }

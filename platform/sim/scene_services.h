@@ -1,4 +1,4 @@
-// What a scene says about the user and about the platform's services: it is checked when the scene is read, and kept.
+// What a scene says about the user and about the platform's services: read into data.
 #pragma once
 
 #include <initializer_list>
@@ -10,6 +10,6 @@
 [[nodiscard]] bool HLIsUserEvent(std::string_view kind);
 // The keys that go with it, its own included.
 [[nodiscard]] std::initializer_list<std::string_view> HLUserEventKeys(std::string_view kind);
-[[nodiscard]] HLSceneUserEvent HLReadUserEvent(HLSceneSource& source, const HLSceneSpot& spot);
+[[nodiscard]] HLSceneUserEvent HLReadUserEvent(HLSceneSource& source, const HLSceneSpot& spot, std::string_view kind);
 
-void HLReadServices(HLSceneSource& source, const HLSceneSpot& spot, HLScene& scene);
+[[nodiscard]] HLSceneServices HLReadServices(HLSceneSource& source, const HLSceneSpot& spot);

@@ -10,7 +10,7 @@ std::optional<HLDictionary> HLSimPropertyLists::readDictionary(const std::string
 
 void HLSimUserNotifications::requestAuthorization(
     std::function<void(bool granted, std::optional<std::string> error)> answer) {
-  const HLSceneUserNotifications& service = desktop_.scene->userNotifications;
+  const HLSceneUserNotifications& service = desktop_.scene->services.userNotifications;
   if (service.permission == HLScenePermission::silent) return;
   answer(service.permission == HLScenePermission::granted, service.error);
 }
@@ -21,7 +21,7 @@ void HLSimUserNotifications::add(const HLUserNotification& notification,
     const HLSimLock lock = desktop_.clock->lock();
     desktop_.notifications.push_back(notification);
   }
-  for (const auto& [identifier, error] : desktop_.scene->userNotifications.addErrors) {
+  for (const auto& [identifier, error] : desktop_.scene->services.userNotifications.addErrors) {
     if (identifier == notification.identifier) return answer(error);
   }
   answer(std::nullopt);

@@ -10,6 +10,7 @@
 #include "platform/sim/run_loop.h"
 #include "platform/sim/scene_reader.h"
 #include "platform/sim/services.h"
+#include "platform/sim/user_interface.h"
 
 namespace {
 
@@ -22,7 +23,10 @@ class Simulator : public HLSimulator {
         process_(*scene, std::move(setup)),
         propertyLists_(desktop_),
         userNotifications_(desktop_),
-        platform_{accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, {}} {
+        interface_(desktop_, runLoop_),
+        platform_{accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, [this] {
+                    return std::variant<const HLApplicationPlatform*, std::string>(&interface_.platform);
+                  }} {
     desktop_.scene = std::move(scene);
     desktop_.world = std::make_unique<HLSimWorld>(
         *desktop_.scene, [this](HLSimNode& node) { return HLMakeSimElement(desktop_, node); },
@@ -32,7 +36,8 @@ class Simulator : public HLSimulator {
             const HLObserverCallback callback = observer->callback;
             callback(element, name);
           });
-        });
+        },
+        [this](const HLSceneUserEvent& event) { interface_.application.userEvent(event); });
     HLSimHappenings happenings = {[this] { return desktop_.world->nextDue(); },
                                   [this](HLSimMoment now) { desktop_.world->happenUntil(now); }};
     desktop_.clock =
@@ -43,7 +48,7 @@ class Simulator : public HLSimulator {
     runLoop_.finishGlobalQueue();
     if (!desktop_.scene->record) return;
     const HLSimLock lock = desktop_.clock->lock();
-    HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_));
+    HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_, interface_));
   }
 
   const HLPlatform& platform() const override { return platform_; }
@@ -69,6 +74,11 @@ class Simulator : public HLSimulator {
     return desktop_.notifications;
   }
 
+  std::string dump() override {
+    const HLSimLock lock = desktop_.clock->lock();
+    return HLDumpLine(desktop_, interface_);
+  }
+
   double elapsed() const override {
     const HLSimLock lock = desktop_.clock->lock();
     return static_cast<double>(desktop_.clock->now()) / 1e6;
@@ -87,6 +97,7 @@ class Simulator : public HLSimulator {
   HLSimProcessInfo process_;
   HLSimPropertyLists propertyLists_;
   HLSimUserNotifications userNotifications_;
+  HLSimUserInterface interface_;
   HLPlatform platform_;
 };
 

@@ -43,6 +43,9 @@ class HLSimulator : public HLHost {
   // The notifications of its own that the program has handed over.
   [[nodiscard]] virtual std::vector<HLUserNotification> notifications() const = 0;
 
+  // The state of the program's own user interface, as one line of JSON.
+  [[nodiscard]] virtual std::string dump() = 0;
+
   // Seconds from the start on the scene's clock.
   [[nodiscard]] virtual double elapsed() const = 0;
 

@@ -78,10 +78,11 @@ bool contains(const std::vector<std::string>& names, std::string_view name) {
 
 }  // namespace
 
-HLSimWorld::HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deliver)
+HLSimWorld::HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deliver, UserEvent userEvent)
     : scene_(scene),
       makeHandle_(std::move(makeHandle)),
       deliver_(std::move(deliver)),
+      userEvent_(std::move(userEvent)),
       trusted_(scene.trusted),
       newest_(scene.ids.size(), nullptr) {
   for (const HLSceneApplication* application : scene.applications) launch(*application);
@@ -117,6 +118,7 @@ void HLSimWorld::apply(const HLSceneEvent& event, HLSimMoment now) {
   if (const auto* start = std::get_if<HLSceneLaunch>(&event)) launch(*start->application);
   if (const auto* quit = std::get_if<HLSceneQuit>(&event)) kill(applicationWithPid(quit->pid), now);
   if (const auto* trust = std::get_if<HLSceneTrust>(&event)) trusted_ = trust->trusted;
+  if (const auto* user = std::get_if<HLSceneUserEvent>(&event)) userEvent_(*user);
 }
 
 // Applications

@@ -59,10 +59,11 @@ class HLSimWorld {
   using MakeHandle = std::function<HLElementRef(HLSimNode&)>;
   using Deliver =
       std::function<void(const std::shared_ptr<HLSimRegistrations>&, HLElementRef element, const std::string& name)>;
+  using UserEvent = std::function<void(const HLSceneUserEvent&)>;
   using LaunchObserver = std::function<void(const HLRunningApplication&)>;
 
-  // What the timeline has at 0 has then happened.
-  HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deliver);
+  // What the timeline has at 0 has then happened. What a user does to the program's own interface is handed on.
+  HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deliver, UserEvent userEvent);
   HLSimWorld(const HLSimWorld&) = delete;
   HLSimWorld& operator=(const HLSimWorld&) = delete;
   ~HLSimWorld();
@@ -138,6 +139,7 @@ class HLSimWorld {
   const HLScene& scene_;
   MakeHandle makeHandle_;
   Deliver deliver_;
+  UserEvent userEvent_;
   bool trusted_ = true;
   std::deque<HLSimNode> nodes_;
   std::deque<HLSimApplication> processes_;  // every one there ever was

@@ -33,6 +33,14 @@ TEST(Format, WholeNumbersAreDecimal) {
   EXPECT_EQ(HLFormat("%lu %lu", std::size_t{0}, std::numeric_limits<std::uint64_t>::max()), "0 18446744073709551615");
 }
 
+TEST(Format, WholeNumbersAreFilledUpWithZeros) {
+  EXPECT_EQ(HLFormat("%02ld-%03d", std::int64_t{0}, 7), "00-007");
+  EXPECT_EQ(HLFormat("%02ld %02ld", std::int64_t{10}, std::int64_t{123}), "10 123");
+  EXPECT_EQ(HLFormat("%02d %03d", -5, -5), "-5 -05");
+}
+
+TEST(Format, NaturalNumbersHaveAPlaceholderOfTheirOwn) { EXPECT_EQ(HLFormat("Key %u", 90U), "Key 90"); }
+
 TEST(Format, RealNumbersHaveAsManyDecimalsAsAskedFor) {
   EXPECT_EQ(HLFormat("%.0f %.1f %.2f %f %.10f", 1.0, 2.0, 3.14159, 0.5, 0.1), "1 2.0 3.14 0.500000 0.1000000000");
   EXPECT_EQ(HLFormat("%.0f", 1e15), "1000000000000000");
@@ -73,9 +81,11 @@ constexpr bool reads(std::string_view format, char kind, int precision, std::siz
 TEST(Placeholder, OfTheKindsThatMessagesUse) {
   static_assert(reads("%@ and more", '@', 6, 2));
   static_assert(reads("%s", '@', 6, 2));
-  static_assert(reads("%d", 'd', 6, 2));
-  static_assert(reads("%ld", 'd', 6, 3));
-  static_assert(reads("%lu", 'u', 6, 3));
+  static_assert(reads("%d", 'd', 1, 2));
+  static_assert(reads("%ld", 'd', 1, 3));
+  static_assert(reads("%lu", 'u', 1, 3));
+  static_assert(reads("%u", 'u', 1, 2));
+  static_assert(reads("%02ld", 'd', 2, 5));
   static_assert(reads("%f", 'f', 6, 2));
   static_assert(reads("%.0f", 'f', 0, 4));
   static_assert(reads("%.12fx", 'f', 12, 5));
@@ -85,7 +95,9 @@ TEST(Placeholder, OfTheKindsThatMessagesUse) {
 TEST(Placeholder, OfAnyOtherKindIsRefused) {
   static_assert(HLParsePlaceholder("%").length == 0);
   static_assert(HLParsePlaceholder("%x").length == 0);
-  static_assert(HLParsePlaceholder("%u").length == 0);
+  static_assert(HLParsePlaceholder("%02f").length == 0);
+  static_assert(HLParsePlaceholder("%02@").length == 0);
+  static_assert(HLParsePlaceholder("%00d").length == 0);
   static_assert(HLParsePlaceholder("%l").length == 0);
   static_assert(HLParsePlaceholder("%lf").length == 0);
   static_assert(HLParsePlaceholder("%l@").length == 0);

@@ -170,17 +170,4 @@ TEST(RunningAMode, HandsOverValueSecondsAndStreamsAndReturnsItsCode) {
   EXPECT_EQ(err.str(), "err");
 }
 
-TEST(RunningAMode, ThatThisBuildDoesNotHaveSaysSoInOneLine) {
-  const HLMode mode = {"--some-mode", HLModeValue::none, nullptr};
-  std::ostringstream out;
-  std::ostringstream err;
-  EXPECT_EQ(HLRunMode({mode, "", 0}, out, err), 1);
-  EXPECT_EQ(out.str(), "");
-  EXPECT_EQ(err.str(), "hushlet: this build does not have --some-mode\n");
-  err.str("");
-  const HLMode application = {"", HLModeValue::none, nullptr};
-  EXPECT_EQ(HLRunMode({application, "", 0}, out, err), 1);
-  EXPECT_EQ(err.str(), "hushlet: this build does not have the menu-bar application\n");
-}
-
 }  // namespace

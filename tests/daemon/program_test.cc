@@ -150,17 +150,6 @@ TEST_F(Program, TheSceneMayReplaceTheArguments) {
   EXPECT_EQ(program.out, "success|3|0\n");
 }
 
-TEST_F(Program, AModeThatThisBuildDoesNotHaveSaysSoAndExitsWithOne) {
-  for (const HLMode& mode : HLModes()) {
-    if (mode.run != nullptr) continue;
-    const ProgramRun program = run("{}", {std::string(mode.switchName), "1"});
-    EXPECT_EQ(program.out, "") << mode.switchName;
-    expectOneLine(program.err);
-    EXPECT_NE(program.err.find(mode.switchName), std::string::npos) << program.err;
-    EXPECT_EQ(program.exitCode, 1) << mode.switchName;
-  }
-}
-
 TEST_F(Program, ASceneThatCannotBeReadEndsItWithTwoAndOneLine) {
   struct Case {
     const char* scene;

@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -37,6 +39,47 @@ std::string withoutTimes(const std::string& output) {
   return std::regex_replace(output, std::regex(R"((^|\n)\d{10}\.\d{3} )"), "$1TIME ");
 }
 
+using Json = nlohmann::ordered_json;
+
+void writeValue(std::string& text, const std::string& key, const Json& value, const std::string& indent) {
+  text += indent + key + ":";
+  if (!value.is_array() || value.empty()) {
+    text += " " + value.dump() + "\n";
+    return;
+  }
+  text += "\n";
+  for (const Json& member : value) {
+    if (!member.is_object() || !member.contains("content")) {
+      text += indent + "  " + member.dump() + "\n";
+      continue;
+    }
+    Json window = member;
+    window.erase("content");
+    text += indent + "  " + window.dump() + "\n";
+    for (const Json& item : member["content"]) text += indent + "    " + item.dump() + "\n";
+  }
+}
+
+// Lines that a scene dumps are unfolded; of all but the first, what has changed is written.
+std::string unfolded(const std::string& output) {
+  std::string text;
+  Json last = Json::object();
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with('{')) {
+      text += line + "\n";
+      continue;
+    }
+    const Json dump = Json::parse(line);
+    text += "dump\n";
+    for (const auto& [key, value] : dump.items()) {
+      if (!last.contains(key) || last[key] != value) writeValue(text, key, value, "  ");
+    }
+    last = dump;
+  }
+  return text;
+}
+
 // One run, written down with all that it logs.
 std::string run(const std::string& scene, const std::vector<std::string>& arguments) {
   const TemporaryDirectory home;
@@ -47,7 +90,7 @@ std::string run(const std::string& scene, const std::vector<std::string>& argume
       RunProgram(command, {{"HOME", home.path().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", path.c_str()}});
   std::string text = "$ hushlet-sim";
   for (const std::string& argument : arguments) text += " " + argument;
-  text += "\n" + withoutTimes(program.out);
+  text += "\n" + unfolded(withoutTimes(program.out));
   if (!program.err.empty()) text += "standard error:\n" + program.err;
   text += "exit code " + std::to_string(program.exitCode) + "\n";
   for (const char* log : {"/.local/state/hushlet/hushlet_detailed_diagnostics.log",
@@ -75,11 +118,18 @@ TEST_P(Golden, IsWhatTheSceneComesTo) {
   expectGolden(GetParam(), run(GetParam(), {"--self-check"}) + "\n" + run(GetParam(), {"--dismiss-now"}));
 }
 
+// The menu-bar application on scenes with a timeline of what a user does.
+class ApplicationGolden : public testing::TestWithParam<std::string> {};
+
+TEST_P(ApplicationGolden, IsWhatTheSceneComesTo) { expectGolden("app/" + GetParam(), run("app/" + GetParam(), {})); }
+
 std::string nameOf(const testing::TestParamInfo<std::string>& info) {
   return std::regex_replace(info.param, std::regex("[^A-Za-z0-9]"), "_");
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, Golden, testing::ValuesIn(namesIn(kScenes, ".json")), nameOf);
+
+INSTANTIATE_TEST_SUITE_P(Scenes, ApplicationGolden, testing::ValuesIn(namesIn(kScenes / "app", ".json")), nameOf);
 
 constexpr const char* kEveryMode = "every_mode";
 
@@ -105,6 +155,7 @@ TEST(Goldens, ShowWhatEveryModeDoesWhileAnAutomationRuns) {
 TEST(Goldens, AreThereForScenesOnly) {
   EXPECT_FALSE(namesIn(kScenes, ".json").empty());
   const std::vector<std::string> scenes = namesIn(kScenes, ".json");
+  EXPECT_EQ(namesIn(kGoldens / "app", ".txt"), namesIn(kScenes / "app", ".json"));
   for (const std::string& golden : namesIn(kGoldens, ".txt")) {
     if (golden == "CMakeLists" || golden == kEveryMode) continue;
     EXPECT_TRUE(std::binary_search(scenes.begin(), scenes.end(), golden)) << golden << ".txt has no scene";

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <csignal>
+#include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +15,7 @@
 namespace {
 
 using std::chrono::seconds;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -22,6 +26,28 @@ class RealTools : public RealDesktop {
     std::unique_ptr<ChildProcess> program = start(arguments);
     EXPECT_TRUE(Eventually([&] { return program->output().find(printed) != std::string::npos; })) << program->output();
     return program;
+  }
+
+  // The exit code of the program that asks for access.
+  int request() {
+    const std::unique_ptr<ChildProcess> program = start({"--request-accessibility"});
+    const std::optional<int> code = program->wait(seconds(30));
+    EXPECT_EQ(program->output(), "");
+    return code.value_or(-1);
+  }
+
+  // A call to the session's bus itself, and its answer.
+  std::string askBus(std::vector<std::string> call) {
+    const std::vector<std::string> words = {"busctl",
+                                            "--address=" + session_->environment().at("DBUS_SESSION_BUS_ADDRESS"),
+                                            "call",
+                                            "org.freedesktop.DBus",
+                                            "/org/freedesktop/DBus",
+                                            "org.freedesktop.DBus"};
+    call.insert(call.begin(), words.begin(), words.end());
+    const std::unique_ptr<ChildProcess> program = session_->start(call);
+    EXPECT_EQ(program->wait(seconds(10)), 0) << program->output();
+    return program->output();
   }
 
   // The program as cron or ssh would start it: it knows the home, and not the session.
@@ -109,6 +135,41 @@ TEST_F(RealTools, ADaemonWithoutAccessibilityDeniesItsCallers) {
   const std::unique_ptr<ChildProcess> daemon = start({"--daemon"});
   EXPECT_TRUE(Eventually([&] { return runOutside("--daemon-self-check") == "reachable=false status=accessDenied\n"; }));
   EXPECT_EQ(runOutside("--daemon-dismiss"), "accessDenied|0|0\n");
+}
+
+TEST_F(RealTools, RequestingAccessibilitySwitchesItOn) {
+  begin();
+  session_->setAccessibilityEnabled(false);
+  EXPECT_THAT(run("--self-check"), HasSubstr("trusted=false"));
+  EXPECT_EQ(request(), 0);
+  EXPECT_THAT(run("--self-check"), HasSubstr("trusted=true"));
+  EXPECT_EQ(request(), 0) << "it is on already";
+}
+
+TEST_F(RealTools, RequestingAccessibilityStartsItsServiceAndNothingElseDoes) {
+  begin(WithoutAccessibility());
+  EXPECT_EQ(request(), 1) << "there is no such service";
+  std::ofstream(session_->directory() + "/data/dbus-1/services/org.a11y.Bus.service")
+      << "[D-BUS Service]\nName=org.a11y.Bus\nExec=/usr/libexec/at-spi-bus-launcher\n";
+  EXPECT_EQ(askBus({"ReloadConfig"}), "");
+  for (const char* mode : {"--self-check", "--dismiss-now", "--daemon-dismiss", "--daemon-self-check"}) {
+    EXPECT_THAT(run(mode), AnyOf(HasSubstr("trusted=false"), HasSubstr("accessDenied"), HasSubstr("reachable=false")));
+  }
+  EXPECT_EQ(askBus({"NameHasOwner", "s", "org.a11y.Bus"}), "b false\n");
+  EXPECT_EQ(request(), 0);
+  EXPECT_EQ(askBus({"NameHasOwner", "s", "org.a11y.Bus"}), "b true\n");
+  EXPECT_THAT(run("--self-check"), HasSubstr("trusted=true"));
+}
+
+TEST_F(RealTools, RequestingAccessibilityIsOverSoonWhenTheServiceIsSilent) {
+  begin();
+  session_->setAccessibilityEnabled(false);
+  const pid_t service = std::stoi(askBus({"GetConnectionUnixProcessID", "s", "org.a11y.Bus"}).substr(2));
+  kill(service, SIGSTOP);
+  const auto began = std::chrono::steady_clock::now();
+  EXPECT_EQ(request(), 1);
+  EXPECT_LT(std::chrono::steady_clock::now() - began, seconds(20));
+  kill(service, SIGCONT);
 }
 
 TEST_F(RealTools, ThreeTestNotificationsComeAndAreDismissed) {

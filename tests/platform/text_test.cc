@@ -98,6 +98,26 @@ TEST(Lowercase, OfALongTextIsComplete) {
   EXPECT_EQ(HLLowercase(upper), lower);
 }
 
+TEST(Uppercase, IsFullUnicodeWithoutALocale) {
+  EXPECT_EQ(HLUppercase("axbutton [\\]^_`@z{"), "AXBUTTON [\\]^_`@Z{");
+  EXPECT_EQ(HLUppercase("n"), "N");
+  EXPECT_EQ(HLUppercase("äöü жук é"), "ÄÖÜ ЖУК É");
+  EXPECT_EQ(HLUppercase("οδυσσευς σας"), "ΟΔΥΣΣΕΥΣ ΣΑΣ") << "both small sigmas have the same capital";
+  EXPECT_EQ(HLUppercase("iı"), "II") << "with and without its dot";
+  EXPECT_EQ(HLUppercase("ß"), "SS");
+  EXPECT_EQ(HLUppercase("ﬁ ﬃ ﬄ ŉ"), "FI FFI FFL ʼN");
+  EXPECT_EQ(HLUppercase("ǆ ǅ ⅷ"), "Ǆ Ǆ Ⅷ");
+  EXPECT_EQ(HLUppercase("ÿµ"), "ŸΜ");
+  EXPECT_EQ(HLUppercase("\U00010428"), "\U00010400");
+  EXPECT_EQ(HLUppercase("日本 1 ⎋"), "日本 1 ⎋");
+  EXPECT_EQ(HLUppercase(""), "");
+}
+
+TEST(Uppercase, PassesLoneHalvesOfPairsThrough) {
+  EXPECT_EQ(HLUppercase("ä" + kFirstHalf + "b"), "Ä" + kFirstHalf + "B");
+  EXPECT_EQ(HLUppercase(kSecondHalf), kSecondHalf);
+}
+
 TEST(FoldCase, MakesTextsOfDifferentCaseAlike) {
   EXPECT_EQ(HLFoldCase("Straße"), "strasse");
   EXPECT_EQ(HLFoldCase("ﬁn ﬄ"), "fin ffl");
@@ -143,6 +163,45 @@ TEST(Utf16Prefix, LeavesTheFirstHalfOfAPairThatItCuts) {
   EXPECT_EQ(HLUtf16Prefix(kFace + kFace, 1), kFirstHalf);
   EXPECT_EQ(HLUtf16Prefix(kFace + kFace, 3), kFace + kFirstHalf);
   EXPECT_EQ(HLUtf16Prefix(kFirstHalf + "ab", 2), kFirstHalf + "a");
+}
+
+TEST(Utf16Length, CountsUnits) {
+  EXPECT_EQ(HLUtf16Length(""), 0U);
+  EXPECT_EQ(HLUtf16Length("abc"), 3U);
+  EXPECT_EQ(HLUtf16Length("äöü"), 3U);
+  EXPECT_EQ(HLUtf16Length("日本語"), 3U);
+  EXPECT_EQ(HLUtf16Length(kFace), 2U) << "a pair";
+  EXPECT_EQ(HLUtf16Length("e\u0301"), 2U) << "a letter and its accent";
+  EXPECT_EQ(HLUtf16Length(kFirstHalf + "a"), 2U);
+  EXPECT_EQ(HLUtf16Length(std::string_view("a\0b", 3)), 3U);
+}
+
+// Numbers
+
+TEST(LeadingInteger, IsWhatTheTextBeginsWith) {
+  EXPECT_EQ(HLLeadingInteger("45"), 45);
+  EXPECT_EQ(HLLeadingInteger("-45"), -45);
+  EXPECT_EQ(HLLeadingInteger("+45"), 45);
+  EXPECT_EQ(HLLeadingInteger(" \t\n\v\f\r45 keys"), 45);
+  EXPECT_EQ(HLLeadingInteger("0045"), 45);
+  EXPECT_EQ(HLLeadingInteger("12.9"), 12);
+  EXPECT_EQ(HLLeadingInteger("1e3"), 1);
+  EXPECT_EQ(HLLeadingInteger("0x10"), 0);
+}
+
+TEST(LeadingInteger, IsZeroWithoutDigits) {
+  for (const char* text : {"", " ", "-", "+", "+-1", "--1", "- 1", "a1", ".5", "\u00A01", "１"}) {
+    EXPECT_EQ(HLLeadingInteger(text), 0) << text;
+  }
+}
+
+TEST(LeadingInteger, BeyondItsRangeIsTheNearestLimit) {
+  EXPECT_EQ(HLLeadingInteger("9223372036854775807"), INT64_MAX);
+  EXPECT_EQ(HLLeadingInteger("9223372036854775808"), INT64_MAX);
+  EXPECT_EQ(HLLeadingInteger("-9223372036854775808"), INT64_MIN);
+  EXPECT_EQ(HLLeadingInteger("-9223372036854775809"), INT64_MIN);
+  EXPECT_EQ(HLLeadingInteger("99999999999999999999999"), INT64_MAX);
+  EXPECT_EQ(HLLeadingInteger("-99999999999999999999999"), INT64_MIN);
 }
 
 // Encoding

@@ -1,0 +1,53 @@
+#include "app/app_delegate.h"
+#include "app/dismiss_feedback.h"
+#include "daemon/log/log.h"
+#include "daemon/routing.h"
+#include "platform/platform.h"
+#include "platform/status_item.h"
+
+void HLAppDelegate::dismissNotifications() {
+  if (dismissInFlight_) {
+    HLAppendLog("dismissNotifications skipped reason=inFlight");
+    return;
+  }
+  dismissInFlight_ = true;
+  HLRunLoop& runLoop = HLCurrentPlatform().runLoop;
+  const double start = runLoop.now();
+  HLAppendLog("dismissNotifications");
+  refreshStatusItem();
+  host_.statusItem.setTitle(HLBusyTitle(HLIsProductFlavor()));
+  HLAppendLog("dismissNotifications started");
+
+  HLSetProgressHandler([&runLoop, weak = weak_from_this()](std::int64_t count) {
+    runLoop.postToMainQueue([weak, count] {
+      if (const auto self = weak.lock()) self->showProgress(count);
+    });
+  });
+  runLoop.postToGlobalQueue(HLQualityOfService::userInitiated, [&runLoop, start, self = shared_from_this()] {
+    const HLDismissResult result = HLDismissNotificationsPreferTrustedDaemon();
+    HLSetProgressHandler(nullptr);
+    const std::int64_t elapsed = HLElapsedMilliseconds(runLoop.now() - start);
+    runLoop.postToMainQueue([self, result, elapsed] { self->finishDismissal(result, elapsed); });
+  });
+}
+
+void HLAppDelegate::showProgress(std::int64_t count) {
+  if (!dismissInFlight_) return;  // it comes late, and the button has been restored
+  host_.statusItem.setTitle(HLProgressTitle(HLIsProductFlavor(), count));
+}
+
+void HLAppDelegate::finishDismissal(const HLDismissResult& result, std::int64_t elapsedMilliseconds) {
+  dismissInFlight_ = false;
+  refreshStatusItem();
+  HLAppendLog("dismissNotifications outcome status=%@ dismissed=%ld remaining=%ld elapsedMs=%ld",
+              HLStatusString(result.status), result.dismissed, result.remaining, elapsedMilliseconds);
+  if (result.status == HLDismissStatusAccessDenied) handleAccessDeniedIfNeeded();
+}
+
+void HLAppDelegate::handleAccessDeniedIfNeeded() {
+  refreshStatusItem();
+  if (promptedAccessibilityThisRun_) return;
+  promptedAccessibilityThisRun_ = true;
+  HLAppendLog("accessibility unavailable from running app; showing setup");
+  showSetupWindow();
+}

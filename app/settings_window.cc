@@ -1,0 +1,114 @@
+#include "app/access.h"
+#include "app/app_delegate.h"
+#include "autoclose/rules.h"
+#include "core/element_access.h"
+#include "core/notification_center.h"
+#include "daemon/log/log.h"
+#include "platform/login_item.h"
+#include "platform/user_defaults.h"
+
+namespace {
+
+constexpr const char* kAutoClose = "HLAutoCloseAutomationBanners";
+
+constexpr const char* kShortcutValueLabel = "shortcutValueLabel";
+constexpr const char* kShortcutNoteLabel = "shortcutNoteLabel";
+constexpr const char* kRecordButton = "recordButton";
+constexpr const char* kAccessibilityLabel = "settingsAccessibilityLabel";
+constexpr const char* kAutoCloseCheckbox = "autoCloseCheckbox";
+constexpr const char* kOpenAtLoginCheckbox = "openAtLoginCheckbox";
+
+constexpr double kRowSpacing = 10;
+
+}  // namespace
+
+HLWindowDescription HLAppDelegate::settingsWindowDescription() {
+  HLWindowDescription window{HLFormat("%@ Settings", HLAppDisplayName()), 420, 280, 24, 22, {}, {}};
+  const HLRow shortcut = {{HLLabel{kShortcutValueLabel, "", 15, HLFontWeight::medium},
+                           HLButton{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }},
+                           HLButton{"", "Clear", "", [this] { clearShortcut(); }}},
+                          kRowSpacing};
+  const HLRow accessibility = {
+      {HLLabel{kAccessibilityLabel, "", 13}, HLButton{"", "Set Up Accessibility", "", [this] { showSetupWindow(); }}},
+      kRowSpacing};
+  window.stack = {
+      {HLLabel{"", "Shortcut", 13, HLFontWeight::semibold}, 8, false},
+      {shortcut, 8, false},
+      {HLLabel{kShortcutNoteLabel, "Works from any app. Needs at least one of Command, Option or Control, or an F key.",
+               12, HLFontWeight::regular, HLTextColor::secondary},
+       18, true},
+      {HLLabel{"", "Accessibility", 13, HLFontWeight::semibold}, 8, false},
+      {accessibility, 18, false},
+      {HLCheckBox{kAutoCloseCheckbox, "Close Shortcuts Automation Banners", [this](bool on) { toggleAutoClose(on); }},
+       8, false},
+  };
+  if (HLIsProductFlavor()) {
+    window.stack.push_back(
+        {HLCheckBox{kOpenAtLoginCheckbox, "Open at Login", [this](bool on) { toggleOpenAtLogin(on); }}, 8, false});
+  }
+  window.willClose = [this] { stopRecording(); };
+  return window;
+}
+
+void HLAppDelegate::showSettingsWindow() {
+  if (settingsWindow_ == nullptr) settingsWindow_ = host_.windows.makeWindow(settingsWindowDescription());
+  updateSettingsState();
+  settingsWindow_->center();
+  host_.application.activate();
+  settingsWindow_->makeKeyAndOrderFront();
+}
+
+void HLAppDelegate::updateSettingsState() {
+  settingsWindow_->setLabel(kShortcutValueLabel, storedShortcutLabel(), HLTextColor::label);
+  const bool trusted = HLIsAccessibilityTrusted(false);
+  settingsWindow_->setLabel(kAccessibilityLabel, trusted ? "Allowed" : "Not allowed yet",
+                            trusted ? HLTextColor::green : HLTextColor::orange);
+  if (HLIsProductFlavor()) {
+    settingsWindow_->setCheckBox(kOpenAtLoginCheckbox, host_.loginItem.status() == HLLoginItemEnabled);
+  }
+  settingsWindow_->setEnabled(kRecordButton, true);
+  settingsWindow_->setEnabled(kAutoCloseCheckbox, true);
+  settingsWindow_->setCheckBox(kAutoCloseCheckbox, HLBooleanDefault(host_.userDefaults, kAutoClose));
+  updateAutoCloser();
+}
+
+void HLAppDelegate::setShortcutNote(const std::string& text, HLTextColor color) {
+  settingsWindow_->setLabel(kShortcutNoteLabel, text, color);
+}
+
+void HLAppDelegate::setRecordButtonTitle(const std::string& title) {
+  settingsWindow_->setButtonTitle(kRecordButton, title);
+}
+
+// Automation banners
+
+void HLAppDelegate::toggleAutoClose(bool on) {
+  host_.userDefaults.setValue(kAutoClose, on);
+  HLAppendLog("autoClose want=%@", on ? "on" : "off");
+  updateAutoCloser();
+}
+
+void HLAppDelegate::updateAutoCloser() {
+  // The auto-closer presses for itself: a trusted daemon is of no use to it.
+  const bool want = HLBooleanDefault(host_.userDefaults, kAutoClose) && HLIsAccessibilityTrusted(false);
+  if (!want) {
+    autoCloser_ = nullptr;
+    return;
+  }
+  const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
+  if (autoCloser_ != nullptr && autoCloser_->pid() != 0 && center && autoCloser_->pid() == center->pid) return;
+  if (autoCloser_ == nullptr) {
+    autoCloser_ = std::make_unique<HLAutoCloser>();
+    autoCloser_->setRules(HLAutoCloseRules(std::nullopt));
+  }
+  autoCloser_->startForCurrentNotificationCenter();
+}
+
+// Open at login
+
+void HLAppDelegate::toggleOpenAtLogin(bool on) {
+  const HLLoginItemOutcome outcome = on ? host_.loginItem.registerItem() : host_.loginItem.unregisterItem();
+  HLAppendLog("openAtLogin want=%@ ok=%@ status=%ld error=%@", on ? "on" : "off", outcome.ok ? "true" : "false",
+              host_.loginItem.status(), outcome.error.value_or("none"));
+  updateSettingsState();
+}

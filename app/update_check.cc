@@ -1,0 +1,49 @@
+#include "app/app_delegate.h"
+#include "app/update_feed.h"
+#include "daemon/log/log.h"
+#include "platform/alerts.h"
+#include "platform/platform.h"
+#include "platform/process_info.h"
+#include "platform/text.h"
+#include "platform/workspace.h"
+
+namespace {
+
+constexpr double kTimeout = 15.0;  // seconds
+constexpr std::int64_t kOK = 200;
+
+std::string installedVersion(const HLDictionary& information) {
+  const HLValue* value = HLDictionaryValue(information, "CFBundleShortVersionString");
+  const std::string* text = value == nullptr ? nullptr : value->as<std::string>();
+  return text == nullptr ? "?" : *text;
+}
+
+std::int64_t installedBuild(const HLDictionary& information) {
+  const HLValue* value = HLDictionaryValue(information, "CFBundleVersion");
+  if (value == nullptr) return 0;
+  if (const std::string* text = value->as<std::string>()) return HLLeadingInteger(*text);
+  return HLLeadingInteger(HLNumberText(*value).value_or(""));
+}
+
+}  // namespace
+
+void HLAppDelegate::checkForUpdates() {
+  host_.httpClient.get(QLMUpdateFeedURL(), kTimeout, [self = shared_from_this()](HLHTTPAnswer answer) {
+    HLCurrentPlatform().runLoop.postToMainQueue(
+        [self, answer = std::move(answer)] { self->showUpdateVerdict(answer); });
+  });
+}
+
+void HLAppDelegate::showUpdateVerdict(const HLHTTPAnswer& answer) {
+  const HLDictionary information = HLCurrentPlatform().process.informationDictionary();
+  const std::int64_t build = installedBuild(information);
+  const QLMUpdateVerdict verdict =
+      QLMReadUpdateFeed(answer.status == kOK ? answer.body : std::nullopt, installedVersion(information), build);
+  HLAppendLog("update check status=%ld kind=%ld feedBuild=%ld build=%ld", answer.status, verdict.kind, verdict.build,
+              build);
+  host_.application.activate();
+  const std::size_t chosen = host_.alerts.runModal(
+      {verdict.title, verdict.message,
+       verdict.offersDownload() ? std::vector<std::string>{"Download", "Later"} : std::vector<std::string>{"OK"}});
+  if (chosen == 0 && verdict.offersDownload()) (void)host_.workspace.openAddress(QLMDownloadURL());
+}

@@ -1,0 +1,79 @@
+// The module's one function, and the owner of what it gives.
+#include <QApplication>
+#include <array>
+#include <clocale>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "platform/linux/desktop_module.h"
+#include "platform/linux/qt/alerts.h"
+#include "platform/linux/qt/application.h"
+#include "platform/linux/qt/display.h"
+#include "platform/linux/qt/services/hot_keys.h"
+#include "platform/linux/qt/services/http_client.h"
+#include "platform/linux/qt/status_item.h"
+#include "platform/linux/qt/windows.h"
+
+namespace {
+
+// The toolkit keeps references to the arguments. It gets none of the program's: it would take those that it knows.
+class Arguments {
+ public:
+  explicit Arguments(std::string platform) : platform_(std::move(platform)) {
+    if (platform_.empty()) count_ = 1;
+  }
+
+  [[nodiscard]] int& count() { return count_; }
+  [[nodiscard]] char** values() { return values_.data(); }
+
+ private:
+  std::string program_ = "hushlet";
+  std::string switch_ = "-platform";
+  std::string platform_;
+  std::array<char*, 4> values_ = {program_.data(), switch_.data(), platform_.data(), nullptr};
+  int count_ = 3;
+};
+
+class Desktop : public HLDesktop {
+ public:
+  Desktop(const HLDesktopRequest& request, const std::string& platform)
+      : arguments_(platform),
+        toolkit_(arguments_.count(), arguments_.values()),
+        application_(request),
+        statusItem_(application_, request.identifier, request.displayName),
+        hotKeys_(request.runLoop) {
+    QApplication::setApplicationName(QString::fromStdString(request.identifier));
+    QApplication::setApplicationDisplayName(QString::fromStdString(request.displayName));
+    QApplication::setDesktopFileName(QString::fromStdString(request.identifier));
+    QApplication::setQuitOnLastWindowClosed(false);
+    // The toolkit has taken the user's locale; numbers are read and written everywhere as in none.
+    std::setlocale(LC_NUMERIC, "C");
+  }
+
+  [[nodiscard]] HLApplication& application() override { return application_; }
+  [[nodiscard]] HLStatusItem& statusItem() override { return statusItem_; }
+  [[nodiscard]] HLWindows& windows() override { return windows_; }
+  [[nodiscard]] HLAlerts& alerts() override { return alerts_; }
+  [[nodiscard]] HLHotKeys& hotKeys() override { return hotKeys_; }
+  [[nodiscard]] HLHTTPClient& httpClient() override { return httpClient_; }
+
+ private:
+  Arguments arguments_;
+  QApplication toolkit_;
+  HLQtApplication application_;
+  HLQtStatusItem statusItem_;
+  HLQtWindows windows_;
+  HLQtAlerts alerts_;
+  HLQtHotKeys hotKeys_;
+  HLQtHTTPClient httpClient_;
+};
+
+}  // namespace
+
+extern "C" void HLMakeDesktop(const HLDesktopRequest& request, HLDesktopAnswer& answer) {
+  const HLQtDisplay display = HLQtFindDisplay();
+  answer.failure = display.failure;
+  if (answer.failure.empty()) answer.desktop = std::make_unique<Desktop>(request, display.platform);
+}

@@ -1,0 +1,55 @@
+#include "platform/linux/qt/status_item.h"
+
+#include <QDBusConnection>
+#include <QGuiApplication>
+#include <utility>
+
+HLQtStatusItem::HLQtStatusItem(HLQtApplication& application, std::string identifier, std::string displayName)
+    : application_(application) {
+  item_.identifier = QString::fromStdString(identifier);
+  item_.displayName = QString::fromStdString(displayName);
+}
+
+void HLQtStatusItem::install(HLStatusItemDescription description) {
+  description_ = std::move(description);
+  menu_ = std::make_unique<HLTrayMenu>(description_.menu);
+  item_.toolTip = QString::fromStdString(description_.toolTip);
+  item_.draw = [this](int size, const QColor& color) { return HLDrawTrayPicture(look_, size, color); };
+  item_.clicked = [this](const HLTrayClick& click) { this->click(click); };
+  // The bus first; a tray of the X server is the place where none answers there.
+  if (QGuiApplication::platformName() == "xcb") embedded_ = HLEmbeddedIcon::open(item_);
+  if (QDBusConnection::sessionBus().isConnected()) {
+    notifier_ = std::make_unique<HLStatusNotifier>(item_, [this](bool shown) {
+      if (embedded_ != nullptr) embedded_->setWanted(!shown);
+    });
+  } else if (embedded_ != nullptr) {
+    embedded_->setWanted(true);
+  }
+}
+
+void HLQtStatusItem::setTitle(const std::string& title) {
+  if (std::exchange(look_.title, title) != title) redraw();
+}
+
+void HLQtStatusItem::setImage(const HLSymbolImage& image) {
+  if (std::exchange(look_.symbol, image.name) != image.name) redraw();
+}
+
+void HLQtStatusItem::redraw() {
+  if (embedded_ != nullptr) embedded_->redraw();
+  if (notifier_ != nullptr) notifier_->redraw();
+}
+
+void HLQtStatusItem::setMenuItem(std::string_view name, const std::string& title, bool on) {
+  if (menu_ != nullptr) menu_->setItem(name, title, on);
+}
+
+void HLQtStatusItem::popUpMenu() {
+  if (menu_ == nullptr) return;
+  menu_->open(place_.topLeft().isNull() ? QRect(QCursor::pos(), QSize()) : place_);
+}
+
+void HLQtStatusItem::click(const HLTrayClick& click) {
+  place_ = click.item;
+  application_.perform({click.type, click.modifiers}, description_.action);
+}

@@ -1,0 +1,141 @@
+#include "platform/linux/qt/status_notifier.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QGuiApplication>
+#include <QTimer>
+#include <QtEndian>
+
+#include "platform/events.h"
+#include "platform/linux/qt/key_monitor.h"
+
+namespace {
+
+constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
+constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
+constexpr const char* kItemPath = "/StatusNotifierItem";
+constexpr int kSizes[] = {16, 22, 24, 32, 44, 48, 64};
+
+HLNotifierPicture pictureOf(QImage image) {
+  image.convertTo(QImage::Format_ARGB32);
+  HLNotifierPicture picture{image.width(), image.height(), QByteArray(image.sizeInBytes(), Qt::Uninitialized)};
+  qToBigEndian<quint32>(image.constBits(), image.sizeInBytes() / 4, picture.pixels.data());
+  return picture;
+}
+
+}  // namespace
+
+QDBusArgument& operator<<(QDBusArgument& argument, const HLNotifierPicture& picture) {
+  argument.beginStructure();
+  argument << picture.width << picture.height << picture.pixels;
+  argument.endStructure();
+  return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, HLNotifierPicture& picture) {
+  argument.beginStructure();
+  argument >> picture.width >> picture.height >> picture.pixels;
+  argument.endStructure();
+  return argument;
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const HLNotifierToolTip& toolTip) {
+  argument.beginStructure();
+  argument << toolTip.icon << toolTip.pictures << toolTip.title << toolTip.text;
+  argument.endStructure();
+  return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, HLNotifierToolTip& toolTip) {
+  argument.beginStructure();
+  argument >> toolTip.icon >> toolTip.pictures >> toolTip.title >> toolTip.text;
+  argument.endStructure();
+  return argument;
+}
+
+HLStatusNotifier::HLStatusNotifier(const HLTrayItem& item, std::function<void(bool shown)> changed)
+    : item_(item),
+      changed_(std::move(changed)),
+      service_(QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QGuiApplication::applicationPid())),
+      watcher_(kWatcher, QDBusConnection::sessionBus()) {
+  qDBusRegisterMetaType<HLNotifierPicture>();
+  qDBusRegisterMetaType<QList<HLNotifierPicture>>();
+  qDBusRegisterMetaType<HLNotifierToolTip>();
+  new HLStatusNotifierAdaptor(this);  // NOLINT: this owns it
+  QDBusConnection bus = QDBusConnection::sessionBus();
+  bus.registerObject(kItemPath, this);
+  connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &HLStatusNotifier::askWatcher);
+  connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this, [this] { setShown(false); });
+  bus.connect(kWatcher, kWatcherPath, kWatcher, "StatusNotifierHostRegistered", this, SLOT(askWatcher()));
+  askWatcher();
+}
+
+// A watcher without a tray behind it keeps what is registered for one that may never come.
+void HLStatusNotifier::askWatcher() {
+  QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, "org.freedesktop.DBus.Properties", "Get");
+  call << kWatcher << "IsStatusNotifierHostRegistered";
+  call.setAutoStartService(false);
+  auto* pending = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+  connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
+    const QDBusPendingReply<QDBusVariant> reply = *pending;
+    pending->deleteLater();
+    if (!reply.isError() && reply.value().variant().toBool()) return registerItem();
+    setShown(false);
+  });
+}
+
+void HLStatusNotifier::registerItem() {
+  QDBusConnection bus = QDBusConnection::sessionBus();
+  bus.registerService(service_);
+  QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, kWatcher, "RegisterStatusNotifierItem");
+  call << service_;
+  call.setAutoStartService(false);
+  auto* pending = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+  connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
+    pending->deleteLater();
+    setShown(!pending->isError());
+  });
+}
+
+void HLStatusNotifier::setShown(bool shown) {
+  // Without the name, a watcher that comes does not find an item that is shown elsewhere by then.
+  if (!shown) QDBusConnection::sessionBus().unregisterService(service_);
+  changed_(shown);
+}
+
+void HLStatusNotifier::redraw() {
+  const auto* adaptor = findChild<HLStatusNotifierAdaptor*>();
+  Q_EMIT const_cast<HLStatusNotifierAdaptor*>(adaptor)->NewIcon();
+}
+
+void HLStatusNotifier::click(std::int64_t type, QPoint place) {
+  // The call does not say which keys are down; the keyboard is asked while they still are. The action comes after the
+  // answer, for it may open a menu, and the tray would wait for that to close.
+  const HLTrayClick click{type, HLQtModifiers(QGuiApplication::queryKeyboardModifiers()), QRect(place, QSize())};
+  QTimer::singleShot(0, this, [this, click] { item_.clicked(click); });
+}
+
+QList<HLNotifierPicture> HLStatusNotifierAdaptor::iconPixmap() const {
+  QList<HLNotifierPicture> pictures;
+  for (int size : kSizes) pictures.append(pictureOf(owner_->item_.draw(size, HLTrayLightColor)));
+  return pictures;
+}
+
+HLNotifierToolTip HLStatusNotifierAdaptor::toolTip() const {
+  HLNotifierToolTip toolTip;
+  toolTip.title = owner_->item_.toolTip;
+  return toolTip;
+}
+
+void HLStatusNotifierAdaptor::Activate(int x, int y) { owner_->click(HLEventLeftMouseUp, {x, y}); }
+
+void HLStatusNotifierAdaptor::SecondaryActivate(int, int) {}  // the middle button, which does nothing
+
+void HLStatusNotifierAdaptor::ContextMenu(int x, int y) { owner_->click(HLEventRightMouseUp, {x, y}); }
+
+void HLStatusNotifierAdaptor::Scroll(int, const QString&) {}

@@ -1,0 +1,34 @@
+// Everything of the program's own that a user would see, gathered.
+#pragma once
+
+#include "platform/application_platform.h"
+#include "platform/sim/application_services.h"
+#include "platform/sim/menu_bar_application.h"
+#include "platform/sim/status_item.h"
+#include "platform/sim/windows.h"
+
+struct HLSimUserInterface {
+  HLSimUserInterface(HLSimDesktop& desktop, HLSimRunLoop& runLoop)
+      : application(desktop, runLoop, *this),
+        alerts(desktop, application),
+        hotKeys(desktop),
+        loginItem(desktop),
+        userDefaults(desktop),
+        httpClient(desktop, runLoop),
+        workspace(desktop),
+        timers(runLoop),
+        platform{application, statusItem,   windows,    alerts,    hotKeys,
+                 loginItem,   userDefaults, httpClient, workspace, std::nullopt} {}
+
+  HLSimMenuBarApplication application;
+  HLSimStatusItem statusItem;
+  HLSimWindows windows;
+  HLSimAlerts alerts;
+  HLSimHotKeys hotKeys;
+  HLSimLoginItem loginItem;
+  HLSimUserDefaults userDefaults;
+  HLSimHTTPClient httpClient;
+  HLSimWorkspace workspace;
+  const HLSimRunLoop& timers;
+  HLApplicationPlatform platform;
+};

@@ -1,0 +1,47 @@
+// The menu-bar application, run on a scene from its launch to its end in a process of its own.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What a scene's process is: its bundle, and what else stands at the top of the scene.
+struct ApplicationScene {
+  bool isProduct = true;
+  bool hasBundle = true;  // else the flavor is what `further` says
+  std::vector<std::string> timeline = {};
+  std::string further = "";  // further top-level keys, each behind a comma
+  std::string windows = "";  // Notification Center's
+  bool hasNotificationCenter = true;
+};
+
+struct ApplicationRun {
+  int exitCode = 0;
+  std::string out;  // dumps apart
+  std::string err;
+  std::vector<std::string> log;       // the messages of the status log
+  std::vector<nlohmann::json> dumps;  // one for each `"dump": "/dev/stdout"` of the timeline, in order
+  nlohmann::json record;
+};
+
+[[nodiscard]] ApplicationRun RunApplication(const ApplicationScene& scene,
+                                            const std::vector<std::string>& arguments = {});
+
+// The messages that begin with the text, in order.
+[[nodiscard]] std::vector<std::string> MessagesOf(const ApplicationRun& run, std::string_view beginning);
+
+// A window of a dump by its title; null when there is none.
+[[nodiscard]] nlohmann::json WindowOf(const nlohmann::json& dump, const std::string& title);
+
+// The controls of a window from the top down, rows opened up: "label TEXT", "button TITLE", "checkBox TITLE on".
+[[nodiscard]] std::vector<std::string> ControlsOf(const nlohmann::json& window);
+
+// An event of the timeline.
+[[nodiscard]] std::string At(double moment, const std::string& event);
+[[nodiscard]] std::string DumpAt(double moment);
+
+// One banner of Notification Center's, gone when its close action is performed. Its description begins with the
+// application's name.
+[[nodiscard]] std::string Banner(const std::string& id, const std::string& description);
+[[nodiscard]] std::string BannerWindow(const std::vector<std::string>& banners);

@@ -1,0 +1,250 @@
+// The launch, the status item, its clicks and its menu.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/app/application_run.h"
+#include "tests/support/simulated_desktop.h"
+#include "tests/support/temporary_directory.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kUntrusted = R"(, "trusted": false)";
+
+std::vector<std::string> menuTitles(const json& dump) {
+  std::vector<std::string> titles;
+  for (const json& item : dump["menu"]) titles.push_back(item.value("separator", false) ? "-" : item["title"]);
+  return titles;
+}
+
+TEST(Launch, LogsItsStepsInTheirOrder) {
+  const ApplicationRun run = RunApplication({.timeline = {At(1, R"("terminate": true)")}});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.log,
+              ElementsAre("applicationDidFinishLaunching bundle=/Applications/Hushlet.app "
+                          "executable=/Applications/Hushlet.app/Contents/MacOS/Hushlet trusted=true "
+                          "daemonReachable=false flavor=product pid=500 ppid=1 parentBundle=none parentName=none",
+                          "hotKey register label=⌃⌥⌘N status=0", "refreshStatusItem available=true visible=true"));
+}
+
+TEST(Launch, OfThePersonalFlavorHasNoShortcut) {
+  const ApplicationRun run = RunApplication({.isProduct = false, .timeline = {DumpAt(0)}});
+  EXPECT_THAT(run.log, testing::IsSupersetOf(std::vector<std::string>{"hotKey none"}));
+  EXPECT_THAT(MessagesOf(run, "applicationDidFinishLaunching"), testing::Contains(HasSubstr(" flavor=personal ")));
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
+}
+
+TEST(Launch, WritesMissingPathsAsEmpty) {
+  const ApplicationRun run =
+      RunApplication({.hasBundle = false, .further = R"(, "bundle": {"identifier": "com.tessaly.hushlet",
+    "info": {"HLProductFlavor": "product"}})"});
+  EXPECT_THAT(run.log.at(0), HasSubstr("bundle= executable= trusted=true"));
+}
+
+TEST(Launch, OfTheProductFlavorWithoutTrustOpensTheSetupWindow) {
+  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}, .further = kUntrusted});
+  EXPECT_EQ(WindowOf(run.dumps.at(0), "Set Up Hushlet")["visible"], true);
+  EXPECT_EQ(run.dumps.at(0)["statusItem"]["image"], "exclamationmark.triangle");
+}
+
+TEST(Launch, OfThePersonalFlavorNeverOpensTheSetupWindow) {
+  const ApplicationRun run = RunApplication({.isProduct = false, .timeline = {DumpAt(0)}, .further = kUntrusted});
+  EXPECT_THAT(run.dumps.at(0)["windows"], IsEmpty());
+  EXPECT_EQ(run.dumps.at(0)["statusItem"]["title"], "HL!");
+}
+
+TEST(Launch, WithTrustOpensNoWindow) {
+  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}});
+  EXPECT_THAT(run.dumps.at(0)["windows"], IsEmpty());
+}
+
+TEST(LaunchSwitches, ChooseAppearanceAndSettings) {
+  const ApplicationRun plain = RunApplication({.timeline = {DumpAt(0)}});
+  EXPECT_EQ(plain.dumps.at(0)["appearance"], "system");
+  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}}, {"--open-settings", "--appearance-dark"});
+  EXPECT_EQ(run.dumps.at(0)["appearance"], "dark");
+  EXPECT_EQ(WindowOf(run.dumps.at(0), "Hushlet Settings")["visible"], true);
+}
+
+TEST(LaunchSwitches, SnapshotsAreTakenOfTheVisibleWindowsAfterASecondAndAHalf) {
+  const TemporaryDirectory pictures;
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(1.4, R"("choose": "Settings…")"), At(1.45, R"("closeWindow": "Set Up Hushlet")"),
+                                   At(1.6, R"("choose": "Set Up Accessibility…")")},
+                      .further = kUntrusted},
+                     {"--snapshot-windows", pictures.path()});
+  EXPECT_THAT(MessagesOf(run, "snapshot"), ElementsAre("snapshot window=Hushlet Settings size=420x280 wrote=1"));
+  EXPECT_THAT(FileContent(pictures.path() + "/00-Hushlet Settings.png"), testing::StartsWith("\x89PNG\r\n\x1a\n"));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(pictures.path()), {}), 1);
+}
+
+TEST(LaunchSwitches, SnapshotsAreNumberedInWindowOrder) {
+  const TemporaryDirectory pictures;
+  const ApplicationRun run =
+      RunApplication({.further = kUntrusted}, {"--open-settings", "--snapshot-windows", pictures.path()});
+  EXPECT_EQ(MessagesOf(run, "snapshot").size(), 2U);
+  EXPECT_TRUE(std::filesystem::exists(pictures.path() + "/00-Set Up Hushlet.png"));
+  EXPECT_TRUE(std::filesystem::exists(pictures.path() + "/01-Hushlet Settings.png"));
+}
+
+TEST(LaunchSwitches, AMissingSnapshotDirectoryIsLoggedAndNotMade) {
+  const TemporaryDirectory home;
+  const ApplicationRun run = RunApplication({}, {"--open-settings", "--snapshot-windows", home.path() + "/none"});
+  EXPECT_THAT(MessagesOf(run, "snapshot"), ElementsAre("snapshot window=Hushlet Settings size=420x280 wrote=0"));
+  EXPECT_FALSE(std::filesystem::exists(home.path() + "/none"));
+}
+
+TEST(LaunchSwitches, SnapshotsWithoutADirectoryAreNone) {
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(3, R"("terminate": true)")}}, {"--open-settings", "--snapshot-windows"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(MessagesOf(run, "snapshot"), IsEmpty());
+}
+
+TEST(StatusItem, ShowsASymbolInTheProductFlavor) {
+  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}});
+  const json item = run.dumps.at(0)["statusItem"];
+  EXPECT_EQ(item["image"], "bell.slash");
+  EXPECT_EQ(item["template"], true);
+  EXPECT_EQ(item["imageDescription"], "Hushlet");
+  EXPECT_EQ(item["title"], "");
+  EXPECT_EQ(item["toolTip"], "Hushlet: click to clear notifications, right-click for options");
+}
+
+TEST(StatusItem, ShowsATitleInThePersonalFlavor) {
+  const ApplicationRun run = RunApplication({.isProduct = false, .timeline = {DumpAt(0)}});
+  EXPECT_EQ(run.dumps.at(0)["statusItem"]["image"], nullptr);
+  EXPECT_EQ(run.dumps.at(0)["statusItem"]["title"], "HL");
+}
+
+TEST(Menu, HasFiveEntriesAndTwoSeparatorsInEachFlavor) {
+  const ApplicationRun product = RunApplication({.timeline = {DumpAt(0)}});
+  EXPECT_THAT(menuTitles(product.dumps.at(0)), ElementsAre("Dismiss Notifications", "-", "Set Up Accessibility…",
+                                                           "Settings…", "Check for Updates…", "-", "Quit Hushlet"));
+  const ApplicationRun personal = RunApplication({.isProduct = false, .timeline = {DumpAt(0)}});
+  EXPECT_THAT(menuTitles(personal.dumps.at(0)), ElementsAre("Dismiss Notifications", "-", "Set Up Accessibility…",
+                                                            "Settings…", "Run Self-Check", "-", "Quit Hushlet"));
+}
+
+TEST(Menu, HasKeysForSettingsAndQuit) {
+  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}});
+  std::vector<std::string> keys;
+  for (const json& item : run.dumps.at(0)["menu"]) keys.push_back(item.value("key", ""));
+  EXPECT_THAT(keys, ElementsAre("", "", "", ",", "", "", "q"));
+}
+
+TEST(Menu, SaysEachTimeItOpensWhetherAccessIsThere) {
+  const ApplicationRun run =
+      RunApplication({.isProduct = false,
+                      .timeline = {At(1, R"("openMenu": true)"), DumpAt(1.1), At(2, R"("trust": true)"), DumpAt(2.1),
+                                   At(3, R"("openMenu": true)"), DumpAt(3.1)},
+                      .further = kUntrusted});
+  const auto item = [&run](std::size_t dump) { return run.dumps.at(dump)["menu"][2]; };
+  EXPECT_EQ(item(0)["title"], "Set Up Accessibility…");
+  EXPECT_EQ(item(0)["state"], "off");
+  EXPECT_EQ(item(1)["title"], "Set Up Accessibility…");
+  EXPECT_EQ(item(2)["title"], "Accessibility Allowed");
+  EXPECT_EQ(item(2)["state"], "on");
+}
+
+TEST(Menu, StillOpensTheSetupWindowWhenAccessIsAllowed) {
+  const ApplicationRun run = RunApplication(
+      {.timeline = {At(1, R"("choose": "Accessibility Allowed")"), DumpAt(1.1), At(2, R"("terminate": true)")}});
+  EXPECT_EQ(WindowOf(run.dumps.at(0), "Set Up Hushlet")["visible"], true);
+}
+
+TEST(Menu, QuitsTheApplication) {
+  const ApplicationRun run = RunApplication({.timeline = {At(1, R"("choose": "Quit Hushlet")"), DumpAt(2)}});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.dumps, IsEmpty());
+}
+
+TEST(Menu, RunsTheSelfCheckToStandardOutput) {
+  const ApplicationRun run = RunApplication({.isProduct = false,
+                                             .timeline = {At(1, R"("choose": "Run Self-Check")")},
+                                             .windows = BannerWindow({Banner("a", "Mail, One")})});
+  EXPECT_EQ(run.out,
+            "trusted=true notificationCenterPid=400 targets=1 pid=500 ppid=1 parentBundle=none parentName=none\n");
+}
+
+struct Click {
+  const char* event;
+  std::int64_t type;
+  std::uint64_t modifiers;
+  bool opensMenu;
+};
+
+TEST(Clicks, DismissUnlessTheyAreRightOrWithControl) {
+  const std::vector<Click> clicks = {
+      {R"("click": "left")", 2, 0, false},
+      {R"("click": "right")", 4, 0, true},
+      {R"("click": "right", "modifiers": ["control"])", 4, 0x40000, true},
+      {R"("click": "right", "modifiers": ["option"])", 4, 0x80000, true},
+      {R"("click": "left", "modifiers": ["control"])", 2, 0x40000, true},
+      {R"("click": "left", "modifiers": ["control", "command", "shift"])", 2, 0x160000, true},
+      {R"("click": "left", "modifiers": ["command"])", 2, 0x100000, false},
+      {R"("click": "left", "modifiers": ["option"])", 2, 0x80000, false},
+      {R"("click": "left", "modifiers": ["shift", "capsLock", "function"])", 2, 0x830000, false},
+      {R"("click": "none")", 0, 0, false}};
+  for (const Click& click : clicks) {
+    // The retitled item shows that the menu was opened.
+    const ApplicationRun run =
+        RunApplication({.timeline = {At(1, click.event), DumpAt(20), At(21, R"("terminate": true)")}});
+    EXPECT_THAT(MessagesOf(run, "handleClick"), ElementsAre("handleClick type=" + std::to_string(click.type) +
+                                                            " modifiers=" + std::to_string(click.modifiers)));
+    EXPECT_EQ(MessagesOf(run, "dismissNotifications started").empty(), click.opensMenu) << click.event;
+    EXPECT_EQ(run.dumps.at(0)["menu"][2]["title"], click.opensMenu ? "Accessibility Allowed" : "Set Up Accessibility…")
+        << click.event;
+  }
+}
+
+TEST(DisplayName, IsTheBundlesOwnEverywhere) {
+  const ApplicationRun run =
+      RunApplication({.hasBundle = false,
+                      .timeline = {DumpAt(0), At(1, R"("choose": "Settings…")"), DumpAt(2)},
+                      .further = R"(, "trusted": false, "bundle": {"identifier": "com.tessaly.hushlet",
+         "info": {"HLProductFlavor": "product", "CFBundleDisplayName": "Quiet"}})"});
+  const json& dump = run.dumps.at(1);
+  EXPECT_EQ(dump["statusItem"]["toolTip"], "Quiet: click to clear notifications, right-click for options");
+  EXPECT_EQ(dump["statusItem"]["imageDescription"], "Quiet");
+  EXPECT_EQ(menuTitles(dump).back(), "Quit Quiet");
+  EXPECT_EQ(dump["windows"][0]["title"], "Set Up Quiet");
+  EXPECT_EQ(dump["windows"][1]["title"], "Quiet Settings");
+  EXPECT_THAT(ControlsOf(dump["windows"][0]).at(1), testing::StartsWith("label Quiet clears notification banners"));
+}
+
+TEST(DisplayName, IsHushletWhereTheBundleHasNone) {
+  for (const char* info : {R"({})", R"({"CFBundleDisplayName": ""})", R"({"CFBundleDisplayName": 7})"}) {
+    const ApplicationRun run = RunApplication({.isProduct = false,
+                                               .hasBundle = false,
+                                               .timeline = {DumpAt(0)},
+                                               .further = std::string(R"(, "bundle": {"info": )") + info + "}"});
+    EXPECT_EQ(menuTitles(run.dumps.at(0)).back(), "Quit Hushlet") << info;
+  }
+}
+
+constexpr const char* kAutoClose = R"(, "defaults": {"HLAutoCloseAutomationBanners": true})";
+
+TEST(Relaunch, OfNotificationCenterHasTheAutoCloserFollow) {
+  const ApplicationRun run = RunApplication(
+      {.timeline =
+           {At(1, R"("launch": {"pid": 500, "bundleIdentifier": "com.apple.mail", "name": "Mail"})"),
+            At(2, R"("quit": 400)"),
+            At(3, R"("launch": {"pid": 401, "bundleIdentifier": "com.apple.notificationcenterui", "windows": []})"),
+            DumpAt(4)},
+       .further = kAutoClose});
+  EXPECT_THAT(MessagesOf(run, "auto-close"),
+              ElementsAre("auto-close watching pid=400 register=0", "auto-close watching pid=401 register=0"));
+  EXPECT_EQ(run.dumps.at(0)["observers"].size(), 1U);
+  EXPECT_EQ(run.dumps.at(0)["observers"][0]["pid"], 401);
+}
+
+}  // namespace

@@ -1,0 +1,239 @@
+// The global shortcut: stored, registered, pressed, recorded and cleared.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/app/application_run.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kOpen = R"("choose": "Settings…")";
+constexpr const char* kRecord = R"("press": "Record Shortcut", "window": "Hushlet Settings")";
+constexpr const char* kClear = R"("press": "Clear", "window": "Hushlet Settings")";
+constexpr const char* kAddModifiers = "Add Command, Option or Control, or use an F key.";
+constexpr const char* kSaved = "Saved. Works from any app.";
+
+std::string key(int code, const std::string& modifiers, const std::string& characters) {
+  return R"("key": {"code": )" + std::to_string(code) + R"(, "modifiers": [)" + modifiers + R"(], "characters": ")" +
+         characters + "\"}";
+}
+
+std::string shortcut(int code, const std::string& modifiers) {
+  return R"("shortcut": {"code": )" + std::to_string(code) + R"(, "modifiers": [)" + modifiers + "]}";
+}
+
+json settings(const json& dump) { return WindowOf(dump, "Hushlet Settings"); }
+std::string shownShortcut(const json& dump) { return settings(dump)["content"][1]["row"][0]["label"]; }
+std::string recordTitle(const json& dump) { return settings(dump)["content"][1]["row"][1]["button"]; }
+std::string note(const json& dump) { return settings(dump)["content"][2]["label"]; }
+std::string noteColor(const json& dump) { return settings(dump)["content"][2]["color"]; }
+
+// The settings are opened, recording begins, and these events follow at 3, 4, ... seconds; the dump is made last.
+ApplicationRun record(const std::vector<std::string>& events, const std::string& further = "") {
+  ApplicationScene scene;
+  scene.timeline = {At(1, kOpen), At(2, kRecord)};
+  double moment = 3;
+  for (const std::string& event : events) scene.timeline.push_back(At(moment++, event));
+  scene.timeline.push_back(DumpAt(moment));
+  scene.further = further;
+  return RunApplication(scene);
+}
+
+TEST(Shortcut, OfTheProductFlavorIsControlOptionCommandN) {
+  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}});
+  EXPECT_THAT(MessagesOf(run, "hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=0"));
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], (json{{"code", 45}, {"modifiers", 0x1900}}));
+  EXPECT_THAT(run.dumps.at(0)["defaults"], IsEmpty()) << "fallbacks are not stored";
+}
+
+TEST(Shortcut, StoredOneIsRegisteredAtLaunch) {
+  const ApplicationRun run = RunApplication(
+      {.isProduct = false,
+       .timeline = {DumpAt(0)},
+       .further = R"(, "defaults": {"HLHotKeyCode": 96, "HLHotKeyModifiers": 131072, "HLHotKeyKeyLabel": "F5"})"});
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], (json{{"code", 96}, {"modifiers", 0x200}}));
+}
+
+TEST(Shortcut, WithoutALabelShowsAQuestionMark) {
+  const ApplicationRun run = RunApplication(
+      {.isProduct = false, .timeline = {At(1, kOpen), DumpAt(2)}, .further = R"(, "defaults": {"HLHotKeyCode": 96})"});
+  EXPECT_EQ(shownShortcut(run.dumps.at(0)), "?");
+}
+
+TEST(Shortcut, RefusedAtLaunchStaysInactive) {
+  const ApplicationRun run = RunApplication(
+      {.timeline = {At(1, shortcut(45, R"("control", "option", "command")")), DumpAt(2)},
+       .further =
+           R"(, "services": {"refusedHotKeys": [{"code": 45, "modifiers": ["control", "option", "command"], "status": -9878}]})"});
+  EXPECT_THAT(MessagesOf(run, "hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=-9878"));
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
+}
+
+TEST(Shortcut, DismissesFromAnyProgram) {
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(1, shortcut(45, R"("control", "option", "command")")), DumpAt(9)},
+                      .windows = BannerWindow({Banner("a", "Mail, One")})});
+  EXPECT_THAT(MessagesOf(run, "hotKeyPressed"), ElementsAre("hotKeyPressed"));
+  EXPECT_EQ(MessagesOf(run, "dismissNotifications started").size(), 1U);
+  EXPECT_EQ(run.dumps.at(0)["hotKeyAnswer"], 0);
+  EXPECT_THAT(run.record["present"], ElementsAre("window"));
+}
+
+TEST(HotKeyEvent, OfAnotherIdentityIsPassedOn) {
+  for (const char* event : {R"("hotKey": {"signature": "HLhk", "id": 2})",
+                            R"("hotKey": {"signature": "HLhK", "id": 1})", R"("hotKey": null)"}) {
+    const ApplicationRun run = RunApplication({.timeline = {At(1, event), DumpAt(2)}});
+    EXPECT_EQ(run.dumps.at(0)["hotKeyAnswer"], -9874) << event;
+    EXPECT_THAT(MessagesOf(run, "hotKeyPressed"), IsEmpty()) << event;
+  }
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(1, R"("hotKey": {"signature": "HLhk", "id": 1})"), DumpAt(2)}});
+  EXPECT_EQ(run.dumps.at(0)["hotKeyAnswer"], 0);
+  EXPECT_EQ(MessagesOf(run, "hotKeyPressed").size(), 1U);
+}
+
+TEST(Recording, AsksForTheKeysAndGivesTheCurrentShortcutFree) {
+  const ApplicationRun run = record({shortcut(45, R"("control", "option", "command")")});
+  EXPECT_EQ(recordTitle(run.dumps.at(0)), "Type Shortcut…");
+  EXPECT_EQ(note(run.dumps.at(0)), "Press the new shortcut. Escape cancels.");
+  EXPECT_EQ(noteColor(run.dumps.at(0)), "secondary");
+  EXPECT_EQ(run.dumps.at(0)["recording"], true);
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
+  EXPECT_THAT(MessagesOf(run, "hotKeyPressed"), IsEmpty());
+}
+
+TEST(Recording, RefusesKeysWithoutModifiersAndGoesOn) {
+  for (const char* modifiers : {"", R"("shift")", R"("capsLock", "function")"}) {
+    const ApplicationRun run = record({key(0, modifiers, "a")});
+    EXPECT_EQ(note(run.dumps.at(0)), kAddModifiers);
+    EXPECT_EQ(noteColor(run.dumps.at(0)), "orange");
+    EXPECT_EQ(run.dumps.at(0)["beeps"], 1);
+    EXPECT_EQ(run.dumps.at(0)["recording"], true);
+    EXPECT_THAT(run.dumps.at(0)["defaults"], IsEmpty());
+  }
+}
+
+TEST(Recording, TakesAKeyWithAnyOfThreeModifiers) {
+  for (const auto& [name, flag, glyph] :
+       {std::tuple{"control", 0x40000, "⌃"}, {"option", 0x80000, "⌥"}, {"command", 0x100000, "⌘"}}) {
+    const ApplicationRun run = record({key(0, "\"" + std::string(name) + "\"", "a")});
+    const json& dump = run.dumps.at(0);
+    EXPECT_EQ(dump["defaults"], (json{{"HLHotKeyCode", 0}, {"HLHotKeyModifiers", flag}, {"HLHotKeyKeyLabel", "A"}}));
+    EXPECT_EQ(shownShortcut(dump), std::string(glyph) + "A");
+    EXPECT_EQ(note(dump), kSaved);
+    EXPECT_EQ(noteColor(dump), "secondary");
+    EXPECT_EQ(recordTitle(dump), "Record Shortcut");
+    EXPECT_EQ(dump["recording"], false);
+    EXPECT_EQ(dump["beeps"], 0);
+    EXPECT_EQ(MessagesOf(run, "hotKey").back(), std::string("hotKey register label=") + glyph + "A status=0");
+  }
+}
+
+TEST(Recording, TakesAFunctionKeyAlone) {
+  const ApplicationRun run = record({key(96, "", "")});
+  EXPECT_EQ(shownShortcut(run.dumps.at(0)), "F5");
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], (json{{"code", 96}, {"modifiers", 0}}));
+}
+
+TEST(Recording, LeavesOtherModifiersOut) {
+  const ApplicationRun run = record({key(11, R"("capsLock", "function", "shift", "command")", "b")});
+  EXPECT_EQ(run.dumps.at(0)["defaults"]["HLHotKeyModifiers"], 0x120000);
+  EXPECT_EQ(shownShortcut(run.dumps.at(0)), "⇧⌘B");
+}
+
+TEST(Recording, NamesAKeyThatTypesNothingByItsCode) {
+  EXPECT_EQ(shownShortcut(record({key(90, R"("control")", "")}).dumps.at(0)), "⌃Key 90");
+}
+
+TEST(Recording, IsCancelledByEscapeAlone) {
+  for (const char* modifiers : {"", R"("capsLock")"}) {
+    const ApplicationRun run = record({key(53, modifiers, "")});
+    EXPECT_EQ(run.dumps.at(0)["recording"], false);
+    EXPECT_EQ(shownShortcut(run.dumps.at(0)), "⌃⌥⌘N");
+    EXPECT_EQ(run.dumps.at(0)["hotKey"]["code"], 45);
+    EXPECT_THAT(run.dumps.at(0)["defaults"], IsEmpty());
+  }
+}
+
+TEST(Recording, TakesEscapeWithAModifier) {
+  const ApplicationRun run = record({key(53, R"("command")", "")});
+  EXPECT_EQ(run.dumps.at(0)["defaults"]["HLHotKeyCode"], 53);
+  EXPECT_EQ(shownShortcut(run.dumps.at(0)), "⌘⎋");
+}
+
+TEST(Recording, CountsEscapeWithShiftAsAKeyWithoutModifiers) {
+  const ApplicationRun run = record({key(53, R"("shift")", "")});
+  EXPECT_EQ(note(run.dumps.at(0)), kAddModifiers);
+  EXPECT_EQ(run.dumps.at(0)["recording"], true);
+}
+
+TEST(Recording, IsEndedByItsButtonAndTheOldShortcutComesBack) {
+  const ApplicationRun run = record({R"("press": "Type Shortcut…", "window": "Hushlet Settings")"});
+  EXPECT_EQ(run.dumps.at(0)["recording"], false);
+  EXPECT_EQ(recordTitle(run.dumps.at(0)), "Record Shortcut");
+  EXPECT_EQ(run.dumps.at(0)["hotKey"]["code"], 45);
+}
+
+TEST(Recording, EndsWithTheWindowAndTheShortcutStaysInactive) {
+  const ApplicationRun run =
+      record({R"("closeWindow": "Hushlet Settings")", shortcut(45, R"("control", "option", "command")")});
+  EXPECT_EQ(run.dumps.at(0)["recording"], false);
+  EXPECT_EQ(recordTitle(run.dumps.at(0)), "Record Shortcut");
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
+  EXPECT_EQ(MessagesOf(run, "hotKey").size(), 1U);
+}
+
+constexpr const char* kRefused =
+    R"(, "services": {"refusedHotKeys": [{"code": 40, "modifiers": ["command"], "status": -9878}]})";
+
+TEST(Recording, OfATakenCombinationRestoresTheOldOne) {
+  const ApplicationRun run = record({key(40, R"("command")", "k")}, kRefused);
+  const json& dump = run.dumps.at(0);
+  EXPECT_EQ(note(dump), "⌘K is already used by another app. Try a different one.");
+  EXPECT_EQ(noteColor(dump), "orange");
+  EXPECT_EQ(shownShortcut(dump), "⌃⌥⌘N");
+  EXPECT_EQ(dump["hotKey"], (json{{"code", 45}, {"modifiers", 0x1900}}));
+  EXPECT_EQ(dump["recording"], false);
+  EXPECT_EQ(dump["defaults"], (json{{"HLHotKeyCode", 45}, {"HLHotKeyModifiers", 0x1C0000}, {"HLHotKeyKeyLabel", "N"}}));
+  EXPECT_THAT(MessagesOf(run, "hotKey"),
+              ElementsAre("hotKey register label=⌃⌥⌘N status=0", "hotKey register label=⌘K status=-9878",
+                          "hotKey register label=⌃⌥⌘N status=0"));
+}
+
+TEST(Recording, OfATakenCombinationLeavesItsLabelWhereThereWasNone) {
+  ApplicationScene scene;
+  scene.isProduct = false;
+  scene.timeline = {At(1, kOpen), At(2, kRecord), At(3, key(40, R"("command")", "k")), DumpAt(4)};
+  scene.further = kRefused;
+  const ApplicationRun run = RunApplication(scene);
+  EXPECT_EQ(run.dumps.at(0)["defaults"],
+            (json{{"HLHotKeyCode", -1}, {"HLHotKeyModifiers", 0}, {"HLHotKeyKeyLabel", "K"}}));
+  EXPECT_EQ(shownShortcut(run.dumps.at(0)), "None");
+}
+
+TEST(Clearing, LeavesNoShortcut) {
+  ApplicationScene scene;
+  scene.timeline = {At(1, kOpen), At(2, kClear), At(3, shortcut(45, R"("control", "option", "command")")), DumpAt(4)};
+  const ApplicationRun run = RunApplication(scene);
+  const json& dump = run.dumps.at(0);
+  EXPECT_EQ(shownShortcut(dump), "None");
+  EXPECT_EQ(note(dump), "No shortcut. Click the menu bar icon to clear notifications.");
+  EXPECT_EQ(noteColor(dump), "secondary");
+  EXPECT_EQ(dump["defaults"], (json{{"HLHotKeyCode", -1}}));
+  EXPECT_EQ(dump["hotKey"], nullptr);
+  EXPECT_THAT(MessagesOf(run, "hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=0", "hotKey none"));
+}
+
+TEST(Clearing, EndsARecording) {
+  const ApplicationRun run = record({kClear});
+  EXPECT_EQ(run.dumps.at(0)["recording"], false);
+  EXPECT_EQ(recordTitle(run.dumps.at(0)), "Record Shortcut");
+}
+
+}  // namespace

@@ -1,0 +1,103 @@
+// The update check as the user meets it; the reading of the feed has its own test.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/app/application_run.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kCheck = R"("choose": "Check for Updates…")";
+constexpr const char* kBody = R"("{\"version\": \"1.4\", \"build\": 12, \"released\": 1700000000}")";
+
+std::string feed(const std::string& answer, const std::string& further = "") {
+  return R"(, "services": {"http": {"/quillmere/latest.json": {)" + answer + "}}" + further + "}";
+}
+
+ApplicationRun check(const std::string& services) {
+  return RunApplication({.timeline = {At(1, kCheck), DumpAt(30)}, .further = services});
+}
+
+TEST(UpdateCheck, OffersTheDownloadOfANewerBuild) {
+  const ApplicationRun run = check(feed(std::string(R"("status": 200, "body": )") + kBody));
+  EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre("update check status=200 kind=1 feedBuild=12 build=11"));
+  ASSERT_EQ(run.dumps.at(0)["alerts"].size(), 1U);
+  const json alert = run.dumps.at(0)["alerts"][0];
+  EXPECT_EQ(alert["title"], "Quillmere 1.4 is available.");
+  EXPECT_EQ(alert["message"],
+            "You have 1.3. Open the download and drag Quillmere to Applications to replace it; your settings stay.");
+  EXPECT_THAT(alert["buttons"], ElementsAre("Download", "Later"));
+  EXPECT_EQ(alert["answer"], "Download");
+  EXPECT_THAT(run.dumps.at(0)["openedAddresses"], ElementsAre("https://updates.hushlet.example/quillmere/download"));
+}
+
+TEST(UpdateCheck, OpensNothingWhenTheUserSaysLater) {
+  const ApplicationRun run =
+      check(feed(std::string(R"("status": 200, "body": )") + kBody, R"(, "alertAnswers": ["Later"])"));
+  EXPECT_EQ(run.dumps.at(0)["alerts"][0]["answer"], "Later");
+  EXPECT_THAT(run.dumps.at(0)["openedAddresses"], IsEmpty());
+}
+
+TEST(UpdateCheck, SaysWhenTheProgramIsUpToDate) {
+  const ApplicationRun run =
+      check(feed(R"("status": 200, "body": "{\"version\": \"1.3\", \"build\": 11, \"released\": 5}")"));
+  EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre("update check status=200 kind=0 feedBuild=11 build=11"));
+  EXPECT_EQ(run.dumps.at(0)["alerts"][0]["message"], "You have version 1.3 (11), the newest one.");
+  EXPECT_THAT(run.dumps.at(0)["alerts"][0]["buttons"], ElementsAre("OK"));
+  EXPECT_THAT(run.dumps.at(0)["openedAddresses"], IsEmpty());
+}
+
+TEST(UpdateCheck, ReadsOnlyWhatComesWithTwoHundred) {
+  for (const char* status : {"404", "201", "301", "500"}) {
+    const ApplicationRun run = check(feed(std::string(R"("status": )") + status + R"(, "body": )" + kBody));
+    EXPECT_THAT(MessagesOf(run, "update check"),
+                ElementsAre(std::string("update check status=") + status + " kind=3 feedBuild=0 build=11"));
+    EXPECT_THAT(run.dumps.at(0)["alerts"][0]["buttons"], ElementsAre("OK"));
+  }
+}
+
+TEST(UpdateCheck, FailsWithoutANetwork) {
+  for (const std::string& services : {feed(R"("error": "The network is down.")"), std::string()}) {
+    const ApplicationRun run = check(services);
+    EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre("update check status=0 kind=3 feedBuild=0 build=11"));
+    EXPECT_EQ(run.dumps.at(0)["alerts"][0]["title"], "Couldn't check for updates.");
+    EXPECT_EQ(run.dumps.at(0)["alerts"][0]["message"],
+              "Try again later, or get the newest version at updates.hushlet.example/quillmere/download.");
+  }
+}
+
+TEST(UpdateCheck, WaitsFifteenSecondsAndNoLonger) {
+  const auto alertsAt = [](const char* seconds) {
+    const ApplicationRun run = RunApplication(
+        {.timeline = {At(1, kCheck), DumpAt(14.9), DumpAt(15.9), DumpAt(16.1)},
+         .further = feed(std::string(R"("status": 200, "seconds": )") + seconds + R"(, "body": )" + kBody)});
+    return std::vector<std::size_t>{run.dumps.at(0)["alerts"].size(), run.dumps.at(1)["alerts"].size(),
+                                    run.dumps.at(2)["alerts"].size()};
+  };
+  EXPECT_THAT(alertsAt("14.5"), ElementsAre(0, 1, 1));
+  EXPECT_THAT(alertsAt("15.5"), ElementsAre(0, 0, 1));
+}
+
+TEST(UpdateCheck, RunsBesideAnother) {
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(1, kCheck), At(1.5, kCheck), DumpAt(9)},
+                      .further = feed(std::string(R"("status": 200, "seconds": 2, "body": )") + kBody)});
+  EXPECT_EQ(run.dumps.at(0)["alerts"].size(), 2U);
+}
+
+TEST(UpdateCheck, KnowsAProgramWithoutVersions) {
+  const ApplicationRun run = RunApplication(
+      {.hasBundle = false,
+       .timeline = {At(1, kCheck), DumpAt(9)},
+       .further = R"(, "bundle": {"identifier": "com.tessaly.hushlet", "info": {"HLProductFlavor": "product"}})" +
+                  feed(std::string(R"("status": 200, "body": )") + kBody)});
+  EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre("update check status=200 kind=1 feedBuild=12 build=0"));
+  EXPECT_THAT(run.dumps.at(0)["alerts"][0]["message"].get<std::string>(), testing::StartsWith("You have ?. "));
+}
+
+}  // namespace

@@ -1,0 +1,29 @@
+// The window toolkit without a screen. One for the whole test program, since a process can have but one.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QWidget>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "platform/linux/desktop_module.h"
+#include "platform/linux/run_loop.h"
+
+inline HLLinuxRunLoop& OffscreenRunLoop() {
+  static HLLinuxRunLoop runLoop;
+  return runLoop;
+}
+
+inline HLDesktop& Offscreen() {
+  static const std::unique_ptr<HLDesktop> desktop = [] {
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+    HLDesktopAnswer answer;
+    HLMakeDesktop({"com.example.offscreen", "Offscreen", OffscreenRunLoop()}, answer);
+    return std::move(answer.desktop);
+  }();
+  return *desktop;
+}
