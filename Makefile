@@ -18,7 +18,8 @@ package:
 	cmake --build --preset release -j $(JOBS)
 	cd build-release && cpack
 
-# Every test, those on a real desktop included, after a short run of the fuzzers.
+# Every test, those on a real desktop included, after a short run of the fuzzers; then the macOS build, where a sysroot for it
+# is named.
 test:
 	@tools/install-packages build test fuzz
 	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
@@ -27,6 +28,7 @@ test:
 	cmake --build --preset fuzz -j $(JOBS)
 	tools/fuzz 5
 	ctest --preset dev -j $(JOBS)
+	tools/check-macos
 
 # The same tests under the address, undefined-behavior and thread sanitizers.
 sanitize:
