@@ -18,12 +18,14 @@ constexpr int kDeepest = 500;
 HLValue valueOf(CFTypeRef object, int depth);
 
 HLValue numberOf(CFNumberRef number) {
-  std::int64_t integer = 0;
-  // It says false when the number does not fit.
-  if (!CFNumberIsFloatType(number) && CFNumberGetValue(number, kCFNumberSInt64Type, &integer)) return integer;
   double real = 0;
   CFNumberGetValue(number, kCFNumberDoubleType, &real);
-  return real;
+  if (CFNumberIsFloatType(number)) return real;
+  std::int64_t integer = 0;
+  const bool fits = CFNumberGetValue(number, kCFNumberSInt64Type, &integer) != 0;
+  // An unsigned number of 64 bits may have been taken for a negative one.
+  if (!fits || (integer < 0) != (real < 0)) return real;
+  return integer;
 }
 
 HLValue boxedValueOf(AXValueRef boxed) {
