@@ -44,7 +44,7 @@ NS_ASSUME_NONNULL_END
 
 namespace {
 
-constexpr int kMostTurns = 100;  // of a loop that always has something to do
+constexpr int kMostTurns = 10'000;  // for a loop that always has something to do
 
 // Not under an application's event loop, which turns by itself, and in whose handlers nothing else may come between.
 void learn() {
