@@ -90,8 +90,9 @@ void HLMacRunLoop::sleep(double seconds) {
 void HLMacRunLoop::runFor(double seconds) {
   using Clock = std::chrono::steady_clock;
   const auto now = [] { return std::chrono::duration<double>(Clock::now().time_since_epoch()).count(); };
-  const double end = now() + std::max(seconds, 0.0);
-  for (double left = std::max(seconds, 0.0);;) {
+  double left = seconds > 0 ? seconds : 0;
+  const double end = now() + left;
+  for (;;) {
     @autoreleasepool {
       const CFRunLoopRunResult result = CFRunLoopRunInMode(kCFRunLoopDefaultMode, left, false);
       left = end - now();
