@@ -107,6 +107,17 @@ TEST(AccessDenied, OpensTheSetupWindowOnceInAProcess) {
   EXPECT_EQ(run.dumps.at(1)["statusItem"]["title"], "HL!");
 }
 
+TEST(AccessDenied, RefreshesTheButtonEachTimeItHappens) {
+  const ApplicationRun run =
+      RunApplication({.isProduct = false,
+                      .timeline = {At(1, R"("click": "left")"), At(1.5, R"("closeWindow": "Set Up Hushlet")"),
+                                   At(2, R"("click": "left")"), At(2.5, R"("terminate": true)")},
+                      .further = kUntrusted});
+  ASSERT_GE(run.log.size(), 2U);
+  EXPECT_THAT(run.log.end()[-2], testing::StartsWith("dismissNotifications outcome status=accessDenied "));
+  EXPECT_EQ(run.log.end()[-1], "refreshStatusItem available=false visible=true");
+}
+
 TEST(AccessDenied, RefreshesTheButtonTwice) {
   const ApplicationRun run = RunApplication({.isProduct = false,
                                              .timeline = {At(1, R"("click": "left")"), At(1.5, R"("terminate": true)")},

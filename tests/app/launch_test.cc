@@ -247,4 +247,13 @@ TEST(Relaunch, OfNotificationCenterHasTheAutoCloserFollow) {
   EXPECT_EQ(run.dumps.at(0)["observers"][0]["pid"], 401);
 }
 
+TEST(Relaunch, OfAnotherApplicationLeavesTheAutoCloserAlone) {
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(1, R"("launch": {"pid": 501, "bundleIdentifier": "com.apple.mail"})"),
+                                   At(2, R"("launch": {"pid": 502})"), DumpAt(3)},
+                      .further = kAutoClose,
+                      .hasNotificationCenter = false});
+  EXPECT_THAT(MessagesOf(run, "auto-close"), ElementsAre("auto-close start failed nc=missing"));
+}
+
 }  // namespace

@@ -60,6 +60,16 @@ TEST(Shortcut, StoredOneIsRegisteredAtLaunch) {
   EXPECT_EQ(run.dumps.at(0)["hotKey"], (json{{"code", 96}, {"modifiers", 0x200}}));
 }
 
+// Trust comes while a shortcut is recorded: what the settings show of it is renewed at the end.
+TEST(Recording, RefreshesTheSettingsWhenItIsCanceledOrRefused) {
+  const std::string further =
+      R"(, "trusted": false, "services": {"refusedHotKeys": [{"code": 40, "modifiers": ["command"], "status": -9878}]})";
+  for (const std::string& last : {key(53, "", ""), key(40, R"("command")", "k")}) {
+    const json dump = record({R"("trust": true)", last}, further).dumps.at(0);
+    EXPECT_EQ(settings(dump)["content"][4]["row"][0]["label"], "Allowed") << last;
+  }
+}
+
 TEST(Shortcut, WithoutALabelShowsAQuestionMark) {
   const ApplicationRun run = RunApplication(
       {.isProduct = false, .timeline = {At(1, kOpen), DumpAt(2)}, .further = R"(, "defaults": {"HLHotKeyCode": 96})"});
