@@ -100,4 +100,20 @@ TEST(UpdateCheck, KnowsAProgramWithoutVersions) {
   EXPECT_THAT(run.dumps.at(0)["alerts"][0]["message"].get<std::string>(), testing::StartsWith("You have ?. "));
 }
 
+TEST(UpdateCheck, TakesTheInstalledBuildAsANumberOrAText) {
+  for (const auto& [build, logged] : {std::pair{"12", "0 feedBuild=12 build=12"},
+                                      {"\"12\"", "0 feedBuild=12 build=12"},
+                                      {"11.9", "1 feedBuild=12 build=11"},
+                                      {"\"7 (beta)\"", "1 feedBuild=12 build=7"},
+                                      {"\"beta\"", "1 feedBuild=12 build=0"}}) {
+    const ApplicationRun run = RunApplication(
+        {.hasBundle = false,
+         .timeline = {At(1, kCheck)},
+         .further = R"(, "bundle": {"identifier": "com.tessaly.hushlet", "info": {"HLProductFlavor": "product",
+           "CFBundleVersion": )" +
+                    std::string(build) + "}}" + feed(std::string(R"("status": 200, "body": )") + kBody)});
+    EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre(std::string("update check status=200 kind=") + logged));
+  }
+}
+
 }  // namespace
