@@ -40,6 +40,7 @@ class ApplicationDesktop : public RealDesktop {
     begin(setup);
     screen_ = std::make_unique<Screen>(session_->environment());
     sender_ = std::make_unique<NotificationSender>(session_->environment());
+    require([this] { return screen_->isManaged(); }, [] { return "no window manager"; });
     startTray();
   }
 
@@ -75,16 +76,18 @@ class ApplicationDesktop : public RealDesktop {
     });
   }
 
+  // Once it has come to rest in a tray: seen twice at the same place.
   ScreenWindow icon() {
     constexpr int kLargest = 64;
     std::optional<ScreenWindow> found;
-    const auto isThere = [&] {
+    const auto rests = [&] {
+      const std::optional<ScreenWindow> before = found;
       found = ownWindow([](const ScreenWindow& window) {
         return std::min(window.width, window.height) > 1 && std::max(window.width, window.height) <= kLargest;
       });
-      return found.has_value();
+      return found && before && before->x == found->x && before->y == found->y && before->width == found->width;
     };
-    require(isThere, [this] { return "no tray has the icon: " + application_->output(); });
+    require(rests, [this] { return "no tray has the icon: " + application_->output(); });
     return *found;
   }
 
