@@ -97,14 +97,14 @@ class ApplicationDesktop : public RealDesktop {
     screen_->click(button, heldKeys);
   }
 
-  // Below the icon, on the left.
+  // Below the icon.
   ScreenWindow openMenu(std::uint8_t button = Screen::kRightButton, const std::vector<int>& heldKeys = {}) {
     const ScreenWindow above = icon();
     clickIcon(button, heldKeys);
     std::optional<ScreenWindow> menu;
     const auto isThere = [&] {
       menu = ownWindow([&above](const ScreenWindow& window) {
-        return window.x == above.x && window.y >= above.y + above.height && window.width > 1;
+        return window.y >= above.y + above.height && window.width > above.width;
       });
       return menu.has_value();
     };
