@@ -43,6 +43,7 @@ class Desktop : public HLDesktop {
         toolkit_(arguments_.count(), arguments_.values()),
         application_(request),
         statusItem_(application_, request.identifier, request.displayName),
+        alerts_(request.displayName),
         hotKeys_(request.runLoop) {
     QApplication::setApplicationName(QString::fromStdString(request.identifier));
     QApplication::setDesktopFileName(QString::fromStdString(request.identifier));
