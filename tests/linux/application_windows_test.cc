@@ -25,7 +25,7 @@ class ApplicationWindows : public ApplicationDesktop {
 
   // Another start, while the first runs.
   void startAgain() {
-    const std::unique_ptr<ChildProcess> second = session_->start({kProduct});
+    const std::unique_ptr<ChildProcess> second = session_->start(commandLine(kProduct));
     EXPECT_EQ(second->wait(kPatience), 0) << second->output();
     EXPECT_EQ(second->output(), "");
   }
@@ -84,7 +84,7 @@ TEST_F(ApplicationWindows, ASecondStartShowsTheSettingsOfTheFirstAndEnds) {
 TEST_F(ApplicationWindows, WithoutATrayASecondStartIsTheWayIn) {
   beginDesktop();
   tray_ = nullptr;
-  application_ = session_->start({kProduct});
+  application_ = session_->start(commandLine(kProduct));
   waitForLogged("refreshStatusItem ");
   startAgain();
   waitForWindow(kSettings);

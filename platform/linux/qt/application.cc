@@ -14,18 +14,25 @@
 #include "platform/linux/qt/key_monitor.h"
 #include "platform/linux/qt/single_instance.h"
 
+namespace {
+
+// No orderly end: threads may still be at work for the application with what returning from main would destroy.
+[[noreturn]] void leave(int code) {
+  std::fflush(nullptr);
+  std::_Exit(code);
+}
+
+}  // namespace
+
 int HLQtApplication::run(HLApplicationHandlers handlers) {
   const HLQtSingleInstance instance(request_.identifier, handlers.didReopen);
-  if (instance.tellOther()) return 0;
+  if (instance.tellOther()) leave(EXIT_SUCCESS);
 
   QSocketNotifier runLoop(request_.runLoop.descriptor(), QSocketNotifier::Read);
   QObject::connect(&runLoop, &QSocketNotifier::activated, [this] { request_.runLoop.serve(); });
   // From within the loop, so that it can be ended by what this does.
   QTimer::singleShot(0, [&handlers] { handlers.didFinishLaunching(); });
-  const int code = QApplication::exec();
-  // No orderly end: threads may still be at work for the application with what returning from main would destroy.
-  std::fflush(nullptr);
-  std::_Exit(code);
+  leave(QApplication::exec());
 }
 
 void HLQtApplication::terminate() { QApplication::quit(); }

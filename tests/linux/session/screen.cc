@@ -13,6 +13,9 @@ namespace {
 constexpr int kFirstKeycode = 8;            // of the server, for the kernel's key 0
 constexpr std::uint32_t kLongest = 0x1000;  // of a property, in words
 
+// Of a window manager that has not lost the window.
+constexpr std::chrono::milliseconds kReaction{500};
+
 struct Free {
   void operator()(void* memory) const { std::free(memory); }
 };
@@ -62,6 +65,17 @@ std::optional<ScreenWindow> Screen::search(xcb_window_t parent, int x, int y,
     if (auto within = search(id, window.x, window.y, fits)) return within;
   }
   return std::nullopt;
+}
+
+bool Screen::isManaged() {
+  const xcb_window_t window = xcb_generate_id(connection_);
+  xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                    XCB_COPY_FROM_PARENT, 0, nullptr);
+  xcb_map_window(connection_, window);
+  const bool isManaged = Eventually([&] { return !numbers(window, atom("WM_STATE")).empty(); }, kReaction);
+  xcb_destroy_window(connection_, window);
+  xcb_flush(connection_);
+  return isManaged;
 }
 
 xcb_window_t Screen::activeWindow() {

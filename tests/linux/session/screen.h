@@ -41,6 +41,8 @@ class Screen {
   // The first window shown that fits, in whatever window it lies.
   [[nodiscard]] std::optional<ScreenWindow> find(const std::function<bool(const ScreenWindow&)>& fits);
   [[nodiscard]] std::optional<ScreenWindow> findTitled(const std::string& title);
+  // Whether the window manager is at work, tried with a window. One that is shown while it starts may get lost.
+  [[nodiscard]] bool isManaged();
   [[nodiscard]] xcb_window_t activeWindow();
   // Of what the program asks of the window's frame: bits of the buttons and of what a person may do with it.
   struct FrameWishes {
