@@ -1,8 +1,8 @@
 # The commands of the house; CMakePresets.json holds what they configure. Each one installs what it needs and lacks.
-.PHONY: run package test fuzz sanitize bench coverage lint tidy format clean
+.PHONY: run package test fuzz sanitize bench coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
-JOBS ?= $(shell nproc)
+JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
 
 # Builds the program and shows it clear an ordinary evening's notifications off a simulated screen.
 run:
@@ -18,7 +18,8 @@ package:
 	cmake --build --preset release -j $(JOBS)
 	cd build-release && cpack
 
-# Every test, those on a real desktop included, after a short run of the fuzzers.
+# Every test, those on a real desktop included, after a short run of the fuzzers; then the macOS build, where a sysroot for it
+# is named.
 test:
 	@tools/install-packages build test fuzz
 	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
@@ -27,6 +28,7 @@ test:
 	cmake --build --preset fuzz -j $(JOBS)
 	tools/fuzz 5
 	ctest --preset dev -j $(JOBS)
+	tools/check-macos
 
 # The same tests under the address, undefined-behavior and thread sanitizers.
 sanitize:
@@ -53,6 +55,14 @@ bench:
 coverage:
 	@tools/install-packages build test coverage
 	tools/coverage
+
+# What can be proved of the macOS build without a Mac; docs/macos.md.
+macos:
+	tools/check-macos
+
+# On a Mac: every test, and a report to send back.
+mac-report:
+	tools/macos-report
 
 lint:
 	@tools/install-packages lint

@@ -36,33 +36,6 @@ void append(std::string& text, char32_t codePoint) {
   }
 }
 
-std::u16string toUtf16(std::string_view text) {
-  std::u16string units;
-  units.reserve(text.size());
-  for (std::size_t position = 0; position < text.size();) {
-    const char32_t codePoint = HLNextCodePoint(text, position);
-    if (codePoint < 0x10000) {
-      units.push_back(static_cast<char16_t>(codePoint));
-    } else {
-      units.push_back(static_cast<char16_t>(0xD7C0 + (codePoint >> 10)));
-      units.push_back(static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF)));
-    }
-  }
-  return units;
-}
-
-std::string toUtf8(std::u16string_view units) {
-  std::string text;
-  text.reserve(units.size() * 2);
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    const char32_t unit = units[i];
-    const bool pair =
-        unit >= 0xD800 && unit <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF;
-    append(text, pair ? 0x10000 + ((unit - 0xD800) << 10) + (units[++i] - 0xDC00U) : unit);
-  }
-  return text;
-}
-
 std::string lowercaseAscii(std::string_view text) {
   std::string lower(text);
   for (char& c : lower) c = static_cast<char>(c + (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0));
@@ -119,14 +92,41 @@ std::string_view HLTrim(std::string_view text) {
   return begin < end ? text.substr(begin, end - begin) : std::string_view();
 }
 
-std::string HLLowercase(std::string_view text) {
-  return isAscii(text) ? lowercaseAscii(text) : toUtf8(HLHostLowercase(toUtf16(text)));
+std::u16string HLUtf16Units(std::string_view text) {
+  std::u16string units;
+  units.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) {
+    const char32_t codePoint = HLNextCodePoint(text, position);
+    if (codePoint < 0x10000) {
+      units.push_back(static_cast<char16_t>(codePoint));
+    } else {
+      units.push_back(static_cast<char16_t>(0xD7C0 + (codePoint >> 10)));
+      units.push_back(static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF)));
+    }
+  }
+  return units;
 }
 
-std::string HLUppercase(std::string_view text) { return toUtf8(HLHostUppercase(toUtf16(text))); }
+std::string HLTextOfUtf16(std::u16string_view units) {
+  std::string text;
+  text.reserve(units.size() * 2);
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const char32_t unit = units[i];
+    const bool pair =
+        unit >= 0xD800 && unit <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF;
+    append(text, pair ? 0x10000 + ((unit - 0xD800) << 10) + (units[++i] - 0xDC00U) : unit);
+  }
+  return text;
+}
+
+std::string HLLowercase(std::string_view text) {
+  return isAscii(text) ? lowercaseAscii(text) : HLTextOfUtf16(HLHostLowercase(HLUtf16Units(text)));
+}
+
+std::string HLUppercase(std::string_view text) { return HLTextOfUtf16(HLHostUppercase(HLUtf16Units(text))); }
 
 std::string HLFoldCase(std::string_view text) {
-  return isAscii(text) ? lowercaseAscii(text) : toUtf8(HLHostFoldCase(toUtf16(text)));
+  return isAscii(text) ? lowercaseAscii(text) : HLTextOfUtf16(HLHostFoldCase(HLUtf16Units(text)));
 }
 
 bool HLContainsIgnoringCase(std::string_view text, std::string_view part) {

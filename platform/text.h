@@ -41,6 +41,10 @@
 
 [[nodiscard]] std::size_t HLUtf16Length(std::string_view text);
 
+// The UTF-16 code units of a text, and back; what is ill-formed becomes U+FFFD, halves of pairs are kept.
+[[nodiscard]] std::u16string HLUtf16Units(std::string_view text);
+[[nodiscard]] std::string HLTextOfUtf16(std::u16string_view units);
+
 // The first so many UTF-16 code units. A pair that the cut halves leaves its first half.
 [[nodiscard]] std::string HLUtf16Prefix(std::string_view text, std::size_t units);
 

@@ -16,6 +16,8 @@ install(FILES ${PROJECT_BINARY_DIR}/com.tessaly.hushlet.metainfo.xml DESTINATION
 install(FILES ${PROJECT_BINARY_DIR}/hushlet.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES icons/hushlet.svg
   DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps RENAME com.tessaly.hushlet.svg)
+install(FILES icons/hushlet-symbolic.svg
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/symbolic/apps RENAME com.tessaly.hushlet-symbolic.svg)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME hushlet)

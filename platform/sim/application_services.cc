@@ -6,10 +6,13 @@
 
 namespace {
 
+// Without the query and the fragment.
 std::string pathOf(const std::string& address) {
   const std::size_t scheme = address.find("://");
-  const std::size_t path = address.find('/', scheme == std::string::npos ? 0 : scheme + 3);
-  return path == std::string::npos ? "/" : address.substr(path);
+  const std::size_t host = scheme == std::string::npos ? 0 : scheme + 3;
+  const std::size_t end = address.find_first_of("?#", host);
+  const std::size_t path = address.find('/', host);
+  return path >= end ? "/" : address.substr(path, end - path);
 }
 
 void put(HLDictionary& dictionary, std::string_view key, const HLValue& value) {
@@ -52,6 +55,13 @@ HLHotKeyRegistration HLSimHotKeys::registerHotKey(std::uint32_t code, std::uint3
     if (refused.status != 0) return {refused.status, nullptr};
   }
   return {0, std::make_unique<HLSimHotKey>(registered_, code, modifiers, identity)};
+}
+
+const HLSimHotKey* HLSimHotKeys::find(std::uint32_t code, std::uint32_t modifiers) const {
+  const auto found = std::find_if(registered_.begin(), registered_.end(), [&](const HLSimHotKey* hotKey) {
+    return hotKey->code == code && hotKey->modifiers == modifiers;
+  });
+  return found == registered_.end() ? nullptr : *found;
 }
 
 void HLSimHotKeys::press(const std::optional<HLHotKeyIdentity>& identity) {

@@ -46,20 +46,19 @@ class HLSimAlerts : public HLAlerts {
 [[nodiscard]] std::uint32_t HLSimHotKeyModifiers(std::uint64_t modifiers);
 
 struct HLSimHotKey : HLHotKey {
-  HLSimHotKey(HLSimHotKey*& slot, std::uint32_t keyCode, std::uint32_t keyModifiers, HLHotKeyIdentity keyIdentity)
-      : code(keyCode), modifiers(keyModifiers), identity(std::move(keyIdentity)), slot_(slot) {
-    slot_ = this;
+  HLSimHotKey(std::vector<HLSimHotKey*>& list, std::uint32_t keyCode, std::uint32_t keyModifiers,
+              HLHotKeyIdentity keyIdentity)
+      : code(keyCode), modifiers(keyModifiers), identity(std::move(keyIdentity)), list_(list) {
+    list_.push_back(this);
   }
-  ~HLSimHotKey() override {
-    if (slot_ == this) slot_ = nullptr;
-  }
+  ~HLSimHotKey() override { std::erase(list_, this); }
 
   const std::uint32_t code;
   const std::uint32_t modifiers;
   const HLHotKeyIdentity identity;
 
  private:
-  HLSimHotKey*& slot_;
+  std::vector<HLSimHotKey*>& list_;
 };
 
 class HLSimHotKeys : public HLHotKeys {
@@ -71,13 +70,16 @@ class HLSimHotKeys : public HLHotKeys {
                                                     const HLHotKeyIdentity& identity) override;
 
   void press(const std::optional<HLHotKeyIdentity>& identity);
-  [[nodiscard]] const HLSimHotKey* registered() const { return registered_; }  // the last one
+  // The one that the combination fires; nullptr when none is registered for it.
+  [[nodiscard]] const HLSimHotKey* find(std::uint32_t code, std::uint32_t modifiers) const;
+  // The last one; nullptr when there is none.
+  [[nodiscard]] const HLSimHotKey* registered() const { return registered_.empty() ? nullptr : registered_.back(); }
   [[nodiscard]] std::optional<std::int32_t> answer() const { return answer_; }
 
  private:
   const HLSimDesktop& desktop_;
+  std::vector<HLSimHotKey*> registered_;  // in the order in which they were
   Handler handler_;
-  HLSimHotKey* registered_ = nullptr;
   std::optional<std::int32_t> answer_;
 };
 

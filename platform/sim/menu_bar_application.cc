@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/sim/record.h"
+#include "platform/sim/scene_reader.h"
 #include "platform/sim/user_interface.h"
 
 namespace {
@@ -54,7 +55,8 @@ void HLSimMenuBarApplication::userEvent(const HLSceneUserEvent& event) {
 }
 
 void HLSimMenuBarApplication::fail(const std::string& what) {
-  std::cerr << desktop_.scene->name << ": " << what << '\n';
+  if (exitCode_ == kBadScene) return;
+  std::cerr << HLOneLine(desktop_.scene->name + ": " + what) << '\n';
   exitCode_ = kBadScene;
   runLoop_.stopEventLoop();
 }
@@ -84,9 +86,8 @@ void HLSimMenuBarApplication::choose(const std::string& item) {
 }
 
 void HLSimMenuBarApplication::shortcut(const HLSceneShortcut& shortcut) {
-  const HLSimHotKey* registered = interface_.hotKeys.registered();
-  if (registered == nullptr || registered->code != shortcut.code) return;
-  if (registered->modifiers == HLSimHotKeyModifiers(shortcut.modifiers)) interface_.hotKeys.press(registered->identity);
+  const HLSimHotKey* hotKey = interface_.hotKeys.find(shortcut.code, HLSimHotKeyModifiers(shortcut.modifiers));
+  if (hotKey != nullptr) interface_.hotKeys.press(hotKey->identity);
 }
 
 void HLSimMenuBarApplication::key(const HLKeyEvent& event) {

@@ -164,31 +164,30 @@ void HLSimRunLoop::postToMainQueueAfter(double seconds, std::function<void()> st
 
 // Running
 
-void HLSimRunLoop::runWhatIsDue(HLSimLock& lock) {
-  for (;;) {
-    std::function<void()> next;
-    if (!deliveries_.empty()) {
-      next = std::move(deliveries_.front());
-      deliveries_.pop_front();
-    } else if (!due_.empty() && due_.begin()->first.first <= desktop_.clock->now()) {
-      next = std::move(due_.extract(due_.begin()).mapped());
-    } else {
-      break;
-    }
-    lock.unlock();
-    next();
-    next = nullptr;
-    lock = desktop_.clock->lock();
-    if (stopped_) return;
+bool HLSimRunLoop::runNext(HLSimLock& lock) {
+  std::function<void()> next;
+  if (!deliveries_.empty()) {
+    next = std::move(deliveries_.front());
+    deliveries_.pop_front();
+  } else if (!due_.empty() && due_.begin()->first.first <= desktop_.clock->now()) {
+    next = std::move(due_.extract(due_.begin()).mapped());
+  } else {
+    if (std::exchange(desktop_.promptPending, false)) desktop_.world->setTrusted(true);
+    return false;
   }
-  if (std::exchange(desktop_.promptPending, false)) desktop_.world->setTrusted(true);
+  lock.unlock();
+  next();
+  next = nullptr;
+  lock = desktop_.clock->lock();
+  return true;
 }
 
 void HLSimRunLoop::runFor(double seconds) {
   HLSimLock lock = desktop_.clock->lock();
   const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
   for (;;) {
-    runWhatIsDue(lock);
+    while (runNext(lock)) {
+    }
     const HLSimMoment now = desktop_.clock->now();
     if (now >= end && desktop_.world->nextDue() > now) return;
     const HLSimMoment next = due_.empty() ? HLSimNever : due_.begin()->first.first;
@@ -198,13 +197,21 @@ void HLSimRunLoop::runFor(double seconds) {
 
 void HLSimRunLoop::runEventLoop() {
   HLSimLock lock = desktop_.clock->lock();
-  for (;;) {
-    runWhatIsDue(lock);
-    if (stopped_ || onlyTimersAreDue()) return;
+  while (!stopped_) {
+    if (runNext(lock)) continue;
+    if (onlyTimersAreDue()) return;
     // What happens on the desktop may leave nothing due.
     const HLSimMoment own = due_.empty() ? HLSimNever : due_.begin()->first.first;
     desktop_.clock->waitFor(lock, posted_, std::min(own, desktop_.world->nextDue()));
   }
+}
+
+void HLSimRunLoop::forgetSteps() {
+  std::deque<std::function<void()>> deliveries;
+  std::map<DueKey, std::function<void()>> due;
+  const HLSimLock lock = desktop_.clock->lock();
+  deliveries.swap(deliveries_);
+  due.swap(due_);
 }
 
 bool HLSimRunLoop::onlyTimersAreDue() const {

@@ -37,6 +37,8 @@ class HLSimRunLoop : public HLRunLoop {
   void stopEventLoop() { stopped_ = true; }
   // Waits for what was posted to the global queue. Main thread.
   void finishGlobalQueue();
+  // Nothing that is waiting will run any more. Main thread.
+  void forgetSteps();
   [[nodiscard]] std::size_t timers() const { return timers_; }
 
   // Has this run on the main thread, when its loop runs. With the lock held.
@@ -48,8 +50,8 @@ class HLSimRunLoop : public HLRunLoop {
   using DueKey = std::pair<HLSimMoment, std::int64_t>;
 
   DueKey schedule(HLSimMoment moment, std::function<void()> action);
-  // Runs what can be run now, until there is nothing more.
-  void runWhatIsDue(HLSimLock& lock);
+  // Runs the next step that can be run now; whether there was one. The loop is idle when there is none.
+  bool runNext(HLSimLock& lock);
   [[nodiscard]] bool onlyTimersAreDue() const;
 
   HLSimDesktop& desktop_;

@@ -12,24 +12,6 @@
 
 namespace {
 
-// One line, whatever names and keys the scene uses.
-std::string oneLine(std::string_view text) {
-  std::string line;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '\n') {
-      line += "\\n";
-    } else if (byte < 0x20 || byte == 0x7F) {
-      std::array<char, 8> escaped{};
-      std::snprintf(escaped.data(), escaped.size(), "\\u%04x", byte);
-      line += escaped.data();
-    } else {
-      line += c;
-    }
-  }
-  return line;
-}
-
 HLSceneBundle readBundle(HLSceneSource& source, const HLSceneSpot& spot) {
   HLSceneBundle bundle;
   source.expectObject(spot, {"path", "executablePath", "identifier", "info"});
@@ -83,6 +65,23 @@ void readDesktop(HLSceneSource& source, const HLSceneSpot& root, HLScene& scene)
 
 }  // namespace
 
+std::string HLOneLine(std::string_view text) {
+  std::string line;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '\n') {
+      line += "\\n";
+    } else if (byte < 0x20 || byte == 0x7F) {
+      std::array<char, 8> escaped{};
+      std::snprintf(escaped.data(), escaped.size(), "\\u%04x", byte);
+      line += escaped.data();
+    } else {
+      line += c;
+    }
+  }
+  return line;
+}
+
 HLSimMoment HLSimMomentFromSeconds(double seconds) {
   constexpr double kMost = 1e17;  // some three thousand years
   return std::llround(std::clamp(seconds * 1e6, -kMost, kMost));
@@ -99,7 +98,7 @@ std::int32_t HLScene::unusedPid(std::int32_t first) const {
 
 std::variant<std::unique_ptr<const HLScene>, std::string> HLReadScene(std::string_view text, const std::string& name) {
   const auto document = HLParseJson(text);
-  if (const auto* error = std::get_if<std::string>(&document)) return oneLine(name + ": " + *error);
+  if (const auto* error = std::get_if<std::string>(&document)) return HLOneLine(name + ": " + *error);
   HLSceneSource source(std::get<HLJson>(document));
   auto scene = std::make_unique<HLScene>();
   scene->name = name;
@@ -108,6 +107,6 @@ std::variant<std::unique_ptr<const HLScene>, std::string> HLReadScene(std::strin
                       "propertyLists", "defaults", "services", "timeline", "record"});
   if (!source.failed()) readProcess(source, source.root(), *scene);
   if (!source.failed()) readDesktop(source, source.root(), *scene);
-  if (const auto& error = source.error()) return oneLine(name + ": " + *error);
+  if (const auto& error = source.error()) return HLOneLine(name + ": " + *error);
   return std::unique_ptr<const HLScene>(std::move(scene));
 }

@@ -12,3 +12,6 @@
 // numbers". Nothing is half read.
 [[nodiscard]] std::variant<std::unique_ptr<const HLScene>, std::string> HLReadScene(std::string_view text,
                                                                                     const std::string& name);
+
+// One line, whatever names, titles and keys the scene uses.
+[[nodiscard]] std::string HLOneLine(std::string_view text);

@@ -46,9 +46,11 @@ class Simulator : public HLSimulator {
 
   ~Simulator() override {
     runLoop_.finishGlobalQueue();
-    if (!desktop_.scene->record) return;
-    const HLSimLock lock = desktop_.clock->lock();
-    HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_, interface_));
+    writeRecord();
+    // What is still to be called back may own windows, timers and hot keys, which need their services to go.
+    runLoop_.forgetSteps();
+    interface_.hotKeys.installHandler(nullptr);
+    const auto observers = desktop_.world->takeLaunchObservers();
   }
 
   const HLPlatform& platform() const override { return platform_; }
@@ -90,6 +92,12 @@ class Simulator : public HLSimulator {
   }
 
  private:
+  void writeRecord() {
+    if (!desktop_.scene->record) return;
+    const HLSimLock lock = desktop_.clock->lock();
+    HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_, interface_));
+  }
+
   HLSimDesktop desktop_;
   HLSimRunLoop runLoop_;
   HLSimAccessibility accessibility_;

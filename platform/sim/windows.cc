@@ -79,18 +79,19 @@ void HLSimWindow::close() {
   if (!visible_) return;
   visible_ = false;
   std::erase(windows_.order_, this);
-  if (description_.willClose) description_.willClose();
+  const std::function<void()> willClose = description_.willClose;
+  if (willClose) willClose();
 }
 
 void HLSimWindow::perform(Control& control) {
   if (!control.enabled) return;
   if (const auto* button = std::get_if<HLButton>(&control.what)) {
     const std::function<void()> action = button->action;
-    action();
+    if (action) action();
   } else if (const auto* checkBox = std::get_if<HLCheckBox>(&control.what)) {
     control.on = !control.on;
     const std::function<void(bool)> action = checkBox->action;
-    action(control.on);
+    if (action) action(control.on);
   }
 }
 

@@ -83,6 +83,7 @@ class HLSimWorld {
   [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) const;
   void sendSignal(std::int32_t pid, int signal, HLSimMoment now);
   void observeLaunches(LaunchObserver observer);
+  [[nodiscard]] std::vector<LaunchObserver> takeLaunchObservers() { return std::exchange(launchObservers_, {}); }
 
   // Elements.
   [[nodiscard]] HLElementRef handle(HLSimNode& node);

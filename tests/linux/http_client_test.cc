@@ -106,9 +106,6 @@ TEST_F(Fetch, FailsWhenTheDocumentIsCutShort) {
             "200 -");
   EXPECT_EQ(fetch(serving("HTTP/1.1 404 No\r\nContent-Length: 100\r\nConnection: close\r\n\r\nonly this")->address()),
             "404 -");
-  EXPECT_EQ(
-      fetch(serving("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nConnection: close\r\n\r\nff\r\nonly")->address()),
-      "200 -");
 }
 
 TEST_F(Fetch, FailsWhenTheDocumentIsHuge) {

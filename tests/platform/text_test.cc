@@ -204,6 +204,21 @@ TEST(LeadingInteger, BeyondItsRangeIsTheNearestLimit) {
   EXPECT_EQ(HLLeadingInteger("-99999999999999999999999"), INT64_MIN);
 }
 
+// UTF-16
+
+TEST(Utf16Units, AreThoseOfTheTextHalvesOfPairsIncluded) {
+  EXPECT_EQ(HLUtf16Units("aä\u20AC" + kFace), u"aä\u20AC\U0001F600");
+  EXPECT_EQ(HLUtf16Units("a" + kFirstHalf + "b"), (std::u16string{u'a', 0xD83D, u'b'}));
+  EXPECT_EQ(HLUtf16Units("\xFF"), u"\uFFFD");
+  EXPECT_EQ(HLUtf16Units(""), u"");
+}
+
+TEST(Utf16Units, BecomeTheSameTextAgain) {
+  for (const std::string& text : {std::string("plain"), "Zoë " + kFace, kFirstHalf, kSecondHalf + "x" + kFirstHalf}) {
+    EXPECT_EQ(HLTextOfUtf16(HLUtf16Units(text)), text);
+  }
+}
+
 // Encoding
 
 TEST(Encodable, IsWhatHasNoHalvesOfPairsAndNoStrayBytes) {

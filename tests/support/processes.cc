@@ -1,5 +1,6 @@
 #include "tests/support/processes.h"
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -61,8 +62,8 @@ RunningProgram::RunningProgram(const std::vector<std::string>& command,
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
   posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", 0, 0);
-  posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, out_.c_str(), 1, 0);
-  posix_spawn_file_actions_addopen(&files, STDERR_FILENO, err_.c_str(), 1, 0);
+  posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, out_.c_str(), O_WRONLY | O_APPEND, 0);
+  posix_spawn_file_actions_addopen(&files, STDERR_FILENO, err_.c_str(), O_WRONLY | O_APPEND, 0);
   const int failure = posix_spawn(&pid_, command.at(0).c_str(), &files, nullptr, pointersTo(arguments).data(),
                                   pointersTo(variables).data());
   posix_spawn_file_actions_destroy(&files);

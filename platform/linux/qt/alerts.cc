@@ -10,6 +10,7 @@
 
 std::size_t HLQtAlerts::runModal(const HLAlert& alert) {
   QMessageBox box;
+  box.setWindowTitle(QString::fromStdString(title_));
   box.setIcon(QMessageBox::Information);
   box.setTextFormat(Qt::PlainText);
   box.setText(QString::fromStdString(alert.title));

@@ -2,10 +2,18 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <utility>
 
 #include "platform/alerts.h"
 
 class HLQtAlerts : public HLAlerts {
  public:
+  // The title is that of every alert's window.
+  explicit HLQtAlerts(std::string title) : title_(std::move(title)) {}
+
   [[nodiscard]] std::size_t runModal(const HLAlert& alert) override;
+
+ private:
+  const std::string title_;
 };

@@ -4,6 +4,9 @@
 #include <QToolTip>
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -16,6 +19,7 @@ constexpr int kToolTipDelay = 700;  // milliseconds, as is usual
 constexpr int kButtons[] = {1, 3};  // left, right
 constexpr std::uint32_t kDockRequest = 0;
 constexpr std::uint32_t kEmbeddedMapped = 1;
+constexpr std::uint32_t kHasMinimumSize = 16;
 constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
                                      XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW |
                                      XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
@@ -32,14 +36,17 @@ std::uint64_t modifiersOf(std::uint16_t state) {
 
 }  // namespace
 
-std::unique_ptr<HLEmbeddedIcon> HLEmbeddedIcon::open(const HLTrayItem& item) {
+std::unique_ptr<HLEmbeddedIcon> HLEmbeddedIcon::open(const HLTrayItem& item, std::function<void(bool)> changed) {
   std::optional<HLXConnection> connection = HLXConnection::open();
   if (!connection) return nullptr;
-  return std::unique_ptr<HLEmbeddedIcon>(new HLEmbeddedIcon(item, std::move(*connection)));
+  return std::unique_ptr<HLEmbeddedIcon>(new HLEmbeddedIcon(item, std::move(changed), std::move(*connection)));
 }
 
-HLEmbeddedIcon::HLEmbeddedIcon(const HLTrayItem& item, HLXConnection connection)
-    : item_(item), x_(std::move(connection)), arrivals_(xcb_get_file_descriptor(x_.get()), QSocketNotifier::Read) {
+HLEmbeddedIcon::HLEmbeddedIcon(const HLTrayItem& item, std::function<void(bool)> changed, HLXConnection connection)
+    : item_(item),
+      changed_(std::move(changed)),
+      x_(std::move(connection)),
+      arrivals_(xcb_get_file_descriptor(x_.get()), QSocketNotifier::Read) {
   toolTipDelay_.setSingleShot(true);
   connect(&toolTipDelay_, &QTimer::timeout, this, [this] { showToolTip(); });
   connect(&arrivals_, &QSocketNotifier::activated, this, [this] { handleEvents(); });
@@ -50,15 +57,6 @@ HLEmbeddedIcon::HLEmbeddedIcon(const HLTrayItem& item, HLXConnection connection)
 }
 
 HLEmbeddedIcon::~HLEmbeddedIcon() = default;
-
-void HLEmbeddedIcon::setWanted(bool wanted) {
-  if (std::exchange(wanted_, wanted) == wanted) return;
-  if (wanted) {
-    dock();
-  } else {
-    undock();
-  }
-}
 
 void HLEmbeddedIcon::redraw() {
   draw();
@@ -101,10 +99,10 @@ void HLEmbeddedIcon::handle(const xcb_generic_event_t& event) {
     case XCB_CONFIGURE_NOTIFY: {
       const auto& configured = *static_cast<const xcb_configure_notify_event_t*>(any);
       if (configured.window != window_) break;
-      if (std::exchange(width_, configured.width) != configured.width ||
-          std::exchange(height_, configured.height) != configured.height) {
-        draw();
-      }
+      width_ = configured.width;
+      height_ = configured.height;
+      askForSize(std::max(height_, kFirstSize));
+      draw();
       break;
     }
     case XCB_EXPOSE:
@@ -147,9 +145,10 @@ void HLEmbeddedIcon::findTray() {
   if (tray_ != XCB_NONE) {
     const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(x_.get(), tray_, XCB_CW_EVENT_MASK, &mask);
-    if (wanted_) dock();
+    dock();
   }
   xcb_flush(x_.get());
+  changed_(tray_ != XCB_NONE);
 }
 
 void HLEmbeddedIcon::dock() {
@@ -158,6 +157,7 @@ void HLEmbeddedIcon::dock() {
   const HLXVisual usual{x_.screen().root_visual, x_.screen().root_depth};
   visual_ = wish.empty() ? usual : x_.visual(wish.front()).value_or(usual);
   width_ = height_ = kFirstSize;
+  asked_ = 0;
 
   const xcb_colormap_t colormap = xcb_generate_id(x_.get());
   xcb_create_colormap(x_.get(), XCB_COLORMAP_ALLOC_NONE, colormap, x_.screen().root, visual_.id);
@@ -180,6 +180,8 @@ void HLEmbeddedIcon::dock() {
   const std::array<std::uint32_t, 2> embedded = {0, kEmbeddedMapped};
   xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, info, info, 32, 2, embedded.data());
 
+  askForSize(kFirstSize);
+
   xcb_client_message_event_t request{};
   request.response_type = XCB_CLIENT_MESSAGE;
   request.format = 32;
@@ -190,6 +192,16 @@ void HLEmbeddedIcon::dock() {
   xcb_send_event(x_.get(), 0, tray_, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&request));
   xcb_flush(x_.get());
   QTimer::singleShot(0, this, [this] { handleEvents(); });
+}
+
+// As wide as the tray is high. It gives no more than is asked for, some trays a single pixel where nothing is.
+void HLEmbeddedIcon::askForSize(int size) {
+  if (std::exchange(asked_, size) == size) return;
+  std::array<std::uint32_t, 18> hints = {};
+  hints[0] = kHasMinimumSize;
+  hints[5] = hints[6] = static_cast<std::uint32_t>(size);
+  xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
+                      hints.size(), hints.data());
 }
 
 void HLEmbeddedIcon::undock() {

@@ -6,31 +6,32 @@
 #include <QRect>
 #include <QSocketNotifier>
 #include <QTimer>
-#include <cstdint>
+#include <functional>
 #include <memory>
-#include <optional>
 
 #include "platform/linux/qt/tray.h"
 #include "platform/linux/qt/x_connection.h"
 
-// Docks itself in each tray that comes, while it is wanted. Nothing runs while nothing happens. Main thread.
+// Docks itself in each tray that comes. Nothing runs while nothing happens. Main thread.
 class HLEmbeddedIcon : public QObject {
  public:
-  // nullptr without an X server. The item stays the caller's.
-  [[nodiscard]] static std::unique_ptr<HLEmbeddedIcon> open(const HLTrayItem& item);
+  // Tells whether there is a tray, at once and whenever that changes. nullptr without an X server. The item stays the
+  // caller's.
+  [[nodiscard]] static std::unique_ptr<HLEmbeddedIcon> open(const HLTrayItem& item,
+                                                            std::function<void(bool hasTray)> changed);
   ~HLEmbeddedIcon() override;
 
-  void setWanted(bool wanted);
   void redraw();
 
  private:
-  HLEmbeddedIcon(const HLTrayItem& item, HLXConnection connection);
+  HLEmbeddedIcon(const HLTrayItem& item, std::function<void(bool)> changed, HLXConnection connection);
 
   void handleEvents();
   void handle(const xcb_generic_event_t& event);
   void handleButton(const xcb_button_release_event_t& event);
   void findTray();
   void dock();
+  void askForSize(int size);
   void undock();
   void draw();
   void showToolTip();
@@ -39,14 +40,15 @@ class HLEmbeddedIcon : public QObject {
   [[nodiscard]] QRect geometry() const;
 
   const HLTrayItem& item_;
+  const std::function<void(bool)> changed_;
   HLXConnection x_;
   QSocketNotifier arrivals_;
   QTimer toolTipDelay_;
-  bool wanted_ = false;
   xcb_window_t tray_ = XCB_NONE;
   HLXVisual visual_;
   xcb_window_t window_ = XCB_NONE;
   xcb_gcontext_t context_ = XCB_NONE;
   int width_ = 0;
   int height_ = 0;
+  int asked_ = 0;
 };

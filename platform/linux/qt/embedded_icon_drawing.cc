@@ -10,7 +10,6 @@
 namespace {
 
 constexpr std::size_t kColorParts = 3;  // red, green, blue, of 16 bits each
-constexpr std::uint8_t kDepthWithAlpha = 32;
 constexpr std::uint8_t kDepthOfRGB = 24;
 
 bool isDark(QImage image) {
@@ -33,13 +32,13 @@ QImage HLEmbeddedIcon::background() const {
   return behind.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-// A tray may say in which color it wants symbols; else what stands behind the item decides.
+// What stands behind the item decides; where that is not known, the tray may say in which color it wants symbols. Some
+// say their theme's and are colored otherwise by the user.
 QColor HLEmbeddedIcon::color(const QImage& background) const {
+  if (visual_.depth == kDepthOfRGB) return isDark(background) ? HLTrayLightColor : HLTrayDarkColor;
   const std::vector<std::uint32_t> parts = x_.property(tray_, x_.atom("_NET_SYSTEM_TRAY_COLORS"), XCB_ATOM_CARDINAL);
-  if (parts.size() >= kColorParts) {
-    return {static_cast<int>(parts[0] >> 8), static_cast<int>(parts[1] >> 8), static_cast<int>(parts[2] >> 8)};
-  }
-  return visual_.depth == kDepthWithAlpha || isDark(background) ? HLTrayLightColor : HLTrayDarkColor;
+  if (parts.size() < kColorParts) return HLTrayLightColor;
+  return {static_cast<int>(parts[0] >> 8), static_cast<int>(parts[1] >> 8), static_cast<int>(parts[2] >> 8)};
 }
 
 void HLEmbeddedIcon::draw() {

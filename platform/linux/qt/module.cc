@@ -43,9 +43,9 @@ class Desktop : public HLDesktop {
         toolkit_(arguments_.count(), arguments_.values()),
         application_(request),
         statusItem_(application_, request.identifier, request.displayName),
+        alerts_(request.displayName),
         hotKeys_(request.runLoop) {
     QApplication::setApplicationName(QString::fromStdString(request.identifier));
-    QApplication::setApplicationDisplayName(QString::fromStdString(request.displayName));
     QApplication::setDesktopFileName(QString::fromStdString(request.identifier));
     QApplication::setQuitOnLastWindowClosed(false);
     // The toolkit has taken the user's locale; numbers are read and written everywhere as in none.

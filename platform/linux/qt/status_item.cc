@@ -16,15 +16,14 @@ void HLQtStatusItem::install(HLStatusItemDescription description) {
   item_.toolTip = QString::fromStdString(description_.toolTip);
   item_.draw = [this](int size, const QColor& color) { return HLDrawTrayPicture(look_, size, color); };
   item_.clicked = [this](const HLTrayClick& click) { this->click(click); };
-  // The bus first; a tray of the X server is the place where none answers there.
-  if (QGuiApplication::platformName() == "xcb") embedded_ = HLEmbeddedIcon::open(item_);
-  if (QDBusConnection::sessionBus().isConnected()) {
-    notifier_ = std::make_unique<HLStatusNotifier>(item_, [this](bool shown) {
-      if (embedded_ != nullptr) embedded_->setWanted(!shown);
-    });
-  } else if (embedded_ != nullptr) {
-    embedded_->setWanted(true);
-  }
+  if (QDBusConnection::sessionBus().isConnected()) notifier_ = std::make_unique<HLStatusNotifier>(item_);
+  const auto changed = [this](bool hasTray) {
+    if (notifier_ != nullptr) notifier_->setWanted(!hasTray);
+  };
+  // A tray of the X server first: it brings every click with its modifiers, where one on the bus may draw a menu of its
+  // own or none at all.
+  if (QGuiApplication::platformName() == "xcb") embedded_ = HLEmbeddedIcon::open(item_, changed);
+  if (embedded_ == nullptr) changed(false);
 }
 
 void HLQtStatusItem::setTitle(const std::string& title) {

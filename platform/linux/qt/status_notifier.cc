@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QTimer>
 #include <QtEndian>
+#include <utility>
 
 #include "platform/events.h"
 #include "platform/linux/qt/key_monitor.h"
@@ -58,9 +59,8 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, HLNotifierToolTip
   return argument;
 }
 
-HLStatusNotifier::HLStatusNotifier(const HLTrayItem& item, std::function<void(bool shown)> changed)
+HLStatusNotifier::HLStatusNotifier(const HLTrayItem& item)
     : item_(item),
-      changed_(std::move(changed)),
       service_(QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QGuiApplication::applicationPid())),
       watcher_(kWatcher, QDBusConnection::sessionBus()) {
   qDBusRegisterMetaType<HLNotifierPicture>();
@@ -70,13 +70,22 @@ HLStatusNotifier::HLStatusNotifier(const HLTrayItem& item, std::function<void(bo
   QDBusConnection bus = QDBusConnection::sessionBus();
   bus.registerObject(kItemPath, this);
   connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &HLStatusNotifier::askWatcher);
-  connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this, [this] { setShown(false); });
+  connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this, &HLStatusNotifier::withdraw);
   bus.connect(kWatcher, kWatcherPath, kWatcher, "StatusNotifierHostRegistered", this, SLOT(askWatcher()));
-  askWatcher();
+}
+
+void HLStatusNotifier::setWanted(bool wanted) {
+  if (std::exchange(wanted_, wanted) == wanted) return;
+  if (wanted) {
+    askWatcher();
+  } else {
+    withdraw();
+  }
 }
 
 // A watcher without a tray behind it keeps what is registered for one that may never come.
 void HLStatusNotifier::askWatcher() {
+  if (!wanted_) return;
   QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, "org.freedesktop.DBus.Properties", "Get");
   call << kWatcher << "IsStatusNotifierHostRegistered";
   call.setAutoStartService(false);
@@ -84,29 +93,22 @@ void HLStatusNotifier::askWatcher() {
   connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
     const QDBusPendingReply<QDBusVariant> reply = *pending;
     pending->deleteLater();
-    if (!reply.isError() && reply.value().variant().toBool()) return registerItem();
-    setShown(false);
+    if (!reply.isError() && reply.value().variant().toBool()) registerItem();
   });
 }
 
 void HLStatusNotifier::registerItem() {
+  if (!wanted_) return;
   QDBusConnection bus = QDBusConnection::sessionBus();
   bus.registerService(service_);
   QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, kWatcher, "RegisterStatusNotifierItem");
   call << service_;
   call.setAutoStartService(false);
-  auto* pending = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
-  connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
-    pending->deleteLater();
-    setShown(!pending->isError());
-  });
+  bus.send(call);
 }
 
-void HLStatusNotifier::setShown(bool shown) {
-  // Without the name, a watcher that comes does not find an item that is shown elsewhere by then.
-  if (!shown) QDBusConnection::sessionBus().unregisterService(service_);
-  changed_(shown);
-}
+// Watchers forget an item when its name is gone.
+void HLStatusNotifier::withdraw() { QDBusConnection::sessionBus().unregisterService(service_); }
 
 void HLStatusNotifier::redraw() {
   const auto* adaptor = findChild<HLStatusNotifierAdaptor*>();

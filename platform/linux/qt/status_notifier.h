@@ -9,7 +9,6 @@
 #include <QObject>
 #include <QPoint>
 #include <QString>
-#include <functional>
 
 #include "platform/linux/qt/tray.h"
 
@@ -28,14 +27,15 @@ struct HLNotifierToolTip {
 Q_DECLARE_METATYPE(HLNotifierPicture)
 Q_DECLARE_METATYPE(HLNotifierToolTip)
 
-// Registers itself with each watcher that comes and has a tray behind it. Main thread.
+// While it is wanted, registers itself with each watcher that comes and has a tray behind it. Main thread.
 class HLStatusNotifier : public QObject {
   Q_OBJECT
 
  public:
-  // Tells when it becomes known whether a tray shows the item, and whenever that changes.
-  HLStatusNotifier(const HLTrayItem& item, std::function<void(bool shown)> changed);
+  // The item stays the caller's.
+  explicit HLStatusNotifier(const HLTrayItem& item);
 
+  void setWanted(bool wanted);
   void redraw();
 
  private Q_SLOTS:
@@ -45,13 +45,13 @@ class HLStatusNotifier : public QObject {
   friend class HLStatusNotifierAdaptor;
 
   void registerItem();
-  void setShown(bool shown);
+  void withdraw();
   void click(std::int64_t type, QPoint place);
 
   const HLTrayItem& item_;
-  const std::function<void(bool)> changed_;
   const QString service_;
   QDBusServiceWatcher watcher_;
+  bool wanted_ = false;
 };
 
 class HLStatusNotifierAdaptor : public QDBusAbstractAdaptor {

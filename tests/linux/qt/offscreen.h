@@ -17,13 +17,14 @@ inline HLLinuxRunLoop& OffscreenRunLoop() {
   return runLoop;
 }
 
+// Never destroyed, as in the program itself, whose process ends with the toolkit still there.
 inline HLDesktop& Offscreen() {
-  static const std::unique_ptr<HLDesktop> desktop = [] {
+  static HLDesktop* const desktop = [] {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
     HLDesktopAnswer answer;
     HLMakeDesktop({"com.example.offscreen", "Offscreen", OffscreenRunLoop()}, answer);
-    return std::move(answer.desktop);
+    return answer.desktop.release();
   }();
   return *desktop;
 }

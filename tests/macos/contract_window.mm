@@ -1,0 +1,60 @@
+// A window that the contract tests read and press: two alerts, each with an action "Close" that takes it away. Lives
+// until its standard input ends.
+#import <AppKit/AppKit.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@interface HLContractAlert : NSView
+@end
+
+NS_ASSUME_NONNULL_END
+
+@implementation HLContractAlert
+
+- (BOOL)isAccessibilityElement {
+  return YES;
+}
+
+- (NSAccessibilityRole)accessibilityRole {
+  return NSAccessibilityGroupRole;
+}
+
+- (NSString*)accessibilityLabel {
+  return @"Chat, Hello, there";
+}
+
+- (NSArray<NSAccessibilityCustomAction*>*)accessibilityCustomActions {
+  __weak HLContractAlert* alert = self;
+  return @[ [[NSAccessibilityCustomAction alloc] initWithName:@"Close"
+                                                      handler:^BOOL {
+                                                        [alert removeFromSuperview];
+                                                        return YES;
+                                                      }] ];
+}
+
+@end
+
+int main() {
+  @autoreleasepool {
+    NSApplication* application = NSApplication.sharedApplication;
+    [application setActivationPolicy:NSApplicationActivationPolicyAccessory];
+    NSWindow* window = [[NSWindow alloc] initWithContentRect:NSMakeRect(80, 80, 360, 240)
+                                                   styleMask:NSWindowStyleMaskTitled
+                                                     backing:NSBackingStoreBuffered
+                                                       defer:NO];
+    window.releasedWhenClosed = NO;
+    window.title = @"Contract";
+    for (int i = 0; i < 2; ++i) {
+      [window.contentView addSubview:[[HLContractAlert alloc] initWithFrame:NSMakeRect(20, 20 + i * 100, 320, 80)]];
+    }
+    [window.contentView addSubview:[NSTextField labelWithString:@"Label"]];
+    [window orderFrontRegardless];
+
+    NSFileHandle* input = NSFileHandle.fileHandleWithStandardInput;
+    input.readabilityHandler = ^(NSFileHandle* handle) {
+      if (handle.availableData.length == 0) exit(EXIT_SUCCESS);
+    };
+    [application run];
+  }
+  return EXIT_SUCCESS;
+}
