@@ -59,8 +59,7 @@ class Desk {
         environment_(session_.environment()),
         sleeps_(session_.directory() + "/sleeps"),
         process_(session_.startServer(server.command)),
-        tray_(startTray(session_)),
-        sender_(session_.environment()) {}
+        tray_(startTray(session_)) {}
 
   [[nodiscard]] bool begin() {
     if (!screen_.waitForTray()) return false;
@@ -101,10 +100,12 @@ class Desk {
  private:
   // Sends them and waits until the interface shows them all.
   std::vector<std::uint32_t> send(int count, bool several) {
+    // A server that has been restarted counts from the beginning.
+    sender_ = std::make_unique<NotificationSender>(session_.environment());
     std::vector<std::uint32_t> ids;
     for (int i = 1; i <= count; ++i) {
       const std::string number = std::to_string(++sent_);
-      ids.push_back(sender_.send(several ? "Application " + std::to_string(i) : "Mail", "Title " + number,
+      ids.push_back(sender_->send(several ? "Application " + std::to_string(i) : "Mail", "Title " + number,
                                  "What number " + number + " has to say"));
     }
     const std::string wanted = "targets=" + std::to_string(count);
@@ -123,7 +124,7 @@ class Desk {
     const pid_t server = session_.serverPid();
     const double serverBefore = processorTime(server);
     clicked_ = screen_.click(x, y);
-    if (!sender_.waitUntilClosed(ids, kPatience)) return std::nullopt;
+    if (!sender_->waitUntilClosed(ids, kPatience)) return std::nullopt;
     empty_ = Clock::now();
     Run run;
     run.own = processorTime(program) - ownBefore;
@@ -153,7 +154,7 @@ class Desk {
   const Sleeps sleeps_;
   std::unique_ptr<ChildProcess> process_;
   std::unique_ptr<ChildProcess> tray_;
-  NotificationSender sender_;
+  std::unique_ptr<NotificationSender> sender_;
   Screen screen_;
   std::unique_ptr<ChildProcess> program_;
   std::optional<Icon> icon_;
