@@ -22,12 +22,12 @@ constexpr const char* kOutcome = "dismissNotifications outcome ";
 
 // One click, in milliseconds.
 struct Run {
-  double empty = 0;      // until the last banner was reported closed
-  double own = 0;        // processor time by then: of the program that was clicked,
-  double server = 0;     // of the notification server,
-  double others = 0;     // and of the buses, the X server, the window manager and the tray
-  double paused = 0;     // how much of that time the program slept by its own will
-  double whole = 0;      // until the program was through, by its own log
+  double empty = 0;   // until the last banner was reported closed
+  double own = 0;     // processor time by then: of the program that was clicked,
+  double server = 0;  // of the notification server,
+  double others = 0;  // and of the buses, the X server, the window manager and the tray
+  double paused = 0;  // how much of that time the program slept by its own will
+  double whole = 0;   // until the program was through, by its own log
   double wholePaused = 0;
 };
 
@@ -64,8 +64,8 @@ class Desk {
   [[nodiscard]] bool begin() {
     if (!screen_.waitForTray()) return false;
     sleeps_.forget();
-    program_ = session_.start({"env", "LD_PRELOAD=" HL_SLEEP_RECORDER,
-                               "HL_SLEEPS=" + session_.directory() + "/sleeps", HL_HUSHLET});
+    program_ = session_.start(
+        {"env", "LD_PRELOAD=" HL_SLEEP_RECORDER, "HL_SLEEPS=" + session_.directory() + "/sleeps", HL_HUSHLET});
     icon_ = screen_.waitForIcon();
     if (!icon_) return false;
     // What is done for the first time only has been done.
@@ -106,7 +106,7 @@ class Desk {
     for (int i = 1; i <= count; ++i) {
       const std::string number = std::to_string(++sent_);
       ids.push_back(sender_->send(several ? "Application " + std::to_string(i) : "Mail", "Title " + number,
-                                 "What number " + number + " has to say"));
+                                  "What number " + number + " has to say"));
     }
     const std::string wanted = "targets=" + std::to_string(count);
     (void)Eventually(
@@ -210,8 +210,8 @@ int main() {
   std::printf("\nfrom a click to an empty screen, ms (median of %d)\n", kRounds);
   std::printf("%-12s%7s%9s%9s%25s%14s%18s\n", "", "calls", "program", "of which", "processor time by then", "ratio",
               "until it is done");
-  std::printf("%-12s%7s%9s%9s%9s%7s%7s%7s%7s%9s%9s\n", "banners of", "alone", "", "pauses", "program", "server",
-              "rest", "", "unp.", "", "pauses");
+  std::printf("%-12s%7s%9s%9s%9s%7s%7s%7s%7s%9s%9s\n", "banners of", "alone", "", "pauses", "program", "server", "rest",
+              "", "unp.", "", "pauses");
   const bool all = measure(kMate, {1, 5, 19, 20}) && measure(kLxqt, {1, 5, 19, 20, 40});
   if (!all) std::fprintf(stderr, "bench_linux_menu_bar_dismissal: a screen was not cleared\n");
   return all ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -86,8 +86,9 @@ int main() {
   std::printf("\nnothing happens for %d s\n", static_cast<int>(kWatching.count()));
   std::printf("%-44s%9s%9s%18s%10s%9s\n", "", "RSS", "PSS", "wake-ups a second", "processor", "threads");
   std::printf("%-44s%9s%9s%10s%8s%10s\n", "", "MiB", "MiB", "all", "main", "ms/s");
-  const bool all = measure(State::trusted, "the application", "refreshStatusItem available=true") &&
-                   measure(State::autoCloser, "the application with the auto-closer", "auto-close watching") &&
-                   measure(State::untrusted, "the application with the setup window", "refreshStatusItem available=false");
+  const bool all =
+      measure(State::trusted, "the application", "refreshStatusItem available=true") &&
+      measure(State::autoCloser, "the application with the auto-closer", "auto-close watching") &&
+      measure(State::untrusted, "the application with the setup window", "refreshStatusItem available=false");
   return all ? EXIT_SUCCESS : EXIT_FAILURE;
 }

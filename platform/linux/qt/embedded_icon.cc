@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr int kFirstSize = 22;      // in pixels, until the tray gives another
-constexpr int kToolTipDelay = 700;  // milliseconds, as is usual
-constexpr int kButtons[] = {1, 3};  // left, right
+constexpr int kFirstSize = 22;            // in pixels, until the tray gives another
+constexpr int kToolTipDelay = 700;        // milliseconds, as is usual
+constexpr int kButtons[] = {1, 3};        // left, right
 constexpr std::uint32_t kSizeHints = 18;  // words of that property, and what stands where
 constexpr std::uint32_t kLeastSizeFlag = 1U << 4U;
 constexpr std::size_t kLeastWidth = 5;
