@@ -74,6 +74,7 @@ class Desk {
 
   [[nodiscard]] std::optional<Run> clickProgram(int banners, bool several) {
     const std::vector<std::uint32_t> ids = send(banners, several);
+    if (ids.empty()) return std::nullopt;
     const std::size_t outcomes = countOutcomes();
     sleeps_.forget();
     std::optional<Run> run = click(icon_->x, icon_->y, program_->pid(), ids);
@@ -88,6 +89,7 @@ class Desk {
 
   [[nodiscard]] std::optional<Run> clickCloser(int banners, bool several) {
     const std::vector<std::uint32_t> ids = send(banners, several);
+    if (ids.empty()) return std::nullopt;
     std::vector<std::string> command = {HL_SMALLEST_CLOSER};
     for (std::uint32_t id : ids) command.push_back(std::to_string(id));
     const std::unique_ptr<ChildProcess> closer = session_.start(command);
@@ -98,7 +100,7 @@ class Desk {
   }
 
  private:
-  // Sends them and waits until the interface shows them all.
+  // Sends them and waits until the interface shows them all; none when it does not.
   std::vector<std::uint32_t> send(int count, bool several) {
     // A server that has been restarted counts from the beginning.
     sender_ = std::make_unique<NotificationSender>(session_.environment());
@@ -109,13 +111,13 @@ class Desk {
                                   "What number " + number + " has to say"));
     }
     const std::string wanted = "targets=" + std::to_string(count);
-    (void)Eventually(
+    const bool shown = Eventually(
         [&] {
           const std::unique_ptr<ChildProcess> check = session_.start({HL_HUSHLET, "--self-check"});
           return check->wait(kPatience).has_value() && check->output().find(wanted) != std::string::npos;
         },
-        std::chrono::seconds(10));
-    return ids;
+        kPatience);
+    return shown ? ids : std::vector<std::uint32_t>();
   }
 
   std::optional<Run> click(int x, int y, pid_t program, const std::vector<std::uint32_t>& ids) {
