@@ -14,9 +14,13 @@
 
 namespace {
 
-constexpr int kFirstSize = 22;      // in pixels, until the tray gives another
-constexpr int kToolTipDelay = 700;  // milliseconds, as is usual
-constexpr int kButtons[] = {1, 3};  // left, right
+constexpr int kFirstSize = 22;            // in pixels, until the tray gives another
+constexpr int kToolTipDelay = 700;        // milliseconds, as is usual
+constexpr int kButtons[] = {1, 3};        // left, right
+constexpr std::uint32_t kSizeHints = 18;  // words of that property, and what stands where
+constexpr std::uint32_t kLeastSizeFlag = 1U << 4U;
+constexpr std::size_t kLeastWidth = 5;
+constexpr std::size_t kLeastHeight = 6;
 constexpr std::uint32_t kDockRequest = 0;
 constexpr std::uint32_t kEmbeddedMapped = 1;
 constexpr std::uint32_t kHasMinimumSize = 16;
@@ -176,6 +180,12 @@ void HLEmbeddedIcon::dock() {
   const QByteArray classes = id + '\0' + id + '\0';
   xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
                       static_cast<std::uint32_t>(classes.size()), classes.constData());
+  // Trays ask for a window's least size; without one they give it a single pixel.
+  std::array<std::uint32_t, kSizeHints> hints{};
+  hints[0] = kLeastSizeFlag;
+  hints[kLeastWidth] = hints[kLeastHeight] = kFirstSize;
+  xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
+                      kSizeHints, hints.data());
   const xcb_atom_t info = x_.atom("_XEMBED_INFO");
   const std::array<std::uint32_t, 2> embedded = {0, kEmbeddedMapped};
   xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, info, info, 32, 2, embedded.data());

@@ -4,10 +4,21 @@
 #include <QGuiApplication>
 #include <utility>
 
+namespace {
+
+constexpr int kFrame = 16;  // milliseconds; as often as a screen shows a new picture
+
+}  // namespace
+
 HLQtStatusItem::HLQtStatusItem(HLQtApplication& application, std::string identifier, std::string displayName)
     : application_(application) {
   item_.identifier = QString::fromStdString(identifier);
   item_.displayName = QString::fromStdString(displayName);
+  drawing_.setSingleShot(true);
+  QObject::connect(&drawing_, &QTimer::timeout, [this] {
+    if (embedded_ != nullptr) embedded_->redraw();
+    if (notifier_ != nullptr) notifier_->redraw();
+  });
 }
 
 void HLQtStatusItem::install(HLStatusItemDescription description) {
@@ -35,8 +46,7 @@ void HLQtStatusItem::setImage(const HLSymbolImage& image) {
 }
 
 void HLQtStatusItem::redraw() {
-  if (embedded_ != nullptr) embedded_->redraw();
-  if (notifier_ != nullptr) notifier_->redraw();
+  if (!drawing_.isActive()) drawing_.start(kFrame);
 }
 
 void HLQtStatusItem::setMenuItem(std::string_view name, const std::string& title, bool on) {

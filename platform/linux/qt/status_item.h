@@ -3,6 +3,7 @@
 
 #include <QMenu>
 #include <QRect>
+#include <QTimer>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,6 +27,7 @@ class HLQtStatusItem : public HLStatusItem {
   void popUpMenu() override;
 
  private:
+  // Soon: what changes many times in a moment, as a count does, is drawn once.
   void redraw();
   void click(const HLTrayClick& click);
 
@@ -37,4 +39,5 @@ class HLQtStatusItem : public HLStatusItem {
   std::unique_ptr<HLTrayMenu> menu_;
   std::unique_ptr<HLEmbeddedIcon> embedded_;
   std::unique_ptr<HLStatusNotifier> notifier_;
+  QTimer drawing_;
 };

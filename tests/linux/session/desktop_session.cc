@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -286,15 +287,14 @@ void NotificationSender::listen() {
 }
 
 bool NotificationSender::waitUntilClosed(const std::vector<std::uint32_t>& ids, std::chrono::milliseconds limit) {
-  return Eventually(
-      [&] {
-        listen();
-        for (std::uint32_t id : ids) {
-          if (reasons_.count(id) == 0) return false;
-        }
-        return true;
-      },
-      limit);
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  const auto isClosed = [this](std::uint32_t id) { return reasons_.count(id) != 0; };
+  for (;;) {
+    listen();
+    if (std::all_of(ids.begin(), ids.end(), isClosed)) return true;
+    const auto left = std::chrono::ceil<std::chrono::microseconds>(deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0 || sd_bus_wait(bus_, static_cast<std::uint64_t>(left.count())) < 0) return false;
+  }
 }
 
 std::set<std::uint32_t> NotificationSender::closed() {
