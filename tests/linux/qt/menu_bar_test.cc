@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "tests/linux/session/desktop_session.h"
+#include "tests/linux/session/screen.h"
 
 namespace {
 
@@ -49,8 +50,8 @@ class MenuBar : public testing::Test {
  protected:
   void SetUp() override {
     session_ = std::make_unique<DesktopSession>(WithoutAccessibility());
-    // A window that is there before the window manager is not made the active one.
-    ASSERT_TRUE(Eventually([this] { return xdotool({"get_desktop"}) == "0\n"; }));
+    Screen screen(session_->environment());
+    ASSERT_TRUE(Eventually([&screen] { return screen.isManaged(); }));
   }
 
   void TearDown() override {
