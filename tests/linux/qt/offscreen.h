@@ -12,6 +12,9 @@
 #include "platform/linux/desktop_module.h"
 #include "platform/linux/run_loop.h"
 
+// The font library keeps what it has read of the system's fonts for good. One source of a program includes this.
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig.so\n"; }
+
 inline HLLinuxRunLoop& OffscreenRunLoop() {
   static HLLinuxRunLoop runLoop;
   return runLoop;
