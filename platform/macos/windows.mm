@@ -29,7 +29,8 @@ NS_ASSUME_NONNULL_END
 }
 
 - (void)windowWillClose:(NSNotification*)notification {
-  if (_willClose) _willClose();
+  const std::function<void()> willClose = _willClose;  // it may end the window, and this with it
+  if (willClose) willClose();
 }
 
 @end
