@@ -14,6 +14,8 @@
 
 // The font library keeps what it has read of the system's fonts for good. One source of a program includes this.
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig.so\n"; }
+// The thread sanitizer does not see how libraries synchronize that are not built with it.
+extern "C" const char* __tsan_default_options() { return "ignore_noninstrumented_modules=1"; }
 
 inline HLLinuxRunLoop& OffscreenRunLoop() {
   static HLLinuxRunLoop runLoop;
