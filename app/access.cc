@@ -3,15 +3,10 @@
 #include "core/element_access.h"
 #include "daemon/log/log.h"
 #include "daemon/self_check.h"
+#include "platform/display_name.h"
 #include "platform/platform.h"
-#include "platform/process_info.h"
 
-std::string HLAppDisplayName() {
-  const HLDictionary information = HLCurrentPlatform().process.informationDictionary();
-  const HLValue* value = HLDictionaryValue(information, "CFBundleDisplayName");
-  const std::string* name = value == nullptr ? nullptr : value->as<std::string>();
-  return name == nullptr || name->empty() ? "Hushlet" : *name;
-}
+std::string HLAppDisplayName() { return HLDisplayName(HLCurrentPlatform().process); }
 
 bool HLAccessibilityAvailable() { return HLIsAccessibilityTrusted(false) || HLLocalDaemonReachable(); }
 

@@ -5,12 +5,12 @@
 #include <filesystem>
 #include <utility>
 
+#include "platform/display_name.h"
 #include "platform/linux/access_guide.h"
 #include "platform/linux/desktop_module.h"
 #include "platform/linux/login_item.h"
 #include "platform/linux/user_defaults.h"
 #include "platform/linux/workspace.h"
-#include "platform/value.h"
 
 namespace {
 
@@ -24,13 +24,6 @@ std::variant<HLMakeDesktopFunction*, std::string> loadModule(const std::string& 
   void* function = module == nullptr ? nullptr : dlsym(module, HLMakeDesktopName);
   if (function == nullptr) return std::string("hushlet: the menu-bar application cannot be loaded: ") + dlerror();
   return reinterpret_cast<HLMakeDesktopFunction*>(function);
-}
-
-std::string displayName(HLProcessInfo& process) {
-  const HLDictionary information = process.informationDictionary();
-  const HLValue* value = HLDictionaryValue(information, "CFBundleDisplayName");
-  const std::string* name = value == nullptr ? nullptr : value->as<std::string>();
-  return name == nullptr || name->empty() ? kProgramName : *name;
 }
 
 }  // namespace
@@ -61,7 +54,7 @@ std::variant<const HLApplicationPlatform*, std::string> HLLinuxMenuBar::platform
 
   HLDesktopAnswer answer;
   std::get<HLMakeDesktopFunction*>(loaded)(
-      {process_.bundleIdentifier().value_or(kProgramName), displayName(process_), runLoop_}, answer);
+      {process_.bundleIdentifier().value_or(kProgramName), HLDisplayName(process_), runLoop_}, answer);
   if (answer.desktop == nullptr) return answer.failure;
   parts_ = std::make_unique<Parts>(process_, std::move(answer.desktop));
   return &parts_->platform;

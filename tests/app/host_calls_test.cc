@@ -11,9 +11,11 @@
 #include <vector>
 
 #include "app/app_delegate.h"
+#include "platform/alerts.h"
 #include "platform/application.h"
 #include "platform/application_platform.h"
 #include "platform/platform.h"
+#include "platform/run_loop.h"
 #include "platform/windows.h"
 #include "tests/support/simulated_desktop.h"
 
@@ -80,6 +82,19 @@ class SpyApplication : public HLApplication {
   Calls& calls_;
 };
 
+class SpyAlerts : public HLAlerts {
+ public:
+  explicit SpyAlerts(Calls& calls) : calls_(calls) {}
+
+  [[nodiscard]] std::size_t runModal(const HLAlert&) override {
+    calls_.emplace_back("alert");
+    return 0;
+  }
+
+ private:
+  Calls& calls_;
+};
+
 class HostCalls : public testing::Test {
  protected:
   // The scene's desktop with an application and windows that note what is asked of them.
@@ -116,6 +131,18 @@ TEST_F(HostCalls, OpenTheSettingsWindowWhenTheProgramIsStartedAgain) {
   EXPECT_EQ(windows_.made[0].title, "Hushlet Settings");
   EXPECT_EQ(windows_.made[0].sideMargin, 24);
   EXPECT_EQ(windows_.made[0].verticalMargin, 22);
+}
+
+TEST_F(HostCalls, BringTheApplicationToTheFrontBeforeAnAlert) {
+  const SimulatedDesktop desktop("{}");
+  const auto real = std::get<const HLApplicationPlatform*>(HLCurrentPlatform().applicationPlatform());
+  SpyAlerts alerts(calls_);
+  const HLApplicationPlatform host{application_,    real->statusItem, windows_,           alerts,
+                                   real->hotKeys,   real->loginItem,  real->userDefaults, real->httpClient,
+                                   real->workspace, std::nullopt};
+  std::make_shared<HLAppDelegate>(host)->checkForUpdates();
+  HLCurrentPlatform().runLoop.runFor(0.1);
+  EXPECT_THAT(calls_, ElementsAre("activate", "alert"));
 }
 
 TEST_F(HostCalls, FitTheSetupWindowBeforeItIsCentered) {
