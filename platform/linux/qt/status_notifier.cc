@@ -104,11 +104,20 @@ void HLStatusNotifier::registerItem() {
   QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, kWatcher, "RegisterStatusNotifierItem");
   call << service_;
   call.setAutoStartService(false);
-  bus.send(call);
+  ++unanswered_;
+  auto* pending = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+  connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
+    pending->deleteLater();
+    --unanswered_;
+    if (!wanted_) withdraw();
+  });
 }
 
-// Watchers forget an item when its name is gone.
-void HLStatusNotifier::withdraw() { QDBusConnection::sessionBus().unregisterService(service_); }
+// Watchers forget an item when its name is gone. They look out for that from the moment they answer: a name that goes
+// earlier would leave a dead item in the tray.
+void HLStatusNotifier::withdraw() {
+  if (unanswered_ == 0) QDBusConnection::sessionBus().unregisterService(service_);
+}
 
 void HLStatusNotifier::redraw() {
   const auto* adaptor = findChild<HLStatusNotifierAdaptor*>();

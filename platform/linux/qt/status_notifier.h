@@ -52,6 +52,7 @@ class HLStatusNotifier : public QObject {
   const QString service_;
   QDBusServiceWatcher watcher_;
   bool wanted_ = false;
+  int unanswered_ = 0;  // registrations on their way
 };
 
 class HLStatusNotifierAdaptor : public QDBusAbstractAdaptor {
