@@ -4,6 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
@@ -115,6 +118,7 @@ class HotKeys : public testing::Test {
  protected:
   void SetUp() override {
     unsetenv("WAYLAND_DISPLAY");
+    unsetenv("XDG_SESSION_TYPE");
     keys_->installHandler([this](const std::optional<HLHotKeyIdentity>& identity) {
       fired_.push_back(identity ? identity->id : 0);
       return HLHotKeyHandled;
@@ -148,7 +152,7 @@ class HotKeys : public testing::Test {
   DesktopSession session_{WithoutAccessibility()};
   SessionEnvironment environment_{session_.environment()};
   HLLinuxRunLoop loop_;
-  std::unique_ptr<HLQtHotKeys> keys_ = std::make_unique<HLQtHotKeys>(loop_);
+  std::unique_ptr<HLQtHotKeys> keys_ = std::make_unique<HLQtHotKeys>(loop_, "com.example.program");
   OtherClient other_;
   std::vector<std::uint32_t> fired_;
 };
@@ -300,11 +304,32 @@ TEST_F(HotKeys, OutliveTheirMaker) {
   EXPECT_TRUE(runUntil([this] { return fired_.size() == 1; }));
 }
 
+// The server grants the grab, and is never told of the key.
+TEST_F(HotKeys, AreNotAskedOfTheXServerOfAWaylandCompositor) {
+  setenv("WAYLAND_DISPLAY", "wayland-7", 1);
+  EXPECT_EQ(HLQtHotKeys(loop_, "com.example.program").registerHotKey(kF5, 0, {"HLhk", 1}).status, 0)
+      << "the name has outlived its compositor";
+
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  const std::string path = session_.environment().at("XDG_RUNTIME_DIR") + "/wayland-7";
+  ASSERT_LT(path.copy(address.sun_path, sizeof address.sun_path - 1), sizeof address.sun_path - 1);
+  const int compositor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_EQ(bind(compositor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(compositor, 5), 0);
+  for (const char* type : {"tty", "", "wayland"}) {
+    setenv("XDG_SESSION_TYPE", type, 1);
+    EXPECT_EQ(HLQtHotKeys(loop_, "com.example.program").registerHotKey(kF5, 0, {"HLhk", 1}).status, HLHotKeyFailed)
+        << "there is no portal; type " << type;
+  }
+  close(compositor);
+}
+
 TEST_F(HotKeys, EndQuietlyWithTheirServer) {
   const HLHotKeyRegistration registration = add(kF5, 0);
   ASSERT_EQ(registration.status, 0);
   setenv("DISPLAY", ":54321", 1);
-  HLQtHotKeys none(loop_);
+  HLQtHotKeys none(loop_, "com.example.program");
   EXPECT_EQ(none.registerHotKey(kF5, 0, {"HLhk", 1}).status, HLHotKeyFailed) << "there is no such display";
   unsetenv("DISPLAY");
   EXPECT_EQ(none.registerHotKey(kF5, 0, {"HLhk", 1}).status, HLHotKeyFailed);

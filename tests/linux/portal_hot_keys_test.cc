@@ -31,7 +31,17 @@ using Clock = std::chrono::steady_clock;
 constexpr const char* kPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kShortcuts = "org.freedesktop.portal.GlobalShortcuts";
 
-enum class Manner { willing, refusing, silent, withoutShortcuts };
+enum class Manner {
+  willing,
+  asking,           // its user, who has not answered yet
+  denying,          // for its user
+  granting,         // without saying what
+  grantingNothing,  // and saying so
+  early,            // binds with the session, as the first portals did
+  refusing,
+  silent,
+  withoutShortcuts
+};
 
 // The portal, on a thread and a connection of its own.
 class Portal {
@@ -79,20 +89,52 @@ class Portal {
  private:
   using Options = std::map<std::string, std::string>;
 
-  // The texts of an a{sv}.
-  static Options optionsOf(sd_bus_message* message) {
+  // The texts of an a{sv}; shortcuts in it are noted.
+  Options optionsOf(sd_bus_message* message) {
     Options options;
     sd_bus_message_enter_container(message, 'a', "{sv}");
     const char* key = nullptr;
     const char* value = nullptr;
     while (sd_bus_message_enter_container(message, 'e', "sv") > 0) {
-      if (sd_bus_message_read(message, "s", &key) > 0 && sd_bus_message_read(message, "v", "s", &value) > 0) {
+      sd_bus_message_read(message, "s", &key);
+      if (std::string_view(key) != "shortcuts") {
+        sd_bus_message_read(message, "v", "s", &value);
         options[key] = value;
+      } else if (manner_ == Manner::early) {
+        sd_bus_message_enter_container(message, 'v', "a(sa{sv})");
+        noteShortcuts(message);
+        sd_bus_message_exit_container(message);
+      } else {
+        sd_bus_message_skip(message, "v");
       }
       sd_bus_message_exit_container(message);
     }
     sd_bus_message_exit_container(message);
     return options;
+  }
+
+  void noteShortcuts(sd_bus_message* message) {
+    const char* shortcut = nullptr;
+    sd_bus_message_enter_container(message, 'a', "(sa{sv})");
+    while (sd_bus_message_enter_container(message, 'r', "sa{sv}") > 0) {
+      sd_bus_message_read(message, "s", &shortcut);
+      const Options options = optionsOf(message);
+      sd_bus_message_exit_container(message);
+      const std::lock_guard lock(mutex_);
+      lastShortcut_ = shortcut;
+      bound_.push_back(lastShortcut_ + "|" + options.at("preferred_trigger") + "|" + options.at("description"));
+    }
+    sd_bus_message_exit_container(message);
+  }
+
+  int answer(const std::string& request, std::uint32_t response) {
+    return sd_bus_emit_signal(bus_, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}", response,
+                              0);
+  }
+
+  int answerWith(const std::string& request, const std::string& shortcut) {
+    return sd_bus_emit_signal(bus_, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}", 0, 1,
+                              "shortcuts", "a(sa{sv})", 2, "other", 0, shortcut.c_str(), 1, "description", "s", "");
   }
 
   static std::string pathFor(const char* kind, sd_bus_message* message, const std::string& token) {
@@ -103,7 +145,7 @@ class Portal {
 
   static int createSession(sd_bus_message* message, void* data, sd_bus_error*) {
     auto& self = *static_cast<Portal*>(data);
-    const Options options = optionsOf(message);
+    const Options options = self.optionsOf(message);
     const std::string request = pathFor("request", message, options.at("handle_token"));
     const std::string session = pathFor("session", message, options.at("session_handle_token"));
     {
@@ -113,6 +155,11 @@ class Portal {
     }
     sd_bus_reply_method_return(message, "o", request.c_str());
     if (self.manner_ == Manner::silent) return 1;
+    if (self.manner_ == Manner::early) {
+      return sd_bus_emit_signal(self.bus_, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}", 0U,
+                                2, "shortcuts", "a(sa{sv})", 1, self.lastShortcut_.c_str(), 0, "session_handle", "s",
+                                session.c_str());
+    }
     const std::uint32_t response = self.manner_ == Manner::refusing ? 2 : 0;
     return sd_bus_emit_signal(self.bus_, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}",
                               response, 2, "other", "u", 5U, "session_handle", "s", session.c_str());
@@ -121,22 +168,16 @@ class Portal {
   static int bindShortcuts(sd_bus_message* message, void* data, sd_bus_error*) {
     auto& self = *static_cast<Portal*>(data);
     const char* session = nullptr;
-    const char* shortcut = nullptr;
     const char* window = nullptr;
     sd_bus_message_read(message, "o", &session);
-    sd_bus_message_enter_container(message, 'a', "(sa{sv})");
-    while (sd_bus_message_enter_container(message, 'r', "sa{sv}") > 0) {
-      sd_bus_message_read(message, "s", &shortcut);
-      const Options options = optionsOf(message);
-      sd_bus_message_exit_container(message);
-      const std::lock_guard lock(self.mutex_);
-      self.bound_.push_back(std::string(shortcut) + "|" + options.at("preferred_trigger") + "|" +
-                            options.at("description"));
-    }
-    sd_bus_message_exit_container(message);
+    self.noteShortcuts(message);
     sd_bus_message_read(message, "s", &window);
-    const std::string request = pathFor("request", message, optionsOf(message).at("handle_token"));
-    return sd_bus_reply_method_return(message, "o", request.c_str());
+    const std::string request = pathFor("request", message, self.optionsOf(message).at("handle_token"));
+    sd_bus_reply_method_return(message, "o", request.c_str());
+    if (self.manner_ == Manner::asking) return 1;
+    if (self.manner_ == Manner::denying) return self.answer(request, 1);
+    if (self.manner_ == Manner::granting) return self.answer(request, 0);
+    return self.answerWith(request, self.manner_ == Manner::grantingNothing ? "third" : self.lastShortcut_);
   }
 
   void run() {
@@ -157,6 +198,7 @@ class Portal {
   std::atomic<bool> ending_ = false;
   std::mutex mutex_;
   std::vector<std::function<void()>> steps_;
+  std::string lastShortcut_;
   std::vector<std::string> bound_;
   std::vector<std::string> sessions_;
   std::vector<std::string> clients_;
@@ -191,7 +233,7 @@ class WaylandHotKeys : public testing::Test {
   DesktopSession session_{WithoutAccessibility()};
   SessionEnvironment environment_{waylandOf(session_.environment())};
   HLLinuxRunLoop loop_;
-  HLQtHotKeys keys_{loop_};
+  HLQtHotKeys keys_{loop_, "com.example.the-program"};
   std::vector<std::uint32_t> fired_;
 };
 
@@ -202,13 +244,36 @@ TEST_F(WaylandHotKeys, AreWishedForAndFireWhenThePortalSaysSo) {
   Portal portal(Manner::willing);
   const HLHotKeyRegistration registration = add(kN, kThree, 7);
   ASSERT_EQ(registration.status, 0);
-  EXPECT_THAT(portal.bound(), ElementsAre("dismiss|CTRL+ALT+LOGO+n|Clear notifications"));
+  EXPECT_THAT(portal.bound(), ElementsAre("dismiss-CTRL+ALT+LOGO+n|CTRL+ALT+LOGO+n|Clear notifications"));
   const std::string session = portal.sessions().front();
-  portal.activate(session + "x", "dismiss");
+  portal.activate(session + "x", "dismiss-CTRL+ALT+LOGO+n");
   portal.activate(session, "other");
-  portal.activate(session, "dismiss");
+  portal.activate(session, "dismiss-CTRL+ALT+LOGO+n");
   EXPECT_TRUE(runUntil([this] { return !fired_.empty(); }));
   EXPECT_THAT(fired_, ElementsAre(7));
+}
+
+TEST_F(WaylandHotKeys, AreKnownAgainAfterARestartByProgramAndCombination) {
+  Portal portal(Manner::willing);
+  const auto nameOfOne = [&](std::uint32_t code) {
+    HLQtHotKeys keys(loop_, "com.example.the-program");
+    EXPECT_EQ(keys.registerHotKey(code, kThree, {"HLhk", 1}).status, 0);
+    const std::string session = portal.sessions().back();
+    const std::string shortcut = portal.bound().back();
+    return session.substr(session.rfind('/') + 1) + " " + shortcut.substr(0, shortcut.find('|'));
+  };
+  EXPECT_EQ(nameOfOne(kN), "com_example_the_program dismiss-CTRL+ALT+LOGO+n");
+  EXPECT_EQ(nameOfOne(kN), "com_example_the_program dismiss-CTRL+ALT+LOGO+n");
+  EXPECT_EQ(nameOfOne(40), "com_example_the_program dismiss-CTRL+ALT+LOGO+k") << "with other keys it is another one";
+}
+
+TEST_F(WaylandHotKeys, AreNotAskedForAgainWhereTheSessionBindsThem) {
+  Portal portal(Manner::early);
+  const HLHotKeyRegistration registration = add(kN, kThree, 7);
+  ASSERT_EQ(registration.status, 0);
+  EXPECT_THAT(portal.bound(), ElementsAre("dismiss-CTRL+ALT+LOGO+n|CTRL+ALT+LOGO+n|Clear notifications"));
+  portal.activate(portal.sessions().front(), "dismiss-CTRL+ALT+LOGO+n");
+  EXPECT_TRUE(runUntil([this] { return !fired_.empty(); }));
 }
 
 TEST_F(WaylandHotKeys, AreNamedAsThePortalNamesKeys) {
@@ -217,10 +282,20 @@ TEST_F(WaylandHotKeys, AreNamedAsThePortalNamesKeys) {
   kept.push_back(add(96, 0));
   kept.push_back(add(53, HLHotKeyShift | HLHotKeyCommand));
   kept.push_back(add(49, HLHotKeyControl));
-  EXPECT_THAT(portal.bound(),
-              ElementsAre(testing::StartsWith("dismiss|F5|"), testing::StartsWith("dismiss|SHIFT+LOGO+Escape|"),
-                          testing::StartsWith("dismiss|CTRL+space|")));
+  EXPECT_THAT(portal.bound(), ElementsAre(testing::HasSubstr("|F5|"), testing::HasSubstr("|SHIFT+LOGO+Escape|"),
+                                          testing::HasSubstr("|CTRL+space|")));
   EXPECT_EQ(add(0x7F, kThree).status, HLHotKeyFailed);
+}
+
+TEST_F(WaylandHotKeys, SucceedUnlessThePortalSaysThatItHasNotBoundThem) {
+  const auto statusWith = [this](Manner manner) {
+    Portal portal(manner);
+    return add(kN, kThree).status;
+  };
+  EXPECT_EQ(statusWith(Manner::granting), 0);
+  EXPECT_EQ(statusWith(Manner::asking), 0) << "the user may take any time";
+  EXPECT_EQ(statusWith(Manner::denying), HLHotKeyFailed);
+  EXPECT_EQ(statusWith(Manner::grantingNothing), HLHotKeyFailed);
 }
 
 TEST_F(WaylandHotKeys, EndWithTheirConnection) {

@@ -1,16 +1,13 @@
 #include "platform/linux/qt/display.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 #include <xcb/xcb.h>
 
 #include <QByteArray>
 #include <QDir>
 #include <QLibraryInfo>
 #include <QString>
-#include <cstring>
-#include <string>
+
+#include "platform/linux/qt/services/wayland.h"
 
 namespace {
 
@@ -27,20 +24,6 @@ bool hasWaylandPlugin() {
   return !plugins.entryList({"libqwayland*.so"}, QDir::Files).isEmpty();
 }
 
-bool reachWayland() {
-  QByteArray path = qgetenv("WAYLAND_DISPLAY");
-  if (path.isEmpty() || !hasWaylandPlugin()) return false;
-  if (!path.startsWith('/')) path = qgetenv("XDG_RUNTIME_DIR") + '/' + path;
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  if (static_cast<std::size_t>(path.size()) >= sizeof address.sun_path) return false;
-  std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
-  const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  const bool reached = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  ::close(descriptor);
-  return reached;
-}
-
 }  // namespace
 
 HLQtDisplay HLQtFindDisplay() {
@@ -49,9 +32,9 @@ HLQtDisplay HLQtFindDisplay() {
   const bool wantsX = any || wanted.startsWith("xcb");
   const bool wantsWayland = any || wanted.startsWith("wayland");
   if (!wantsX && !wantsWayland) return {"", ""};  // one that needs no display
-  // X first, XWayland too: there a menu can be opened at the tray's icon, a window centered and a hot key grabbed.
+  // X first, XWayland too: there a menu can be opened at the tray's icon and a window centered.
   if (wantsX && reachX()) return {any ? "xcb" : "", ""};
-  if (wantsWayland && reachWayland()) return {any ? "wayland" : "", ""};
+  if (wantsWayland && hasWaylandPlugin() && HLReachWayland()) return {any ? "wayland" : "", ""};
   if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
     return {"", "hushlet: there is no display; the menu-bar application needs a desktop session"};
   }

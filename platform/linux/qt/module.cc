@@ -44,7 +44,7 @@ class Desktop : public HLDesktop {
         application_(request),
         statusItem_(application_, request.identifier, request.displayName),
         alerts_(request.displayName),
-        hotKeys_(request.runLoop) {
+        hotKeys_(request.runLoop, request.identifier) {
     QApplication::setApplicationName(QString::fromStdString(request.identifier));
     QApplication::setDesktopFileName(QString::fromStdString(request.identifier));
     QApplication::setQuitOnLastWindowClosed(false);

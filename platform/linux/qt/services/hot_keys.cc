@@ -6,15 +6,16 @@
 #include <utility>
 
 #include "platform/linux/qt/services/portal_hot_keys.h"
+#include "platform/linux/qt/services/wayland.h"
 #include "platform/linux/qt/services/x11_hot_keys.h"
 
 namespace {
 
-// On Wayland there may be an X server as well, which is told of the keys only while one of its own windows has them.
+// On Wayland there may be an X server as well, which grants every grab and is told of the keys only while one of its
+// own windows has them. The type is that of the login: a compositor that was started from a console is still "tty".
 bool isWaylandSession() {
-  const char* display = std::getenv("WAYLAND_DISPLAY");
   const char* type = std::getenv("XDG_SESSION_TYPE");
-  return display != nullptr && *display != '\0' && type != nullptr && std::string_view(type) == "wayland";
+  return (type != nullptr && std::string_view(type) == "wayland") || HLReachWayland();
 }
 
 }  // namespace
@@ -25,7 +26,7 @@ HLHotKeyRegistration HLQtHotKeys::registerHotKey(std::uint32_t code, std::uint32
                                                  const HLHotKeyIdentity& identity) {
   if (service_ == nullptr) {
     if (isWaylandSession()) {
-      service_ = std::make_unique<HLPortalHotKeys>(runLoop_);
+      service_ = std::make_unique<HLPortalHotKeys>(runLoop_, identifier_);
     } else {
       service_ = std::make_unique<HLX11HotKeys>(runLoop_);
     }

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "platform/hot_keys.h"
 #include "platform/linux/run_loop.h"
@@ -10,8 +12,10 @@
 // Keys are told by their position on the keyboard. Command is Super, and Option is Alt.
 class HLQtHotKeys : public HLHotKeys {
  public:
-  // The run loop tells of presses. The display is found when the first hot key is registered.
-  explicit HLQtHotKeys(HLLinuxRunLoop& runLoop) : runLoop_(runLoop) {}
+  // The run loop tells of presses. The identifier is the program's. The display is found when the first hot key is
+  // registered.
+  HLQtHotKeys(HLLinuxRunLoop& runLoop, std::string identifier)
+      : runLoop_(runLoop), identifier_(std::move(identifier)) {}
 
   void installHandler(Handler handler) override;
   // A portal takes the combination as a wish: the user may change it, or refuse it later.
@@ -20,6 +24,7 @@ class HLQtHotKeys : public HLHotKeys {
 
  private:
   HLLinuxRunLoop& runLoop_;
+  const std::string identifier_;
   const std::shared_ptr<Handler> handler_ = std::make_shared<Handler>();
   std::unique_ptr<HLHotKeys> service_;
 };

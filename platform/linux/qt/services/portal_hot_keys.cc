@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cctype>
 #include <chrono>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -21,8 +23,10 @@ using Clock = std::chrono::steady_clock;
 constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
 constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kShortcuts = "org.freedesktop.portal.GlobalShortcuts";
-constexpr const char* kShortcutId = "dismiss";
-constexpr std::chrono::seconds kPatience{3};
+constexpr const char* kDescription = "Clear notifications";
+constexpr std::chrono::milliseconds kPatience{3000};
+// A desktop that asks nobody has answered by then.
+constexpr std::chrono::milliseconds kPatienceWithUser{400};
 
 struct KeyName {
   std::uint32_t code;
@@ -72,15 +76,76 @@ std::optional<std::string> trigger(std::uint32_t code, std::uint32_t modifiers) 
   return text + key->name;
 }
 
-struct FreeMessage {
-  void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-};
-using Message = std::unique_ptr<sd_bus_message, FreeMessage>;
-
 // A token that no other request of this process has.
 std::string newToken() {
   static std::atomic<int> count = 0;
   return "hushlet_" + std::to_string(getpid()) + "_" + std::to_string(++count);
+}
+
+// A token that every session of the program has: some desktops keep the user's choice of keys under it.
+std::string sessionToken(const std::string& identifier) {
+  std::string token = identifier;
+  const auto isAllowed = [](unsigned char c) { return (c < 0x80 && std::isalnum(c) != 0) || c == '_'; };
+  std::replace_if(token.begin(), token.end(), std::not_fn(isAllowed), '_');
+  return token;
+}
+
+// What the answer to a request says of it.
+struct Answer {
+  bool granted = false;
+  std::string session;
+  std::optional<bool> listsShortcut;  // nothing when it lists none at all
+};
+
+void readSession(sd_bus_message* message, Answer& answer) {
+  // The handle is a text by an old mistake of the portal's; a path would be right, and may come some day.
+  char type = 0;
+  const char* session = nullptr;
+  if (sd_bus_message_peek_type(message, &type, nullptr) > 0 && (type == 's' || type == 'o') &&
+      sd_bus_message_read_basic(message, type, &session) > 0) {
+    answer.session = session;
+  }
+}
+
+void readShortcuts(sd_bus_message* message, const std::string& wanted, Answer& answer) {
+  if (sd_bus_message_enter_container(message, 'a', "(sa{sv})") <= 0) return;
+  answer.listsShortcut = false;
+  const char* id = nullptr;
+  while (sd_bus_message_enter_container(message, 'r', "sa{sv}") > 0) {
+    if (sd_bus_message_read(message, "s", &id) > 0 && id == wanted) answer.listsShortcut = true;
+    sd_bus_message_skip(message, "a{sv}");
+    sd_bus_message_exit_container(message);
+  }
+  sd_bus_message_exit_container(message);
+}
+
+Answer readAnswer(sd_bus_message* message, const std::string& wanted) {
+  Answer answer;
+  std::uint32_t response = 1;
+  if (sd_bus_message_read(message, "u", &response) <= 0 || response != 0 ||
+      sd_bus_message_enter_container(message, 'a', "{sv}") <= 0) {
+    return answer;
+  }
+  answer.granted = true;
+  while (sd_bus_message_enter_container(message, 'e', "sv") > 0) {
+    const char* key = nullptr;
+    const char* type = nullptr;
+    sd_bus_message_read(message, "s", &key);
+    const std::string_view name = key == nullptr ? "" : key;
+    if (name != "session_handle" && name != "shortcuts") {
+      sd_bus_message_skip(message, "v");
+    } else if (sd_bus_message_peek_type(message, nullptr, &type) > 0 &&
+               sd_bus_message_enter_container(message, 'v', type) > 0) {
+      if (name == "shortcuts") {
+        readShortcuts(message, wanted, answer);
+      } else {
+        readSession(message, answer);
+      }
+      sd_bus_message_exit_container(message);
+    }
+    sd_bus_message_exit_container(message);
+  }
+  return answer;
 }
 
 }  // namespace
@@ -88,85 +153,93 @@ std::string newToken() {
 // One session of the portal with its one shortcut, on a bus connection of its own: all ends with it.
 class HLPortalHotKeys::HotKey : public HLHotKey {
  public:
-  HotKey(HLLinuxRunLoop& runLoop, std::shared_ptr<Handler> handler, HLHotKeyIdentity identity)
-      : runLoop_(runLoop), handler_(std::move(handler)), identity_(std::move(identity)) {}
+  HotKey(HLLinuxRunLoop& runLoop, std::shared_ptr<Handler> handler, HLHotKeyIdentity identity, std::string wish)
+      : runLoop_(runLoop),
+        handler_(std::move(handler)),
+        identity_(std::move(identity)),
+        trigger_(std::move(wish)),
+        // Desktops take an identifier that they know with the keys that it had; another wish needs another one.
+        shortcut_("dismiss-" + trigger_) {}
   ~HotKey() override {
     runLoop_.removeSource(source_);
     sd_bus_flush_close_unref(bus_);
   }
 
-  [[nodiscard]] bool begin(const std::string& preferredTrigger) {
+  [[nodiscard]] bool begin(const std::string& token) {
     if (sd_bus_open_user(&bus_) < 0) return false;
     sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(kPatience).count());
     if (sd_bus_match_signal(bus_, nullptr, kPortal, kPortalPath, kShortcuts, "Activated", &HotKey::activated, this) <
             0 ||
-        !createSession() || !bind(preferredTrigger)) {
+        !createSession(token) || (!isBound_ && !bind())) {
       return false;
     }
     source_ = runLoop_.addSource({sd_bus_get_fd(bus_), [this] { return serve(); }});
+    runLoop_.postToMainQueue([] {});  // what came with the answers waits where no descriptor tells of it
     return true;
   }
 
  private:
-  [[nodiscard]] bool createSession() {
-    // The answer is a signal of an object whose path is known beforehand, so that it cannot be missed.
-    const char* name = nullptr;
-    if (sd_bus_get_unique_name(bus_, &name) < 0) return false;
-    std::string sender = name + 1;
-    std::replace(sender.begin(), sender.end(), '.', '_');
-    const std::string token = newToken();
-    const std::string request = std::string(kPortalPath) + "/request/" + sender + "/" + token;
-    if (sd_bus_match_signal(bus_, nullptr, kPortal, request.c_str(), "org.freedesktop.portal.Request", "Response",
-                            &HotKey::sessionCreated, this) < 0) {
+  // The first portals took the shortcut here and do nothing with it later; they list it in their answer.
+  [[nodiscard]] bool createSession(const std::string& token) {
+    const std::string request = expectAnswer();
+    if (request.empty() ||
+        sd_bus_call_method(bus_, kPortal, kPortalPath, kShortcuts, "CreateSession", nullptr, nullptr, "a{sv}", 3,
+                           "handle_token", "s", request.c_str(), "session_handle_token", "s", token.c_str(),
+                           "shortcuts", "a(sa{sv})", 1, shortcut_.c_str(), 2, "description", "s", kDescription,
+                           "preferred_trigger", "s", trigger_.c_str()) < 0) {
       return false;
     }
-    if (sd_bus_call_method(bus_, kPortal, kPortalPath, kShortcuts, "CreateSession", nullptr, nullptr, "a{sv}", 2,
-                           "handle_token", "s", token.c_str(), "session_handle_token", "s", token.c_str()) < 0) {
-      return false;
-    }
-    const Clock::time_point deadline = Clock::now() + kPatience;
-    while (!hasAnswered_ && Clock::now() < deadline) {
-      const int processed = sd_bus_process(bus_, nullptr);
-      if (processed < 0) return false;
-      const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
-      if (processed == 0 && left > 0 && sd_bus_wait(bus_, static_cast<std::uint64_t>(left)) < 0) return false;
-    }
+    const std::optional<Answer> answer = waitForAnswer(kPatience);
+    if (!answer) return false;
+    session_ = answer->session;
+    isBound_ = answer->listsShortcut.value_or(false);
     return !session_.empty();
   }
 
-  // The desktop may ask its user, who may take any time: the answer is not waited for.
-  [[nodiscard]] bool bind(const std::string& preferredTrigger) {
-    return sd_bus_call_method(bus_, kPortal, kPortalPath, kShortcuts, "BindShortcuts", nullptr, nullptr,
-                              "oa(sa{sv})sa{sv}", session_.c_str(), 1, kShortcutId, 2, "description", "s",
-                              "Clear notifications", "preferred_trigger", "s", preferredTrigger.c_str(), "", 1,
-                              "handle_token", "s", newToken().c_str()) >= 0;
+  // The desktop may ask its user, who may take any time: that answer is not waited for.
+  [[nodiscard]] bool bind() {
+    const std::string request = expectAnswer();
+    if (request.empty() || sd_bus_call_method(bus_, kPortal, kPortalPath, kShortcuts, "BindShortcuts", nullptr, nullptr,
+                                              "oa(sa{sv})sa{sv}", session_.c_str(), 1, shortcut_.c_str(), 2,
+                                              "description", "s", kDescription, "preferred_trigger", "s",
+                                              trigger_.c_str(), "", 1, "handle_token", "s", request.c_str()) < 0) {
+      return false;
+    }
+    const std::optional<Answer> answer = waitForAnswer(kPatienceWithUser);
+    return !answer || (answer->granted && answer->listsShortcut.value_or(true));
   }
 
-  static int sessionCreated(sd_bus_message* message, void* hotKey, sd_bus_error*) {
+  // The token of the next request. The answer is a signal of an object whose path is known beforehand, so that it
+  // cannot be missed.
+  [[nodiscard]] std::string expectAnswer() {
+    answer_ = std::nullopt;
+    const char* name = nullptr;
+    if (sd_bus_get_unique_name(bus_, &name) < 0) return "";
+    std::string sender = name + 1;
+    std::replace(sender.begin(), sender.end(), '.', '_');
+    std::string token = newToken();
+    const std::string request = std::string(kPortalPath) + "/request/" + sender + "/" + token;
+    if (sd_bus_match_signal(bus_, nullptr, kPortal, request.c_str(), "org.freedesktop.portal.Request", "Response",
+                            &HotKey::answered, this) < 0) {
+      return "";
+    }
+    return token;
+  }
+
+  [[nodiscard]] std::optional<Answer> waitForAnswer(std::chrono::milliseconds patience) {
+    const Clock::time_point deadline = Clock::now() + patience;
+    while (!answer_ && Clock::now() < deadline) {
+      const int processed = sd_bus_process(bus_, nullptr);
+      if (processed < 0) return Answer{};
+      const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
+      if (processed == 0 && left > 0 && sd_bus_wait(bus_, static_cast<std::uint64_t>(left)) < 0) return Answer{};
+    }
+    return answer_;
+  }
+
+  static int answered(sd_bus_message* message, void* hotKey, sd_bus_error*) {
     auto& self = *static_cast<HotKey*>(hotKey);
-    self.hasAnswered_ = true;
-    std::uint32_t response = 1;
-    if (sd_bus_message_read(message, "u", &response) <= 0 || response != 0 ||
-        sd_bus_message_enter_container(message, 'a', "{sv}") <= 0) {
-      return 0;
-    }
-    while (sd_bus_message_enter_container(message, 'e', "sv") > 0) {
-      const char* key = nullptr;
-      const char* session = nullptr;
-      sd_bus_message_read(message, "s", &key);
-      // The handle is a text by an old mistake of the portal's; a path would be right, and may come some day.
-      if (std::string_view(key) != "session_handle") {
-        sd_bus_message_skip(message, "v");
-      } else if (sd_bus_message_enter_container(message, 'v', nullptr) > 0) {
-        char type = 0;
-        if (sd_bus_message_peek_type(message, &type, nullptr) > 0 && (type == 's' || type == 'o')) {
-          sd_bus_message_read_basic(message, type, &session);
-        }
-        sd_bus_message_exit_container(message);
-      }
-      if (session != nullptr) self.session_ = session;
-      sd_bus_message_exit_container(message);
-    }
+    self.answer_ = readAnswer(message, self.shortcut_);
     return 0;
   }
 
@@ -175,7 +248,7 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
     const char* session = nullptr;
     const char* shortcut = nullptr;
     if (sd_bus_message_read(message, "os", &session, &shortcut) <= 0) return 0;
-    if (session == self.session_ && std::string_view(shortcut) == kShortcutId) {
+    if (session == self.session_ && shortcut == self.shortcut_) {
       // The handler may end this hot key.
       self.runLoop_.postToMainQueue([handler = self.handler_, identity = self.identity_] {
         if (*handler) (void)(*handler)(identity);
@@ -194,10 +267,13 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
   HLLinuxRunLoop& runLoop_;
   const std::shared_ptr<Handler> handler_;
   const HLHotKeyIdentity identity_;
+  const std::string trigger_;
+  const std::string shortcut_;
   sd_bus* bus_ = nullptr;
   int source_ = 0;
-  bool hasAnswered_ = false;
   std::string session_;
+  bool isBound_ = false;
+  std::optional<Answer> answer_;  // to the last request
 };
 
 void HLPortalHotKeys::installHandler(Handler handler) { *handler_ = std::move(handler); }
@@ -206,7 +282,7 @@ HLHotKeyRegistration HLPortalHotKeys::registerHotKey(std::uint32_t code, std::ui
                                                      const HLHotKeyIdentity& identity) {
   const std::optional<std::string> preferred = trigger(code, modifiers);
   if (!preferred) return {HLHotKeyFailed, nullptr};
-  auto hotKey = std::make_unique<HotKey>(runLoop_, handler_, identity);
-  if (!hotKey->begin(*preferred)) return {HLHotKeyFailed, nullptr};
+  auto hotKey = std::make_unique<HotKey>(runLoop_, handler_, identity, *preferred);
+  if (!hotKey->begin(sessionToken(identifier_))) return {HLHotKeyFailed, nullptr};
   return {0, std::move(hotKey)};
 }
