@@ -4,8 +4,11 @@
 #include <QGuiApplication>
 #include <QKeySequence>
 #include <QScreen>
+#include <QWidget>
+#include <optional>
 #include <utility>
 
+#include "platform/linux/qt/services/wayland.h"
 #include "platform/linux/qt/text.h"
 
 namespace {
@@ -16,6 +19,18 @@ constexpr const char* kKeyProperty = "key";
 QKeySequence keysOf(const std::string& keyEquivalent) {
   return QKeySequence("Ctrl+" + QString::fromStdString(keyEquivalent).toUpper());
 }
+
+// Below a menu of the X server beside a Wayland compositor. The menu is told of the clicks on windows of that server
+// only, and would stay open; so one of them covers the screen, and nobody sees it.
+class Backdrop : public QWidget {
+ public:
+  Backdrop() : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint) {
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setGeometry(QGuiApplication::primaryScreen()->virtualGeometry());
+    show();
+  }
+};
 
 QString titleWithKeys(const std::string& title, const QString& keys) {
   return keys.isEmpty() ? HLQtPlain(title) : HLQtPlain(title) + '\t' + keys;
@@ -61,6 +76,15 @@ void HLTrayMenu::setItem(std::string_view name, const std::string& title, bool o
 void HLTrayMenu::open(const QRect& item) {
   if (isVisible()) return;
   if (menu_.needsUpdate) menu_.needsUpdate();
+  std::optional<Backdrop> backdrop;
+  if (QGuiApplication::platformName() == "xcb") {
+    if (HLReachWayland()) backdrop.emplace();
+  } else {
+    // A menu that belongs to no window is a window itself on Wayland: with a title, and tiled where its size can
+    // change.
+    setWindowTitle(title());
+    setFixedSize(sizeHint());
+  }
   QPoint corner(item.left(), item.top() + item.height());
   const QScreen* screen = QGuiApplication::screenAt(item.topLeft());
   // From a panel at the bottom it opens upwards.

@@ -2,7 +2,9 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -293,6 +295,34 @@ TEST_F(MenuBar, ASecondStartReopensTheFirstAndEnds) {
   EXPECT_EQ(second->wait(std::chrono::seconds(20)), 0) << second->output();
   EXPECT_THAT(second->output(), Not(HasSubstr("launched")));
   waitFor("reopened");
+}
+
+// There it is not told of clicks beside it, unless on a window of its own.
+TEST_F(MenuBar, TheMenuCoversTheScreenBesideAWaylandCompositorWhileItIsOpen) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  const std::string path = session_->environment().at("XDG_RUNTIME_DIR") + "/wayland-7";
+  ASSERT_LT(path.copy(address.sun_path, sizeof address.sun_path - 1), sizeof address.sun_path - 1);
+  const int compositor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_EQ(bind(compositor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(compositor, 5), 0);
+
+  startXTray();
+  startProgram("xcb WAYLAND_DISPLAY=wayland-7");
+  const std::string screen = xdotool({"getdisplaygeometry", "--shell"});  // "WIDTH=...\nHEIGHT=...\n"
+  const auto isCovered = [&] {
+    const std::string own =
+        xdotool({"search", "--onlyvisible", "--class", kIdentifier, "getwindowgeometry", "--shell", "%@"});
+    return own.find(screen) != std::string::npos;
+  };
+  clickDocked("3");
+  waitFor("menu opens");
+  EXPECT_TRUE(Eventually(isCovered));
+  keepPicture("menu-over-wayland");
+  xdotool({"mousemove", "300", "300", "click", "1"});
+  waitFor("menu closed");
+  EXPECT_TRUE(Eventually([&] { return !isCovered(); }));
+  close(compositor);
 }
 
 TEST_F(MenuBar, ItEndsWellWhenItIsTold) {
