@@ -127,14 +127,13 @@ class Portal {
     sd_bus_message_exit_container(message);
   }
 
-  int answer(const std::string& request, std::uint32_t response) {
-    return sd_bus_emit_signal(bus_, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}", response,
-                              0);
+  void answer(const std::string& request, std::uint32_t response) {
+    sd_bus_emit_signal(bus_, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}", response, 0);
   }
 
-  int answerWith(const std::string& request, const std::string& shortcut) {
-    return sd_bus_emit_signal(bus_, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}", 0, 1,
-                              "shortcuts", "a(sa{sv})", 2, "other", 0, shortcut.c_str(), 1, "description", "s", "");
+  void answerWith(const std::string& request, const std::string& shortcut) {
+    sd_bus_emit_signal(bus_, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}", 0, 1, "shortcuts",
+                       "a(sa{sv})", 2, "other", 0, shortcut.c_str(), 1, "description", "s", "");
   }
 
   static std::string pathFor(const char* kind, sd_bus_message* message, const std::string& token) {
@@ -173,11 +172,15 @@ class Portal {
     self.noteShortcuts(message);
     sd_bus_message_read(message, "s", &window);
     const std::string request = pathFor("request", message, self.optionsOf(message).at("handle_token"));
-    sd_bus_reply_method_return(message, "o", request.c_str());
-    if (self.manner_ == Manner::asking) return 1;
-    if (self.manner_ == Manner::denying) return self.answer(request, 1);
-    if (self.manner_ == Manner::granting) return self.answer(request, 0);
-    return self.answerWith(request, self.manner_ == Manner::grantingNothing ? "third" : self.lastShortcut_);
+    // An answer may come before the reply; so nobody need wait for it here.
+    if (self.manner_ == Manner::denying) {
+      self.answer(request, 1);
+    } else if (self.manner_ == Manner::granting) {
+      self.answer(request, 0);
+    } else if (self.manner_ != Manner::asking) {
+      self.answerWith(request, self.manner_ == Manner::grantingNothing ? "third" : self.lastShortcut_);
+    }
+    return sd_bus_reply_method_return(message, "o", request.c_str());
   }
 
   void run() {
