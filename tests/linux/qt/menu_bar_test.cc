@@ -326,8 +326,11 @@ TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
   keepPicture("setup-window");
   xdotool({"key", "Return"});
   waitFor("primary");
-  xdotool({"key", "alt+F4"});
-  waitFor("closed");
+  // The window manager takes its keys anew after the first that is typed, and misses one that comes meanwhile.
+  EXPECT_TRUE(Eventually([this] {
+    xdotool({"key", "alt+F4"});
+    return count("closed") > 0;
+  })) << program_->output();
 }
 
 TEST_F(MenuBar, AnAlertHoldsItUpAndTheRunLoopGoesOn) {
