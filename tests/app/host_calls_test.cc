@@ -2,8 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -11,89 +14,17 @@
 #include <vector>
 
 #include "app/app_delegate.h"
-#include "platform/alerts.h"
-#include "platform/application.h"
 #include "platform/application_platform.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
-#include "platform/windows.h"
+#include "tests/app/application_spies.h"
 #include "tests/support/simulated_desktop.h"
+#include "tests/support/spies.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
 using testing::ElementsAre;
-
-using Calls = std::vector<std::string>;
-
-class SpyWindow : public HLWindow {
- public:
-  explicit SpyWindow(Calls& calls) : calls_(calls) {}
-
-  void setLabel(std::string_view, const std::string&, HLTextColor) override {}
-  void setButtonTitle(std::string_view, const std::string&) override {}
-  void setCheckBox(std::string_view, bool) override {}
-  void setEnabled(std::string_view, bool) override {}
-  void fitHeight() override { calls_.emplace_back("fit height"); }
-  void center() override { calls_.emplace_back("center"); }
-  void makeKeyAndOrderFront() override { calls_.emplace_back("order front"); }
-  void close() override { calls_.emplace_back("close"); }
-
- private:
-  Calls& calls_;
-};
-
-class SpyWindows : public HLWindows {
- public:
-  explicit SpyWindows(Calls& calls) : calls_(calls) {}
-
-  [[nodiscard]] std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) override {
-    made.push_back(std::move(description));
-    return std::make_unique<SpyWindow>(calls_);
-  }
-  [[nodiscard]] std::vector<HLWindowView> views() override { return {}; }
-
-  std::vector<HLWindowDescription> made;
-
- private:
-  Calls& calls_;
-};
-
-// Launches, reopens and ends.
-class SpyApplication : public HLApplication {
- public:
-  explicit SpyApplication(Calls& calls) : calls_(calls) {}
-
-  [[nodiscard]] int run(HLApplicationHandlers handlers) override {
-    handlers.didFinishLaunching();
-    calls_.emplace_back("launched");
-    handlers.didReopen();
-    return 7;
-  }
-  void terminate() override {}
-  void activate() override { calls_.emplace_back("activate"); }
-  void setDarkAppearance() override {}
-  void beep() override {}
-  [[nodiscard]] std::optional<HLEvent> currentEvent() override { return std::nullopt; }
-  [[nodiscard]] std::unique_ptr<HLKeyMonitor> addKeyMonitor(std::function<void(const HLKeyEvent&)>) override {
-    return nullptr;
-  }
-
- private:
-  Calls& calls_;
-};
-
-class SpyAlerts : public HLAlerts {
- public:
-  explicit SpyAlerts(Calls& calls) : calls_(calls) {}
-
-  [[nodiscard]] std::size_t runModal(const HLAlert&) override {
-    calls_.emplace_back("alert");
-    return 0;
-  }
-
- private:
-  Calls& calls_;
-};
 
 class HostCalls : public testing::Test {
  protected:
@@ -126,29 +57,18 @@ constexpr const char* kProduct = R"(, "bundle": {"info": {"HLProductFlavor": "pr
 
 TEST_F(HostCalls, OpenTheSettingsWindowWhenTheProgramIsStartedAgain) {
   EXPECT_EQ(run(std::string(R"({"trusted": true)") + kProduct), 7);
-  EXPECT_THAT(calls_, ElementsAre("launched", "center", "activate", "order front"));
+  EXPECT_THAT(calls_, ElementsAre("launched", "label ⌃⌥⌘N", "label Allowed", "center", "activate", "order front"));
   ASSERT_EQ(windows_.made.size(), 1U);
   EXPECT_EQ(windows_.made[0].title, "Hushlet Settings");
   EXPECT_EQ(windows_.made[0].sideMargin, 24);
   EXPECT_EQ(windows_.made[0].verticalMargin, 22);
 }
 
-TEST_F(HostCalls, BringTheApplicationToTheFrontBeforeAnAlert) {
-  const SimulatedDesktop desktop("{}");
-  const auto real = std::get<const HLApplicationPlatform*>(HLCurrentPlatform().applicationPlatform());
-  SpyAlerts alerts(calls_);
-  const HLApplicationPlatform host{application_,    real->statusItem, windows_,           alerts,
-                                   real->hotKeys,   real->loginItem,  real->userDefaults, real->httpClient,
-                                   real->workspace, std::nullopt};
-  std::make_shared<HLAppDelegate>(host)->checkForUpdates();
-  HLCurrentPlatform().runLoop.runFor(0.1);
-  EXPECT_THAT(calls_, ElementsAre("activate", "alert"));
-}
-
 TEST_F(HostCalls, FitTheSetupWindowBeforeItIsCentered) {
   EXPECT_EQ(run(std::string(R"({"trusted": false)") + kProduct), 7);
-  EXPECT_THAT(calls_, ElementsAre("fit height", "center", "activate", "order front", "launched", "center", "activate",
-                                  "order front"));
+  calls_.resize(6);  // the settings window follows
+  EXPECT_THAT(calls_, ElementsAre("label Waiting for Accessibility access…", "fit height", "center", "activate",
+                                  "order front", "launched"));
   ASSERT_EQ(windows_.made.size(), 2U);
   const HLWindowDescription& setup = windows_.made[0];
   EXPECT_EQ(setup.title, "Set Up Hushlet");
@@ -178,6 +98,146 @@ TEST_F(HostCalls, FailInOneLineWhereNothingCanBeShown) {
   };
   EXPECT_EQ(runOn(platform), 1);
   EXPECT_EQ(err_.str(), "nowhere to show it\n");
+}
+
+// Notes the moment at which launches begin to be observed.
+class SpyLaunches : public SpyRunningApplications {
+ public:
+  SpyLaunches(HLRunningApplications& inner, Calls& calls) : SpyRunningApplications(inner), calls_(calls) {}
+  void observeLaunches(std::function<void(const HLRunningApplication&)>) override {
+    calls_.emplace_back("observe launches");
+  }
+
+ private:
+  Calls& calls_;
+};
+
+// The application on a host of spies; it is launched by the test.
+struct Application {
+  explicit Application(const std::string& scene) : desktop("{" + scene + kProduct) { HLInstallPlatform(&platform); }
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
+  // The messages of the status log that begin with the text.
+  [[nodiscard]] std::vector<std::string> messages(std::string_view beginning) const {
+    std::vector<std::string> found = LogMessages(FileContent(desktop.home() + "/.local/share/dismiss/status.log"));
+    std::erase_if(found, [beginning](const std::string& message) { return !message.starts_with(beginning); });
+    return found;
+  }
+
+  SimulatedDesktop desktop;
+  SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};
+  SpyLaunches launches{desktop.platform().runningApplications, host.calls};
+  const HLPlatform platform{desktop.platform().accessibility,
+                            launches,
+                            desktop.platform().runLoop,
+                            desktop.platform().process,
+                            desktop.platform().propertyLists,
+                            desktop.platform().userNotifications,
+                            {}};
+  const std::shared_ptr<HLAppDelegate> delegate = std::make_shared<HLAppDelegate>(host.platform);
+};
+
+TEST(LaunchCalls, ComeOneAfterTheOther) {
+  Application application(R"("trusted": false, "arguments": ["hushlet", "--open-settings", "--appearance-dark"])");
+  application.delegate->applicationDidFinishLaunching();
+  Calls& calls = application.host.calls;
+  calls.resize(16);  // the settings window follows
+  EXPECT_THAT(calls,
+              ElementsAre("register defaults", "install status item", "install hot key handler", "observe launches",
+                          "look at auto-close", "register hot key", "image exclamationmark.triangle", "title ",
+                          "label Waiting for Accessibility access…", "image exclamationmark.triangle", "title ",
+                          "fit height", "center", "activate", "order front", "dark appearance"));
+}
+
+TEST(LaunchCalls, GiveTheMenuTheApplicationsName) {
+  Application application(R"("trusted": true)");
+  application.delegate->applicationDidFinishLaunching();
+  EXPECT_EQ(application.host.statusItem.installed.menu.title, "Hushlet");
+}
+
+TEST(UpdateCheckCalls, BringTheApplicationToTheFrontBeforeTheAlert) {
+  Application application(R"("trusted": true)");
+  application.delegate->checkForUpdates();
+  application.desktop.platform().runLoop.runFor(0.1);
+  EXPECT_THAT(application.host.calls, ElementsAre("activate", "alert"));
+}
+
+TEST(SetupWindowCalls, MakeTheWindowOnce) {
+  Application application(R"("trusted": true)");
+  application.delegate->showSetupWindow();
+  application.delegate->showSetupWindow();
+  EXPECT_EQ(application.host.windows.made.size(), 1U);
+}
+
+TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
+  constexpr std::uint64_t kControl = 0x40000;
+  struct Click {
+    HLEvent event;
+    const char* modifiers;  // as they are logged
+    bool opensMenu;
+  };
+  for (const auto& [event, modifiers, opensMenu] :
+       {Click{{4, 0}, "0", true}, Click{{2, kControl}, "262144", true}, Click{{2, 0x40101}, "262144", true},
+        Click{{2, 0x80040000}, "2147745792", true}, Click{{2, 0xFFFF}, "0", false}, Click{{2, 0x100000000}, "0", false},
+        Click{{1, kControl}, "262144", false}, Click{{3, kControl}, "262144", false},
+        Click{{0, kControl}, "262144", false}}) {
+    Application application(R"("trusted": true)");
+    application.host.application.event = event;
+    application.delegate->handleStatusItemClick();
+    application.desktop.platform().runLoop.runFor(1);  // to the end of the dismissal
+    const bool opened = !application.host.calls.empty() && application.host.calls.front() == "pop up menu";
+    EXPECT_EQ(opened, opensMenu) << event.type << " " << event.modifiers;
+    EXPECT_THAT(application.messages("handleClick"),
+                ElementsAre("handleClick type=" + std::to_string(event.type) + " modifiers=" + modifiers));
+  }
+}
+
+HLWindowView view(const std::string& title, double width, double height, const std::optional<std::string>& png = "") {
+  return {title, true, width, height, [png] { return png; }};
+}
+
+std::set<std::string> filesIn(const std::string& directory) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(directory)) names.insert(entry.path().filename());
+  return names;
+}
+
+TEST(Snapshots, AreNumberedFromZeroAndNamedByTitleOrNumber) {
+  const TemporaryDirectory pictures;
+  Application application(R"("arguments": ["hushlet", "--snapshot-windows", ")" + pictures.path() + "\"]");
+  HLWindowView hidden = view("Hidden", 100, 100);
+  hidden.visible = false;
+  std::filesystem::create_directory(pictures.path() + "/03-Taken.png");
+  std::ofstream(pictures.path() + "/00-First.png") << "an older one";
+  application.host.windows.shown = {view("First", 419.6, 279.4, "the picture"),
+                                    hidden,
+                                    view("Without width", 0, 100),
+                                    view("Without height", 100, 0),
+                                    view("", 10, 20),
+                                    view("Without picture", 30, 40, std::nullopt),
+                                    view("Taken", 50, 60),
+                                    view("Last", 70, 80)};
+  application.delegate->applicationDidFinishLaunching();
+  application.desktop.platform().runLoop.runFor(2);
+  EXPECT_THAT(application.messages("snapshot"),
+              ElementsAre("snapshot window=First size=420x279 wrote=1", "snapshot window=window-1 size=10x20 wrote=1",
+                          "snapshot window=Without picture size=30x40 wrote=0",
+                          "snapshot window=Taken size=50x60 wrote=0", "snapshot window=Last size=70x80 wrote=1"));
+  EXPECT_THAT(filesIn(pictures.path()), ElementsAre("00-First.png", "01-window-1.png", "03-Taken.png", "04-Last.png"));
+  EXPECT_EQ(FileContent(pictures.path() + "/00-First.png"), "the picture");
+}
+
+TEST(Snapshots, InADirectoryWithoutANameAreWrittenWhereTheProgramStands) {
+  const TemporaryDirectory pictures;
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(pictures.path());
+  Application application(R"("arguments": ["hushlet", "--snapshot-windows", ""])");
+  application.host.windows.shown = {view("First", 10, 20)};
+  application.delegate->applicationDidFinishLaunching();
+  application.desktop.platform().runLoop.runFor(2);
+  std::filesystem::current_path(before);
+  EXPECT_THAT(filesIn(pictures.path()), ElementsAre("00-First.png"));
 }
 
 }  // namespace

@@ -117,6 +117,14 @@ TEST(SetupWindow, StopsPollingWhenItIsClosed) {
   EXPECT_EQ(WindowOf(byButton.dumps.at(1), kTitle)["visible"], false);
 }
 
+TEST(SetupWindow, GoesOnPollingWhenTheSettingsAreClosed) {
+  const ApplicationRun run = RunApplication(
+      {.timeline = {At(1, R"("choose": "Settings…")"), At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3)},
+       .further = kUntrusted});
+  EXPECT_EQ(run.dumps.at(0)["timers"], 1);
+  EXPECT_EQ(WindowOf(run.dumps.at(0), kTitle)["visible"], true);
+}
+
 TEST(SetupWindow, GoesOnPollingAfterTheGrant) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, R"("trust": true)"), DumpAt(30)}, .further = kUntrusted});
