@@ -28,9 +28,13 @@ class HeldRunLoop : public SpyRunLoop {
 
   std::deque<std::function<void()>> steps;  // of the main queue
   std::deque<std::function<void()>> works;  // of the global queue
+  std::function<void()> onWork;             // called when work is posted
 
   void postToMainQueue(std::function<void()> step) override { steps.push_back(std::move(step)); }
-  void postToGlobalQueue(HLQualityOfService, std::function<void()> work) override { works.push_back(std::move(work)); }
+  void postToGlobalQueue(HLQualityOfService, std::function<void()> work) override {
+    works.push_back(std::move(work));
+    if (onWork) onWork();
+  }
 
   void run(std::deque<std::function<void()>>& queue) {
     const std::function<void()> first = std::move(queue.front());
@@ -117,6 +121,15 @@ TEST(RequestSteps, LeaveTheButtonAloneAfterTheOutcome) {
   request.runStep();
   EXPECT_EQ(request.titles(), shown);
   EXPECT_THAT(request.runLoop.steps, IsEmpty());
+}
+
+TEST(RequestSteps, TakeCountsFromTheMomentTheWorkIsPosted) {
+  Request request;
+  request.runWork();
+  request.runStep();
+  request.runLoop.onWork = [] { HLReportProgress(5); };
+  request.delegate->dismissNotifications();
+  EXPECT_EQ(request.runLoop.steps.size(), 1U);
 }
 
 TEST(RequestSteps, AreNotPostedForCountsAfterTheWork) {

@@ -18,6 +18,7 @@
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "tests/app/application_spies.h"
+#include "tests/support/faults.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
 #include "tests/support/temporary_directory.h"
@@ -112,9 +113,12 @@ class SpyLaunches : public SpyRunningApplications {
   Calls& calls_;
 };
 
-// The application on a host of spies; it is launched by the test.
+// The application on a host of spies; it is launched by the test. One call of the accessibility interface may fail.
 struct Application {
-  explicit Application(const std::string& scene) : desktop("{" + scene + kProduct) { HLInstallPlatform(&platform); }
+  explicit Application(const std::string& scene, std::int64_t failingCall = 0)
+      : desktop("{" + scene + kProduct), faults(failingCall, HLAXErrorCannotComplete) {
+    HLInstallPlatform(&platform);
+  }
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
 
@@ -128,7 +132,9 @@ struct Application {
   SimulatedDesktop desktop;
   SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};
   SpyLaunches launches{desktop.platform().runningApplications, host.calls};
-  const HLPlatform platform{desktop.platform().accessibility,
+  Faults faults;
+  FaultyAccessibility accessibility{desktop.platform().accessibility, faults};
+  const HLPlatform platform{accessibility,
                             launches,
                             desktop.platform().runLoop,
                             desktop.platform().process,
@@ -150,6 +156,13 @@ TEST(LaunchCalls, ComeOneAfterTheOther) {
                           "fit height", "center", "activate", "order front", "dark appearance"));
 }
 
+TEST(LaunchCalls, OpenTheSetupWindowWhereTrustWasMissingAtTheStart) {
+  Application application(R"("trusted": true)", 1);
+  application.delegate->applicationDidFinishLaunching();
+  ASSERT_EQ(application.host.windows.made.size(), 1U);
+  EXPECT_EQ(application.host.windows.made[0].title, "Set Up Hushlet");
+}
+
 TEST(LaunchCalls, GiveTheMenuTheApplicationsName) {
   Application application(R"("trusted": true)");
   application.delegate->applicationDidFinishLaunching();
@@ -168,6 +181,13 @@ TEST(SetupWindowCalls, MakeTheWindowOnce) {
   application.delegate->showSetupWindow();
   application.delegate->showSetupWindow();
   EXPECT_EQ(application.host.windows.made.size(), 1U);
+}
+
+TEST(SetupWindowCalls, OpenThePaneWhateverTheRequestSays) {
+  Application application(R"("trusted": true)");
+  application.delegate->openAccessibilitySettings();
+  EXPECT_EQ(application.messages("requestAccessibility trusted=true").size(), 1U);
+  EXPECT_EQ(application.messages("openAccessibilitySettings opened=x-apple").size(), 1U);
 }
 
 TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
@@ -226,6 +246,18 @@ TEST(Snapshots, AreNumberedFromZeroAndNamedByTitleOrNumber) {
                           "snapshot window=Taken size=50x60 wrote=0", "snapshot window=Last size=70x80 wrote=1"));
   EXPECT_THAT(filesIn(pictures.path()), ElementsAre("00-First.png", "01-window-1.png", "03-Taken.png", "04-Last.png"));
   EXPECT_EQ(FileContent(pictures.path() + "/00-First.png"), "the picture");
+}
+
+TEST(Snapshots, AreNumberedWithTwoDigits) {
+  const TemporaryDirectory pictures;
+  Application application(R"("arguments": ["hushlet", "--snapshot-windows", ")" + pictures.path() + "\"]");
+  application.host.windows.shown.assign(11, view("W", 10, 20));
+  application.delegate->applicationDidFinishLaunching();
+  application.desktop.platform().runLoop.runFor(2);
+  const std::set<std::string> files = filesIn(pictures.path());
+  EXPECT_EQ(files.size(), 11U);
+  EXPECT_EQ(*files.begin(), "00-W.png");
+  EXPECT_EQ(*files.rbegin(), "10-W.png");
 }
 
 TEST(Snapshots, InADirectoryWithoutANameAreWrittenWhereTheProgramStands) {

@@ -165,6 +165,20 @@ TEST(SetupButton, SaysInTheLogWhenNoPaneOpens) {
   EXPECT_EQ(statusLine(run.dumps.at(0))["label"], "Waiting for Accessibility access…");
 }
 
+// What the button says is up to a second old.
+TEST(SetupButton, GoesByTheTrustOfTheMoment) {
+  const ApplicationRun granted = RunApplication(
+      {.timeline = {At(1.1, R"("trust": true)"), At(1.2, press("Open Accessibility Settings")), DumpAt(1.3)},
+       .further = kUntrusted});
+  EXPECT_EQ(WindowOf(granted.dumps.at(0), kTitle)["visible"], false);
+  EXPECT_THAT(granted.dumps.at(0)["openedAddresses"], IsEmpty());
+  const ApplicationRun withdrawn =
+      RunApplication({.timeline = {At(1, R"("choose": "Accessibility Allowed")"), At(1.1, R"("trust": false)"),
+                                   At(1.2, press("Done")), DumpAt(1.3)}});
+  EXPECT_EQ(WindowOf(withdrawn.dumps.at(0), kTitle)["visible"], true);
+  EXPECT_THAT(withdrawn.dumps.at(0)["openedAddresses"], ElementsAre(kNewPane));
+}
+
 TEST(SetupWindow, LeavesARecordingAloneWhenItIsClosed) {
   const ApplicationRun run = RunApplication(
       {.timeline = {
