@@ -163,5 +163,5 @@ struct SpyHost {
   SpyAlerts alerts{calls};
   SpyHotKeys hotKeys{calls};
   SpyUserDefaults defaults;
-  const HLApplicationPlatform platform;
+  HLApplicationPlatform platform;
 };

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -13,6 +14,7 @@
 #include <variant>
 #include <vector>
 
+#include "app/access.h"
 #include "app/app_delegate.h"
 #include "platform/application_platform.h"
 #include "platform/platform.h"
@@ -27,80 +29,6 @@ namespace {
 
 using testing::ElementsAre;
 
-class HostCalls : public testing::Test {
- protected:
-  // The scene's desktop with an application and windows that note what is asked of them.
-  int run(const std::string& scene, const std::optional<HLAccessGuide>& guide = std::nullopt) {
-    desktop_ = std::make_unique<SimulatedDesktop>(scene);
-    const auto real = std::get<const HLApplicationPlatform*>(desktop_->platform().applicationPlatform());
-    const HLApplicationPlatform host{
-        application_,    real->statusItem,   windows_,         real->alerts,    real->hotKeys,
-        real->loginItem, real->userDefaults, real->httpClient, real->workspace, guide};
-    HLPlatform platform = desktop_->platform();
-    platform.applicationPlatform = [&host] { return std::variant<const HLApplicationPlatform*, std::string>(&host); };
-    return runOn(platform);
-  }
-  int runOn(const HLPlatform& platform) {
-    HLInstallPlatform(&platform);
-    const int code = HLRunApplication(err_);
-    desktop_ = nullptr;
-    return code;
-  }
-
-  Calls calls_;
-  SpyApplication application_{calls_};
-  SpyWindows windows_{calls_};
-  std::ostringstream err_;
-  std::unique_ptr<SimulatedDesktop> desktop_;
-};
-
-constexpr const char* kProduct = R"(, "bundle": {"info": {"HLProductFlavor": "product"}}})";
-
-TEST_F(HostCalls, OpenTheSettingsWindowWhenTheProgramIsStartedAgain) {
-  EXPECT_EQ(run(std::string(R"({"trusted": true)") + kProduct), 7);
-  EXPECT_THAT(calls_, ElementsAre("launched", "label ⌃⌥⌘N", "label Allowed", "center", "activate", "order front"));
-  ASSERT_EQ(windows_.made.size(), 1U);
-  EXPECT_EQ(windows_.made[0].title, "Hushlet Settings");
-  EXPECT_EQ(windows_.made[0].sideMargin, 24);
-  EXPECT_EQ(windows_.made[0].verticalMargin, 22);
-}
-
-TEST_F(HostCalls, FitTheSetupWindowBeforeItIsCentered) {
-  EXPECT_EQ(run(std::string(R"({"trusted": false)") + kProduct), 7);
-  calls_.resize(6);  // the settings window follows
-  EXPECT_THAT(calls_, ElementsAre("label Waiting for Accessibility access…", "fit height", "center", "activate",
-                                  "order front", "launched"));
-  ASSERT_EQ(windows_.made.size(), 2U);
-  const HLWindowDescription& setup = windows_.made[0];
-  EXPECT_EQ(setup.title, "Set Up Hushlet");
-  EXPECT_EQ(setup.width, 460);
-  EXPECT_EQ(setup.height, 360);
-  EXPECT_EQ(setup.sideMargin, 24);
-  EXPECT_EQ(setup.verticalMargin, 22);
-}
-
-TEST_F(HostCalls, SayTheHostsOwnWayToAccessWithTheApplicationsName) {
-  EXPECT_EQ(
-      run(R"({"trusted": false, "bundle": {"info": {"HLProductFlavor": "product", "CFBundleDisplayName": "A%@"}}})",
-          HLAccessGuide{"%@ explains %@.", "Steps", "A note on %@"}),
-      7);
-  std::vector<std::string> texts;
-  for (const HLStackItem& item : windows_.made.at(0).stack) {
-    if (const auto* label = std::get_if<HLLabel>(&item.what)) texts.push_back(label->text);
-  }
-  EXPECT_THAT(texts, ElementsAre("Allow Accessibility", "A%@ explains A%@.", "Steps", "A note on A%@", ""));
-}
-
-TEST_F(HostCalls, FailInOneLineWhereNothingCanBeShown) {
-  desktop_ = std::make_unique<SimulatedDesktop>("{}");
-  HLPlatform platform = desktop_->platform();
-  platform.applicationPlatform = [] {
-    return std::variant<const HLApplicationPlatform*, std::string>(std::string("nowhere to show it"));
-  };
-  EXPECT_EQ(runOn(platform), 1);
-  EXPECT_EQ(err_.str(), "nowhere to show it\n");
-}
-
 // Notes the moment at which launches begin to be observed.
 class SpyLaunches : public SpyRunningApplications {
  public:
@@ -113,10 +41,15 @@ class SpyLaunches : public SpyRunningApplications {
   Calls& calls_;
 };
 
-// The application on a host of spies; it is launched by the test. One call of the accessibility interface may fail.
+using FoundHost = std::variant<const HLApplicationPlatform*, std::string>;
+
+// The application of the product flavor on a host of spies. One call of the accessibility interface may fail.
 struct Application {
-  explicit Application(const std::string& scene, std::int64_t failingCall = 0)
-      : desktop("{" + scene + kProduct), faults(failingCall, HLAXErrorCannotComplete) {
+  explicit Application(const std::string& scene = R"("trusted": true)", const std::string& name = "Hushlet",
+                       std::int64_t failingCall = 0)
+      : desktop("{" + scene + R"(, "bundle": {"info": {"HLProductFlavor": "product", "CFBundleDisplayName": ")" + name +
+                R"("}}})"),
+        faults(failingCall, HLAXErrorCannotComplete) {
     HLInstallPlatform(&platform);
   }
   Application(const Application&) = delete;
@@ -134,15 +67,37 @@ struct Application {
   SpyLaunches launches{desktop.platform().runningApplications, host.calls};
   Faults faults;
   FaultyAccessibility accessibility{desktop.platform().accessibility, faults};
-  const HLPlatform platform{accessibility,
-                            launches,
-                            desktop.platform().runLoop,
-                            desktop.platform().process,
-                            desktop.platform().propertyLists,
-                            desktop.platform().userNotifications,
-                            {}};
+  HLPlatform platform{accessibility,
+                      launches,
+                      desktop.platform().runLoop,
+                      desktop.platform().process,
+                      desktop.platform().propertyLists,
+                      desktop.platform().userNotifications,
+                      [this] { return FoundHost(&host.platform); }};
   const std::shared_ptr<HLAppDelegate> delegate = std::make_shared<HLAppDelegate>(host.platform);
 };
+
+TEST(RunningTheApplication, OpensTheSettingsWindowWhenTheProgramIsStartedAgain) {
+  Application application;
+  std::ostringstream err;
+  EXPECT_EQ(HLRunApplication(err), 7);
+  Calls& calls = application.host.calls;
+  calls.erase(calls.begin(), std::find(calls.begin(), calls.end(), "launched"));
+  EXPECT_THAT(calls, ElementsAre("launched", "label ⌃⌥⌘N", "label Allowed", "look at auto-close", "center", "activate",
+                                 "order front"));
+  ASSERT_EQ(application.host.windows.made.size(), 1U);
+  EXPECT_EQ(application.host.windows.made[0].title, "Hushlet Settings");
+  EXPECT_EQ(application.host.windows.made[0].sideMargin, 24);
+  EXPECT_EQ(application.host.windows.made[0].verticalMargin, 22);
+}
+
+TEST(RunningTheApplication, FailsInOneLineWhereNothingCanBeShown) {
+  Application application;
+  application.platform.applicationPlatform = [] { return FoundHost("nowhere to show it"); };
+  std::ostringstream err;
+  EXPECT_EQ(HLRunApplication(err), 1);
+  EXPECT_EQ(err.str(), "nowhere to show it\n");
+}
 
 TEST(LaunchCalls, ComeOneAfterTheOther) {
   Application application(R"("trusted": false, "arguments": ["hushlet", "--open-settings", "--appearance-dark"])");
@@ -157,37 +112,66 @@ TEST(LaunchCalls, ComeOneAfterTheOther) {
 }
 
 TEST(LaunchCalls, OpenTheSetupWindowWhereTrustWasMissingAtTheStart) {
-  Application application(R"("trusted": true)", 1);
+  Application application(R"("trusted": true)", "Hushlet", 1);
   application.delegate->applicationDidFinishLaunching();
   ASSERT_EQ(application.host.windows.made.size(), 1U);
   EXPECT_EQ(application.host.windows.made[0].title, "Set Up Hushlet");
 }
 
 TEST(LaunchCalls, GiveTheMenuTheApplicationsName) {
-  Application application(R"("trusted": true)");
+  Application application;
   application.delegate->applicationDidFinishLaunching();
   EXPECT_EQ(application.host.statusItem.installed.menu.title, "Hushlet");
 }
 
 TEST(UpdateCheckCalls, BringTheApplicationToTheFrontBeforeTheAlert) {
-  Application application(R"("trusted": true)");
+  Application application;
   application.delegate->checkForUpdates();
   application.desktop.platform().runLoop.runFor(0.1);
   EXPECT_THAT(application.host.calls, ElementsAre("activate", "alert"));
 }
 
+TEST(SetupWindowCalls, DescribeItsSizeAndMargins) {
+  Application application;
+  application.delegate->showSetupWindow();
+  const HLWindowDescription& setup = application.host.windows.made.at(0);
+  EXPECT_EQ(setup.title, "Set Up Hushlet");
+  EXPECT_EQ(setup.width, 460);
+  EXPECT_EQ(setup.height, 360);
+  EXPECT_EQ(setup.sideMargin, 24);
+  EXPECT_EQ(setup.verticalMargin, 22);
+}
+
+TEST(SetupWindowCalls, SayTheHostsOwnWayToAccessWithTheApplicationsName) {
+  Application application(R"("trusted": false)", "A%@");
+  application.host.platform.accessGuide = HLAccessGuide{"%@ explains %@.", "Steps", "A note on %@"};
+  application.delegate->showSetupWindow();
+  std::vector<std::string> texts;
+  for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
+    if (const auto* label = std::get_if<HLLabel>(&item.what)) texts.push_back(label->text);
+  }
+  EXPECT_THAT(texts, ElementsAre("Allow Accessibility", "A%@ explains A%@.", "Steps", "A note on A%@", ""));
+}
+
 TEST(SetupWindowCalls, MakeTheWindowOnce) {
-  Application application(R"("trusted": true)");
+  Application application;
   application.delegate->showSetupWindow();
   application.delegate->showSetupWindow();
   EXPECT_EQ(application.host.windows.made.size(), 1U);
 }
 
 TEST(SetupWindowCalls, OpenThePaneWhateverTheRequestSays) {
-  Application application(R"("trusted": true)");
+  Application application;
   application.delegate->openAccessibilitySettings();
   EXPECT_EQ(application.messages("requestAccessibility trusted=true").size(), 1U);
   EXPECT_EQ(application.messages("openAccessibilitySettings opened=x-apple").size(), 1U);
+}
+
+TEST(AccessibilitySettingsPane, SaysWhetherItHasOpened) {
+  const Application willing;
+  EXPECT_TRUE(HLOpenAccessibilitySettingsPane(willing.host.platform.workspace));
+  const Application unwilling(R"("services": {"opens": []})");
+  EXPECT_FALSE(HLOpenAccessibilitySettingsPane(unwilling.host.platform.workspace));
 }
 
 TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
@@ -202,7 +186,7 @@ TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
         Click{{2, 0x80040000}, "2147745792", true}, Click{{2, 0xFFFF}, "0", false}, Click{{2, 0x100000000}, "0", false},
         Click{{1, kControl}, "262144", false}, Click{{3, kControl}, "262144", false},
         Click{{0, kControl}, "262144", false}}) {
-    Application application(R"("trusted": true)");
+    Application application;
     application.host.application.event = event;
     application.delegate->handleStatusItemClick();
     application.desktop.platform().runLoop.runFor(1);  // to the end of the dismissal
@@ -234,14 +218,14 @@ TEST(Snapshots, AreNumberedFromZeroAndNamedByTitleOrNumber) {
                                     hidden,
                                     view("Without width", 0, 100),
                                     view("Without height", 100, 0),
-                                    view("", 10, 20),
+                                    view("", 1, 1),
                                     view("Without picture", 30, 40, std::nullopt),
                                     view("Taken", 50, 60),
                                     view("Last", 70, 80)};
   application.delegate->applicationDidFinishLaunching();
   application.desktop.platform().runLoop.runFor(2);
   EXPECT_THAT(application.messages("snapshot"),
-              ElementsAre("snapshot window=First size=420x279 wrote=1", "snapshot window=window-1 size=10x20 wrote=1",
+              ElementsAre("snapshot window=First size=420x279 wrote=1", "snapshot window=window-1 size=1x1 wrote=1",
                           "snapshot window=Without picture size=30x40 wrote=0",
                           "snapshot window=Taken size=50x60 wrote=0", "snapshot window=Last size=70x80 wrote=1"));
   EXPECT_THAT(filesIn(pictures.path()), ElementsAre("00-First.png", "01-window-1.png", "03-Taken.png", "04-Last.png"));

@@ -58,7 +58,7 @@ TEST(SetupWindow, HoldsItsTextsInOneStack) {
 
 TEST(SetupWindow, NoticesTheGrantWithinASecond) {
   const ApplicationRun run =
-      RunApplication({.timeline = {At(2.5, R"("trust": true)"), DumpAt(2.9), DumpAt(3.1)}, .further = kUntrusted});
+      RunApplication({.timeline = {At(2.5, R"("trust": true)"), DumpAt(2.999), DumpAt(3.001)}, .further = kUntrusted});
   EXPECT_EQ(primaryButton(run.dumps.at(0))["button"], "Open Accessibility Settings");
   EXPECT_EQ(statusLine(run.dumps.at(1))["label"],
             "Allowed. Press ⌃⌥⌘N or click the menu bar icon to clear notifications.");
