@@ -7,12 +7,14 @@
 #include <vector>
 
 #include "tests/app/dismiss_request.h"
+#include "tests/support/personal_log.h"
 #include "tests/support/processes.h"
 
 namespace {
 
 // The titles of a request during which these counts are reported, each behind a bar.
 std::string titlesWith(const std::string& flavor, const std::vector<std::int64_t>& counts) {
+  const PersonalLogTurn log;
   return InChildProcess([&] {
     Request request(flavor);
     for (const std::int64_t count : counts) {

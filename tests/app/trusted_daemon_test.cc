@@ -38,10 +38,12 @@ class BesideADaemon : public TrustedDaemon {
   [[nodiscard]] static std::int64_t questionsIn(const std::vector<std::string>& diagnostics) {
     return std::count(diagnostics.begin(), diagnostics.end(), "socket client command=self-check response=nothing|0|0");
   }
+
+ private:
+  const PersonalLogTurn log_;  // where the application is of the personal flavor
 };
 
 TEST_F(BesideADaemon, ClearsNotificationsButStillWaitsForItsOwnTrustInTheSetupWindow) {
-  const PersonalLogTurn log;
   start("{}");
   const std::vector<json> dumps =
       dumpsOf(R"({"trusted": false, "timeline": [)" + DumpAt(1) + ", " + At(2, R"("choose": "Accessibility Allowed")") +
