@@ -162,6 +162,27 @@ TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
   waitFor("closed");
 }
 
+TEST_F(MenuBar, AWindowBearsTheApplicationsIcon) {
+  startProgram();
+  tell("setup");
+  waitFor("shown");
+  waitForActiveWindow("Set Up Hushlet");
+  Screen screen(session_->environment());
+  const std::vector<std::uint32_t> icons = screen.icons(screen.activeWindow());
+  std::vector<std::uint32_t> sizes;
+  for (std::size_t at = 0; at + 1 < icons.size(); at += 2 + icons[at] * icons[at + 1]) {
+    const std::uint32_t size = icons[at];
+    sizes.push_back(size);
+    ASSERT_EQ(icons[at + 1], size);
+    ASSERT_GE(icons.size(), at + 2 + size * size);
+    // Below the middle of the upper edge there is nothing but the ground, in the middle the line.
+    EXPECT_EQ(icons[at + 2] >> 24U, 0U) << size;
+    EXPECT_EQ(icons[at + 2 + size / 8 * size + size / 2] >> 24U, 0xFFU) << size;
+    EXPECT_GT(icons[at + 2 + size / 2 * size + size / 2] >> 16U, 0xFFC0U) << size;
+  }
+  EXPECT_THAT(sizes, testing::ElementsAre(16, 24, 32, 48, 64, 128));
+}
+
 TEST_F(MenuBar, AnAlertHoldsItUpAndTheRunLoopGoesOn) {
   startProgram();
   tell("ask");
