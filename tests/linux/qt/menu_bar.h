@@ -108,18 +108,6 @@ class MenuBar : public testing::Test {
     return tool->output();
   }
 
-  // What is pressed before a menu or a window has the keyboard is lost, and pressed again.
-  void press(const std::vector<std::string>& keys, const std::string& line) {
-    std::vector<std::string> arguments = {"key"};
-    arguments.insert(arguments.end(), keys.begin(), keys.end());
-    const int before = count(line);
-    const bool told = Eventually([&] {
-      xdotool(arguments);
-      return Eventually([&] { return count(line) > before; }, std::chrono::seconds(2));
-    });
-    if (!told) throw std::runtime_error("\"" + line + "\" does not follow in:\n" + program_->output());
-  }
-
   // Waits until a window of that name is the active one.
   void waitForActiveWindow(const std::string& name) {
     std::string active;

@@ -31,7 +31,8 @@ TEST_F(MenuBar, ARightClickOpensTheMenuAndReturnsWhenItIsClosed) {
   tell("later");
   waitFor("served");
   keepPicture("menu");
-  press({"Escape"}, "menu closed");
+  xdotool({"key", "Escape"});
+  waitFor("menu closed");
 }
 
 TEST_F(MenuBar, AClickWithControlOpensTheMenuTooAndItsItemsAct) {
@@ -40,7 +41,8 @@ TEST_F(MenuBar, AClickWithControlOpensTheMenuTooAndItsItemsAct) {
   xdotool({"keydown", "ctrl", "mousemove", "--window", dockedWindow(), "11", "11", "click", "1", "keyup", "ctrl"});
   waitFor("click type=2 modifiers=40000");
   waitFor("menu opens");
-  press({"Down", "Return"}, "chosen dismiss");
+  xdotool({"key", "Down", "Return"});
+  waitFor("chosen dismiss");
   waitFor("menu closed");
 }
 
@@ -49,7 +51,8 @@ TEST_F(MenuBar, TheMenuObeysItsKeysWhileItIsOpen) {
   startProgram();
   clickDocked("3");
   waitFor("menu opens");
-  press({"ctrl+comma"}, "chosen settings");
+  xdotool({"key", "ctrl+comma"});
+  waitFor("chosen settings");
   waitFor("menu closed");
 }
 
@@ -113,7 +116,8 @@ TEST_F(MenuBar, APanelWithATrayOfEitherKindShowsItOnce) {
   clickDocked("3");
   waitFor("menu opens");
   keepPicture("panel-menu");
-  press({"Escape"}, "menu closed");
+  xdotool({"key", "Escape"});
+  waitFor("menu closed");
 }
 
 TEST_F(MenuBar, ASecondStartReopensTheFirstAndEnds) {
@@ -137,9 +141,12 @@ TEST_F(MenuBar, KeysAreToldByPositionAndByCharacter) {
   waitForActiveWindow("Set Up Hushlet");
   tell("record");
   waitFor("recording");
-  press({"ctrl+alt+super+n"}, "key code=45 modifiers=1c0000 characters=n");
-  press({"shift+1"}, "key code=18 modifiers=20000 characters=1");
-  press({"Return"}, "key code=36 modifiers=0 characters=\r");
+  xdotool({"key", "ctrl+alt+super+n"});
+  waitFor("key code=45 modifiers=1c0000 characters=n");
+  xdotool({"key", "shift+1"});
+  waitFor("key code=18 modifiers=20000 characters=1");
+  xdotool({"key", "Return"});
+  waitFor("key code=36 modifiers=0 characters=\r");
   EXPECT_EQ(count("primary"), 0);
 }
 
@@ -149,8 +156,10 @@ TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
   waitFor("shown");
   waitForActiveWindow("Set Up Hushlet");
   keepPicture("setup-window");
-  press({"Return"}, "primary");
-  press({"alt+F4"}, "closed");
+  xdotool({"key", "Return"});
+  waitFor("primary");
+  xdotool({"key", "alt+F4"});
+  waitFor("closed");
 }
 
 TEST_F(MenuBar, AWindowBearsTheApplicationsIcon) {
@@ -182,7 +191,8 @@ TEST_F(MenuBar, AnAlertHoldsItUpAndTheRunLoopGoesOn) {
   waitFor("served");
   EXPECT_EQ(count("answer 0"), 0);
   keepPicture("alert");
-  press({"Escape"}, "answer 1");
+  xdotool({"key", "Escape"});
+  waitFor("answer 1");
 }
 
 TEST_F(MenuBar, ItsItemIsKeptAsAPictureOnLightAndDarkTrays) {
