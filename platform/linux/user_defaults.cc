@@ -34,15 +34,16 @@ std::string withoutLinks(const std::string& path) {
 }
 
 // Keeps other processes of this program from the directory between a reading and the writing that follows. One that
-// does not give way in a second is not waited for: the worst is that a change of another key is lost.
+// does not give way in five seconds is not waited for: the worst is that a change of another key is lost.
 class DirectoryLock {
  public:
   explicit DirectoryLock(const std::string& file)
       : directory_(open(std::filesystem::path(file).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    constexpr int kTries = 100;
+    constexpr int kPause = 2;  // milliseconds
+    constexpr int kTries = 2500;
     for (int i = 0; i < kTries && directory_.isOpen(); ++i) {
       if (flock(directory_.number(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
-      poll(nullptr, 0, 10);
+      poll(nullptr, 0, kPause);
     }
   }
 

@@ -8,6 +8,7 @@
 
 #include "tests/app/application_run.h"
 #include "tests/daemon/daemon_process.h"
+#include "tests/support/personal_log.h"
 
 namespace {
 
@@ -16,6 +17,7 @@ using nlohmann::json;
 using BesideADaemon = TrustedDaemon;
 
 TEST_F(BesideADaemon, ClearsNotificationsButStillWaitsForItsOwnTrustInTheSetupWindow) {
+  const PersonalLogTurn log;
   start("{}");
   const ProgramRun program =
       run(R"({"trusted": false, "timeline": [)" + DumpAt(1) + ", " + At(2, R"("choose": "Accessibility Allowed")") +

@@ -62,8 +62,9 @@ class MenuBar : public testing::Test {
     const std::string pipe = session_->directory() + "/input";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     input_ = open(pipe.c_str(), O_RDWR | O_CLOEXEC);
-    program_ = session_->start(
-        {"sh", "-c", "QT_QPA_PLATFORM=" + toolkitPlatform + " exec " + HL_MENU_BAR_PROGRAM + " <" + pipe});
+    program_ = session_->start({"sh", "-c",
+                                "TSAN_OPTIONS=ignore_noninstrumented_modules=1 QT_QPA_PLATFORM=" + toolkitPlatform +
+                                    " exec " + HL_MENU_BAR_PROGRAM + " <" + pipe});
     waitFor("launched");
   }
 

@@ -46,6 +46,7 @@ class Program {
                        {"quit", "Quit Hushlet", "q", [this] { platform_.application.terminate(); }}};
     item.menu.needsUpdate = [this] {
       say("menu opens");
+      runLoop_.postToMainQueue([] { say("menu is open"); });  // once it has the keyboard
       platform_.statusItem.setMenuItem("accessibility", "Accessibility Allowed", true);
     };
     platform_.statusItem.install(std::move(item));

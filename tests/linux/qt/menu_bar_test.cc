@@ -26,7 +26,7 @@ TEST_F(MenuBar, ARightClickOpensTheMenuAndReturnsWhenItIsClosed) {
   startProgram();
   clickDocked("3");
   waitFor("click type=4 modifiers=0");
-  waitFor("menu opens");
+  waitFor("menu is open");
   EXPECT_EQ(count("menu closed"), 0);
   tell("later");
   waitFor("served");
@@ -40,7 +40,7 @@ TEST_F(MenuBar, AClickWithControlOpensTheMenuTooAndItsItemsAct) {
   startProgram();
   xdotool({"keydown", "ctrl", "mousemove", "--window", dockedWindow(), "11", "11", "click", "1", "keyup", "ctrl"});
   waitFor("click type=2 modifiers=40000");
-  waitFor("menu opens");
+  waitFor("menu is open");
   xdotool({"key", "Down", "Return"});
   waitFor("chosen dismiss");
   waitFor("menu closed");
@@ -50,7 +50,7 @@ TEST_F(MenuBar, TheMenuObeysItsKeysWhileItIsOpen) {
   startXTray();
   startProgram();
   clickDocked("3");
-  waitFor("menu opens");
+  waitFor("menu is open");
   xdotool({"key", "ctrl+comma"});
   waitFor("chosen settings");
   waitFor("menu closed");
@@ -114,7 +114,7 @@ TEST_F(MenuBar, APanelWithATrayOfEitherKindShowsItOnce) {
   waitFor("click type=2 modifiers=0");
   EXPECT_TRUE(Eventually([this] { return registered().find("StatusNotifierItem-") == std::string::npos; }));
   clickDocked("3");
-  waitFor("menu opens");
+  waitFor("menu is open");
   keepPicture("panel-menu");
   xdotool({"key", "Escape"});
   waitFor("menu closed");
@@ -158,8 +158,11 @@ TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
   keepPicture("setup-window");
   xdotool({"key", "Return"});
   waitFor("primary");
-  xdotool({"key", "alt+F4"});
-  waitFor("closed");
+  // The window manager takes its keys anew after the first that is typed, and misses one that comes meanwhile.
+  EXPECT_TRUE(Eventually([this] {
+    xdotool({"key", "alt+F4"});
+    return count("closed") > 0;
+  })) << program_->output();
 }
 
 TEST_F(MenuBar, AWindowBearsTheApplicationsIcon) {
