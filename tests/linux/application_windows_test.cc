@@ -36,6 +36,7 @@ TEST_F(ApplicationWindows, ANewShortcutIsRecordedByTypingItAndKept) {
   startApplication({"--open-settings"});
   waitForWindow(kSettings);
   expectPlainFrame(kSettings);
+  EXPECT_EQ(waitForPart(kSettings).role, HLRawRole::kDialog);
   (void)waitForPart("⌃⌥⌘N");
   clickPart("Record Shortcut");
   (void)waitForPart("Press the new shortcut. Escape cancels.");

@@ -36,7 +36,11 @@ class Program {
     item.menu.title = "Hushlet";
     item.menu.items = {{"dismiss", "Dismiss Notifications", "", [] { say("chosen dismiss"); }},
                        {},
-                       {"accessibility", "Set Up Accessibility…", "", [] { say("chosen accessibility"); }},
+                       {"accessibility", "Set Up Accessibility…", "",
+                        [this] {
+                          say("chosen accessibility");
+                          say("answer " + std::to_string(platform_.alerts.runModal({"Title", "Message", {"A"}})));
+                        }},
                        {"settings", "Settings…", ",", [] { say("chosen settings"); }},
                        {},
                        {"quit", "Quit Hushlet", "q", [this] { platform_.application.terminate(); }}};
@@ -90,6 +94,7 @@ class Program {
          [&] {
            say("answer " + std::to_string(platform_.alerts.runModal({"Title", "Message", {"A", "B"}})));
          }},
+        {"rename", [&] { platform_.statusItem.setMenuItem("quit", rest, false); }},
         {"later", [&] { runLoop_.postToMainQueueAfter(0.05, [] { say("served"); }); }},
         {"quit", [&] { platform_.application.terminate(); }},
     };
