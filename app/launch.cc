@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <ostream>
 #include <variant>
@@ -75,10 +76,9 @@ void HLAppDelegate::writeWindowSnapshots(const std::string& directory) {
   for (const HLWindowView& view : host_.windows.views()) {
     if (!view.visible || !(view.width > 0) || !(view.height > 0)) continue;
     const std::string name = view.title.empty() ? HLFormat("window-%ld", counter) : view.title;
-    const std::string slash = directory.ends_with('/') ? "" : "/";
-    const std::string path = directory + slash + HLFormat("%02ld-%@.png", counter, name);
+    const std::filesystem::path path = std::filesystem::path(directory) / HLFormat("%02ld-%@.png", counter, name);
     const std::optional<std::string> png = view.png();
-    const bool wrote = png && writeAtomically(path, *png);
+    const bool wrote = png && writeAtomically(path.string(), *png);
     HLAppendLog("snapshot window=%@ size=%.0fx%.0f wrote=%d", name, view.width, view.height, wrote ? 1 : 0);
     ++counter;
   }

@@ -19,7 +19,7 @@ using HLElementRef = std::shared_ptr<HLElement>;
 struct HLValue;
 struct HLDictionaryEntry;
 using HLArray = std::vector<HLValue>;
-// Entries in the order of their source; keys are unique.
+// Entries in the order of their source, where it has one; keys are unique.
 using HLDictionary = std::vector<HLDictionaryEntry>;
 
 // std::monostate is "nothing", and stands too for what a source holds but this program has no use for (dates, data).

@@ -49,7 +49,9 @@ class Observer final : public HLObserver {
     const auto found = living().find(reinterpret_cast<std::uintptr_t>(context));
     if (found == living().end() || !found->second->attached_) return;
     const HLObserverCallback callback = found->second->callback_;  // it may end the observer
-    callback(HLMakeElement(element), HLTextOfCFString(notification));
+    @autoreleasepool {
+      callback(HLMakeElement(element), HLTextOfCFString(notification));
+    }
   }
 
  private:

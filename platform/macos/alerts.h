@@ -1,4 +1,5 @@
-// Modal alerts.
+// Modal alerts. The main loop goes on meanwhile; but the main queue runs one step at a time, so that an alert which one
+// of its steps asks holds up those after it.
 #pragma once
 
 #include <cstddef>

@@ -22,13 +22,14 @@ NSFontWeight systemWeight(HLFontWeight weight) {
 
 class Maker {
  public:
-  explicit Maker(HLControls& controls) : controls_(controls) {}
+  Maker(HLControls& controls, double width) : controls_(controls), width_(width) {}
 
   NSView* operator()(const HLLabel& label) {
     NSTextField* field = [NSTextField wrappingLabelWithString:HLMakeString(label.text)];
     field.selectable = NO;
     field.font = [NSFont systemFontOfSize:label.size weight:systemWeight(label.weight)];
     field.textColor = HLSystemColor(label.color);
+    field.preferredMaxLayoutWidth = width_;  // beyond which its lines break; its height follows from that
     return keep(label.name, field);
   }
 
@@ -76,6 +77,7 @@ class Maker {
   }
 
   HLControls& controls_;
+  const double width_;  // of the stack
 };
 
 }  // namespace
@@ -99,7 +101,7 @@ HLControls HLMakeControls(const HLWindowDescription& description) {
   stack.translatesAutoresizingMaskIntoConstraints = NO;
   stack.orientation = NSUserInterfaceLayoutOrientationVertical;
   stack.alignment = NSLayoutAttributeLeading;
-  Maker maker(controls);
+  Maker maker(controls, description.width - 2 * description.sideMargin);
   for (const HLStackItem& item : description.stack) {
     NSView* view = std::visit(maker, item.what);
     [stack addArrangedSubview:view];

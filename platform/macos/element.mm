@@ -39,29 +39,36 @@ class Element : public HLElement {
   [[nodiscard]] AXUIElementRef system() const { return element_.get(); }
 
   [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override {
-    CFTypeRef value = nullptr;
-    const AXError error = AXUIElementCopyAttributeValue(system(), HLMakeCFString(name).get(), &value);
-    const HLCFRef<CFTypeRef> owner(value);
-    return {error, error == kAXErrorSuccess ? HLValueOfObject(value) : HLValue()};
+    @autoreleasepool {
+      CFTypeRef value = nullptr;
+      const AXError error = AXUIElementCopyAttributeValue(system(), HLMakeCFString(name).get(), &value);
+      const HLCFRef<CFTypeRef> owner(value);
+      return {error, error == kAXErrorSuccess ? HLValueOfObject(value) : HLValue()};
+    }
   }
 
   [[nodiscard]] std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override;
 
   [[nodiscard]] HLActionList copyActionNames() const override {
-    CFArrayRef names = nullptr;
-    const AXError error = AXUIElementCopyActionNames(system(), &names);
-    const HLCFRef<CFArrayRef> owner(names);
-    HLActionList list{error, {}};
-    if (error != kAXErrorSuccess || names == nullptr) return list;
-    for (CFIndex i = 0; i < CFArrayGetCount(names); ++i) {
-      const auto* name = static_cast<CFStringRef>(CFArrayGetValueAtIndex(names, i));
-      list.names.push_back(HLTextOfCFString(name));
+    @autoreleasepool {
+      CFArrayRef names = nullptr;
+      const AXError error = AXUIElementCopyActionNames(system(), &names);
+      const HLCFRef<CFArrayRef> owner(names);
+      HLActionList list{error, {}};
+      if (error != kAXErrorSuccess || names == nullptr) return list;
+      for (CFIndex i = 0; i < CFArrayGetCount(names); ++i) {
+        // The other process says what stands there.
+        const HLValue name = HLValueOfObject(CFArrayGetValueAtIndex(names, i));
+        if (const std::string* text = name.as<std::string>()) list.names.push_back(*text);
+      }
+      return list;
     }
-    return list;
   }
 
   [[nodiscard]] HLAXError performAction(std::string_view action) const override {
-    return AXUIElementPerformAction(system(), HLMakeCFString(action).get());
+    @autoreleasepool {
+      return AXUIElementPerformAction(system(), HLMakeCFString(action).get());
+    }
   }
 
   [[nodiscard]] bool isEqual(const HLElement& other) const override {
@@ -89,20 +96,22 @@ class Element : public HLElement {
 
 std::vector<HLAttribute> Element::copyAttributeValues(std::span<const std::string_view> names) const {
   if (names.empty()) return {};
-  CFArrayRef values = nullptr;
-  const AXError error = AXUIElementCopyMultipleAttributeValues(system(), arrayOfStrings(names).get(),
-                                                               AXCopyMultipleAttributeOptions(0), &values);
-  const HLCFRef<CFArrayRef> owner(values);
-  if (concernsWholeElement(error)) return std::vector<HLAttribute>(names.size(), HLAttribute{error, {}});
-  if (error != kAXErrorSuccess || values == nullptr || CFArrayGetCount(values) != std::ssize(names)) {
-    return HLElement::copyAttributeValues(names);
+  @autoreleasepool {
+    CFArrayRef values = nullptr;
+    const AXError error = AXUIElementCopyMultipleAttributeValues(system(), arrayOfStrings(names).get(),
+                                                                 AXCopyMultipleAttributeOptions(0), &values);
+    const HLCFRef<CFArrayRef> owner(values);
+    if (concernsWholeElement(error)) return std::vector<HLAttribute>(names.size(), HLAttribute{error, {}});
+    if (error != kAXErrorSuccess || values == nullptr || CFArrayGetCount(values) != std::ssize(names)) {
+      return HLElement::copyAttributeValues(names);
+    }
+    std::vector<HLAttribute> attributes;
+    attributes.reserve(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      attributes.push_back(attribute(names[i], CFArrayGetValueAtIndex(values, static_cast<CFIndex>(i))));
+    }
+    return attributes;
   }
-  std::vector<HLAttribute> attributes;
-  attributes.reserve(names.size());
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    attributes.push_back(attribute(names[i], CFArrayGetValueAtIndex(values, static_cast<CFIndex>(i))));
-  }
-  return attributes;
 }
 
 }  // namespace

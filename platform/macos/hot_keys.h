@@ -1,4 +1,5 @@
-// Hot keys of the Carbon event manager.
+// Hot keys of the Carbon event manager. Programs may share a combination, and all of them hear of it: what the system
+// refuses as taken is what this program holds itself.
 #pragma once
 
 #include <cstdint>

@@ -7,7 +7,9 @@
 
 #include "platform/run_loop.h"
 
-// The main queue is served by the main run loop in its common modes, timers and observers in the default mode.
+// The main queue is served by the main run loop in its common modes, timers and observers in the default mode. The
+// queue is serial: a loop that is run within a step delivers timers and notifications, and further steps only after
+// that one.
 class HLMacRunLoop : public HLRunLoop {
  public:
   [[nodiscard]] double now() override;

@@ -45,6 +45,8 @@ NS_ASSUME_NONNULL_END
 namespace {
 
 constexpr int kMostTurns = 10'000;  // for a loop that always has something to do
+// A turn takes one thing that is due. It says of a timer, and of having been woken, what it says of nothing at all.
+constexpr int kIdleTurns = 3;
 
 // Not under an application's event loop, which turns by itself, and in whose handlers nothing else may come between.
 void learn() {
@@ -52,8 +54,10 @@ void learn() {
   CFRunLoopMode mode = CFRunLoopCopyCurrentMode(CFRunLoopGetMain());
   const HLCFRef<CFRunLoopMode> running(mode);
   if (running) return;
-  for (int turn = 0; turn < kMostTurns; ++turn) {
-    if (CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true) != kCFRunLoopRunHandledSource) return;
+  int idle = 0;
+  for (int turn = 0; turn < kMostTurns && idle < kIdleTurns; ++turn) {
+    const bool handled = CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true) == kCFRunLoopRunHandledSource;
+    idle = handled ? 0 : idle + 1;
   }
 }
 

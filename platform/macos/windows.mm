@@ -81,7 +81,11 @@ class Window : public HLWindow {
   }
 
   void center() override { [window_ center]; }
-  void makeKeyAndOrderFront() override { [window_ makeKeyAndOrderFront:nil]; }
+  void makeKeyAndOrderFront() override {
+    [window_ makeKeyAndOrderFront:nil];
+    // The system may refuse to make the application the active one; its window is to be seen all the same.
+    [window_ orderFrontRegardless];
+  }
   void close() override { [window_ close]; }
 
  private:

@@ -7,6 +7,7 @@
 bool HLMacWorkspace::openAddress(const std::string& address) {
   @autoreleasepool {
     NSURL* url = [NSURL URLWithString:HLMakeString(address)];
-    return url != nil && [NSWorkspace.sharedWorkspace openURL:url] != NO;
+    // For an address without a scheme the system shows the user an error of its own.
+    return url.scheme.length > 0 && [NSWorkspace.sharedWorkspace openURL:url] != NO;
   }
 }

@@ -1,15 +1,15 @@
 #include "tests/app/application_run.h"
 
 #include <fstream>
+#include <optional>
 #include <sstream>
 
+#include "tests/support/personal_log.h"
 #include "tests/support/processes.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/temporary_directory.h"
 
 namespace {
-
-constexpr const char* kPersonalLog = "/tmp/hushlet-status.log";
 
 std::string bundle(bool isProduct) {
   return std::string(R"(, "bundle": {"identifier": "com.tessaly.hushlet", "path": "/Applications/Hushlet.app",
@@ -31,12 +31,6 @@ std::string sceneText(const ApplicationScene& scene, const std::string& record) 
   return text + R"(, "timeline": [)" + timeline + "]" + scene.further + "}";
 }
 
-// Every process of the personal flavor on this machine writes to one log: what was there before is left out.
-std::vector<std::string> logSince(const std::string& path, std::size_t start) {
-  const std::string content = FileContent(path);
-  return LogMessages(content.size() < start ? content : content.substr(start));
-}
-
 }  // namespace
 
 ApplicationRun RunApplication(const ApplicationScene& scene, const std::vector<std::string>& arguments) {
@@ -44,15 +38,18 @@ ApplicationRun RunApplication(const ApplicationScene& scene, const std::vector<s
   const std::string sceneFile = home.path() + "/scene.json";
   const std::string record = home.path() + "/record.json";
   std::ofstream(sceneFile, std::ios::binary) << sceneText(scene, record);
-  const std::string log = scene.isProduct ? home.path() + "/.local/share/com.tessaly.hushlet/status.log" : kPersonalLog;
-  const std::size_t logStart = FileContent(log).size();
+  std::optional<PersonalLogTurn> personal;
+  if (!scene.isProduct) personal.emplace();
 
   std::vector<std::string> command = {HUSHLET_SIM};
   command.insert(command.end(), arguments.begin(), arguments.end());
   const ProgramRun program = RunProgram(
       command, {{"HOME", home.path().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", sceneFile.c_str()}});
 
-  ApplicationRun run{program.exitCode, "", program.err, logSince(log, logStart), {}, {}};
+  const std::vector<std::string> messages =
+      personal ? personal->messages()
+               : LogMessages(FileContent(home.path() + "/.local/share/com.tessaly.hushlet/status.log"));
+  ApplicationRun run{program.exitCode, "", program.err, messages, {}, {}};
   std::istringstream lines(program.out);
   for (std::string line; std::getline(lines, line);) {
     if (line.starts_with('{')) {

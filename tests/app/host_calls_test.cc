@@ -2,155 +2,139 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <variant>
 #include <vector>
 
+#include "app/access.h"
 #include "app/app_delegate.h"
-#include "platform/alerts.h"
-#include "platform/application.h"
 #include "platform/application_platform.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
-#include "platform/windows.h"
+#include "tests/app/application_spies.h"
+#include "tests/support/faults.h"
 #include "tests/support/simulated_desktop.h"
+#include "tests/support/spies.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-using Calls = std::vector<std::string>;
-
-class SpyWindow : public HLWindow {
+// Notes the moment at which launches begin to be observed.
+class SpyLaunches : public SpyRunningApplications {
  public:
-  explicit SpyWindow(Calls& calls) : calls_(calls) {}
-
-  void setLabel(std::string_view, const std::string&, HLTextColor) override {}
-  void setButtonTitle(std::string_view, const std::string&) override {}
-  void setCheckBox(std::string_view, bool) override {}
-  void setEnabled(std::string_view, bool) override {}
-  void fitHeight() override { calls_.emplace_back("fit height"); }
-  void center() override { calls_.emplace_back("center"); }
-  void makeKeyAndOrderFront() override { calls_.emplace_back("order front"); }
-  void close() override { calls_.emplace_back("close"); }
-
- private:
-  Calls& calls_;
-};
-
-class SpyWindows : public HLWindows {
- public:
-  explicit SpyWindows(Calls& calls) : calls_(calls) {}
-
-  [[nodiscard]] std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) override {
-    made.push_back(std::move(description));
-    return std::make_unique<SpyWindow>(calls_);
-  }
-  [[nodiscard]] std::vector<HLWindowView> views() override { return {}; }
-
-  std::vector<HLWindowDescription> made;
-
- private:
-  Calls& calls_;
-};
-
-// Launches, reopens and ends.
-class SpyApplication : public HLApplication {
- public:
-  explicit SpyApplication(Calls& calls) : calls_(calls) {}
-
-  [[nodiscard]] int run(HLApplicationHandlers handlers) override {
-    handlers.didFinishLaunching();
-    calls_.emplace_back("launched");
-    handlers.didReopen();
-    return 7;
-  }
-  void terminate() override {}
-  void activate() override { calls_.emplace_back("activate"); }
-  void setDarkAppearance() override {}
-  void beep() override {}
-  [[nodiscard]] std::optional<HLEvent> currentEvent() override { return std::nullopt; }
-  [[nodiscard]] std::unique_ptr<HLKeyMonitor> addKeyMonitor(std::function<void(const HLKeyEvent&)>) override {
-    return nullptr;
+  SpyLaunches(HLRunningApplications& inner, Calls& calls) : SpyRunningApplications(inner), calls_(calls) {}
+  void observeLaunches(std::function<void(const HLRunningApplication&)>) override {
+    calls_.emplace_back("observe launches");
   }
 
  private:
   Calls& calls_;
 };
 
-class SpyAlerts : public HLAlerts {
- public:
-  explicit SpyAlerts(Calls& calls) : calls_(calls) {}
+using FoundHost = std::variant<const HLApplicationPlatform*, std::string>;
 
-  [[nodiscard]] std::size_t runModal(const HLAlert&) override {
-    calls_.emplace_back("alert");
-    return 0;
-  }
-
- private:
-  Calls& calls_;
-};
-
-class HostCalls : public testing::Test {
- protected:
-  // The scene's desktop with an application and windows that note what is asked of them.
-  int run(const std::string& scene, const std::optional<HLAccessGuide>& guide = std::nullopt) {
-    desktop_ = std::make_unique<SimulatedDesktop>(scene);
-    const auto real = std::get<const HLApplicationPlatform*>(desktop_->platform().applicationPlatform());
-    const HLApplicationPlatform host{
-        application_,    real->statusItem,   windows_,         real->alerts,    real->hotKeys,
-        real->loginItem, real->userDefaults, real->httpClient, real->workspace, guide};
-    HLPlatform platform = desktop_->platform();
-    platform.applicationPlatform = [&host] { return std::variant<const HLApplicationPlatform*, std::string>(&host); };
-    return runOn(platform);
-  }
-  int runOn(const HLPlatform& platform) {
+// The application of the product flavor on a host of spies. One call of the accessibility interface may fail.
+struct Application {
+  explicit Application(const std::string& scene = R"("trusted": true)", const std::string& name = "Hushlet",
+                       std::int64_t failingCall = 0)
+      : desktop("{" + scene + R"(, "bundle": {"info": {"HLProductFlavor": "product", "CFBundleDisplayName": ")" + name +
+                R"("}}})"),
+        faults(failingCall, HLAXErrorCannotComplete) {
     HLInstallPlatform(&platform);
-    const int code = HLRunApplication(err_);
-    desktop_ = nullptr;
-    return code;
+  }
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
+  // The messages of the status log that begin with the text.
+  [[nodiscard]] std::vector<std::string> messages(std::string_view beginning) const {
+    std::vector<std::string> found = LogMessages(FileContent(desktop.home() + "/.local/share/dismiss/status.log"));
+    std::erase_if(found, [beginning](const std::string& message) { return !message.starts_with(beginning); });
+    return found;
   }
 
-  Calls calls_;
-  SpyApplication application_{calls_};
-  SpyWindows windows_{calls_};
-  std::ostringstream err_;
-  std::unique_ptr<SimulatedDesktop> desktop_;
+  SimulatedDesktop desktop;
+  SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};
+  SpyLaunches launches{desktop.platform().runningApplications, host.calls};
+  Faults faults;
+  FaultyAccessibility accessibility{desktop.platform().accessibility, faults};
+  HLPlatform platform{accessibility,
+                      launches,
+                      desktop.platform().runLoop,
+                      desktop.platform().process,
+                      desktop.platform().propertyLists,
+                      desktop.platform().userNotifications,
+                      [this] { return FoundHost(&host.platform); }};
+  const std::shared_ptr<HLAppDelegate> delegate = std::make_shared<HLAppDelegate>(host.platform);
 };
 
-constexpr const char* kProduct = R"(, "bundle": {"info": {"HLProductFlavor": "product"}}})";
-
-TEST_F(HostCalls, OpenTheSettingsWindowWhenTheProgramIsStartedAgain) {
-  EXPECT_EQ(run(std::string(R"({"trusted": true)") + kProduct), 7);
-  EXPECT_THAT(calls_, ElementsAre("launched", "center", "activate", "order front"));
-  ASSERT_EQ(windows_.made.size(), 1U);
-  EXPECT_EQ(windows_.made[0].title, "Hushlet Settings");
-  EXPECT_EQ(windows_.made[0].sideMargin, 24);
-  EXPECT_EQ(windows_.made[0].verticalMargin, 22);
+TEST(RunningTheApplication, OpensTheSettingsWindowWhenTheProgramIsStartedAgain) {
+  Application application;
+  std::ostringstream err;
+  EXPECT_EQ(HLRunApplication(err), 7);
+  Calls& calls = application.host.calls;
+  calls.erase(calls.begin(), std::find(calls.begin(), calls.end(), "launched"));
+  EXPECT_THAT(calls, ElementsAre("launched", "label ⌃⌥⌘N", "label Allowed", "look at auto-close", "center", "activate",
+                                 "order front"));
+  ASSERT_EQ(application.host.windows.made.size(), 1U);
+  EXPECT_EQ(application.host.windows.made[0].title, "Hushlet Settings");
+  EXPECT_EQ(application.host.windows.made[0].sideMargin, 24);
+  EXPECT_EQ(application.host.windows.made[0].verticalMargin, 22);
 }
 
-TEST_F(HostCalls, BringTheApplicationToTheFrontBeforeAnAlert) {
-  const SimulatedDesktop desktop("{}");
-  const auto real = std::get<const HLApplicationPlatform*>(HLCurrentPlatform().applicationPlatform());
-  SpyAlerts alerts(calls_);
-  const HLApplicationPlatform host{application_,    real->statusItem, windows_,           alerts,
-                                   real->hotKeys,   real->loginItem,  real->userDefaults, real->httpClient,
-                                   real->workspace, std::nullopt};
-  std::make_shared<HLAppDelegate>(host)->checkForUpdates();
-  HLCurrentPlatform().runLoop.runFor(0.1);
-  EXPECT_THAT(calls_, ElementsAre("activate", "alert"));
+TEST(RunningTheApplication, FailsInOneLineWhereNothingCanBeShown) {
+  Application application;
+  application.platform.applicationPlatform = [] { return FoundHost("nowhere to show it"); };
+  std::ostringstream err;
+  EXPECT_EQ(HLRunApplication(err), 1);
+  EXPECT_EQ(err.str(), "nowhere to show it\n");
 }
 
-TEST_F(HostCalls, FitTheSetupWindowBeforeItIsCentered) {
-  EXPECT_EQ(run(std::string(R"({"trusted": false)") + kProduct), 7);
-  EXPECT_THAT(calls_, ElementsAre("fit height", "center", "activate", "order front", "launched", "center", "activate",
-                                  "order front"));
-  ASSERT_EQ(windows_.made.size(), 2U);
-  const HLWindowDescription& setup = windows_.made[0];
+TEST(LaunchCalls, ComeOneAfterTheOther) {
+  Application application(R"("trusted": false, "arguments": ["hushlet", "--open-settings", "--appearance-dark"])");
+  application.delegate->applicationDidFinishLaunching();
+  Calls& calls = application.host.calls;
+  calls.resize(16);  // the settings window follows
+  EXPECT_THAT(calls,
+              ElementsAre("register defaults", "install status item", "install hot key handler", "observe launches",
+                          "look at auto-close", "register hot key", "image exclamationmark.triangle", "title ",
+                          "label Waiting for Accessibility access…", "image exclamationmark.triangle", "title ",
+                          "fit height", "center", "activate", "order front", "dark appearance"));
+}
+
+TEST(LaunchCalls, OpenTheSetupWindowWhereTrustWasMissingAtTheStart) {
+  Application application(R"("trusted": true)", "Hushlet", 1);
+  application.delegate->applicationDidFinishLaunching();
+  ASSERT_EQ(application.host.windows.made.size(), 1U);
+  EXPECT_EQ(application.host.windows.made[0].title, "Set Up Hushlet");
+}
+
+TEST(LaunchCalls, GiveTheMenuTheApplicationsName) {
+  Application application;
+  application.delegate->applicationDidFinishLaunching();
+  EXPECT_EQ(application.host.statusItem.installed.menu.title, "Hushlet");
+}
+
+TEST(UpdateCheckCalls, BringTheApplicationToTheFrontBeforeTheAlert) {
+  Application application;
+  application.delegate->checkForUpdates();
+  application.desktop.platform().runLoop.runFor(0.1);
+  EXPECT_THAT(application.host.calls, ElementsAre("activate", "alert"));
+}
+
+TEST(SetupWindowCalls, DescribeItsSizeAndMargins) {
+  Application application;
+  application.delegate->showSetupWindow();
+  const HLWindowDescription& setup = application.host.windows.made.at(0);
   EXPECT_EQ(setup.title, "Set Up Hushlet");
   EXPECT_EQ(setup.width, 460);
   EXPECT_EQ(setup.height, 360);
@@ -158,26 +142,118 @@ TEST_F(HostCalls, FitTheSetupWindowBeforeItIsCentered) {
   EXPECT_EQ(setup.verticalMargin, 22);
 }
 
-TEST_F(HostCalls, SayTheHostsOwnWayToAccessWithTheApplicationsName) {
-  EXPECT_EQ(
-      run(R"({"trusted": false, "bundle": {"info": {"HLProductFlavor": "product", "CFBundleDisplayName": "A%@"}}})",
-          HLAccessGuide{"%@ explains %@.", "Steps", "A note on %@"}),
-      7);
+TEST(SetupWindowCalls, SayTheHostsOwnWayToAccessWithTheApplicationsName) {
+  Application application(R"("trusted": false)", "A%@");
+  application.host.platform.accessGuide = HLAccessGuide{"%@ explains %@.", "Steps", "A note on %@"};
+  application.delegate->showSetupWindow();
   std::vector<std::string> texts;
-  for (const HLStackItem& item : windows_.made.at(0).stack) {
+  for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
     if (const auto* label = std::get_if<HLLabel>(&item.what)) texts.push_back(label->text);
   }
   EXPECT_THAT(texts, ElementsAre("Allow Accessibility", "A%@ explains A%@.", "Steps", "A note on A%@", ""));
 }
 
-TEST_F(HostCalls, FailInOneLineWhereNothingCanBeShown) {
-  desktop_ = std::make_unique<SimulatedDesktop>("{}");
-  HLPlatform platform = desktop_->platform();
-  platform.applicationPlatform = [] {
-    return std::variant<const HLApplicationPlatform*, std::string>(std::string("nowhere to show it"));
+TEST(SetupWindowCalls, MakeTheWindowOnce) {
+  Application application;
+  application.delegate->showSetupWindow();
+  application.delegate->showSetupWindow();
+  EXPECT_EQ(application.host.windows.made.size(), 1U);
+}
+
+TEST(SetupWindowCalls, OpenThePaneWhateverTheRequestSays) {
+  Application application;
+  application.delegate->openAccessibilitySettings();
+  EXPECT_EQ(application.messages("requestAccessibility trusted=true").size(), 1U);
+  EXPECT_EQ(application.messages("openAccessibilitySettings opened=x-apple").size(), 1U);
+}
+
+TEST(AccessibilitySettingsPane, SaysWhetherItHasOpened) {
+  const Application willing;
+  EXPECT_TRUE(HLOpenAccessibilitySettingsPane(willing.host.platform.workspace));
+  const Application unwilling(R"("services": {"opens": []})");
+  EXPECT_FALSE(HLOpenAccessibilitySettingsPane(unwilling.host.platform.workspace));
+}
+
+TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
+  constexpr std::uint64_t kControl = 0x40000;
+  struct Click {
+    HLEvent event;
+    const char* modifiers;  // as they are logged
+    bool opensMenu;
   };
-  EXPECT_EQ(runOn(platform), 1);
-  EXPECT_EQ(err_.str(), "nowhere to show it\n");
+  for (const auto& [event, modifiers, opensMenu] :
+       {Click{{4, 0}, "0", true}, Click{{2, kControl}, "262144", true}, Click{{2, 0x40101}, "262144", true},
+        Click{{2, 0x80040000}, "2147745792", true}, Click{{2, 0xFFFF}, "0", false}, Click{{2, 0x100000000}, "0", false},
+        Click{{1, kControl}, "262144", false}, Click{{3, kControl}, "262144", false},
+        Click{{0, kControl}, "262144", false}}) {
+    Application application;
+    application.host.application.event = event;
+    application.delegate->handleStatusItemClick();
+    application.desktop.platform().runLoop.runFor(1);  // to the end of the dismissal
+    const bool opened = !application.host.calls.empty() && application.host.calls.front() == "pop up menu";
+    EXPECT_EQ(opened, opensMenu) << event.type << " " << event.modifiers;
+    EXPECT_THAT(application.messages("handleClick"),
+                ElementsAre("handleClick type=" + std::to_string(event.type) + " modifiers=" + modifiers));
+  }
+}
+
+HLWindowView view(const std::string& title, double width, double height, const std::optional<std::string>& png = "") {
+  return {title, true, width, height, [png] { return png; }};
+}
+
+std::set<std::string> filesIn(const std::string& directory) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(directory)) names.insert(entry.path().filename());
+  return names;
+}
+
+TEST(Snapshots, AreNumberedFromZeroAndNamedByTitleOrNumber) {
+  const TemporaryDirectory pictures;
+  Application application(R"("arguments": ["hushlet", "--snapshot-windows", ")" + pictures.path() + "\"]");
+  HLWindowView hidden = view("Hidden", 100, 100);
+  hidden.visible = false;
+  std::filesystem::create_directory(pictures.path() + "/03-Taken.png");
+  std::ofstream(pictures.path() + "/00-First.png") << "an older one";
+  application.host.windows.shown = {view("First", 419.6, 279.4, "the picture"),
+                                    hidden,
+                                    view("Without width", 0, 100),
+                                    view("Without height", 100, 0),
+                                    view("", 1, 1),
+                                    view("Without picture", 30, 40, std::nullopt),
+                                    view("Taken", 50, 60),
+                                    view("Last", 70, 80)};
+  application.delegate->applicationDidFinishLaunching();
+  application.desktop.platform().runLoop.runFor(2);
+  EXPECT_THAT(application.messages("snapshot"),
+              ElementsAre("snapshot window=First size=420x279 wrote=1", "snapshot window=window-1 size=1x1 wrote=1",
+                          "snapshot window=Without picture size=30x40 wrote=0",
+                          "snapshot window=Taken size=50x60 wrote=0", "snapshot window=Last size=70x80 wrote=1"));
+  EXPECT_THAT(filesIn(pictures.path()), ElementsAre("00-First.png", "01-window-1.png", "03-Taken.png", "04-Last.png"));
+  EXPECT_EQ(FileContent(pictures.path() + "/00-First.png"), "the picture");
+}
+
+TEST(Snapshots, AreNumberedWithTwoDigits) {
+  const TemporaryDirectory pictures;
+  Application application(R"("arguments": ["hushlet", "--snapshot-windows", ")" + pictures.path() + "\"]");
+  application.host.windows.shown.assign(11, view("W", 10, 20));
+  application.delegate->applicationDidFinishLaunching();
+  application.desktop.platform().runLoop.runFor(2);
+  const std::set<std::string> files = filesIn(pictures.path());
+  EXPECT_EQ(files.size(), 11U);
+  EXPECT_EQ(*files.begin(), "00-W.png");
+  EXPECT_EQ(*files.rbegin(), "10-W.png");
+}
+
+TEST(Snapshots, InADirectoryWithoutANameAreWrittenWhereTheProgramStands) {
+  const TemporaryDirectory pictures;
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(pictures.path());
+  Application application(R"("arguments": ["hushlet", "--snapshot-windows", ""])");
+  application.host.windows.shown = {view("First", 10, 20)};
+  application.delegate->applicationDidFinishLaunching();
+  application.desktop.platform().runLoop.runFor(2);
+  std::filesystem::current_path(before);
+  EXPECT_THAT(filesIn(pictures.path()), ElementsAre("00-First.png"));
 }
 
 }  // namespace

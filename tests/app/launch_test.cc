@@ -76,11 +76,11 @@ TEST(LaunchSwitches, ChooseAppearanceAndSettings) {
 
 TEST(LaunchSwitches, SnapshotsAreTakenOfTheVisibleWindowsAfterASecondAndAHalf) {
   const TemporaryDirectory pictures;
-  const ApplicationRun run =
-      RunApplication({.timeline = {At(1.4, R"("choose": "Settings…")"), At(1.45, R"("closeWindow": "Set Up Hushlet")"),
-                                   At(1.6, R"("choose": "Set Up Accessibility…")")},
-                      .further = kUntrusted},
-                     {"--snapshot-windows", pictures.path()});
+  const ApplicationRun run = RunApplication(
+      {.timeline = {At(1.49, R"("choose": "Settings…")"), At(1.499, R"("closeWindow": "Set Up Hushlet")"),
+                    At(1.501, R"("choose": "Set Up Accessibility…")")},
+       .further = kUntrusted},
+      {"--snapshot-windows", pictures.path()});
   EXPECT_THAT(MessagesOf(run, "snapshot"), ElementsAre("snapshot window=Hushlet Settings size=420x280 wrote=1"));
   EXPECT_THAT(FileContent(pictures.path() + "/00-Hushlet Settings.png"), testing::StartsWith("\x89PNG\r\n\x1a\n"));
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(pictures.path()), {}), 1);
@@ -206,28 +206,37 @@ TEST(Clicks, DismissUnlessTheyAreRightOrWithControl) {
   }
 }
 
+// The application calls itself so wherever its name stands.
+void expectName(const json& dump, const std::string& name) {
+  EXPECT_EQ(dump["statusItem"]["toolTip"], name + ": click to clear notifications, right-click for options");
+  EXPECT_EQ(dump["statusItem"]["imageDescription"], name);
+  EXPECT_EQ(menuTitles(dump).back(), "Quit " + name);
+  EXPECT_EQ(dump["windows"][0]["title"], "Set Up " + name);
+  EXPECT_EQ(dump["windows"][1]["title"], name + " Settings");
+  const std::vector<std::string> texts = ControlsOf(dump["windows"][0]);
+  EXPECT_THAT(texts.at(1), testing::StartsWith("label " + name + " clears notification banners"));
+  EXPECT_THAT(texts.at(2), HasSubstr("Turn on " + name + " in the list."));
+  EXPECT_THAT(texts.at(3), HasSubstr("Select " + name + " in the list,"));
+}
+
 TEST(DisplayName, IsTheBundlesOwnEverywhere) {
   const ApplicationRun run =
       RunApplication({.hasBundle = false,
-                      .timeline = {DumpAt(0), At(1, R"("choose": "Settings…")"), DumpAt(2)},
+                      .timeline = {At(1, R"("choose": "Settings…")"), DumpAt(2)},
                       .further = R"(, "trusted": false, "bundle": {"identifier": "com.tessaly.hushlet",
          "info": {"HLProductFlavor": "product", "CFBundleDisplayName": "Quiet"}})"});
-  const json& dump = run.dumps.at(1);
-  EXPECT_EQ(dump["statusItem"]["toolTip"], "Quiet: click to clear notifications, right-click for options");
-  EXPECT_EQ(dump["statusItem"]["imageDescription"], "Quiet");
-  EXPECT_EQ(menuTitles(dump).back(), "Quit Quiet");
-  EXPECT_EQ(dump["windows"][0]["title"], "Set Up Quiet");
-  EXPECT_EQ(dump["windows"][1]["title"], "Quiet Settings");
-  EXPECT_THAT(ControlsOf(dump["windows"][0]).at(1), testing::StartsWith("label Quiet clears notification banners"));
+  expectName(run.dumps.at(0), "Quiet");
 }
 
-TEST(DisplayName, IsHushletWhereTheBundleHasNone) {
-  for (const char* info : {R"({})", R"({"CFBundleDisplayName": ""})", R"({"CFBundleDisplayName": 7})"}) {
-    const ApplicationRun run = RunApplication({.isProduct = false,
-                                               .hasBundle = false,
-                                               .timeline = {DumpAt(0)},
-                                               .further = std::string(R"(, "bundle": {"info": )") + info + "}"});
-    EXPECT_EQ(menuTitles(run.dumps.at(0)).back(), "Quit Hushlet") << info;
+TEST(DisplayName, IsHushletEverywhereWhereTheBundleHasNone) {
+  for (const char* name : {R"("none": "")", R"("CFBundleDisplayName": "")", R"("CFBundleDisplayName": 7)"}) {
+    const ApplicationRun run =
+        RunApplication({.hasBundle = false,
+                        .timeline = {At(1, R"("choose": "Settings…")"), DumpAt(2)},
+                        .further = R"(, "trusted": false, "bundle": {"identifier": "com.tessaly.hushlet",
+           "info": {"HLProductFlavor": "product", )" +
+                                   std::string(name) + "}}"});
+    expectName(run.dumps.at(0), "Hushlet");
   }
 }
 

@@ -58,7 +58,7 @@ TEST(SetupWindow, HoldsItsTextsInOneStack) {
 
 TEST(SetupWindow, NoticesTheGrantWithinASecond) {
   const ApplicationRun run =
-      RunApplication({.timeline = {At(2.5, R"("trust": true)"), DumpAt(2.9), DumpAt(3.1)}, .further = kUntrusted});
+      RunApplication({.timeline = {At(2.5, R"("trust": true)"), DumpAt(2.999), DumpAt(3.001)}, .further = kUntrusted});
   EXPECT_EQ(primaryButton(run.dumps.at(0))["button"], "Open Accessibility Settings");
   EXPECT_EQ(statusLine(run.dumps.at(1))["label"],
             "Allowed. Press ⌃⌥⌘N or click the menu bar icon to clear notifications.");
@@ -117,6 +117,14 @@ TEST(SetupWindow, StopsPollingWhenItIsClosed) {
   EXPECT_EQ(WindowOf(byButton.dumps.at(1), kTitle)["visible"], false);
 }
 
+TEST(SetupWindow, GoesOnPollingWhenTheSettingsAreClosed) {
+  const ApplicationRun run = RunApplication(
+      {.timeline = {At(1, R"("choose": "Settings…")"), At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3)},
+       .further = kUntrusted});
+  EXPECT_EQ(run.dumps.at(0)["timers"], 1);
+  EXPECT_EQ(WindowOf(run.dumps.at(0), kTitle)["visible"], true);
+}
+
 TEST(SetupWindow, GoesOnPollingAfterTheGrant) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, R"("trust": true)"), DumpAt(30)}, .further = kUntrusted});
@@ -155,6 +163,20 @@ TEST(SetupButton, SaysInTheLogWhenNoPaneOpens) {
                                              .further = R"(, "trusted": false, "services": {"opens": []})"});
   EXPECT_THAT(MessagesOf(run, "openAccessibilitySettings"), ElementsAre("openAccessibilitySettings opened=none"));
   EXPECT_EQ(statusLine(run.dumps.at(0))["label"], "Waiting for Accessibility access…");
+}
+
+// What the button says is up to a second old.
+TEST(SetupButton, GoesByTheTrustOfTheMoment) {
+  const ApplicationRun granted = RunApplication(
+      {.timeline = {At(1.1, R"("trust": true)"), At(1.2, press("Open Accessibility Settings")), DumpAt(1.3)},
+       .further = kUntrusted});
+  EXPECT_EQ(WindowOf(granted.dumps.at(0), kTitle)["visible"], false);
+  EXPECT_THAT(granted.dumps.at(0)["openedAddresses"], IsEmpty());
+  const ApplicationRun withdrawn =
+      RunApplication({.timeline = {At(1, R"("choose": "Accessibility Allowed")"), At(1.1, R"("trust": false)"),
+                                   At(1.2, press("Done")), DumpAt(1.3)}});
+  EXPECT_EQ(WindowOf(withdrawn.dumps.at(0), kTitle)["visible"], true);
+  EXPECT_THAT(withdrawn.dumps.at(0)["openedAddresses"], ElementsAre(kNewPane));
 }
 
 TEST(SetupWindow, LeavesARecordingAloneWhenItIsClosed) {

@@ -1,6 +1,7 @@
-// The application beside a trusted daemon, itself without trust.
+// The application beside a trusted daemon.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
@@ -8,24 +9,46 @@
 
 #include "tests/app/application_run.h"
 #include "tests/daemon/daemon_process.h"
+#include "tests/support/personal_log.h"
 
 namespace {
 
 using nlohmann::json;
 
-using BesideADaemon = TrustedDaemon;
+constexpr const char* kProduct =
+    R"("bundle": {"identifier": "com.tessaly.hushlet", "info": {"HLProductFlavor": "product"}})";
+
+class BesideADaemon : public TrustedDaemon {
+ protected:
+  // The dumps of the application on a scene of its own.
+  [[nodiscard]] std::vector<json> dumpsOf(const std::string& scene) const {
+    const ProgramRun program = run(scene, {});
+    EXPECT_EQ(program.exitCode, 0) << program.err;
+    std::vector<json> dumps;
+    std::istringstream lines(program.out);
+    for (std::string line; std::getline(lines, line);) dumps.push_back(json::parse(line));
+    return dumps;
+  }
+  // A daemon of the product flavor.
+  void startProduct() {
+    launch(std::string("{") + kProduct + "}");
+    ASSERT_TRUE(WaitFor([this] { return Client(productState() + "/daemon.sock").ask("ping\n") != ""; }));
+  }
+  [[nodiscard]] std::string productState() const { return home() + "/.local/share/com.tessaly.hushlet"; }
+  [[nodiscard]] static std::int64_t questionsIn(const std::vector<std::string>& diagnostics) {
+    return std::count(diagnostics.begin(), diagnostics.end(), "socket client command=self-check response=nothing|0|0");
+  }
+
+ private:
+  const PersonalLogTurn log_;  // where the application is of the personal flavor
+};
 
 TEST_F(BesideADaemon, ClearsNotificationsButStillWaitsForItsOwnTrustInTheSetupWindow) {
   start("{}");
-  const ProgramRun program =
-      run(R"({"trusted": false, "timeline": [)" + DumpAt(1) + ", " + At(2, R"("choose": "Accessibility Allowed")") +
+  const std::vector<json> dumps =
+      dumpsOf(R"({"trusted": false, "timeline": [)" + DumpAt(1) + ", " + At(2, R"("choose": "Accessibility Allowed")") +
               ", " + DumpAt(2) + ", " + At(3, R"("press": "Open Accessibility Settings", "window": "Set Up Hushlet")") +
-              ", " + DumpAt(3) + "]}",
-          {});
-  EXPECT_EQ(program.exitCode, 0) << program.err;
-  std::vector<json> dumps;
-  std::istringstream lines(program.out);
-  for (std::string line; std::getline(lines, line);) dumps.push_back(json::parse(line));
+              ", " + DumpAt(3) + "]}");
   ASSERT_EQ(dumps.size(), 3U);
   EXPECT_EQ(dumps[0]["statusItem"]["title"], "HL");
   const json window = WindowOf(dumps[1], "Set Up Hushlet");
@@ -33,6 +56,29 @@ TEST_F(BesideADaemon, ClearsNotificationsButStillWaitsForItsOwnTrustInTheSetupWi
   EXPECT_EQ(window["content"][5]["button"], "Open Accessibility Settings");
   EXPECT_EQ(WindowOf(dumps[2], "Set Up Hushlet")["visible"], true);
   EXPECT_EQ(dumps[2]["openedAddresses"].size(), 1U);
+}
+
+TEST_F(BesideADaemon, OpensTheSetupWindowAtLaunchThoughTheButtonSaysThatAccessIsThere) {
+  startProduct();
+  const std::vector<json> dumps = dumpsOf(std::string("{") + kProduct + R"(, "trusted": false, "timeline": [)" +
+                                          DumpAt(0) + ", " + At(0, R"("terminate": true)") + "]}");
+  ASSERT_EQ(dumps.size(), 1U);
+  EXPECT_EQ(WindowOf(dumps[0], "Set Up Hushlet")["visible"], true);
+  EXPECT_EQ(dumps[0]["statusItem"]["image"], "bell.slash");
+  EXPECT_THAT(LogMessages(FileContent(productState() + "/status.log")),
+              testing::Contains(testing::HasSubstr(" trusted=false daemonReachable=true flavor=product ")));
+}
+
+TEST_F(BesideADaemon, AsksItOnceAtLaunchAndForEachRefreshAndEachOpeningOfTheMenu) {
+  start("{}");
+  (void)dumpsOf(R"({"trusted": false, "timeline": [)" + At(1, R"("openMenu": true)") + "]}");
+  EXPECT_EQ(questionsIn(diagnostics()), 3);
+}
+
+TEST_F(BesideADaemon, AsksItOnlyAtLaunchWhereItIsTrustedItself) {
+  start("{}");
+  (void)dumpsOf(R"({"timeline": [)" + At(1, R"("openMenu": true)") + ", " + At(2, R"("click": "left")") + "]}");
+  EXPECT_EQ(questionsIn(diagnostics()), 1);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/personal_log.h"
 #include "tests/support/processes.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/temporary_directory.h"
@@ -83,6 +84,7 @@ std::string unfolded(const std::string& output) {
 // One run, written down with all that it logs.
 std::string run(const std::string& scene, const std::vector<std::string>& arguments) {
   const TemporaryDirectory home;
+  const PersonalLogTurn personal;
   const std::string path = (kScenes / (scene + ".json")).string();
   std::vector<std::string> command = {HUSHLET_SIM};
   command.insert(command.end(), arguments.begin(), arguments.end());
@@ -99,6 +101,9 @@ std::string run(const std::string& scene, const std::vector<std::string>& argume
     if (fs::exists(home.path() + log)) text += std::string(" ") + log + "\n";
     for (const std::string& line : LogMessages(FileContent(home.path() + log))) text += "  " + line + "\n";
   }
+  const std::vector<std::string> messages = personal.messages();
+  if (!messages.empty()) text += " status log of the personal flavor\n";
+  for (const std::string& line : messages) text += "  " + line + "\n";
   return text;
 }
 

@@ -2,6 +2,7 @@
 #include <csignal>
 
 #include "tests/linux/application_desktop.h"
+#include "tests/support/personal_log.h"
 
 namespace {
 
@@ -59,6 +60,7 @@ TEST_P(ApplicationWithServer, TheMenuClearsTheScreen) {
 }
 
 TEST_P(ApplicationWithServer, ThePersonalFlavorClearsTheScreenToo) {
+  const PersonalLogTurn log;
   beginDesktopWith(GetParam());
   startApplication({}, kPersonal);
   const std::vector<std::uint32_t> ids = send(3);

@@ -5,10 +5,13 @@
 #include <unistd.h>
 
 #include <array>
+#include <memory>
 #include <stdexcept>
 
 #include "platform/macos/host.h"
 #include "tests/support/platform_contract.h"
+
+extern char** environ;
 
 namespace {
 
@@ -24,7 +27,7 @@ class WindowProcess {
     posix_spawn_file_actions_addclose(&actions, ends[1]);
     std::string program = CONTRACT_WINDOW;
     std::array<char*, 2> arguments = {program.data(), nullptr};
-    const int error = posix_spawn(&pid_, program.c_str(), &actions, nullptr, arguments.data(), nullptr);
+    const int error = posix_spawn(&pid_, program.c_str(), &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     close(ends[0]);
     end_ = ends[1];
@@ -124,25 +127,29 @@ class AccessibilityEvents : public testing::Test {
   }
 };
 
-TEST_F(AccessibilityEvents, ComeWhileTheObserverIsAttached) {
-  std::vector<std::string> notifications;
+TEST_F(AccessibilityEvents, OfElementsBelowComeWhileTheObserverIsAttached) {
+  int all = 0;
+  int ofWindow = 0;
   const auto observer =
       accessibility_.createObserver(desktop_.pid(), [&](const HLElementRef& element, std::string_view notification) {
-        EXPECT_NE(element, nullptr);
-        notifications.emplace_back(notification);
+        ++all;
+        EXPECT_EQ(notification, "AXLayoutChanged");
+        const HLAttribute role = element->copyAttributeValue("AXRole");
+        const std::string* text = role.value.as<std::string>();
+        if (text != nullptr && *text == "AXWindow") ++ofWindow;
       });
   ASSERT_NE(observer, nullptr);
   const HLElementRef root = accessibility_.createApplication(desktop_.pid());
-  EXPECT_EQ(observer->addNotification(root, "AXUIElementDestroyed"), HLAXErrorSuccess);
+  EXPECT_EQ(observer->addNotification(root, "AXLayoutChanged"), HLAXErrorSuccess);
   observer->attach();
   close();
-  EXPECT_TRUE(eventually([&] { return !notifications.empty(); }));
+  EXPECT_TRUE(eventually([&] { return ofWindow > 0; }));
   observer->detach();
-  const std::size_t count = notifications.size();
+  const int before = all;
   close();
   loop_.runFor(0.5);
-  EXPECT_EQ(notifications.size(), count);
-  EXPECT_EQ(observer->removeNotification(root, "AXUIElementDestroyed"), HLAXErrorSuccess);
+  EXPECT_EQ(all, before);
+  EXPECT_EQ(observer->removeNotification(root, "AXLayoutChanged"), HLAXErrorSuccess);
 }
 
 TEST_F(AccessibilityEvents, MayEndTheirObserver) {
@@ -154,11 +161,47 @@ TEST_F(AccessibilityEvents, MayEndTheirObserver) {
   });
   ASSERT_NE(observer, nullptr);
   const HLElementRef root = accessibility_.createApplication(desktop_.pid());
-  EXPECT_EQ(observer->addNotification(root, "AXUIElementDestroyed"), HLAXErrorSuccess);
+  EXPECT_EQ(observer->addNotification(root, "AXLayoutChanged"), HLAXErrorSuccess);
   observer->attach();
   close();
   EXPECT_TRUE(eventually([&] { return observer == nullptr; }));
   EXPECT_EQ(calls, 1);
+}
+
+class Applications : public testing::Test {
+ protected:
+  HLMacHost host_;
+  HLRunningApplications& applications_ = host_.platform().runningApplications;
+  HLRunLoop& loop_ = host_.platform().runLoop;
+
+  [[nodiscard]] bool lists(std::int32_t pid) {
+    for (const HLRunningApplication& application : applications_.list()) {
+      if (application.pid == pid && !application.terminated) return true;
+    }
+    return false;
+  }
+};
+
+TEST_F(Applications, ComeAndGoInTheListThoughNothingRunsTheLoop) {
+  const double deadline = loop_.now() + 20;
+  auto window = std::make_unique<WindowProcess>();
+  const std::int32_t pid = window->pid();
+  while (!lists(pid) && loop_.now() < deadline) loop_.sleep(0.05);
+  EXPECT_TRUE(lists(pid));
+  window = nullptr;
+  while (lists(pid) && loop_.now() < deadline) loop_.sleep(0.05);
+  EXPECT_FALSE(lists(pid));
+}
+
+TEST_F(Applications, AreToldOfThoughTheyStayOutOfTheDock) {
+  const auto launched = std::make_shared<std::vector<std::int32_t>>();  // the observer stays to the end of the process
+  applications_.observeLaunches(
+      [launched](const HLRunningApplication& application) { launched->push_back(application.pid); });
+  const WindowProcess window;
+  const auto told = [&] { return std::find(launched->begin(), launched->end(), window.pid()) != launched->end(); };
+  const double deadline = loop_.now() + 20;
+  while (!told() && loop_.now() < deadline) loop_.runFor(0.05);
+  EXPECT_TRUE(told());
 }
 
 TEST(Observer, OfAProcessThatIsNotThereIsNone) {

@@ -1,5 +1,5 @@
-// A window that the contract tests read and press: two alerts, each with an action "Close" that takes it away. Lives
-// until its standard input ends.
+// A window that the contract tests read and press: two alerts, each with an action "Close" that takes it away and tells
+// that the window's layout has changed. Lives until its standard input ends.
 #import <AppKit/AppKit.h>
 
 NS_ASSUME_NONNULL_BEGIN
@@ -9,7 +9,9 @@ NS_ASSUME_NONNULL_BEGIN
 
 NS_ASSUME_NONNULL_END
 
-@implementation HLContractAlert
+@implementation HLContractAlert {
+  NSArray<NSAccessibilityCustomAction*>* _actions;
+}
 
 - (BOOL)isAccessibilityElement {
   return YES;
@@ -24,12 +26,18 @@ NS_ASSUME_NONNULL_END
 }
 
 - (NSArray<NSAccessibilityCustomAction*>*)accessibilityCustomActions {
-  __weak HLContractAlert* alert = self;
-  return @[ [[NSAccessibilityCustomAction alloc] initWithName:@"Close"
-                                                      handler:^BOOL {
-                                                        [alert removeFromSuperview];
-                                                        return YES;
-                                                      }] ];
+  if (_actions != nil) return _actions;
+  __weak HLContractAlert* weakAlert = self;
+  BOOL (^close)(void) = ^BOOL {
+    HLContractAlert* alert = weakAlert;
+    NSWindow* window = alert.window;
+    if (window == nil) return NO;
+    [alert removeFromSuperview];
+    NSAccessibilityPostNotification(window, NSAccessibilityLayoutChangedNotification);
+    return YES;
+  };
+  _actions = @[ [[NSAccessibilityCustomAction alloc] initWithName:@"Close" handler:close] ];
+  return _actions;
 }
 
 @end

@@ -15,6 +15,12 @@ class UserDefaults : public testing::Test {
  protected:
   ~UserDefaults() override { [NSUserDefaults.standardUserDefaults removeObjectForKey:@"HLTestKey"]; }
 
+  // What stands under the key in the domain of a program without a bundle, which is named after it.
+  static NSNumber* stored() {
+    return [NSUserDefaults.standardUserDefaults
+        persistentDomainForName:NSProcessInfo.processInfo.processName][@"HLTestKey"];
+  }
+
   HLMacUserDefaults defaults_;
 };
 
@@ -31,11 +37,10 @@ TEST_F(UserDefaults, AnswerWhatWasStored) {
 TEST_F(UserDefaults, FallBackToWhatIsRegisteredAndNeverStoreIt) {
   defaults_.registerDefaults({{"HLTestKey", std::int64_t{45}}});
   EXPECT_EQ(HLIntegerDefault(defaults_, "HLTestKey"), 45);
-  NSDictionary* stored =
-      [NSUserDefaults.standardUserDefaults persistentDomainForName:NSProcessInfo.processInfo.processName];
-  EXPECT_EQ(stored[@"HLTestKey"], nil);
+  EXPECT_EQ(stored(), nil);
   defaults_.setValue("HLTestKey", std::int64_t{7});
   EXPECT_EQ(HLIntegerDefault(defaults_, "HLTestKey"), 7);
+  EXPECT_EQ(stored().integerValue, 7);
 }
 
 TEST_F(UserDefaults, OfOtherKindsAreNotStored) {

@@ -68,6 +68,24 @@ TEST_F(MainLoop, LetsATimerEndItself) {
   EXPECT_EQ(turns, 1);
 }
 
+TEST_F(MainLoop, RunsTimersAndNoFurtherStepWithinAStep) {
+  int turns = 0;
+  bool further = false;
+  bool done = false;
+  const std::unique_ptr<HLTimer> timer = loop_.scheduleTimer(0.01, [&] { ++turns; });
+  loop_.postToMainQueue([&] {
+    loop_.postToMainQueue([&] { further = true; });
+    const double start = loop_.now();
+    const int before = turns;
+    loop_.runFor(0.2);
+    EXPECT_GE(loop_.now() - start, 0.2 - 1e-3);
+    EXPECT_GT(turns, before);
+    EXPECT_FALSE(further);
+    done = true;
+  });
+  EXPECT_TRUE(eventually([&] { return done && further; }));
+}
+
 TEST_F(MainLoop, GoesOnBesideTheGlobalQueue) {
   std::atomic<bool> elsewhere = false;
   bool back = false;

@@ -20,6 +20,8 @@ TEST(Values, OfNumbersKeepTheirKind) {
   EXPECT_EQ(*valueOf(@1.5).as<double>(), 1.5);
   EXPECT_EQ(*valueOf(@1.0).as<double>(), 1.0);
   EXPECT_EQ(*valueOf(@(UINT64_MAX)).as<double>(), 18446744073709551616.0);
+  EXPECT_EQ(*valueOf(@(UINT64_C(1) << 63)).as<double>(), 9223372036854775808.0);
+  EXPECT_EQ(*valueOf([NSDecimalNumber decimalNumberWithString:@"1e20"]).as<double>(), 1e20);
 }
 
 TEST(Values, OfStringsKeepHalvesOfPairs) {
@@ -74,9 +76,15 @@ TEST(Values, OfCollectionsKeepWhatIsOfUse) {
 }
 
 TEST(Values, NestedTooDeepAreMissing) {
+  // Not much deeper than that: the system gives up one array within the other, on the stack.
   NSArray* nested = @[];
-  for (int i = 0; i < 100'000; ++i) nested = @[ nested ];
-  EXPECT_NE(valueOf(nested).as<HLArray>(), nullptr);
+  for (int i = 0; i < 2'000; ++i) nested = @[ nested ];
+  const HLValue value = valueOf(nested);
+  const HLValue* member = &value;
+  int depth = 0;
+  for (; member->as<HLArray>() != nullptr; ++depth) member = &member->as<HLArray>()->at(0);
+  EXPECT_EQ(depth, 501);
+  EXPECT_TRUE(member->isMissing());
 }
 
 TEST(Json, NumbersBeyond64BitsAreReal) {
@@ -98,7 +106,7 @@ TEST(Json, BooleansAndNullsAreNoNumbers) {
 }
 
 TEST(Json, WhatIsNoDocumentIsNothing) {
-  for (const char* text : {"", "{", "[1,]", "{\"a\" 1}", "nonsense"}) EXPECT_FALSE(HLReadJson(text)) << text;
+  for (const char* text : {"", "{", "[,1]", "{\"a\" 1}", "nonsense"}) EXPECT_FALSE(HLReadJson(text)) << text;
 }
 
 }  // namespace

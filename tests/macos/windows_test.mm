@@ -1,8 +1,9 @@
-// Windows, the status item and hot keys, as far as they can be looked at without a user.
+// Windows and the status item, as far as they can be looked at without a user.
 #import <AppKit/AppKit.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <string>
+#include <vector>
 
 #include "platform/macos/controls.h"
 #include "platform/macos/host.h"
@@ -20,15 +21,27 @@ HLWindowDescription description() {
   const std::string text =
       "It only looks at Notification Center, and nothing leaves your Mac. It only looks there, and "
       "nothing leaves.";
-  window.stack = {{HLLabel{"heading", "Heading", 20, HLFontWeight::semibold}, 6, false},
-                  {HLLabel{"text", text}, 12, true},
-                  {HLRow{{HLLabel{"value", "None", 15}, HLButton{"record", "Record", "", {}}}, 10}, 18, false},
-                  {HLCheckBox{"box", "Open at Login", {}}, 0, false}};
+  window.stack = {
+      {HLLabel{"heading", "Heading", 20, HLFontWeight::semibold}, 6, false},
+      {HLLabel{"text", text}, 12, true},
+      {HLRow{{HLLabel{"value", "Not allowed yet", 15}, HLButton{"record", "Record", "", {}}}, 10}, 18, false},
+      {HLCheckBox{"box", "Open at Login", {}}, 0, false}};
   return window;
+}
+
+std::vector<NSTextField*> labelsBelow(NSView* view) {
+  std::vector<NSTextField*> labels;
+  if ([view isKindOfClass:NSTextField.class]) labels.push_back(static_cast<NSTextField*>(view));
+  for (NSView* below in view.subviews) {
+    for (NSTextField* label : labelsBelow(below)) labels.push_back(label);
+  }
+  return labels;
 }
 
 class Windows : public testing::Test {
  protected:
+  Windows() { [NSApplication.sharedApplication setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
+
   HLMacApplicationHost host_;
   const HLApplicationPlatform& platform_ = host_.platform();
 
@@ -38,6 +51,13 @@ class Windows : public testing::Test {
     }
     return std::nullopt;
   }
+
+  [[nodiscard]] static NSView* contentOf(NSString* title) {
+    for (NSWindow* window in NSApplication.sharedApplication.windows) {
+      if ([window.title isEqualToString:title]) return window.contentView;
+    }
+    return nil;
+  }
 };
 
 TEST_F(Windows, AreAsWideAsDescribedAndAsHighAsTheirTexts) {
@@ -46,10 +66,30 @@ TEST_F(Windows, AreAsWideAsDescribedAndAsHighAsTheirTexts) {
   const double before = viewNamed("Set Up")->height;
   EXPECT_EQ(viewNamed("Set Up")->width, 460);
   EXPECT_LT(before, 360);
-  window->setLabel("text", std::string(2000, 'm'), HLTextColor::secondary);
+  std::string text;
+  for (int i = 0; i < 200; ++i) text += "many words ";
+  window->setLabel("text", text, HLTextColor::secondary);
   window->fitHeight();
   EXPECT_GT(viewNamed("Set Up")->height, before);
   EXPECT_EQ(viewNamed("Set Up")->width, 460);
+}
+
+TEST_F(Windows, ShowTheWholeOfTheirTexts) {
+  const auto window = platform_.windows.makeWindow(description());
+  window->fitHeight();
+  NSView* content = contentOf(@"Set Up");
+  EXPECT_NEAR(NSMinY(content.subviews.firstObject.frame), 22, 1);  // the margin below the stack
+  const std::vector<NSTextField*> labels = labelsBelow(content);
+  ASSERT_EQ(labels.size(), 3U);
+  for (NSTextField* label : labels) {
+    const NSSize size = label.frame.size;
+    const NSSize needed = [label.cell cellSizeForBounds:NSMakeRect(0, 0, size.width, 10000)];
+    const NSSize line = [NSTextField labelWithAttributedString:label.attributedStringValue].fittingSize;
+    const bool breaks = label == labels[1];
+    EXPECT_GE(size.height + 0.5, needed.height) << label.stringValue.UTF8String;
+    EXPECT_EQ(size.height > 1.5 * line.height, breaks) << label.stringValue.UTF8String;
+    EXPECT_TRUE(NSContainsRect(content.bounds, [label convertRect:label.bounds toView:content]));
+  }
 }
 
 TEST_F(Windows, AreVisibleFromShowingToClosingAndSaySo) {
@@ -114,19 +154,5 @@ TEST_F(Windows, StandBesideAStatusItem) {
   platform_.statusItem.setMenuItem("dismiss", "Dismiss", true);
   platform_.statusItem.setMenuItem("nobody", "Nothing", true);
 }
-
-TEST_F(Windows, StandBesideHotKeys) {
-  constexpr std::uint32_t kF19 = 80;
-  const HLHotKeyIdentity identity{"HLhk", 1};
-  platform_.hotKeys.installHandler([](const std::optional<HLHotKeyIdentity>&) { return HLHotKeyNotHandled; });
-  for (int round = 0; round < 2; ++round) {
-    const HLHotKeyRegistration registration =
-        platform_.hotKeys.registerHotKey(kF19, HLHotKeyCommand | HLHotKeyControl | HLHotKeyOption, identity);
-    EXPECT_EQ(registration.status, 0);
-    EXPECT_NE(registration.hotKey, nullptr);
-  }
-}
-
-TEST_F(Windows, OpenNoAddressThatIsNone) { EXPECT_FALSE(platform_.workspace.openAddress("")); }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "platform/linux/desktop_module.h"
 #include "platform/linux/qt/alerts.h"
 #include "platform/linux/qt/application.h"
+#include "platform/linux/qt/application_icon.h"
 #include "platform/linux/qt/display.h"
 #include "platform/linux/qt/services/hot_keys.h"
 #include "platform/linux/qt/services/http_client.h"
@@ -47,6 +48,7 @@ class Desktop : public HLDesktop {
         hotKeys_(request.runLoop, request.identifier) {
     QApplication::setApplicationName(QString::fromStdString(request.identifier));
     QApplication::setDesktopFileName(QString::fromStdString(request.identifier));
+    QApplication::setWindowIcon(HLApplicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
     // The toolkit has taken the user's locale; numbers are read and written everywhere as in none.
     std::setlocale(LC_NUMERIC, "C");

@@ -27,7 +27,11 @@ void HLQtStatusItem::install(HLStatusItemDescription description) {
   item_.toolTip = QString::fromStdString(description_.toolTip);
   item_.draw = [this](int size, const QColor& color) { return HLDrawTrayPicture(look_, size, color); };
   item_.clicked = [this](const HLTrayClick& click) { this->click(click); };
-  if (QDBusConnection::sessionBus().isConnected()) notifier_ = std::make_unique<HLStatusNotifier>(item_);
+  if (QDBusConnection bus = QDBusConnection::sessionBus(); bus.isConnected()) {
+    new HLStatusNotifierMenu(menu_.get());  // NOLINT: the menu owns it
+    bus.registerObject(HLStatusNotifierMenuPath, menu_.get());
+    notifier_ = std::make_unique<HLStatusNotifier>(item_);
+  }
   const auto changed = [this](bool hasTray) {
     if (notifier_ != nullptr) notifier_->setWanted(!hasTray);
   };

@@ -10,6 +10,7 @@
 #include <QPoint>
 #include <QString>
 
+#include "platform/linux/qt/status_notifier_menu.h"
 #include "platform/linux/qt/tray.h"
 
 // A picture as the bus carries it: rows of 32-bit pixels, alpha first.
@@ -88,8 +89,8 @@ class HLStatusNotifierAdaptor : public QDBusAbstractAdaptor {
   [[nodiscard]] QList<HLNotifierPicture> iconPixmap() const;
   [[nodiscard]] HLNotifierToolTip toolTip() const;
   [[nodiscard]] static bool itemIsMenu() { return false; }
-  // None to draw: the tray then asks for the menu, and the click can be told.
-  [[nodiscard]] static QDBusObjectPath menu() { return QDBusObjectPath("/NO_DBUSMENU"); }
+  // For trays that draw it themselves. Others ask for it by ContextMenu, and there the click can be told.
+  [[nodiscard]] static QDBusObjectPath menu() { return QDBusObjectPath(HLStatusNotifierMenuPath); }
 
  public Q_SLOTS:
   void Activate(int x, int y);

@@ -13,11 +13,13 @@
 
 namespace {
 
-constexpr const char* kKeyProperty = "key";
+constexpr const char* kTitle = "title";
+constexpr const char* kKeyEquivalent = "keyEquivalent";
 
 // What Command is on the home platform is Control here.
-QKeySequence keysOf(const std::string& keyEquivalent) {
-  return QKeySequence("Ctrl+" + QString::fromStdString(keyEquivalent).toUpper());
+QKeySequence keysOf(const QAction& item) {
+  const QString key = HLTrayMenu::keyEquivalentOf(item);
+  return key.isEmpty() ? QKeySequence() : QKeySequence("Ctrl+" + key.toUpper());
 }
 
 // Below a menu of the X server beside a Wayland compositor. The menu is told of the clicks on windows of that server
@@ -32,8 +34,11 @@ class Backdrop : public QWidget {
   }
 };
 
-QString titleWithKeys(const std::string& title, const QString& keys) {
-  return keys.isEmpty() ? HLQtPlain(title) : HLQtPlain(title) + '\t' + keys;
+// The keys as a text only: a shortcut of its own would work in every window.
+void setItemTitle(QAction& item, const std::string& title) {
+  item.setProperty(kTitle, QString::fromStdString(title));
+  const QString keys = keysOf(item).toString(QKeySequence::NativeText);
+  item.setText(keys.isEmpty() ? HLQtPlain(title) : HLQtPlain(title) + '\t' + keys);
 }
 
 }  // namespace
@@ -49,14 +54,19 @@ void HLTrayMenu::addItem(const HLMenuItem& item) {
     addSeparator();
     return;
   }
-  // As a text only: a shortcut of its own would work in every window.
-  const QString keys =
-      item.keyEquivalent.empty() ? QString() : keysOf(item.keyEquivalent).toString(QKeySequence::NativeText);
-  QAction* action = addAction(titleWithKeys(item.title, keys));
+  QAction* action = addAction(QString());
   action->setObjectName(QString::fromStdString(item.name));
-  action->setProperty(kKeyProperty, keys);
-  connect(action, &QAction::triggered, [perform = item.action] { perform(); });
+  action->setProperty(kKeyEquivalent, QString::fromStdString(item.keyEquivalent));
+  setItemTitle(*action, item.title);
+  connect(action, &QAction::triggered, [action, perform = item.action] {
+    action->setChecked(action->isCheckable());  // choosing it leaves its mark to the application
+    perform();
+  });
 }
+
+QString HLTrayMenu::titleOf(const QAction& item) { return item.property(kTitle).toString(); }
+
+QString HLTrayMenu::keyEquivalentOf(const QAction& item) { return item.property(kKeyEquivalent).toString(); }
 
 QAction* HLTrayMenu::actionNamed(std::string_view name) const {
   for (QAction* action : actions()) {
@@ -68,14 +78,18 @@ QAction* HLTrayMenu::actionNamed(std::string_view name) const {
 void HLTrayMenu::setItem(std::string_view name, const std::string& title, bool on) {
   QAction* action = actionNamed(name);
   if (action == nullptr) return;
-  action->setText(titleWithKeys(title, action->property(kKeyProperty).toString()));
+  setItemTitle(*action, title);
   action->setCheckable(on);
   action->setChecked(on);
 }
 
+void HLTrayMenu::refresh() {
+  if (menu_.needsUpdate) menu_.needsUpdate();
+}
+
 void HLTrayMenu::open(const QRect& item) {
   if (isVisible()) return;
-  if (menu_.needsUpdate) menu_.needsUpdate();
+  refresh();
   std::optional<Backdrop> backdrop;
   if (QGuiApplication::platformName() == "xcb") {
     if (HLReachWayland()) backdrop.emplace();
@@ -97,8 +111,7 @@ void HLTrayMenu::open(const QRect& item) {
 void HLTrayMenu::keyPressEvent(QKeyEvent* event) {
   const QKeySequence pressed(event->keyCombination());
   for (QAction* action : actions()) {
-    const QString keys = action->property(kKeyProperty).toString();
-    if (keys.isEmpty() || QKeySequence(keys, QKeySequence::NativeText) != pressed) continue;
+    if (const QKeySequence keys = keysOf(*action); keys.isEmpty() || keys != pressed) continue;
     close();
     action->trigger();
     return;

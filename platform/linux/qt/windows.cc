@@ -1,5 +1,7 @@
 #include "platform/linux/qt/windows.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QBuffer>
 #include <QByteArray>
@@ -54,10 +56,17 @@ HLWindowView viewOf(QWidget* widget) {
   return view;
 }
 
+// Assistive technologies would take a plain widget for a part of a window.
+QAccessibleInterface* accessibleWindow(const QString&, QObject* object) {
+  auto* window = dynamic_cast<HLQtWindow*>(object);
+  return window == nullptr ? nullptr : new QAccessibleWidget(window, QAccessible::Dialog);  // NOLINT: the toolkit's
+}
+
 }  // namespace
 
 HLQtWindow::HLQtWindow(HLWindowDescription description)
     : QWidget(nullptr, kWindowFlags), description_(std::move(description)), stack_(new QVBoxLayout(this)) {
+  QAccessible::installFactory(accessibleWindow);  // once, however often it is called
   setWindowTitle(QString::fromStdString(description_.title));
   const int side = pixels(description_.sideMargin);
   const int vertical = pixels(description_.verticalMargin);

@@ -36,12 +36,17 @@ class Program {
     item.menu.title = "Hushlet";
     item.menu.items = {{"dismiss", "Dismiss Notifications", "", [] { say("chosen dismiss"); }},
                        {},
-                       {"accessibility", "Set Up Accessibility…", "", [] { say("chosen accessibility"); }},
+                       {"accessibility", "Set Up Accessibility…", "",
+                        [this] {
+                          say("chosen accessibility");
+                          say("answer " + std::to_string(platform_.alerts.runModal({"Title", "Message", {"A"}})));
+                        }},
                        {"settings", "Settings…", ",", [] { say("chosen settings"); }},
                        {},
                        {"quit", "Quit Hushlet", "q", [this] { platform_.application.terminate(); }}};
     item.menu.needsUpdate = [this] {
       say("menu opens");
+      runLoop_.postToMainQueue([] { say("menu is open"); });  // once it has the keyboard
       platform_.statusItem.setMenuItem("accessibility", "Accessibility Allowed", true);
     };
     platform_.statusItem.install(std::move(item));
@@ -89,6 +94,7 @@ class Program {
          [&] {
            say("answer " + std::to_string(platform_.alerts.runModal({"Title", "Message", {"A", "B"}})));
          }},
+        {"rename", [&] { platform_.statusItem.setMenuItem("quit", rest, false); }},
         {"later", [&] { runLoop_.postToMainQueueAfter(0.05, [] { say("served"); }); }},
         {"quit", [&] { platform_.application.terminate(); }},
     };

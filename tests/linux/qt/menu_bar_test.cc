@@ -1,182 +1,19 @@
 // The menu-bar application in a real session, used with the mouse and the keyboard.
-#include <fcntl.h>
+#include "tests/linux/qt/menu_bar.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <stdexcept>
 #include <string>
-#include <vector>
-
-#include "tests/linux/session/desktop_session.h"
-#include "tests/linux/session/screen.h"
 
 namespace {
 
 using testing::HasSubstr;
 using testing::Not;
-
-constexpr const char* kIdentifier = "com.tessaly.hushlet";
-
-// A panel with nothing but a tray, in the upper left corner, in that color.
-std::string panelConfiguration(const std::string& gray) {
-  const auto property = [](const std::string& name, const std::string& type, const std::string& value) {
-    return "<property name=\"" + name + "\" type=\"" + type + "\" value=\"" + value + "\"/>";
-  };
-  const std::string part = "<value type=\"double\" value=\"" + gray + "\"/>";
-  const std::string color = part + part + part;
-  return R"(<?xml version="1.0" encoding="UTF-8"?><channel name="xfce4-panel" version="1.0">)" +
-         property("configver", "int", "2") +
-         "<property name=\"panels\" type=\"array\"><value type=\"int\" value=\"1\"/><property name=\"panel-1\" "
-         "type=\"empty\">" +
-         property("position", "string", "p=6;x=0;y=0") + property("position-locked", "bool", "true") +
-         property("length", "uint", "20") + property("length-adjust", "bool", "false") +
-         property("size", "uint", "30") + property("background-style", "uint", "1") +
-         "<property name=\"background-rgba\" type=\"array\">" + color +
-         "<value type=\"double\" value=\"1.0\"/></property>"
-         "<property name=\"plugin-ids\" type=\"array\"><value type=\"int\" "
-         "value=\"1\"/></property></property></property>"
-         "<property name=\"plugins\" type=\"empty\">" +
-         "<property name=\"plugin-1\" type=\"string\" value=\"systray\">" + property("square-icons", "bool", "true") +
-         property("icon-size", "int", "22") + "</property></property></channel>";
-}
-
-class MenuBar : public testing::Test {
- protected:
-  void SetUp() override {
-    session_ = std::make_unique<DesktopSession>(WithoutAccessibility());
-    Screen screen(session_->environment());
-    ASSERT_TRUE(Eventually([&screen] { return screen.isManaged(); }));
-  }
-
-  void TearDown() override {
-    program_ = nullptr;
-    panel_ = nullptr;
-    settings_ = nullptr;
-    session_ = nullptr;
-    if (input_ >= 0) close(input_);
-  }
-
-  // Its standard input is a pipe that this test writes to.
-  void startProgram(const std::string& toolkitPlatform = "xcb") {
-    const std::string pipe = session_->directory() + "/input";
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    input_ = open(pipe.c_str(), O_RDWR | O_CLOEXEC);
-    program_ = session_->start(
-        {"sh", "-c", "QT_QPA_PLATFORM=" + toolkitPlatform + " exec " + HL_MENU_BAR_PROGRAM + " <" + pipe});
-    waitFor("launched");
-  }
-
-  void tell(const std::string& command) const {
-    const std::string line = command + "\n";
-    ASSERT_EQ(write(input_, line.data(), line.size()), static_cast<ssize_t>(line.size()));
-  }
-
-  [[nodiscard]] int count(const std::string& line) const {
-    int found = 0;
-    const std::string output = program_->output();
-    for (std::size_t at = 0; (at = output.find(line + "\n", at)) != std::string::npos; at += line.size()) ++found;
-    return found;
-  }
-
-  void waitFor(const std::string& line, int times = 1) const {
-    if (!Eventually([&] { return count(line) >= times; })) {
-      throw std::runtime_error("\"" + line + "\" is missing in:\n" + program_->output());
-    }
-  }
-
-  // A tray of the X server, of that color.
-  void startXTray(const std::string& color = "0x202020") {
-    panel_ = session_->start({"trayer", "--edge", "top", "--align", "left", "--widthtype", "request", "--height", "22",
-                              "--transparent", "true", "--alpha", "0", "--tint", color});
-  }
-
-  // A panel that shows items from the session's bus.
-  void startPanel(const std::string& gray = "0.1") {
-    const std::string directory = session_->environment().at("HOME") + "/.config/xfce4/xfconf/xfce-perchannel-xml";
-    std::filesystem::create_directories(directory);
-    std::ofstream(directory + "/xfce4-panel.xml") << panelConfiguration(gray);
-    if (settings_ == nullptr) settings_ = session_->start({HL_XFCONFD});
-    panel_ = session_->start({"xfce4-panel", "--disable-wm-check"});
-  }
-
-  std::string xdotool(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command = {"xdotool"};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    const auto tool = session_->start(command);
-    (void)tool->wait(std::chrono::seconds(20));
-    return tool->output();
-  }
-
-  // Waits until a window of that name is the active one.
-  void waitForActiveWindow(const std::string& name) {
-    std::string active;
-    const bool came = Eventually([&] {
-      active = xdotool({"getactivewindow", "getwindowname"});
-      return active == name + "\n";
-    });
-    if (!came) throw std::runtime_error(name + " is not active, but: " + active);
-  }
-
-  // The item's own window, once a tray has taken it in.
-  std::string dockedWindow() {
-    std::string window;
-    const bool docked = Eventually([&] {
-      window = xdotool({"search", "--onlyvisible", "--classname", kIdentifier});
-      window = window.substr(0, window.find('\n'));
-      if (window.empty() || window.find_first_not_of("0123456789") != std::string::npos) return false;
-      return xdotool({"getwindowgeometry", "--shell", window}).find("WIDTH=1\n") == std::string::npos;
-    });
-    if (!docked) throw std::runtime_error("no tray has the item");
-    return window;
-  }
-
-  void clickDocked(const std::string& button) {
-    (void)dockedWindow();
-    xdotool({"mousemove", "--window", dockedWindow(), "11", "11", "click", button});
-  }
-
-  [[nodiscard]] std::string registered() {
-    const auto tool =
-        session_->start({"gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
-                         "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
-                         "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"});
-    (void)tool->wait(std::chrono::seconds(20));
-    return tool->output();
-  }
-
-  void waitForPanelItem() {
-    if (!Eventually([&] { return registered().find("StatusNotifierItem-") != std::string::npos; })) {
-      throw std::runtime_error("no panel has the item");
-    }
-  }
-
-  // The panel draws the item some time after it has heard of it.
-  void clickPanel(const std::string& line) {
-    const int before = count(line);
-    const bool told = Eventually([&] {
-      xdotool({"mousemove", "16", "15", "click", "1"});
-      return count(line) > before;
-    });
-    if (!told) throw std::runtime_error("the panel tells of no click");
-  }
-
-  void keepPicture(const std::string& name) { session_->savePicture(std::string(HL_PICTURES) + "/" + name + ".png"); }
-
-  std::unique_ptr<DesktopSession> session_;
-  std::unique_ptr<ChildProcess> settings_;
-  std::unique_ptr<ChildProcess> panel_;
-  std::unique_ptr<ChildProcess> program_;
-  int input_ = -1;
-  int served_ = 0;
-};
 
 TEST_F(MenuBar, AClickIsToldWithItsButtonAndModifiers) {
   startXTray();
@@ -192,7 +29,7 @@ TEST_F(MenuBar, ARightClickOpensTheMenuAndReturnsWhenItIsClosed) {
   startProgram();
   clickDocked("3");
   waitFor("click type=4 modifiers=0");
-  waitFor("menu opens");
+  waitFor("menu is open");
   EXPECT_EQ(count("menu closed"), 0);
   tell("later");
   waitFor("served");
@@ -206,7 +43,7 @@ TEST_F(MenuBar, AClickWithControlOpensTheMenuTooAndItsItemsAct) {
   startProgram();
   xdotool({"keydown", "ctrl", "mousemove", "--window", dockedWindow(), "11", "11", "click", "1", "keyup", "ctrl"});
   waitFor("click type=2 modifiers=40000");
-  waitFor("menu opens");
+  waitFor("menu is open");
   xdotool({"key", "Down", "Return"});
   waitFor("chosen dismiss");
   waitFor("menu closed");
@@ -216,7 +53,7 @@ TEST_F(MenuBar, TheMenuObeysItsKeysWhileItIsOpen) {
   startXTray();
   startProgram();
   clickDocked("3");
-  waitFor("menu opens");
+  waitFor("menu is open");
   xdotool({"key", "ctrl+comma"});
   waitFor("chosen settings");
   waitFor("menu closed");
@@ -254,11 +91,8 @@ TEST_F(MenuBar, APanelOnTheBusMayAskForTheMenu) {
   startPanel();
   startProgram("offscreen");
   waitForPanelItem();
-  const std::string name = "org.kde.StatusNotifierItem-" + std::to_string(program_->pid()) + "-1";
-  const auto tool =
-      session_->start({"gdbus", "call", "--session", "--dest", name, "--object-path", "/StatusNotifierItem", "--method",
-                       "org.kde.StatusNotifierItem.ContextMenu", "20", "20"});
-  EXPECT_EQ(tool->wait(std::chrono::seconds(10)), 0) << tool->output();  // it is not kept waiting by the menu
+  // It is not kept waiting by the menu.
+  EXPECT_EQ(call(itemName(), "/StatusNotifierItem", "org.kde.StatusNotifierItem.ContextMenu", {"20", "20"}), "()\n");
   waitFor("click type=4 modifiers=0");
   waitFor("menu opens");
 }
@@ -283,7 +117,7 @@ TEST_F(MenuBar, APanelWithATrayOfEitherKindShowsItOnce) {
   waitFor("click type=2 modifiers=0");
   EXPECT_TRUE(Eventually([this] { return registered().find("StatusNotifierItem-") == std::string::npos; }));
   clickDocked("3");
-  waitFor("menu opens");
+  waitFor("menu is open");
   keepPicture("panel-menu");
   xdotool({"key", "Escape"});
   waitFor("menu closed");
@@ -355,8 +189,32 @@ TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
   keepPicture("setup-window");
   xdotool({"key", "Return"});
   waitFor("primary");
-  xdotool({"key", "alt+F4"});
-  waitFor("closed");
+  // The window manager takes its keys anew after the first that is typed, and misses one that comes meanwhile.
+  EXPECT_TRUE(Eventually([this] {
+    xdotool({"key", "alt+F4"});
+    return count("closed") > 0;
+  })) << program_->output();
+}
+
+TEST_F(MenuBar, AWindowBearsTheApplicationsIcon) {
+  startProgram();
+  tell("setup");
+  waitFor("shown");
+  waitForActiveWindow("Set Up Hushlet");
+  Screen screen(session_->environment());
+  const std::vector<std::uint32_t> icons = screen.icons(screen.activeWindow());
+  std::vector<std::uint32_t> sizes;
+  for (std::size_t at = 0; at + 1 < icons.size(); at += 2 + icons[at] * icons[at + 1]) {
+    const std::uint32_t size = icons[at];
+    sizes.push_back(size);
+    ASSERT_EQ(icons[at + 1], size);
+    ASSERT_GE(icons.size(), at + 2 + size * size);
+    // Below the middle of the upper edge there is nothing but the ground, in the middle the line.
+    EXPECT_EQ(icons[at + 2] >> 24U, 0U) << size;
+    EXPECT_EQ(icons[at + 2 + size / 8 * size + size / 2] >> 24U, 0xFFU) << size;
+    EXPECT_GT(icons[at + 2 + size / 2 * size + size / 2] >> 16U, 0xFFC0U) << size;
+  }
+  EXPECT_THAT(sizes, testing::ElementsAre(16, 24, 32, 48, 64, 128));
 }
 
 TEST_F(MenuBar, AnAlertHoldsItUpAndTheRunLoopGoesOn) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/qt/application_icon.h"
 #include "platform/linux/qt/tray.h"
 #include "tests/linux/qt/offscreen.h"
 
@@ -114,11 +115,29 @@ std::string pathData(const QPainterPath& path) {
 }
 
 TEST_F(TrayPicture, TheIconFilesHoldTheSameDrawings) {
-  for (const auto& [symbol, file] : {std::pair("bell.slash", "hushlet-symbolic.svg"),
-                                     std::pair("exclamationmark.triangle", "hushlet-attention-symbolic.svg")}) {
+  for (const auto& [symbol, file] :
+       {std::pair("bell.slash", "hushlet.svg"), std::pair("bell.slash", "hushlet-symbolic.svg"),
+        std::pair("exclamationmark.triangle", "hushlet-attention-symbolic.svg")}) {
     std::ostringstream content;
     content << std::ifstream(std::string(HL_ICONS) + "/" + file).rdbuf();
     EXPECT_THAT(content.str(), testing::HasSubstr("d=\"" + pathData(HLTraySymbolBody(symbol)) + "\"")) << file;
+  }
+}
+
+TEST_F(TrayPicture, TheApplicationsIconHasTheColorsOfItsFile) {
+  std::ostringstream content;
+  content << std::ifstream(HL_ICONS "/hushlet.svg").rdbuf();
+  const QImage icon = HLDrawApplicationIcon(128);
+  for (const auto& [place, color] : {std::pair(QPoint(64, 10), "#4b5fc4"), std::pair(QPoint(64, 117), "#27306e"),
+                                     std::pair(QPoint(64, 29), "#ffffff"), std::pair(QPoint(64, 95), "#d5dcf7"),
+                                     std::pair(QPoint(64, 64), "#ffb454")}) {
+    EXPECT_THAT(content.str(), testing::HasSubstr(color));
+    const QColor drawn = icon.pixelColor(place);
+    const QColor wanted(color);
+    EXPECT_LT(std::abs(drawn.red() - wanted.red()) + std::abs(drawn.green() - wanted.green()) +
+                  std::abs(drawn.blue() - wanted.blue()),
+              24)
+        << color << " is " << drawn.name().toStdString();
   }
 }
 
@@ -135,6 +154,7 @@ TEST_F(TrayPicture, TheirPicturesAreKeptToBeLookedAt) {
     }
   }
   EXPECT_TRUE(sheet.save(HL_PICTURES "/tray.png"));
+  EXPECT_TRUE(HLDrawApplicationIcon(128).save(HL_PICTURES "/application.png"));
 }
 
 }  // namespace

@@ -192,6 +192,14 @@ TEST_F(Windows, EveryControlTellsAssistiveTechnologiesItsText) {
                   "Not allowed yet", "Set Up Accessibility", "Close Shortcuts Automation Banners", "Open at Login"));
 }
 
+TEST_F(Windows, AssistiveTechnologiesFindAWindow) {
+  make(SettingsWindow());
+  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&widget());
+  EXPECT_EQ(accessible->role(), QAccessible::Dialog);
+  EXPECT_EQ(accessible->text(QAccessible::Name), "Hushlet Settings");
+  EXPECT_GT(accessible->childCount(), 0);
+}
+
 TEST_F(Windows, ReturnPressesTheKeyButtonAndEscapeNothing) {
   int pressed = 0;
   int closed = 0;

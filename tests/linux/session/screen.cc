@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr int kFirstKeycode = 8;            // of the server, for the kernel's key 0
-constexpr std::uint32_t kLongest = 0x1000;  // of a property, in words
+constexpr int kFirstKeycode = 8;             // of the server, for the kernel's key 0
+constexpr std::uint32_t kLongest = 0x10000;  // of a property, in words
 
 // Of a window manager that has not lost the window.
 constexpr std::chrono::milliseconds kReaction{500};
@@ -87,6 +87,8 @@ Screen::FrameWishes Screen::frameWishes(xcb_window_t window) {
   const std::vector<std::uint32_t> hints = numbers(window, atom("_MOTIF_WM_HINTS"));
   return hints.size() < 3 ? FrameWishes{} : FrameWishes{hints[1], hints[2]};
 }
+
+std::vector<std::uint32_t> Screen::icons(xcb_window_t window) { return numbers(window, atom("_NET_WM_ICON")); }
 
 xcb_atom_t Screen::atom(const std::string& name) {
   const Held<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(

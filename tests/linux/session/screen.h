@@ -51,6 +51,9 @@ class Screen {
   };
   [[nodiscard]] FrameWishes frameWishes(xcb_window_t window);
 
+  // For its title bar: width, height and so many pixels, alpha first; once for each size.
+  [[nodiscard]] std::vector<std::uint32_t> icons(xcb_window_t window);
+
   void moveTo(int x, int y);
   // Presses and releases the button where the pointer is, while the keys are held.
   void click(std::uint8_t button, const std::vector<int>& heldKeys = {});

@@ -1,0 +1,167 @@
+// A host of the application that notes what is asked of it, one line a call.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/alerts.h"
+#include "platform/application.h"
+#include "platform/application_platform.h"
+#include "platform/hot_keys.h"
+#include "platform/status_item.h"
+#include "platform/user_defaults.h"
+#include "platform/windows.h"
+
+using Calls = std::vector<std::string>;
+
+class SpyWindow : public HLWindow {
+ public:
+  explicit SpyWindow(Calls& calls) : calls_(calls) {}
+
+  void setLabel(std::string_view, const std::string& text, HLTextColor) override { calls_.push_back("label " + text); }
+  void setButtonTitle(std::string_view, const std::string&) override {}
+  void setCheckBox(std::string_view, bool) override {}
+  void setEnabled(std::string_view, bool) override {}
+  void fitHeight() override { calls_.emplace_back("fit height"); }
+  void center() override { calls_.emplace_back("center"); }
+  void makeKeyAndOrderFront() override { calls_.emplace_back("order front"); }
+  void close() override { calls_.emplace_back("close"); }
+
+ private:
+  Calls& calls_;
+};
+
+class SpyWindows : public HLWindows {
+ public:
+  explicit SpyWindows(Calls& calls) : calls_(calls) {}
+
+  std::vector<HLWindowDescription> made;
+  std::vector<HLWindowView> shown;  // what views() says
+
+  [[nodiscard]] std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) override {
+    made.push_back(std::move(description));
+    return std::make_unique<SpyWindow>(calls_);
+  }
+  [[nodiscard]] std::vector<HLWindowView> views() override { return shown; }
+
+ private:
+  Calls& calls_;
+};
+
+// Launches, reopens and ends.
+class SpyApplication : public HLApplication {
+ public:
+  explicit SpyApplication(Calls& calls) : calls_(calls) {}
+
+  std::optional<HLEvent> event;  // that is being handled
+
+  [[nodiscard]] int run(HLApplicationHandlers handlers) override {
+    handlers.didFinishLaunching();
+    calls_.emplace_back("launched");
+    handlers.didReopen();
+    return 7;
+  }
+  void terminate() override { calls_.emplace_back("terminate"); }
+  void activate() override { calls_.emplace_back("activate"); }
+  void setDarkAppearance() override { calls_.emplace_back("dark appearance"); }
+  void beep() override {}
+  [[nodiscard]] std::optional<HLEvent> currentEvent() override { return event; }
+  [[nodiscard]] std::unique_ptr<HLKeyMonitor> addKeyMonitor(std::function<void(const HLKeyEvent&)>) override {
+    return nullptr;
+  }
+
+ private:
+  Calls& calls_;
+};
+
+class SpyStatusItem : public HLStatusItem {
+ public:
+  explicit SpyStatusItem(Calls& calls) : calls_(calls) {}
+
+  HLStatusItemDescription installed;
+
+  void install(HLStatusItemDescription description) override {
+    installed = std::move(description);
+    calls_.emplace_back("install status item");
+  }
+  void setTitle(const std::string& title) override { calls_.push_back("title " + title); }
+  void setImage(const HLSymbolImage& image) override { calls_.push_back("image " + image.name); }
+  void setMenuItem(std::string_view, const std::string& title, bool) override { calls_.push_back("item " + title); }
+  void popUpMenu() override { calls_.emplace_back("pop up menu"); }
+
+ private:
+  Calls& calls_;
+};
+
+class SpyAlerts : public HLAlerts {
+ public:
+  explicit SpyAlerts(Calls& calls) : calls_(calls) {}
+
+  [[nodiscard]] std::size_t runModal(const HLAlert&) override {
+    calls_.emplace_back("alert");
+    return 0;
+  }
+
+ private:
+  Calls& calls_;
+};
+
+class SpyHotKeys : public HLHotKeys {
+ public:
+  explicit SpyHotKeys(Calls& calls) : calls_(calls) {}
+
+  void installHandler(Handler) override { calls_.emplace_back("install hot key handler"); }
+  [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t, std::uint32_t, const HLHotKeyIdentity&) override {
+    calls_.emplace_back("register hot key");
+    return {};
+  }
+
+ private:
+  Calls& calls_;
+};
+
+// Notes the fallbacks, and when it is asked whether automation banners are to be closed.
+class SpyUserDefaults : public HLUserDefaults {
+ public:
+  SpyUserDefaults(Calls& calls, HLUserDefaults& inner) : calls_(calls), inner_(inner) {}
+
+  void registerDefaults(const HLDictionary& defaults) override {
+    calls_.emplace_back("register defaults");
+    inner_.registerDefaults(defaults);
+  }
+  [[nodiscard]] HLValue value(std::string_view key) override {
+    const std::string_view asked = "look at auto-close";
+    const bool again = !calls_.empty() && calls_.back() == asked;
+    if (key == "HLAutoCloseAutomationBanners" && !again) calls_.emplace_back(asked);
+    return inner_.value(key);
+  }
+  void setValue(std::string_view key, const HLValue& value) override { inner_.setValue(key, value); }
+
+ private:
+  Calls& calls_;
+  HLUserDefaults& inner_;
+};
+
+// All of them, before the services of another host.
+struct SpyHost {
+  explicit SpyHost(const HLApplicationPlatform& inner)
+      : defaults(calls, inner.userDefaults), platform{application,     statusItem,      windows,  alerts,
+                                                      hotKeys,         inner.loginItem, defaults, inner.httpClient,
+                                                      inner.workspace, std::nullopt} {}
+  SpyHost(const SpyHost&) = delete;
+  SpyHost& operator=(const SpyHost&) = delete;
+
+  Calls calls;
+  SpyApplication application{calls};
+  SpyStatusItem statusItem{calls};
+  SpyWindows windows{calls};
+  SpyAlerts alerts{calls};
+  SpyHotKeys hotKeys{calls};
+  SpyUserDefaults defaults;
+  HLApplicationPlatform platform;
+};

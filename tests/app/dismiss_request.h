@@ -1,0 +1,74 @@
+// A dismiss request whose steps are run one by one.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "app/app_delegate.h"
+#include "core/result.h"
+#include "platform/platform.h"
+#include "tests/app/application_spies.h"
+#include "tests/support/simulated_desktop.h"
+#include "tests/support/spies.h"
+#include "tests/support/temporary_directory.h"
+
+// Keeps what is posted until a test takes it.
+class HeldRunLoop : public SpyRunLoop {
+ public:
+  explicit HeldRunLoop(HLRunLoop& inner) : SpyRunLoop(inner) { fixedNow = 0; }
+
+  std::deque<std::function<void()>> steps;  // of the main queue
+  std::deque<std::function<void()>> works;  // of the global queue
+  std::function<void()> onWork;             // called when work is posted
+
+  void postToMainQueue(std::function<void()> step) override { steps.push_back(std::move(step)); }
+  void postToGlobalQueue(HLQualityOfService, std::function<void()> work) override {
+    works.push_back(std::move(work));
+    if (onWork) onWork();
+  }
+
+  void run(std::deque<std::function<void()>>& queue) {
+    const std::function<void()> first = std::move(queue.front());
+    queue.pop_front();
+    first();
+  }
+};
+
+// A request that has begun, on a desktop without Notification Center, so that the work ends as soon as it is run.
+struct Request {
+  explicit Request(const std::string& flavor = "product")
+      : desktop(R"({"bundle": {"identifier": "test", "info": {"HLProductFlavor": ")" + flavor + R"("}}})") {
+    HLInstallPlatform(&platform);
+    delegate->dismissNotifications();
+  }
+  Request(const Request&) = delete;
+  Request& operator=(const Request&) = delete;
+  ~Request() { HLSetProgressHandler(nullptr); }
+
+  void runWork() { runLoop.run(runLoop.works); }
+  void runStep() { runLoop.run(runLoop.steps); }
+  // All that the button has shown.
+  [[nodiscard]] std::vector<std::string> titles() const {
+    std::vector<std::string> titles;
+    for (const std::string& call : host.calls) {
+      if (call.starts_with("title ")) titles.push_back(call.substr(6));
+    }
+    return titles;
+  }
+  [[nodiscard]] std::vector<std::string> log() const {
+    return LogMessages(FileContent(desktop.home() + "/.local/share/test/status.log"));
+  }
+
+  SimulatedDesktop desktop;
+  SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};
+  HeldRunLoop runLoop{desktop.platform().runLoop};
+  const HLPlatform platform{
+      desktop.platform().accessibility, desktop.platform().runningApplications, runLoop, desktop.platform().process,
+      desktop.platform().propertyLists, desktop.platform().userNotifications,   {}};
+  std::shared_ptr<HLAppDelegate> delegate = std::make_shared<HLAppDelegate>(host.platform);
+};
