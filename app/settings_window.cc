@@ -18,6 +18,9 @@ constexpr const char* kAccessibilityLabel = "settingsAccessibilityLabel";
 constexpr const char* kAutoCloseCheckbox = "autoCloseCheckbox";
 constexpr const char* kOpenAtLoginCheckbox = "openAtLoginCheckbox";
 
+constexpr const char* kShortcutNote =
+    "Works from any app. Needs at least one of Command, Option or Control, or an F key.";
+
 constexpr double kRowSpacing = 10;
 
 }  // namespace
@@ -34,8 +37,8 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
   window.stack = {
       {HLLabel{"", "Shortcut", 13, HLFontWeight::semibold}, 8, false},
       {shortcut, 8, false},
-      {HLLabel{kShortcutNoteLabel, "Works from any app. Needs at least one of Command, Option or Control, or an F key.",
-               12, HLFontWeight::regular, HLTextColor::secondary},
+      {HLLabel{kShortcutNoteLabel, host_.hotKeys.whyNone().value_or(kShortcutNote), 12, HLFontWeight::regular,
+               HLTextColor::secondary},
        18, true},
       {HLLabel{"", "Accessibility", 13, HLFontWeight::semibold}, 8, false},
       {accessibility, 18, false},

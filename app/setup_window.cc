@@ -64,7 +64,7 @@ void HLAppDelegate::updateSetupState() {
     setupWindow_->setButtonTitle(kPrimaryButton, kOpenSettings);
   } else {
     const std::string hint =
-        storedKeyCode() >= 0
+        storedKeyCode() >= 0 && !host_.hotKeys.whyNone()
             ? HLFormat("Press %@ or click the menu bar icon to clear notifications.", storedShortcutLabel())
             : "Click the menu bar icon to clear notifications.";
     setupWindow_->setLabel(kStatusLabel, HLFormat("Allowed. %@", hint), HLTextColor::green);

@@ -126,7 +126,8 @@ void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   storeShortcut(oldCode, oldModifiers, oldLabel);
   applyStoredHotKey();
   updateSettingsState();
-  setShortcutNote(HLFormat("%@ is already used by another app. Try a different one.", refused), HLTextColor::orange);
+  const std::string taken = HLFormat("%@ is already used by another app. Try a different one.", refused);
+  setShortcutNote(host_.hotKeys.whyNone().value_or(taken), HLTextColor::orange);
 }
 
 void HLAppDelegate::stopRecording() {

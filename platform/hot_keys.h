@@ -54,4 +54,7 @@ class HLHotKeys {
   // The code is the home platform's virtual key code.
   [[nodiscard]] virtual HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                             const HLHotKeyIdentity& identity) = 0;
+
+  // A sentence for the user where a registration has failed since the host has no hot keys at all; else nothing.
+  [[nodiscard]] virtual std::optional<std::string> whyNone() const { return std::nullopt; }
 };

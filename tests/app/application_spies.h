@@ -118,8 +118,12 @@ class SpyHotKeys : public HLHotKeys {
   void installHandler(Handler) override { calls_.emplace_back("install hot key handler"); }
   [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t, std::uint32_t, const HLHotKeyIdentity&) override {
     calls_.emplace_back("register hot key");
-    return {};
+    return {status, nullptr};
   }
+  [[nodiscard]] std::optional<std::string> whyNone() const override { return reason; }
+
+  std::int32_t status = 0;
+  std::optional<std::string> reason;
 
  private:
   Calls& calls_;

@@ -207,6 +207,31 @@ std::set<std::string> filesIn(const std::string& directory) {
   return names;
 }
 
+TEST(AHostWithoutHotKeys, SaysSoInsteadOfBlamingAnotherProgram) {
+  Application application;
+  SpyHost& host = application.host;
+  host.hotKeys.status = HLHotKeyFailed;
+  host.hotKeys.reason = "None here.";
+  application.delegate->showSettingsWindow();
+  const auto isTheNote = [](const HLStackItem& item) {
+    const auto* label = std::get_if<HLLabel>(&item.what);
+    return label != nullptr && label->name == "shortcutNoteLabel" && label->text == "None here.";
+  };
+  const std::vector<HLStackItem>& stack = host.windows.made.at(0).stack;
+  EXPECT_TRUE(std::any_of(stack.begin(), stack.end(), isTheNote));
+  host.calls.clear();
+  application.delegate->recordEvent({45, HLModifierControl, "n"});
+  EXPECT_EQ(host.calls.back(), "label None here.");
+}
+
+TEST(AHostWithoutHotKeys, LeavesTheIconToClickInTheSetupWindow) {
+  Application application;
+  application.host.hotKeys.reason = "None here.";
+  application.delegate->showSetupWindow();
+  EXPECT_THAT(application.host.calls,
+              testing::Contains("label Allowed. Click the menu bar icon to clear notifications."));
+}
+
 TEST(Snapshots, AreNumberedFromZeroAndNamedByTitleOrNumber) {
   const TemporaryDirectory pictures;
   Application application(R"("arguments": ["hushlet", "--snapshot-windows", ")" + pictures.path() + "\"]");

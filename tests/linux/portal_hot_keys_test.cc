@@ -319,14 +319,20 @@ TEST_F(WaylandHotKeys, EndWithTheirConnection) {
 }
 
 TEST_F(WaylandHotKeys, FailWithoutAPortalThatGrantsThem) {
+  const auto reason = testing::Optional(
+      std::string("This desktop gives apps no shortcuts. Set one of its own for the command: hushlet --dismiss-now"));
+  EXPECT_EQ(keys_.whyNone(), std::nullopt) << "not asked yet";
   EXPECT_EQ(add(kN, kThree).status, HLHotKeyFailed) << "no portal";
+  EXPECT_THAT(keys_.whyNone(), reason);
   {
     Portal portal(Manner::withoutShortcuts);
     EXPECT_EQ(add(kN, kThree).status, HLHotKeyFailed) << "a portal that does not know them";
+    EXPECT_THAT(keys_.whyNone(), reason);
   }
   {
     Portal portal(Manner::refusing);
     EXPECT_EQ(add(kN, kThree).status, HLHotKeyFailed) << "it refuses";
+    EXPECT_EQ(keys_.whyNone(), std::nullopt);
     EXPECT_THAT(portal.bound(), IsEmpty());
   }
   Portal portal(Manner::silent);

@@ -36,3 +36,7 @@ HLHotKeyRegistration HLQtHotKeys::registerHotKey(std::uint32_t code, std::uint32
   }
   return service_->registerHotKey(code, modifiers, identity);
 }
+
+std::optional<std::string> HLQtHotKeys::whyNone() const {
+  return service_ == nullptr ? std::nullopt : service_->whyNone();
+}

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -21,6 +22,7 @@ class HLQtHotKeys : public HLHotKeys {
   // A portal takes the combination as a wish: the user may change it, or refuse it later.
   [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                     const HLHotKeyIdentity& identity) override;
+  [[nodiscard]] std::optional<std::string> whyNone() const override;
 
  private:
   HLLinuxRunLoop& runLoop_;

@@ -165,6 +165,9 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
     sd_bus_flush_close_unref(bus_);
   }
 
+  // Whether there is a portal with that service.
+  [[nodiscard]] bool findsService() const { return findsService_; }
+
   [[nodiscard]] bool begin(const std::string& token) {
     if (sd_bus_open_user(&bus_) < 0) return false;
     sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(kPatience).count());
@@ -189,6 +192,7 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
                            "preferred_trigger", "s", trigger_.c_str()) < 0) {
       return false;
     }
+    findsService_ = true;
     const std::optional<Answer> answer = waitForAnswer(kPatience);
     if (!answer) return false;
     session_ = answer->session;
@@ -272,6 +276,7 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
   sd_bus* bus_ = nullptr;
   int source_ = 0;
   std::string session_;
+  bool findsService_ = false;
   bool isBound_ = false;
   std::optional<Answer> answer_;  // to the last request
 };
@@ -283,6 +288,13 @@ HLHotKeyRegistration HLPortalHotKeys::registerHotKey(std::uint32_t code, std::ui
   const std::optional<std::string> preferred = trigger(code, modifiers);
   if (!preferred) return {HLHotKeyFailed, nullptr};
   auto hotKey = std::make_unique<HotKey>(runLoop_, handler_, identity, *preferred);
-  if (!hotKey->begin(sessionToken(identifier_))) return {HLHotKeyFailed, nullptr};
+  const bool begun = hotKey->begin(sessionToken(identifier_));
+  isMissing_ = !hotKey->findsService();
+  if (!begun) return {HLHotKeyFailed, nullptr};
   return {0, std::move(hotKey)};
+}
+
+std::optional<std::string> HLPortalHotKeys::whyNone() const {
+  if (!isMissing_) return std::nullopt;
+  return "This desktop gives apps no shortcuts. Set one of its own for the command: hushlet --dismiss-now";
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -21,10 +22,12 @@ class HLPortalHotKeys : public HLHotKeys {
   // that one is asked, the hot key counts as registered.
   [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                     const HLHotKeyIdentity& identity) override;
+  [[nodiscard]] std::optional<std::string> whyNone() const override;
 
  private:
   class HotKey;
   HLLinuxRunLoop& runLoop_;
   const std::string identifier_;
+  bool isMissing_ = false;  // the portal, or its service
   const std::shared_ptr<Handler> handler_ = std::make_shared<Handler>();
 };
