@@ -235,6 +235,11 @@ void HLSimRunLoop::postToGlobalQueue(HLQualityOfService, std::function<void()> w
   }));
 }
 
+bool HLSimRunLoop::isWorking() {
+  const HLSimLock lock = desktop_.clock->lock();
+  return working_ > 0;
+}
+
 void HLSimRunLoop::finishGlobalQueue() {
   {
     HLSimLock lock = desktop_.clock->lock();

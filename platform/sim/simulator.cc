@@ -1,5 +1,6 @@
 #include "platform/sim/simulator.h"
 
+#include <iostream>
 #include <utility>
 
 #include "platform/sim/accessibility.h"
@@ -20,6 +21,7 @@ class Simulator : public HLSimulator {
       : runLoop_(desktop_),
         accessibility_(desktop_),
         runningApplications_(desktop_, runLoop_),
+        showsScreen_(setup.showsScreen),
         process_(*scene, std::move(setup)),
         propertyLists_(desktop_),
         userNotifications_(desktop_),
@@ -42,11 +44,13 @@ class Simulator : public HLSimulator {
                                   [this](HLSimMoment now) { desktop_.world->happenUntil(now); }};
     desktop_.clock =
         desktop_.scene->realClock ? HLMakeRealClock(std::move(happenings)) : HLMakeVirtualClock(std::move(happenings));
+    desktop_.end = [this] { end(); };
+    showScreen("before");
   }
 
   ~Simulator() override {
     runLoop_.finishGlobalQueue();
-    writeRecord();
+    end();
     // What is still to be called back may own windows, timers and hot keys, which need their services to go.
     runLoop_.forgetSteps();
     interface_.hotKeys.installHandler(nullptr);
@@ -92,7 +96,12 @@ class Simulator : public HLSimulator {
   }
 
  private:
-  void writeRecord() {
+  void showScreen(const char* when) const {
+    if (showsScreen_) std::cout << when << ":\n" << picture() << std::flush;
+  }
+
+  void end() {
+    showScreen("after");
     if (!desktop_.scene->record) return;
     const HLSimLock lock = desktop_.clock->lock();
     HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_, interface_));
@@ -102,6 +111,7 @@ class Simulator : public HLSimulator {
   HLSimRunLoop runLoop_;
   HLSimAccessibility accessibility_;
   HLSimRunningApplications runningApplications_;
+  const bool showsScreen_;
   HLSimProcessInfo process_;
   HLSimPropertyLists propertyLists_;
   HLSimUserNotifications userNotifications_;

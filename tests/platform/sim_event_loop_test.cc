@@ -4,8 +4,10 @@
 
 #include <chrono>
 #include <csignal>
+#include <iostream>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/platform/menu_bar.h"
@@ -98,16 +100,24 @@ TEST(EventLoop, DoesNotBeginForAProgramThatEndsWhileItIsLaunched) {
   EXPECT_THAT(program.entries(), IsEmpty());
 }
 
-TEST(EventLoop, LetsWorkInTheBackgroundEndAfterIt) {
-  MenuBar program(Timeline(R"({"at": 1, "terminate": true})"));
-  bool done = false;
-  (void)program.run([&] {
-    program.runLoop().postToGlobalQueue(kQuality, [&] {
-      program.runLoop().sleep(2);
-      done = true;
-    });
-  });
-  EXPECT_TRUE(done);
+TEST(EventLoop, EndsTheProcessWithItselfWhereWorkIsUnderWayInTheBackground) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (const auto& [event, code] : {std::pair{R"("terminate": true)", 0}, {R"("choose": "Nothing")", 2}}) {
+    const auto run = [event = event] {
+      MenuBar program(Timeline(R"({"at": 1, )" + std::string(event) + "}", R"(, "record": "/dev/stderr")"));
+      (void)program.run([&] {
+        program.runLoop().postToGlobalQueue(kQuality, [&] {
+          program.runLoop().sleep(1);
+          std::cerr << "still at work";
+        });
+      });
+      std::cerr << "returned";
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(code),
+                testing::AllOf(testing::HasSubstr(R"({"at":1.0,)"), testing::Not(testing::HasSubstr("still at work")),
+                               testing::Not(testing::HasSubstr("returned"))))
+        << event;
+  }
 }
 
 // Orders
