@@ -14,6 +14,7 @@
 #include "platform/alerts.h"
 #include "platform/application.h"
 #include "platform/application_platform.h"
+#include "platform/http_client.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "platform/windows.h"
@@ -29,16 +30,20 @@ class SpyWindow : public HLWindow {
  public:
   explicit SpyWindow(Calls& calls) : calls_(calls) {}
 
-  void setLabel(std::string_view, const std::string&, HLTextColor) override {}
-  void setButtonTitle(std::string_view, const std::string&) override {}
-  void setCheckBox(std::string_view, bool) override {}
-  void setEnabled(std::string_view, bool) override {}
+  void setLabel(std::string_view, const std::string&, HLTextColor) override { noteRefresh(); }
+  void setButtonTitle(std::string_view, const std::string&) override { noteRefresh(); }
+  void setCheckBox(std::string_view, bool) override { noteRefresh(); }
+  void setEnabled(std::string_view, bool) override { noteRefresh(); }
   void fitHeight() override { calls_.emplace_back("fit height"); }
   void center() override { calls_.emplace_back("center"); }
   void makeKeyAndOrderFront() override { calls_.emplace_back("order front"); }
   void close() override { calls_.emplace_back("close"); }
 
  private:
+  void noteRefresh() {
+    if (calls_.empty() || calls_.back() != "refresh") calls_.emplace_back("refresh");
+  }
+
   Calls& calls_;
 };
 
@@ -95,6 +100,20 @@ class SpyAlerts : public HLAlerts {
   Calls& calls_;
 };
 
+// Answers before get() returns, as a host may from a thread of its own.
+class SpyHTTPClient : public HLHTTPClient {
+ public:
+  explicit SpyHTTPClient(Calls& calls) : calls_(calls) {}
+
+  void get(const std::string&, double, std::function<void(HLHTTPAnswer)> answer) override {
+    answer({});
+    calls_.emplace_back("answered");
+  }
+
+ private:
+  Calls& calls_;
+};
+
 class HostCalls : public testing::Test {
  protected:
   // The scene's desktop with an application and windows that note what is asked of them.
@@ -126,29 +145,29 @@ constexpr const char* kProduct = R"(, "bundle": {"info": {"HLProductFlavor": "pr
 
 TEST_F(HostCalls, OpenTheSettingsWindowWhenTheProgramIsStartedAgain) {
   EXPECT_EQ(run(std::string(R"({"trusted": true)") + kProduct), 7);
-  EXPECT_THAT(calls_, ElementsAre("launched", "center", "activate", "order front"));
+  EXPECT_THAT(calls_, ElementsAre("launched", "refresh", "center", "activate", "order front"));
   ASSERT_EQ(windows_.made.size(), 1U);
   EXPECT_EQ(windows_.made[0].title, "Hushlet Settings");
   EXPECT_EQ(windows_.made[0].sideMargin, 24);
   EXPECT_EQ(windows_.made[0].verticalMargin, 22);
 }
 
-TEST_F(HostCalls, BringTheApplicationToTheFrontBeforeAnAlert) {
+TEST_F(HostCalls, ShowTheAnswerToAnUpdateCheckInTheMainQueueWithTheApplicationInFront) {
   const SimulatedDesktop desktop("{}");
   const auto real = std::get<const HLApplicationPlatform*>(HLCurrentPlatform().applicationPlatform());
   SpyAlerts alerts(calls_);
-  const HLApplicationPlatform host{application_,    real->statusItem, windows_,           alerts,
-                                   real->hotKeys,   real->loginItem,  real->userDefaults, real->httpClient,
-                                   real->workspace, std::nullopt};
+  SpyHTTPClient client(calls_);
+  const HLApplicationPlatform host{application_,    real->statusItem,   windows_, alerts,          real->hotKeys,
+                                   real->loginItem, real->userDefaults, client,   real->workspace, std::nullopt};
   std::make_shared<HLAppDelegate>(host)->checkForUpdates();
   HLCurrentPlatform().runLoop.runFor(0.1);
-  EXPECT_THAT(calls_, ElementsAre("activate", "alert"));
+  EXPECT_THAT(calls_, ElementsAre("answered", "activate", "alert"));
 }
 
 TEST_F(HostCalls, FitTheSetupWindowBeforeItIsCentered) {
   EXPECT_EQ(run(std::string(R"({"trusted": false)") + kProduct), 7);
-  EXPECT_THAT(calls_, ElementsAre("fit height", "center", "activate", "order front", "launched", "center", "activate",
-                                  "order front"));
+  EXPECT_THAT(calls_, ElementsAre("refresh", "fit height", "center", "activate", "order front", "launched", "refresh",
+                                  "center", "activate", "order front"));
   ASSERT_EQ(windows_.made.size(), 2U);
   const HLWindowDescription& setup = windows_.made[0];
   EXPECT_EQ(setup.title, "Set Up Hushlet");
