@@ -89,11 +89,15 @@ TEST(SettingsWindow, LeadsToTheSetupWindow) {
 }
 
 TEST(SettingsWindow, IsKeptWhenItIsClosed) {
-  const ApplicationRun run = RunApplication(
-      {.timeline = {At(1, kOpen), At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3), At(4, kOpen), DumpAt(5)}});
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(1, kOpen), At(1.5, R"("press": "Clear", "window": "Hushlet Settings")"),
+                                   At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3), At(4, kOpen), DumpAt(5)}});
   EXPECT_EQ(settings(run.dumps.at(0))["visible"], false);
   EXPECT_EQ(settings(run.dumps.at(1))["visible"], true);
   EXPECT_THAT(run.dumps.at(1)["windows"], SizeIs(1));
+  EXPECT_EQ(settings(run.dumps.at(1))["content"][2]["label"],
+            "No shortcut. Click the menu bar icon to clear notifications.")
+      << "its note with it";
 }
 
 TEST(AutoClose, IsOffUntilItIsWanted) {

@@ -216,6 +216,13 @@ TEST(Recording, IsEndedByItsButtonAndTheOldShortcutComesBack) {
   EXPECT_EQ(run.dumps.at(0)["hotKey"]["code"], 45);
 }
 
+TEST(Recording, GoesOnWhenTheSettingsAreOpenedOnceMore) {
+  const ApplicationRun run = record({kOpen});
+  EXPECT_EQ(run.dumps.at(0)["recording"], true);
+  EXPECT_EQ(recordTitle(run.dumps.at(0)), "Type Shortcut…");
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
+}
+
 TEST(Recording, EndsWithTheWindowAndTheShortcutStaysInactive) {
   const ApplicationRun run =
       record({R"("closeWindow": "Hushlet Settings")", shortcut(45, R"("control", "option", "command")")});
