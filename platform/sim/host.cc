@@ -21,6 +21,7 @@ constexpr int kBadScene = 2;
 HLSimulatorSetup setupFromProcess(int argc, char** argv) {
   HLSimulatorSetup setup;
   setup.arguments.assign(argv, argv + argc);
+  setup.endsProcess = true;
   for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
     const std::string_view text = *entry;
     const std::size_t equals = text.find('=');

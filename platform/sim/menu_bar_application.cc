@@ -1,8 +1,6 @@
 #include "platform/sim/menu_bar_application.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <utility>
 
@@ -43,17 +41,11 @@ int HLSimMenuBarApplication::run(HLApplicationHandlers handlers) {
     for (const HLSceneUserEvent* event : std::exchange(waiting_, {})) userEvent(*event);
   }
   runLoop_.runEventLoop();
-  if (runLoop_.isWorking()) leave();
+  // As on a real desktop, nobody waits for threads that are still at work. On the virtual clock they do nothing more:
+  // this one has the turn and keeps it.
+  if (desktop_.endProcess && runLoop_.isWorking()) desktop_.endProcess(exitCode_);
+  runLoop_.finishGlobalQueue();
   return exitCode_;
-}
-
-// As on a real desktop, nobody waits for threads that are still at work. On the virtual clock they do nothing more:
-// this thread has the turn and keeps it.
-void HLSimMenuBarApplication::leave() {
-  desktop_.end();
-  std::cout.flush();
-  std::fflush(nullptr);
-  std::_Exit(exitCode_);
 }
 
 std::unique_ptr<HLKeyMonitor> HLSimMenuBarApplication::addKeyMonitor(std::function<void(const HLKeyEvent&)> handler) {

@@ -19,7 +19,6 @@ class HLSimMenuBarApplication : public HLApplication {
   HLSimMenuBarApplication(HLSimDesktop& desktop, HLSimRunLoop& runLoop, HLSimUserInterface& interface)
       : desktop_(desktop), runLoop_(runLoop), interface_(interface) {}
 
-  // Ends the process where there is work in the background at the end.
   [[nodiscard]] int run(HLApplicationHandlers handlers) override;
   void terminate() override { runLoop_.stopEventLoop(); }
   void activate() override {}
@@ -41,7 +40,6 @@ class HLSimMenuBarApplication : public HLApplication {
  private:
   class KeyMonitor;
 
-  [[noreturn]] void leave();
   void perform(const HLSceneUserEvent& event);
   void click(const HLSceneClick& click);
   void choose(const std::string& item);

@@ -215,7 +215,7 @@ void HLSimRunLoop::forgetSteps() {
 }
 
 bool HLSimRunLoop::onlyTimersAreDue() const {
-  return deliveries_.empty() && due_.size() == timers_ && working_ == 0 && desktop_.world->nextDue() == HLSimNever;
+  return due_.size() == timers_ && working_ == 0 && desktop_.world->nextDue() == HLSimNever;
 }
 
 // Queues

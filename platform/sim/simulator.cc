@@ -1,5 +1,7 @@
 #include "platform/sim/simulator.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <utility>
 
@@ -22,6 +24,7 @@ class Simulator : public HLSimulator {
         accessibility_(desktop_),
         runningApplications_(desktop_, runLoop_),
         showsScreen_(setup.showsScreen),
+        endsProcess_(setup.endsProcess),
         process_(*scene, std::move(setup)),
         propertyLists_(desktop_),
         userNotifications_(desktop_),
@@ -44,7 +47,14 @@ class Simulator : public HLSimulator {
                                   [this](HLSimMoment now) { desktop_.world->happenUntil(now); }};
     desktop_.clock =
         desktop_.scene->realClock ? HLMakeRealClock(std::move(happenings)) : HLMakeVirtualClock(std::move(happenings));
-    desktop_.end = [this] { end(); };
+    if (endsProcess_) {
+      desktop_.endProcess = [this](int code) {
+        end();
+        std::cout.flush();
+        std::fflush(nullptr);
+        std::_Exit(code);
+      };
+    }
     showScreen("before");
   }
 
@@ -112,6 +122,7 @@ class Simulator : public HLSimulator {
   HLSimAccessibility accessibility_;
   HLSimRunningApplications runningApplications_;
   const bool showsScreen_;
+  const bool endsProcess_;
   HLSimProcessInfo process_;
   HLSimPropertyLists propertyLists_;
   HLSimUserNotifications userNotifications_;

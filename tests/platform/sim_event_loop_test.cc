@@ -100,11 +100,24 @@ TEST(EventLoop, DoesNotBeginForAProgramThatEndsWhileItIsLaunched) {
   EXPECT_THAT(program.entries(), IsEmpty());
 }
 
-TEST(EventLoop, EndsTheProcessWithItselfWhereWorkIsUnderWayInTheBackground) {
+TEST(EventLoop, LetsWorkInTheBackgroundEndAfterIt) {
+  MenuBar program(Timeline(R"({"at": 1, "terminate": true})"));
+  bool done = false;
+  (void)program.run([&] {
+    program.runLoop().postToGlobalQueue(kQuality, [&] {
+      program.runLoop().sleep(2);
+      done = true;
+    });
+  });
+  EXPECT_TRUE(done);
+}
+
+TEST(EventLoop, EndsTheProcessInTheMidstOfSuchWorkWhereItMay) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const auto& [event, code] : {std::pair{R"("terminate": true)", 0}, {R"("choose": "Nothing")", 2}}) {
     const auto run = [event = event] {
-      MenuBar program(Timeline(R"({"at": 1, )" + std::string(event) + "}", R"(, "record": "/dev/stderr")"));
+      MenuBar program(Timeline(R"({"at": 1, )" + std::string(event) + "}", R"(, "record": "/dev/stderr")"),
+                      {.arguments = {}, .environment = {}, .endsProcess = true});
       (void)program.run([&] {
         program.runLoop().postToGlobalQueue(kQuality, [&] {
           program.runLoop().sleep(1);
