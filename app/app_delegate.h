@@ -15,6 +15,7 @@
 #include "platform/hot_keys.h"
 #include "platform/http_client.h"
 #include "platform/run_loop.h"
+#include "platform/value.h"
 #include "platform/windows.h"
 
 // Made before the run loop starts and kept until the process ends, by a shared_ptr. Main thread only; the one thing
@@ -87,7 +88,7 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void setShortcutNote(const std::string& text, HLTextColor color);
   void setRecordButtonTitle(const std::string& title);
 
-  void showUpdateVerdict(const HLHTTPAnswer& answer);
+  void showUpdateVerdict(const HLHTTPAnswer& answer, const HLDictionary& information);
 
   const HLApplicationPlatform& host_;
 

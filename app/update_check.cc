@@ -28,14 +28,15 @@ std::int64_t installedBuild(const HLDictionary& information) {
 }  // namespace
 
 void HLAppDelegate::checkForUpdates() {
-  host_.httpClient.get(QLMUpdateFeedURL(), kTimeout, [self = shared_from_this()](HLHTTPAnswer answer) {
+  // As they are now: the bundle may have been replaced by the time the answer is there.
+  const HLDictionary information = HLCurrentPlatform().process.informationDictionary();
+  host_.httpClient.get(QLMUpdateFeedURL(), kTimeout, [self = shared_from_this(), information](HLHTTPAnswer answer) {
     HLCurrentPlatform().runLoop.postToMainQueue(
-        [self, answer = std::move(answer)] { self->showUpdateVerdict(answer); });
+        [self, information, answer = std::move(answer)] { self->showUpdateVerdict(answer, information); });
   });
 }
 
-void HLAppDelegate::showUpdateVerdict(const HLHTTPAnswer& answer) {
-  const HLDictionary information = HLCurrentPlatform().process.informationDictionary();
+void HLAppDelegate::showUpdateVerdict(const HLHTTPAnswer& answer, const HLDictionary& information) {
   const std::int64_t build = installedBuild(information);
   const QLMUpdateVerdict verdict =
       QLMReadUpdateFeed(answer.status == kOK ? answer.body : std::nullopt, installedVersion(information), build);

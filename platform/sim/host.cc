@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <iostream>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -22,28 +21,17 @@ constexpr int kBadScene = 2;
 HLSimulatorSetup setupFromProcess(int argc, char** argv) {
   HLSimulatorSetup setup;
   setup.arguments.assign(argv, argv + argc);
+  setup.endsProcess = true;
   for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
     const std::string_view text = *entry;
     const std::size_t equals = text.find('=');
     if (equals == std::string_view::npos) continue;
     setup.environment.emplace(text.substr(0, equals), text.substr(equals + 1));
   }
+  const auto picture = setup.environment.find("HUSHLET_PICTURE");
+  setup.showsScreen = picture != setup.environment.end() && picture->second == "1";
   return setup;
 }
-
-// Shows the screen as it is at the start and as it is at the end.
-class WatchedHost : public HLHost {
- public:
-  explicit WatchedHost(std::unique_ptr<HLSimulator> simulator) : simulator_(std::move(simulator)) { show("before"); }
-  ~WatchedHost() override { show("after"); }
-
-  [[nodiscard]] const HLPlatform& platform() const override { return simulator_->platform(); }
-
- private:
-  void show(const char* when) const { std::cout << when << ":\n" << simulator_->picture() << std::flush; }
-
-  std::unique_ptr<HLSimulator> simulator_;
-};
 
 }  // namespace
 
@@ -60,9 +48,5 @@ std::variant<std::unique_ptr<HLHost>, HLHostFailure> HLMakeHost(int argc, char**
   }
   auto made = HLMakeSimulator(scene, name, setupFromProcess(argc, argv));
   if (auto* error = std::get_if<std::string>(&made)) return HLHostFailure{std::move(*error), kBadScene};
-  auto simulator = std::get<std::unique_ptr<HLSimulator>>(std::move(made));
-  const char* picture = std::getenv("HUSHLET_PICTURE");
-  if (picture != nullptr && std::string_view(picture) == "1")
-    return std::make_unique<WatchedHost>(std::move(simulator));
-  return std::unique_ptr<HLHost>(std::move(simulator));
+  return std::unique_ptr<HLHost>(std::get<std::unique_ptr<HLSimulator>>(std::move(made)));
 }

@@ -41,6 +41,9 @@ int HLSimMenuBarApplication::run(HLApplicationHandlers handlers) {
     for (const HLSceneUserEvent* event : std::exchange(waiting_, {})) userEvent(*event);
   }
   runLoop_.runEventLoop();
+  // As on a real desktop, nobody waits for threads that are still at work. On the virtual clock they do nothing more:
+  // this one has the turn and keeps it.
+  if (desktop_.endProcess && runLoop_.isWorking()) desktop_.endProcess(exitCode_);
   runLoop_.finishGlobalQueue();
   return exitCode_;
 }

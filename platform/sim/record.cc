@@ -206,7 +206,7 @@ HLJson dump(const HLSimDesktop& desktop, HLSimUserInterface& interface) {
   made["notifications"] = notifications(desktop);
   made["beeps"] = interface.application.beeps();
   made["observers"] = observers(*desktop.world);
-  made["timers"] = interface.timers.timers();
+  made["timers"] = interface.runLoop.timers();
   made["defaults"] = jsonFrom(interface.userDefaults.stored());
   return made;
 }

@@ -215,7 +215,7 @@ void HLSimRunLoop::forgetSteps() {
 }
 
 bool HLSimRunLoop::onlyTimersAreDue() const {
-  return deliveries_.empty() && due_.size() == timers_ && working_ == 0 && desktop_.world->nextDue() == HLSimNever;
+  return due_.size() == timers_ && working_ == 0 && desktop_.world->nextDue() == HLSimNever;
 }
 
 // Queues
@@ -233,6 +233,11 @@ void HLSimRunLoop::postToGlobalQueue(HLQualityOfService, std::function<void()> w
     desktop_.clock->give(idle_);
     desktop_.clock->give(posted_);
   }));
+}
+
+bool HLSimRunLoop::isWorking() {
+  const HLSimLock lock = desktop_.clock->lock();
+  return working_ > 0;
 }
 
 void HLSimRunLoop::finishGlobalQueue() {

@@ -35,6 +35,8 @@ class HLSimRunLoop : public HLRunLoop {
   // The application's event loop: until it is stopped, or nothing but repeating timers is due any more. Main thread.
   void runEventLoop();
   void stopEventLoop() { stopped_ = true; }
+  // Whether something posted to the global queue has not ended. Main thread.
+  [[nodiscard]] bool isWorking();
   // Waits for what was posted to the global queue. Main thread.
   void finishGlobalQueue();
   // Nothing that is waiting will run any more. Main thread.

@@ -48,7 +48,7 @@ class HLSceneBuilder {
   [[nodiscard]] HLSceneEvent event(const HLSceneSpot& spot, bool ofTimeline);
   [[nodiscard]] HLSceneAdd addEvent(const HLSceneSpot& spot);
   [[nodiscard]] HLSceneEvent setEvent(const HLSceneSpot& spot);
-  void expectKeys(const HLSceneSpot& spot, bool ofTimeline, std::initializer_list<std::string_view> keys);
+  void expectKeys(const HLSceneSpot& spot, bool ofTimeline, const std::vector<std::string_view>& keys);
 
   [[nodiscard]] HLSceneId reference(const HLSceneSpot& spot);
   [[nodiscard]] HLSceneId definition(const HLSceneSpot& spot);

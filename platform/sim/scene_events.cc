@@ -25,8 +25,7 @@ std::optional<std::string_view> kindOf(const HLJson& object) {
 
 }  // namespace
 
-void HLSceneBuilder::expectKeys(const HLSceneSpot& spot, bool ofTimeline,
-                                std::initializer_list<std::string_view> keys) {
+void HLSceneBuilder::expectKeys(const HLSceneSpot& spot, bool ofTimeline, const std::vector<std::string_view>& keys) {
   for (auto entry = spot.json->begin(); entry != spot.json->end(); ++entry) {
     if (isIn(entry.key(), keys) || (ofTimeline && entry.key() == "at")) continue;
     source_.fail(*source_.find(spot, entry.key()), "unknown key");

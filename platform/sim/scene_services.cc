@@ -3,31 +3,22 @@
 #include <limits>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace {
-
-using Keys = std::initializer_list<std::string_view>;
 
 constexpr std::int64_t kMostKeyCode = 0xFFFF;
 constexpr std::int64_t kMostUnsigned = 0xFFFFFFFF;
 constexpr std::int64_t kOK = 200;
 
+using Keys = std::vector<std::string_view>;
+
 const std::map<std::string_view, Keys>& userEvents() {
-  static const Keys click = {"click", "modifiers"};
-  static const Keys choose = {"choose"};
-  static const Keys openMenu = {"openMenu"};
-  static const Keys shortcut = {"shortcut"};
-  static const Keys hotKey = {"hotKey"};
-  static const Keys key = {"key"};
-  static const Keys press = {"press", "window"};
-  static const Keys closeWindow = {"closeWindow"};
-  static const Keys dump = {"dump"};
-  static const Keys terminate = {"terminate"};
-  static const std::map<std::string_view, Keys> events = {{"click", click},       {"choose", choose},
-                                                          {"openMenu", openMenu}, {"shortcut", shortcut},
-                                                          {"hotKey", hotKey},     {"key", key},
-                                                          {"press", press},       {"closeWindow", closeWindow},
-                                                          {"dump", dump},         {"terminate", terminate}};
+  static const std::map<std::string_view, Keys> events = {
+      {"click", {"click", "modifiers"}}, {"choose", {"choose"}},           {"openMenu", {"openMenu"}},
+      {"shortcut", {"shortcut"}},        {"hotKey", {"hotKey"}},           {"key", {"key"}},
+      {"press", {"press", "window"}},    {"closeWindow", {"closeWindow"}}, {"dump", {"dump"}},
+      {"terminate", {"terminate"}}};
   return events;
 }
 
@@ -144,7 +135,7 @@ HLSceneRefusedHotKey readRefusedHotKey(HLSceneSource& source, const HLSceneSpot&
 
 bool HLIsUserEvent(std::string_view kind) { return userEvents().contains(kind); }
 
-std::initializer_list<std::string_view> HLUserEventKeys(std::string_view kind) { return userEvents().at(kind); }
+const std::vector<std::string_view>& HLUserEventKeys(std::string_view kind) { return userEvents().at(kind); }
 
 HLSceneUserEvent HLReadUserEvent(HLSceneSource& source, const HLSceneSpot& spot, std::string_view kind) {
   const HLSceneSpot what = source.require(spot, kind);

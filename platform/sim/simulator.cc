@@ -1,5 +1,8 @@
 #include "platform/sim/simulator.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
 #include <utility>
 
 #include "platform/sim/accessibility.h"
@@ -20,6 +23,8 @@ class Simulator : public HLSimulator {
       : runLoop_(desktop_),
         accessibility_(desktop_),
         runningApplications_(desktop_, runLoop_),
+        showsScreen_(setup.showsScreen),
+        endsProcess_(setup.endsProcess),
         process_(*scene, std::move(setup)),
         propertyLists_(desktop_),
         userNotifications_(desktop_),
@@ -42,11 +47,20 @@ class Simulator : public HLSimulator {
                                   [this](HLSimMoment now) { desktop_.world->happenUntil(now); }};
     desktop_.clock =
         desktop_.scene->realClock ? HLMakeRealClock(std::move(happenings)) : HLMakeVirtualClock(std::move(happenings));
+    if (endsProcess_) {
+      desktop_.endProcess = [this](int code) {
+        end();
+        std::cout.flush();
+        std::fflush(nullptr);
+        std::_Exit(code);
+      };
+    }
+    showScreen("before");
   }
 
   ~Simulator() override {
     runLoop_.finishGlobalQueue();
-    writeRecord();
+    end();
     // What is still to be called back may own windows, timers and hot keys, which need their services to go.
     runLoop_.forgetSteps();
     interface_.hotKeys.installHandler(nullptr);
@@ -92,7 +106,12 @@ class Simulator : public HLSimulator {
   }
 
  private:
-  void writeRecord() {
+  void showScreen(const char* when) const {
+    if (showsScreen_) std::cout << when << ":\n" << picture() << std::flush;
+  }
+
+  void end() {
+    showScreen("after");
     if (!desktop_.scene->record) return;
     const HLSimLock lock = desktop_.clock->lock();
     HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_, interface_));
@@ -102,6 +121,8 @@ class Simulator : public HLSimulator {
   HLSimRunLoop runLoop_;
   HLSimAccessibility accessibility_;
   HLSimRunningApplications runningApplications_;
+  const bool showsScreen_;
+  const bool endsProcess_;
   HLSimProcessInfo process_;
   HLSimPropertyLists propertyLists_;
   HLSimUserNotifications userNotifications_;

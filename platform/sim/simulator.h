@@ -18,6 +18,8 @@
 struct HLSimulatorSetup {
   std::vector<std::string> arguments = {"hushlet-sim"};
   std::map<std::string, std::string> environment;
+  bool showsScreen = false;  // prints it as it is at the start and as it is at the end
+  bool endsProcess = false;  // does so when the application quits while work is under way; else that work is finished
 };
 
 // One call of performAction, noted as it began.
@@ -29,7 +31,8 @@ struct HLSimulatedAction {
 };
 
 // The host, and the control side that tests look at. On the virtual clock the thread that made the simulator is its
-// main thread and has the first turn. Destruction writes the scene's record, if it asks for one.
+// main thread and has the first turn. Destruction or the end of the process writes the scene's record, if it asks for
+// one.
 class HLSimulator : public HLHost {
  public:
   // The newest element that bears the id, present or gone, as a handle; nullptr when there is none.

@@ -8,15 +8,15 @@
 #include "platform/sim/windows.h"
 
 struct HLSimUserInterface {
-  HLSimUserInterface(HLSimDesktop& desktop, HLSimRunLoop& runLoop)
-      : application(desktop, runLoop, *this),
+  HLSimUserInterface(HLSimDesktop& desktop, HLSimRunLoop& mainRunLoop)
+      : application(desktop, mainRunLoop, *this),
         alerts(desktop, application),
         hotKeys(desktop),
         loginItem(desktop),
         userDefaults(desktop),
-        httpClient(desktop, runLoop),
+        httpClient(desktop, mainRunLoop),
         workspace(desktop),
-        timers(runLoop),
+        runLoop(mainRunLoop),
         platform{application, statusItem,   windows,    alerts,    hotKeys,
                  loginItem,   userDefaults, httpClient, workspace, std::nullopt} {}
 
@@ -29,6 +29,6 @@ struct HLSimUserInterface {
   HLSimUserDefaults userDefaults;
   HLSimHTTPClient httpClient;
   HLSimWorkspace workspace;
-  const HLSimRunLoop& timers;
+  const HLSimRunLoop& runLoop;
   HLApplicationPlatform platform;
 };

@@ -13,6 +13,7 @@
 #include "platform/application.h"
 #include "platform/application_platform.h"
 #include "platform/hot_keys.h"
+#include "platform/http_client.h"
 #include "platform/status_item.h"
 #include "platform/user_defaults.h"
 #include "platform/windows.h"
@@ -129,6 +130,20 @@ class SpyHotKeys : public HLHotKeys {
   Calls& calls_;
 };
 
+// Answers before get() returns, as a host may from a thread of its own.
+class SpyHTTPClient : public HLHTTPClient {
+ public:
+  explicit SpyHTTPClient(Calls& calls) : calls_(calls) {}
+
+  void get(const std::string&, double, std::function<void(HLHTTPAnswer)> answer) override {
+    answer({});
+    calls_.emplace_back("answered");
+  }
+
+ private:
+  Calls& calls_;
+};
+
 // Notes the fallbacks, and when it is asked whether automation banners are to be closed.
 class SpyUserDefaults : public HLUserDefaults {
  public:
@@ -155,7 +170,7 @@ class SpyUserDefaults : public HLUserDefaults {
 struct SpyHost {
   explicit SpyHost(const HLApplicationPlatform& inner)
       : defaults(calls, inner.userDefaults), platform{application,     statusItem,      windows,  alerts,
-                                                      hotKeys,         inner.loginItem, defaults, inner.httpClient,
+                                                      hotKeys,         inner.loginItem, defaults, httpClient,
                                                       inner.workspace, std::nullopt} {}
   SpyHost(const SpyHost&) = delete;
   SpyHost& operator=(const SpyHost&) = delete;
@@ -167,5 +182,6 @@ struct SpyHost {
   SpyAlerts alerts{calls};
   SpyHotKeys hotKeys{calls};
   SpyUserDefaults defaults;
+  SpyHTTPClient httpClient{calls};
   HLApplicationPlatform platform;
 };

@@ -75,6 +75,18 @@ TEST(DismissRequest, CanFollowAnotherThatHasEnded) {
               testing::StartsWith("dismissNotifications outcome status=nothing dismissed=0 remaining=0 elapsedMs="));
 }
 
+TEST(DismissRequest, EndsWhereItIsWhenTheApplicationQuits) {
+  ApplicationScene scene = slowScene(true);
+  scene.timeline = {At(1, R"("click": "left")"), At(2.5, R"("choose": "Quit Hushlet")"), DumpAt(3)};
+  const ApplicationRun run = RunApplication(scene);
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.record["at"], 2.5);
+  EXPECT_THAT(run.record["present"], ElementsAre("window", "e", "f", "g"));
+  EXPECT_THAT(MessagesOf(run, "dismissNotifications s"), ElementsAre("dismissNotifications started"));
+  EXPECT_THAT(MessagesOf(run, "dismissNotifications outcome"), IsEmpty());
+  EXPECT_THAT(run.dumps, IsEmpty());
+}
+
 TEST(DismissRequest, CountsDownInTheStatusButton) {
   EXPECT_THAT(titles(RunApplication(slowScene(true))), ElementsAre("", "7", "3", ""));
   EXPECT_THAT(titles(RunApplication(slowScene(false))), ElementsAre("HL…", "HL 7", "HL 3", "HL"));
@@ -92,11 +104,13 @@ TEST(DismissRequest, WithoutNotificationCenterOnlyLogsItsOutcome) {
   EXPECT_THAT(run.dumps.at(0)["windows"], IsEmpty());
 }
 
+// The one that the launch has opened is out of the way first.
+constexpr const char* kCloseSetup = R"("closeWindow": "Set Up Hushlet")";
+
 TEST(AccessDenied, OpensTheSetupWindowOnceInAProcess) {
   const ApplicationRun run =
-      RunApplication({.isProduct = false,
-                      .timeline = {At(1, R"("click": "left")"), DumpAt(1.5),
-                                   At(2, R"("closeWindow": "Set Up Hushlet")"), At(3, R"("click": "left")"), DumpAt(4)},
+      RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), DumpAt(1.5), At(2, kCloseSetup),
+                                   At(3, R"("click": "left")"), DumpAt(4)},
                       .further = kUntrusted});
   EXPECT_EQ(MessagesOf(run, "accessibility unavailable from running app; showing setup").size(), 1U);
   EXPECT_THAT(MessagesOf(run, "dismissNotifications outcome"),
@@ -104,13 +118,12 @@ TEST(AccessDenied, OpensTheSetupWindowOnceInAProcess) {
                   "dismissNotifications outcome status=accessDenied dismissed=0 remaining=0 elapsedMs=0")));
   EXPECT_EQ(WindowOf(run.dumps.at(0), "Set Up Hushlet")["visible"], true);
   EXPECT_EQ(WindowOf(run.dumps.at(1), "Set Up Hushlet")["visible"], false);
-  EXPECT_EQ(run.dumps.at(1)["statusItem"]["title"], "HL!");
+  EXPECT_EQ(run.dumps.at(1)["statusItem"]["image"], "exclamationmark.triangle");
 }
 
 TEST(AccessDenied, RefreshesTheButtonEachTimeItHappens) {
   const ApplicationRun run =
-      RunApplication({.isProduct = false,
-                      .timeline = {At(1, R"("click": "left")"), At(1.5, R"("closeWindow": "Set Up Hushlet")"),
+      RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), At(1.5, kCloseSetup),
                                    At(2, R"("click": "left")"), At(2.5, R"("terminate": true)")},
                       .further = kUntrusted});
   ASSERT_GE(run.log.size(), 2U);
@@ -119,9 +132,9 @@ TEST(AccessDenied, RefreshesTheButtonEachTimeItHappens) {
 }
 
 TEST(AccessDenied, RefreshesTheButtonTwice) {
-  const ApplicationRun run = RunApplication({.isProduct = false,
-                                             .timeline = {At(1, R"("click": "left")"), At(1.5, R"("terminate": true)")},
-                                             .further = kUntrusted});
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), At(1.5, R"("terminate": true)")},
+                      .further = kUntrusted});
   const auto outcome = std::find_if(run.log.begin(), run.log.end(), [](const std::string& message) {
     return message.starts_with("dismissNotifications outcome");
   });

@@ -124,11 +124,11 @@ TEST(LaunchCalls, GiveTheMenuTheApplicationsName) {
   EXPECT_EQ(application.host.statusItem.installed.menu.title, "Hushlet");
 }
 
-TEST(UpdateCheckCalls, BringTheApplicationToTheFrontBeforeTheAlert) {
+TEST(UpdateCheckCalls, ShowTheAnswerInTheMainQueueWithTheApplicationInFront) {
   Application application;
   application.delegate->checkForUpdates();
   application.desktop.platform().runLoop.runFor(0.1);
-  EXPECT_THAT(application.host.calls, ElementsAre("activate", "alert"));
+  EXPECT_THAT(application.host.calls, ElementsAre("answered", "activate", "alert"));
 }
 
 TEST(SetupWindowCalls, DescribeItsSizeAndMargins) {

@@ -18,6 +18,8 @@ constexpr const char* kOpen = R"("choose": "Settings…")";
 constexpr const char* kToggleAutoClose =
     R"("press": "Close Shortcuts Automation Banners", "window": "Hushlet Settings")";
 constexpr const char* kToggleOpenAtLogin = R"("press": "Open at Login", "window": "Hushlet Settings")";
+// A request with the prompt would be granted: nothing here makes one.
+constexpr const char* kUntrusted = R"(, "trusted": false, "services": {"grantOnPrompt": true})";
 constexpr const char* kWanted = R"(, "defaults": {"HLAutoCloseAutomationBanners": true})";
 
 json settings(const json& dump) { return WindowOf(dump, "Hushlet Settings"); }
@@ -68,10 +70,10 @@ TEST(SettingsWindow, OfThePersonalFlavorHasNoOpenAtLogin) {
 }
 
 TEST(SettingsWindow, ShowsMissingAccessInOrangeAndDoesNotPoll) {
-  const ApplicationRun run =
-      RunApplication({.isProduct = false,
-                      .timeline = {At(1, kOpen), At(2, R"("trust": true)"), DumpAt(9), At(10, kOpen), DumpAt(11)},
-                      .further = R"(, "trusted": false)"});
+  const ApplicationRun run = RunApplication(
+      {.isProduct = false,
+       .timeline = {At(1, kOpen), At(1.5, kOpen), At(2, R"("trust": true)"), DumpAt(9), At(10, kOpen), DumpAt(11)},
+       .further = kUntrusted});
   const auto state = [&run](std::size_t dump) { return settings(run.dumps.at(dump))["content"][4]["row"][0]; };
   EXPECT_EQ(state(0)["label"], "Not allowed yet");
   EXPECT_EQ(state(0)["color"], "orange");
@@ -87,15 +89,20 @@ TEST(SettingsWindow, LeadsToTheSetupWindow) {
 }
 
 TEST(SettingsWindow, IsKeptWhenItIsClosed) {
-  const ApplicationRun run = RunApplication(
-      {.timeline = {At(1, kOpen), At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3), At(4, kOpen), DumpAt(5)}});
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(1, kOpen), At(1.5, R"("press": "Clear", "window": "Hushlet Settings")"),
+                                   At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3), At(4, kOpen), DumpAt(5)}});
   EXPECT_EQ(settings(run.dumps.at(0))["visible"], false);
   EXPECT_EQ(settings(run.dumps.at(1))["visible"], true);
   EXPECT_THAT(run.dumps.at(1)["windows"], SizeIs(1));
+  EXPECT_EQ(settings(run.dumps.at(1))["content"][2]["label"],
+            "No shortcut. Click the menu bar icon to clear notifications.")
+      << "its note with it";
 }
 
 TEST(AutoClose, IsOffUntilItIsWanted) {
   const ApplicationRun run = RunApplication({.timeline = {At(1, kOpen), DumpAt(2)}});
+  EXPECT_EQ(autoCloseBox(run.dumps.at(0))["on"], false);
   EXPECT_THAT(run.dumps.at(0)["observers"], IsEmpty());
   EXPECT_THAT(run.dumps.at(0)["defaults"], IsEmpty());
 }
@@ -141,12 +148,38 @@ TEST(AutoClose, StopsWhenItIsSwitchedOff) {
   EXPECT_THAT(run.dumps.at(1)["observers"], SizeIs(1));
 }
 
+const std::string kRunning = "Shortcuts, Morning, Running your automation";
+
+TEST(AutoClose, BeginsAfreshWhenItIsSwitchedOnAgain) {
+  const ApplicationRun run = RunApplication(
+      {.timeline = {At(1, kOpen), At(2, R"("notify": "AXLayoutChanged", "element": "one")"), At(3, kToggleAutoClose),
+                    At(4, kToggleAutoClose), At(5, R"("notify": "AXLayoutChanged", "element": "two")")},
+       .further = kWanted,
+       .windows = BannerWindow({Banner("one", kRunning), Banner("two", kRunning)})});
+  EXPECT_THAT(MessagesOf(run, "auto-close app"),
+              ElementsAre("auto-close app=Shortcuts error=0 closed=1", "auto-close app=Shortcuts error=0 closed=1"));
+  EXPECT_THAT(run.record["present"], ElementsAre("window"));
+}
+
+TEST(AutoClose, GoesOnWithTheNextNotificationCenter) {
+  const std::string next = R"("launch": {"pid": 401, "bundleIdentifier": "com.apple.notificationcenterui",
+    "windows": [)" + Banner("two", kRunning + " again") +
+                           "]}";
+  const ApplicationRun run =
+      RunApplication({.timeline = {At(2, R"("notify": "AXLayoutChanged", "element": "one")"), At(3, R"("quit": 400)"),
+                                   At(4, next), At(5, R"("notify": "AXLayoutChanged", "element": "two")")},
+                      .further = kWanted,
+                      .windows = BannerWindow({Banner("one", kRunning)})});
+  EXPECT_THAT(MessagesOf(run, "auto-close app"),
+              ElementsAre("auto-close app=Shortcuts error=0 closed=1", "auto-close app=Shortcuts error=0 closed=2"));
+}
+
 TEST(AutoClose, WithoutTrustIsStoredAndStartsWhenTrustHasCome) {
   const ApplicationRun run =
       RunApplication({.isProduct = false,
-                      .timeline = {At(1, kOpen), At(2, kToggleAutoClose), DumpAt(3), At(4, R"("trust": true)"),
-                                   DumpAt(5), At(6, kOpen), DumpAt(7)},
-                      .further = R"(, "trusted": false)"});
+                      .timeline = {At(1, kOpen), At(2, kToggleAutoClose), At(2.5, kOpen), DumpAt(3),
+                                   At(4, R"("trust": true)"), DumpAt(5), At(6, kOpen), DumpAt(7)},
+                      .further = kUntrusted});
   EXPECT_EQ(run.dumps.at(0)["defaults"], (json{{"HLAutoCloseAutomationBanners", true}}));
   EXPECT_EQ(autoCloseBox(run.dumps.at(0))["on"], true);
   EXPECT_THAT(run.dumps.at(0)["observers"], IsEmpty());

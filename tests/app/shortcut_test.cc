@@ -60,13 +60,30 @@ TEST(Shortcut, StoredOneIsRegisteredAtLaunch) {
   EXPECT_EQ(run.dumps.at(0)["hotKey"], (json{{"code", 96}, {"modifiers", 0x200}}));
 }
 
-// Trust comes while a shortcut is recorded: what the settings show of it is renewed at the end.
-TEST(Recording, RefreshesTheSettingsWhenItIsCanceledOrRefused) {
+// Trust comes while a shortcut is recorded: what the settings show of it is renewed at the end, and the auto-closer
+// starts behind the hot key.
+TEST(Recording, RefreshesTheSettingsHoweverItEnds) {
   const std::string further =
-      R"(, "trusted": false, "services": {"refusedHotKeys": [{"code": 40, "modifiers": ["command"], "status": -9878}]})";
-  for (const std::string& last : {key(53, "", ""), key(40, R"("command")", "k")}) {
-    const json dump = record({R"("trust": true)", last}, further).dumps.at(0);
-    EXPECT_EQ(settings(dump)["content"][4]["row"][0]["label"], "Allowed") << last;
+      R"(, "trusted": false, "defaults": {"HLAutoCloseAutomationBanners": true},
+       "services": {"refusedHotKeys": [{"code": 40, "modifiers": ["command"], "status": -9878}]})";
+  for (const std::string& last :
+       {key(53, "", ""), key(40, R"("command")", "k"), key(0, R"("command")", "a"), std::string(kClear)}) {
+    const ApplicationRun run = record({R"("closeWindow": "Set Up Hushlet")", R"("trust": true)", last}, further);
+    EXPECT_EQ(settings(run.dumps.at(0))["content"][4]["row"][0]["label"], "Allowed") << last;
+    ASSERT_GE(run.log.size(), 2U);
+    EXPECT_THAT(run.log.end()[-2], testing::StartsWith("hotKey ")) << last;
+    EXPECT_EQ(run.log.end()[-1], "auto-close watching pid=400 register=0") << last;
+  }
+}
+
+TEST(Shortcut, OfAnyNegativeCodeIsNone) {
+  for (const char* code : {"-1", "-2", "-2147483649"}) {
+    const ApplicationRun run =
+        RunApplication({.timeline = {At(1, kOpen), DumpAt(2)},
+                        .further = R"(, "defaults": {"HLHotKeyCode": )" + std::string(code) + "}"});
+    EXPECT_EQ(shownShortcut(run.dumps.at(0)), "None") << code;
+    EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr) << code;
+    EXPECT_THAT(MessagesOf(run, "hotKey"), ElementsAre("hotKey none")) << code;
   }
 }
 
@@ -93,6 +110,15 @@ TEST(Shortcut, DismissesFromAnyProgram) {
   EXPECT_EQ(MessagesOf(run, "dismissNotifications started").size(), 1U);
   EXPECT_EQ(run.dumps.at(0)["hotKeyAnswer"], 0);
   EXPECT_THAT(run.record["present"], ElementsAre("window"));
+}
+
+TEST(HotKeyEvent, IsAnsweredBeforeTheDismissalBegins) {
+  const ApplicationRun run =
+      RunApplication({.isProduct = false,
+                      .timeline = {At(1, R"("hotKey": {"signature": "HLhk", "id": 1})"), DumpAt(1), DumpAt(1)},
+                      .windows = BannerWindow({Banner("a", "Mail, One")})});
+  EXPECT_EQ(run.dumps.at(0)["hotKeyAnswer"], 0);
+  EXPECT_EQ(run.dumps.at(0)["statusItem"]["title"], "HL");
 }
 
 TEST(HotKeyEvent, OfAnotherIdentityIsPassedOn) {
@@ -190,6 +216,13 @@ TEST(Recording, IsEndedByItsButtonAndTheOldShortcutComesBack) {
   EXPECT_EQ(run.dumps.at(0)["hotKey"]["code"], 45);
 }
 
+TEST(Recording, GoesOnWhenTheSettingsAreOpenedOnceMore) {
+  const ApplicationRun run = record({kOpen});
+  EXPECT_EQ(run.dumps.at(0)["recording"], true);
+  EXPECT_EQ(recordTitle(run.dumps.at(0)), "Type Shortcut…");
+  EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
+}
+
 TEST(Recording, EndsWithTheWindowAndTheShortcutStaysInactive) {
   const ApplicationRun run =
       record({R"("closeWindow": "Hushlet Settings")", shortcut(45, R"("control", "option", "command")")});
@@ -216,6 +249,16 @@ TEST(Recording, OfATakenCombinationRestoresTheOldOne) {
                           "hotKey register label=⌃⌥⌘N status=0"));
 }
 
+TEST(Recording, TakesAnyStatusButNoughtForARefusal) {
+  for (const char* status : {"-9868", "1"}) {
+    const ApplicationRun run = record({key(40, R"("command")", "k")}, R"(, "services": {"refusedHotKeys": [
+      {"code": 40, "modifiers": ["command"], "status": )" + std::string(status) +
+                                                                          "}]}");
+    EXPECT_EQ(note(run.dumps.at(0)), "⌘K is already used by another app. Try a different one.") << status;
+    EXPECT_EQ(run.dumps.at(0)["hotKey"]["code"], 45) << status;
+  }
+}
+
 TEST(Recording, OfATakenCombinationLeavesItsLabelWhereThereWasNone) {
   ApplicationScene scene;
   scene.isProduct = false;
@@ -237,7 +280,8 @@ TEST(Clearing, LeavesNoShortcut) {
   EXPECT_EQ(noteColor(dump), "secondary");
   EXPECT_EQ(dump["defaults"], (json{{"HLHotKeyCode", -1}}));
   EXPECT_EQ(dump["hotKey"], nullptr);
-  EXPECT_THAT(MessagesOf(run, "hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=0", "hotKey none"));
+  EXPECT_THAT(MessagesOf(run, "hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=0", "hotKey none"))
+      << "and nothing is pressed";
 }
 
 TEST(Clearing, EndsARecording) {

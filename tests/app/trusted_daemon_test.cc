@@ -81,4 +81,17 @@ TEST_F(BesideADaemon, AsksItOnlyAtLaunchWhereItIsTrustedItself) {
   EXPECT_EQ(questionsIn(diagnostics()), 1);
 }
 
+TEST_F(BesideADaemon, IsNotAllowedInItsSettingsAndClosesNoAutomationBanners) {
+  start("{}");
+  const std::vector<json> dumps = dumpsOf(R"({"trusted": false, "defaults": {"HLAutoCloseAutomationBanners": true},
+    "applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui"}], "timeline": [)" +
+                                          At(1, R"("choose": "Settings…")") + ", " + DumpAt(2) + "]}");
+  ASSERT_EQ(dumps.size(), 1U);
+  EXPECT_EQ(dumps[0]["statusItem"]["title"], "HL");
+  const json window = WindowOf(dumps[0], "Hushlet Settings");
+  EXPECT_EQ(window["content"][4]["row"][0]["label"], "Not allowed yet");
+  EXPECT_EQ(window["content"][5]["on"], true);
+  EXPECT_TRUE(dumps[0]["observers"].empty());
+}
+
 }  // namespace

@@ -98,7 +98,8 @@ TEST(UpdateFeed, WantsATextForItsVersion) {
 }
 
 TEST(UpdateFeed, WantsPositiveNumbersForBuildAndRelease) {
-  for (const char* number : {"\"12\"", "0", "-1", "0.9", "true", "null", "[12]", "{}", "1e30", "9223372036854775808"}) {
+  for (const char* number :
+       {"\"12\"", "0", "-1", "0.9", "true", "null", "[12]", "{}", "1e30", "-1e30", "9223372036854775808"}) {
     expectFailure(feed("\"1.4\"", number, "1"));
     expectFailure(feed("\"1.4\"", "12", number));
   }

@@ -25,7 +25,7 @@
 
 class MenuBar {
  public:
-  explicit MenuBar(std::string_view scene) : desktop_(scene) {}
+  explicit MenuBar(std::string_view scene, HLSimulatorSetup setup = {}) : desktop_(scene, std::move(setup)) {}
 
   [[nodiscard]] Desktop& desktop() { return desktop_; }
   [[nodiscard]] HLRunLoop& runLoop() { return desktop_.runLoop(); }

@@ -4,8 +4,10 @@
 
 #include <chrono>
 #include <csignal>
+#include <iostream>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/platform/menu_bar.h"
@@ -108,6 +110,27 @@ TEST(EventLoop, LetsWorkInTheBackgroundEndAfterIt) {
     });
   });
   EXPECT_TRUE(done);
+}
+
+TEST(EventLoop, EndsTheProcessInTheMidstOfSuchWorkWhereItMay) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (const auto& [event, code] : {std::pair{R"("terminate": true)", 0}, {R"("choose": "Nothing")", 2}}) {
+    const auto run = [event = event] {
+      MenuBar program(Timeline(R"({"at": 1, )" + std::string(event) + "}", R"(, "record": "/dev/stderr")"),
+                      {.arguments = {}, .environment = {}, .endsProcess = true});
+      (void)program.run([&] {
+        program.runLoop().postToGlobalQueue(kQuality, [&] {
+          program.runLoop().sleep(1);
+          std::cerr << "still at work";
+        });
+      });
+      std::cerr << "returned";
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(code),
+                testing::AllOf(testing::HasSubstr(R"({"at":1.0,)"), testing::Not(testing::HasSubstr("still at work")),
+                               testing::Not(testing::HasSubstr("returned"))))
+        << event;
+  }
 }
 
 // Orders

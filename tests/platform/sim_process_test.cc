@@ -203,7 +203,10 @@ TEST(Record, ThatCannotBeWrittenIsComplainedAbout) {
 
 class Host : public testing::Test {
  protected:
-  void TearDown() override { unsetenv("HUSHLET_SCENE"); }
+  void TearDown() override {
+    unsetenv("HUSHLET_SCENE");
+    unsetenv("HUSHLET_PICTURE");
+  }
 
   static std::variant<std::unique_ptr<HLHost>, HLHostFailure> make() {
     std::string program = "hushlet-sim";
@@ -239,6 +242,25 @@ TEST_F(Host, ShowsTheSceneThatTheEnvironmentNames) {
   const auto* host = std::get_if<std::unique_ptr<HLHost>>(&made);
   ASSERT_NE(host, nullptr);
   EXPECT_TRUE((*host)->platform().runningApplications.find(77).has_value());
+}
+
+TEST_F(Host, PrintsTheScreenAtTheStartAndAtTheEndWhereTheEnvironmentWantsIt) {
+  const std::string path = freshPath("scene.json");
+  std::ofstream(path) << Scene(R"({"id": "w", "role": "AXWindow", "title": "Gone", "frame": [0, 0, 400, 100]})",
+                               R"(, "timeline": [{"at": 1, "remove": "w"}])");
+  setenv("HUSHLET_SCENE", path.c_str(), 1);
+  const std::string window = Desktop(content(path)).simulator().picture();
+  const std::string empty = Desktop("{}").simulator().picture();
+  ASSERT_NE(window, empty);
+  for (const auto& [wanted, printed] : {std::pair{"1", "before:\n" + window + "after:\n" + empty}, {"0", ""}}) {
+    setenv("HUSHLET_PICTURE", wanted, 1);
+    testing::internal::CaptureStdout();
+    {
+      const auto made = make();
+      std::get<std::unique_ptr<HLHost>>(made)->platform().runLoop.sleep(1);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), printed) << wanted;
+  }
 }
 
 TEST_F(Host, IsNotThereForASceneThatCannotBeRead) {

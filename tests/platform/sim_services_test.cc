@@ -164,10 +164,12 @@ class Fetched : public testing::Test {
 };
 
 TEST_F(Fetched, IsWhatTheScenesPathHolds) {
-  EXPECT_THAT(fetch(R"("/a/b.json": {"status": 404, "body": "gone"}, "/": {"body": "root"}, "/a": {"status": 204})",
-                    {"https://host.example/a/b.json", "https://host.example", "http://host.example:80/a?x=/y#z",
-                     "https://host.example/?q", "https://host.example/a/b", "https://host.example/A"}),
-              ElementsAre("asked@0", "404 gone@0", "200 root@0", "204 @0", "200 root@0", "0 failed@0", "0 failed@0"));
+  EXPECT_THAT(
+      fetch(R"("/a/b.json": {"status": 404, "body": "gone"}, "/": {"body": "root"}, "/a": {"status": 204})",
+            {"https://host.example/a/b.json", "https://host.example", "http://host.example:80/a?x=/y",
+             "https://host.example/a#z", "https://host.example/?q", "https://host.example/a/b",
+             "https://host.example/A"}),
+      ElementsAre("asked@0", "404 gone@0", "200 root@0", "204 @0", "204 @0", "200 root@0", "0 failed@0", "0 failed@0"));
 }
 
 TEST_F(Fetched, ComesWhenItsTimeHasPassed) {
