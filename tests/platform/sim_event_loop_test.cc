@@ -115,8 +115,8 @@ TEST(EventLoop, LetsWorkInTheBackgroundEndAfterIt) {
 TEST(EventLoop, EndsTheProcessInTheMidstOfSuchWorkWhereItMay) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const auto& [event, code] : {std::pair{R"("terminate": true)", 0}, {R"("choose": "Nothing")", 2}}) {
-    const auto run = [event = event] {
-      MenuBar program(Timeline(R"({"at": 1, )" + std::string(event) + "}", R"(, "record": "/dev/stderr")"),
+    const auto run = [what = event] {
+      MenuBar program(Timeline(R"({"at": 1, )" + std::string(what) + "}", R"(, "record": "/dev/stderr")"),
                       {.arguments = {}, .environment = {}, .endsProcess = true});
       (void)program.run([&] {
         program.runLoop().postToGlobalQueue(kQuality, [&] {
