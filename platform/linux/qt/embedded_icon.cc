@@ -23,7 +23,6 @@ constexpr std::size_t kLeastWidth = 5;
 constexpr std::size_t kLeastHeight = 6;
 constexpr std::uint32_t kDockRequest = 0;
 constexpr std::uint32_t kEmbeddedMapped = 1;
-constexpr std::uint32_t kHasMinimumSize = 16;
 constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
                                      XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW |
                                      XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
@@ -180,12 +179,6 @@ void HLEmbeddedIcon::dock() {
   const QByteArray classes = id + '\0' + id + '\0';
   xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
                       static_cast<std::uint32_t>(classes.size()), classes.constData());
-  // Trays ask for a window's least size; without one they give it a single pixel.
-  std::array<std::uint32_t, kSizeHints> hints{};
-  hints[0] = kLeastSizeFlag;
-  hints[kLeastWidth] = hints[kLeastHeight] = kFirstSize;
-  xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
-                      kSizeHints, hints.data());
   const xcb_atom_t info = x_.atom("_XEMBED_INFO");
   const std::array<std::uint32_t, 2> embedded = {0, kEmbeddedMapped};
   xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, info, info, 32, 2, embedded.data());
@@ -204,14 +197,15 @@ void HLEmbeddedIcon::dock() {
   QTimer::singleShot(0, this, [this] { handleEvents(); });
 }
 
-// As wide as the tray is high. It gives no more than is asked for, some trays a single pixel where nothing is.
+// As wide as the tray is high. Trays ask for a window's least size, and some give it a single pixel where there is
+// none.
 void HLEmbeddedIcon::askForSize(int size) {
   if (std::exchange(asked_, size) == size) return;
-  std::array<std::uint32_t, 18> hints = {};
-  hints[0] = kHasMinimumSize;
-  hints[5] = hints[6] = static_cast<std::uint32_t>(size);
+  std::array<std::uint32_t, kSizeHints> hints{};
+  hints[0] = kLeastSizeFlag;
+  hints[kLeastWidth] = hints[kLeastHeight] = static_cast<std::uint32_t>(size);
   xcb_change_property(x_.get(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
-                      hints.size(), hints.data());
+                      kSizeHints, hints.data());
 }
 
 void HLEmbeddedIcon::undock() {
