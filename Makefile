@@ -71,7 +71,7 @@ lint:
 tidy:
 	@tools/install-packages build test lint
 	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
-	run-clang-tidy -quiet -p build 'hushlet.*/(core|daemon|platform)/.*\.cc$$'
+	run-clang-tidy -quiet -p build '$(CURDIR)/(entry|app|daemon|autoclose|core|base|platform)/.*\.cc$$'
 
 format:
 	@tools/install-packages lint

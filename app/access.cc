@@ -1,7 +1,7 @@
 #include "app/access.h"
 
-#include "core/element_access.h"
-#include "daemon/log/log.h"
+#include "base/log.h"
+#include "core/scan/element_access.h"
 #include "daemon/self_check.h"
 #include "platform/display_name.h"
 #include "platform/platform.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/workspace.h"
+#include "platform/application/workspace.h"
 
 // What the bundle calls itself, "Hushlet" where it does not.
 [[nodiscard]] std::string HLAppDisplayName();

@@ -9,14 +9,14 @@
 #include <string>
 
 #include "autoclose/auto_closer.h"
-#include "core/result.h"
-#include "platform/application.h"
-#include "platform/application_platform.h"
-#include "platform/hot_keys.h"
-#include "platform/http_client.h"
+#include "core/dismissal/result.h"
+#include "platform/application/application.h"
+#include "platform/application/application_platform.h"
+#include "platform/application/hot_keys.h"
+#include "platform/application/http_client.h"
+#include "platform/application/windows.h"
 #include "platform/run_loop.h"
 #include "platform/value.h"
-#include "platform/windows.h"
 
 // Made before the run loop starts and kept until the process ends, by a shared_ptr. Main thread only; the one thing
 // that leaves it is the dismissal itself. There is no tear-down: quitting ends the process.

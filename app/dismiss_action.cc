@@ -1,9 +1,10 @@
 #include "app/app_delegate.h"
 #include "app/dismiss_feedback.h"
-#include "daemon/log/log.h"
+#include "base/log.h"
+#include "base/paths.h"
 #include "daemon/routing.h"
+#include "platform/application/status_item.h"
 #include "platform/platform.h"
-#include "platform/status_item.h"
 
 void HLAppDelegate::dismissNotifications() {
   if (dismissInFlight_) {

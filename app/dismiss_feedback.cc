@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "daemon/log/format.h"
+#include "base/format.h"
 
 std::string HLBusyTitle(bool isProductFlavor) { return isProductFlavor ? "" : "HL…"; }
 

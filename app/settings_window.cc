@@ -1,10 +1,12 @@
 #include "app/access.h"
 #include "app/app_delegate.h"
 #include "autoclose/rules.h"
-#include "core/element_access.h"
-#include "core/notification_center.h"
-#include "daemon/log/log.h"
-#include "platform/login_item.h"
+#include "base/format.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "core/scan/element_access.h"
+#include "core/scan/notification_center.h"
+#include "platform/application/login_item.h"
 #include "platform/user_defaults.h"
 
 namespace {

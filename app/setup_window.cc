@@ -2,9 +2,9 @@
 
 #include "app/access.h"
 #include "app/app_delegate.h"
-#include "core/element_access.h"
+#include "base/format.h"
+#include "core/scan/element_access.h"
 #include "daemon/accessibility_request.h"
-#include "daemon/log/format.h"
 #include "platform/platform.h"
 
 namespace {

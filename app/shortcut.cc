@@ -2,7 +2,9 @@
 
 #include "app/app_delegate.h"
 #include "app/shortcut_label.h"
-#include "daemon/log/log.h"
+#include "base/format.h"
+#include "base/log.h"
+#include "base/paths.h"
 #include "platform/platform.h"
 #include "platform/user_defaults.h"
 

@@ -4,8 +4,8 @@
 #include <array>
 #include <string_view>
 
-#include "daemon/log/format.h"
-#include "platform/hot_keys.h"
+#include "base/format.h"
+#include "platform/application/hot_keys.h"
 #include "platform/text.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/events.h"
+#include "platform/application/events.h"
 
 // Those that a shortcut may have; Caps Lock, Fn and others do not count.
 inline constexpr std::uint64_t HLShortcutModifiers =

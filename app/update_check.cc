@@ -1,11 +1,11 @@
 #include "app/app_delegate.h"
 #include "app/update_feed.h"
-#include "daemon/log/log.h"
-#include "platform/alerts.h"
+#include "base/log.h"
+#include "platform/application/alerts.h"
+#include "platform/application/workspace.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
 #include "platform/text.h"
-#include "platform/workspace.h"
 
 namespace {
 

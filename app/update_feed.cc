@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "daemon/log/format.h"
+#include "base/format.h"
 #include "platform/json.h"
 #include "platform/text.h"
 #include "platform/value.h"

@@ -8,9 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "core/element_access.h"
-#include "core/notification_center.h"
-#include "daemon/log/log.h"
+#include "base/format.h"
+#include "base/log.h"
+#include "core/scan/element_access.h"
+#include "core/scan/notification_center.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
 #include "platform/run_loop.h"

@@ -5,9 +5,9 @@
 #include <optional>
 #include <ostream>
 
-#include "core/element_access.h"
-#include "core/notification_center.h"
-#include "daemon/log/format.h"
+#include "base/format.h"
+#include "core/scan/element_access.h"
+#include "core/scan/notification_center.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "platform/text.h"

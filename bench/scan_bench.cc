@@ -9,9 +9,9 @@
 #include <unordered_set>
 #include <variant>
 
-#include "core/element_facts.h"
-#include "core/notification_center.h"
-#include "core/tree_scan.h"
+#include "core/scan/element_facts.h"
+#include "core/scan/notification_center.h"
+#include "core/scan/tree_scan.h"
 #include "platform/platform.h"
 #include "platform/sim/simulator.h"
 

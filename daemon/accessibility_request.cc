@@ -1,7 +1,8 @@
 #include "daemon/accessibility_request.h"
 
-#include "core/element_access.h"
-#include "daemon/log/log.h"
+#include "base/log.h"
+#include "core/dismissal/launch_context.h"
+#include "core/scan/element_access.h"
 
 bool HLRequestAccessibility(bool prompt) {
   const bool trusted = HLIsAccessibilityTrusted(prompt);

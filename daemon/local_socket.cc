@@ -10,7 +10,8 @@
 #include <cerrno>
 #include <optional>
 
-#include "daemon/log/log.h"
+#include "base/log.h"
+#include "base/paths.h"
 #include "platform/text.h"
 
 namespace {

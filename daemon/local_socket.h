@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/result.h"
+#include "core/dismissal/result.h"
 
 // An open file descriptor, closed at destruction.
 class HLSocket {

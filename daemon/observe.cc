@@ -7,10 +7,10 @@
 #include <ostream>
 #include <vector>
 
-#include "core/element_access.h"
-#include "core/element_facts.h"
-#include "core/notification_center.h"
-#include "daemon/log/format.h"
+#include "base/format.h"
+#include "core/scan/element_access.h"
+#include "core/scan/element_facts.h"
+#include "core/scan/notification_center.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "platform/text.h"

@@ -1,9 +1,10 @@
 #include "daemon/routing.h"
 
-#include "core/dismiss_run.h"
-#include "core/element_access.h"
+#include "base/log.h"
+#include "core/dismissal/dismiss_run.h"
+#include "core/dismissal/launch_context.h"
+#include "core/scan/element_access.h"
 #include "daemon/local_socket.h"
-#include "daemon/log/log.h"
 
 HLDismissResult HLDismissNotificationsPreferTrustedDaemon() {
   if (HLIsAccessibilityTrusted(false)) {

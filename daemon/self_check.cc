@@ -5,11 +5,13 @@
 #include <optional>
 #include <ostream>
 
-#include "core/element_access.h"
-#include "core/notification_center.h"
-#include "core/result.h"
+#include "base/format.h"
+#include "base/log.h"
+#include "core/dismissal/launch_context.h"
+#include "core/dismissal/result.h"
+#include "core/scan/element_access.h"
+#include "core/scan/notification_center.h"
 #include "daemon/local_socket.h"
-#include "daemon/log/log.h"
 #include "platform/platform.h"
 #include "platform/text.h"
 

@@ -9,7 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "daemon/log/log.h"
+#include "base/format.h"
+#include "base/log.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "platform/user_notifications.h"

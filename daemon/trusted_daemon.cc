@@ -10,11 +10,13 @@
 #include <optional>
 #include <string>
 
-#include "core/dismiss_run.h"
-#include "core/element_access.h"
-#include "core/result.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "core/dismissal/dismiss_run.h"
+#include "core/dismissal/launch_context.h"
+#include "core/dismissal/result.h"
+#include "core/scan/element_access.h"
 #include "daemon/local_socket.h"
-#include "daemon/log/log.h"
 
 namespace {
 

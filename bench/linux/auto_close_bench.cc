@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/host.h"
+#include "platform/linux/linux_host.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
-#include "tests/linux/servers.h"
-#include "tests/linux/session/desktop_session.h"
+#include "tests/platform/linux/desktop/servers.h"
+#include "tests/platform/linux/support/desktop_session.h"
 
 namespace {
 

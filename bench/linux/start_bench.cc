@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/linux/session/desktop_session.h"
+#include "tests/platform/linux/support/desktop_session.h"
 
 namespace {
 

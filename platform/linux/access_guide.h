@@ -1,6 +1,6 @@
 // How the user gives access to the screen on a Linux desktop.
 #pragma once
 
-#include "platform/application_platform.h"
+#include "platform/application/application_platform.h"
 
 [[nodiscard]] HLAccessGuide HLLinuxAccessGuide();

@@ -2,6 +2,6 @@
 #include <memory>
 #include <variant>
 
-#include "platform/macos/host.h"
+#include "platform/macos/macos_host.h"
 
 std::variant<std::unique_ptr<HLHost>, HLHostFailure> HLMakeHost(int, char**) { return std::make_unique<HLMacHost>(); }

@@ -5,15 +5,15 @@
 #include <iostream>
 #include <utility>
 
-#include "platform/sim/accessibility.h"
-#include "platform/sim/desktop.h"
-#include "platform/sim/picture.h"
-#include "platform/sim/process.h"
-#include "platform/sim/record.h"
-#include "platform/sim/run_loop.h"
-#include "platform/sim/scene_reader.h"
-#include "platform/sim/services.h"
-#include "platform/sim/user_interface.h"
+#include "platform/sim/desktop/desktop.h"
+#include "platform/sim/desktop/sim_accessibility.h"
+#include "platform/sim/desktop/sim_process.h"
+#include "platform/sim/desktop/sim_run_loop.h"
+#include "platform/sim/scene/scene_reader.h"
+#include "platform/sim/services/host_services.h"
+#include "platform/sim/services/picture.h"
+#include "platform/sim/services/record.h"
+#include "platform/sim/services/user_interface.h"
 
 namespace {
 

@@ -12,23 +12,8 @@
 
 #include "platform/accessibility.h"
 #include "platform/platform.h"
+#include "platform/sim/desktop/simulation.h"
 #include "platform/user_notifications.h"
-
-// What the simulated process is given from outside.
-struct HLSimulatorSetup {
-  std::vector<std::string> arguments = {"hushlet-sim"};
-  std::map<std::string, std::string> environment;
-  bool showsScreen = false;  // prints it as it is at the start and as it is at the end
-  bool endsProcess = false;  // does so when the application quits while work is under way; else that work is finished
-};
-
-// One call of performAction, noted as it began.
-struct HLSimulatedAction {
-  double at = 0;                       // seconds from the start
-  std::optional<std::string> element;  // its id
-  std::string action;
-  HLAXError code = 0;
-};
 
 // The host, and the control side that tests look at. On the virtual clock the thread that made the simulator is its
 // main thread and has the first turn. Destruction or the end of the process writes the scene's record, if it asks for

@@ -9,14 +9,14 @@
 #include <utility>
 #include <vector>
 
-#include "platform/alerts.h"
-#include "platform/application.h"
-#include "platform/application_platform.h"
-#include "platform/hot_keys.h"
-#include "platform/http_client.h"
-#include "platform/status_item.h"
+#include "platform/application/alerts.h"
+#include "platform/application/application.h"
+#include "platform/application/application_platform.h"
+#include "platform/application/hot_keys.h"
+#include "platform/application/http_client.h"
+#include "platform/application/status_item.h"
+#include "platform/application/windows.h"
 #include "platform/user_defaults.h"
-#include "platform/windows.h"
 
 using Calls = std::vector<std::string>;
 

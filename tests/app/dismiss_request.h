@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "app/app_delegate.h"
-#include "core/result.h"
+#include "core/dismissal/result.h"
 #include "platform/platform.h"
 #include "tests/app/application_spies.h"
 #include "tests/support/simulated_desktop.h"

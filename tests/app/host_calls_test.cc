@@ -16,7 +16,7 @@
 
 #include "app/access.h"
 #include "app/app_delegate.h"
-#include "platform/application_platform.h"
+#include "platform/application/application_platform.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "tests/app/application_spies.h"

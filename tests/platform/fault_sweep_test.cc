@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "core/dismiss_run.h"
-#include "core/result.h"
-#include "tests/platform/desktop.h"
+#include "core/dismissal/dismiss_run.h"
+#include "core/dismissal/result.h"
+#include "tests/platform/sim/scene_desktop.h"
 #include "tests/support/faults.h"
 #include "tests/support/temporary_directory.h"
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "core/records.h"
-#include "core/result.h"
+#include "core/dismissal/result.h"
+#include "core/scan/records.h"
 
 // "Name:Close 220 (1060,40,360,80) [snapshot] reason"; "nothing" for no target, "no frame" for the null rectangle.
 [[nodiscard]] std::string Describe(const std::optional<HLDismissTarget>& target);

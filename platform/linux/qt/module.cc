@@ -7,15 +7,15 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/desktop_module.h"
-#include "platform/linux/qt/alerts.h"
-#include "platform/linux/qt/application.h"
-#include "platform/linux/qt/application_icon.h"
-#include "platform/linux/qt/display.h"
-#include "platform/linux/qt/services/hot_keys.h"
-#include "platform/linux/qt/services/http_client.h"
-#include "platform/linux/qt/status_item.h"
-#include "platform/linux/qt/windows.h"
+#include "platform/linux/qt/services/linux_hot_keys.h"
+#include "platform/linux/qt/services/qt_http_client.h"
+#include "platform/linux/qt/tray/application_icon.h"
+#include "platform/linux/qt/tray/qt_status_item.h"
+#include "platform/linux/qt/window/display.h"
+#include "platform/linux/qt/window/qt_alerts.h"
+#include "platform/linux/qt/window/qt_application.h"
+#include "platform/linux/qt/window/qt_windows.h"
+#include "platform/linux/session/desktop_module.h"
 
 namespace {
 

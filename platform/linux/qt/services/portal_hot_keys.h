@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/hot_keys.h"
-#include "platform/linux/run_loop.h"
+#include "platform/application/hot_keys.h"
+#include "platform/linux/session/linux_run_loop.h"
 
 // Each hot key is a session of the portal with one shortcut. What keys it has in the end is between the user and the
 // desktop, and is not known here. The desktop may keep them for the combination that was wished for, by the program's

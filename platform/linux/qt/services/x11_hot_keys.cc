@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/key_codes.h"
+#include "platform/linux/qt/services/key_codes.h"
 
 namespace {
 

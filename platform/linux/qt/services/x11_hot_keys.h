@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/hot_keys.h"
-#include "platform/linux/run_loop.h"
+#include "platform/application/hot_keys.h"
+#include "platform/linux/session/linux_run_loop.h"
 
 // Passive grabs on the root windows, by a connection of its own, which is made for the first of them. The locks of the
 // keyboard make no difference. A key that is held down counts once.

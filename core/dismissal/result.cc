@@ -1,0 +1,58 @@
+#include "core/dismissal/result.h"
+
+#include <array>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "base/format.h"
+#include "platform/text.h"
+
+namespace {
+
+constexpr std::array<std::string_view, 5> kStatusWords = {"success", "nothing", "accessDenied",
+                                                          "notificationCenterUnavailable", "failed"};
+
+std::mutex handlerMutex;
+std::shared_ptr<const HLProgressCallback> progressHandler;  // HLProgressHandler, the slot
+
+}  // namespace
+
+std::string_view HLStatusString(HLDismissStatus status) {
+  const bool known = status >= HLDismissStatusSuccess && status < HLDismissStatusFailed;
+  return kStatusWords[static_cast<std::size_t>(known ? status : HLDismissStatusFailed)];
+}
+
+std::string HLResultWireString(const HLDismissResult& result) {
+  return HLFormat("%@|%ld|%ld", HLStatusString(result.status), result.dismissed, result.remaining);
+}
+
+bool HLParseResultString(std::string_view text, HLDismissResult& result) {
+  const std::size_t first = text.find('|');
+  const std::size_t second = first == std::string_view::npos ? first : text.find('|', first + 1);
+  if (second == std::string_view::npos) return false;
+  for (std::size_t i = 0; i < kStatusWords.size(); ++i) {
+    if (text.substr(0, first) != kStatusWords[i]) continue;
+    // Each number ends by itself at the bar that follows it.
+    result = {static_cast<HLDismissStatus>(i), HLLeadingInteger(text.substr(first + 1, second - first - 1)),
+              HLLeadingInteger(text.substr(second + 1))};
+    return true;
+  }
+  return false;
+}
+
+void HLSetProgressHandler(HLProgressCallback handler) {
+  auto shared = handler ? std::make_shared<const HLProgressCallback>(std::move(handler)) : nullptr;
+  const std::lock_guard lock(handlerMutex);
+  progressHandler.swap(shared);
+}
+
+void HLReportProgress(std::int64_t count) {
+  std::shared_ptr<const HLProgressCallback> handler;
+  {
+    const std::lock_guard lock(handlerMutex);
+    handler = progressHandler;
+  }
+  if (handler != nullptr) (*handler)(count < 0 ? 0 : count);
+}

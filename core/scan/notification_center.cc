@@ -1,0 +1,34 @@
+#include "core/scan/notification_center.h"
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "base/format.h"
+#include "core/scan/element_access.h"
+#include "core/scan/tree_scan.h"
+#include "platform/platform.h"
+
+std::optional<HLRunningApplication> HLNotificationCenterApplication() {
+  for (HLRunningApplication& application : HLCurrentPlatform().runningApplications.list()) {
+    if (application.bundleIdentifier == HLNotificationCenterBundleIdentifier) return std::move(application);
+  }
+  return std::nullopt;
+}
+
+std::vector<HLElementRef> HLNotificationWindows(const HLElement& application) {
+  return HLElementsFromAttribute(application.copyAttributeValue("AXWindows"));
+}
+
+std::vector<HLDismissTarget> HLCurrentTargets(const HLElement& application) {
+  std::vector<HLDismissTarget> targets;
+  std::set<std::string> keys;
+  std::int64_t index = 0;
+  for (const HLElementRef& window : HLNotificationWindows(application)) {
+    for (HLDismissTarget& target : HLTargetsInRoot(window, HLFormat("window-%ld", index++))) {
+      if (keys.insert(HLDeduplicationKeyForTarget(target)).second) targets.push_back(std::move(target));
+    }
+  }
+  return targets;
+}

@@ -1,0 +1,35 @@
+// What a scan carries: the queue of elements to visit and the controls that it found.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/scan/context.h"
+#include "platform/accessibility.h"
+#include "platform/geometry.h"
+
+// An element to visit. Siblings share the context of their parent; the root's is empty.
+struct HLQueueItem {
+  HLElementRef element;
+  std::shared_ptr<const HLContext> context;
+};
+
+// A control that is believed to dismiss a notification.
+struct HLDismissTarget {
+  HLElementRef element;
+  std::string action;  // as the element reports it
+  HLRect frame;        // when the target was made; may be null
+  std::int64_t score = 0;
+  std::string snapshot;  // at most 180 UTF-16 units of the words that justified it
+  std::string reason;    // why it was chosen: words joined by ","
+};
+
+inline constexpr std::size_t HLSnapshotLimit = 180;  // UTF-16 code units
+
+// Words separated by exactly one blank, none at the ends, no line breaks; letter case is kept.
+[[nodiscard]] std::string HLCompactSnapshot(std::string_view text);
+
+// Equal keys within one scan mean the same control.
+[[nodiscard]] std::string HLDeduplicationKeyForTarget(const HLDismissTarget& target);

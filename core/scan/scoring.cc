@@ -1,0 +1,93 @@
+#include "core/scan/scoring.h"
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "core/scan/element_access.h"
+#include "core/scan/words.h"
+#include "platform/text.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+
+// Like all such lists, not to be tidied: words that hold others are meant.
+constexpr std::array kNegativeWords = {"reply"sv,   "open"sv,  "options"sv, "show"sv,   "view"sv,       "accept"sv,
+                                       "decline"sv, "allow"sv, "later"sv,   "snooze"sv, "mute"sv,       "unmute"sv,
+                                       "play"sv,    "pause"sv, "call"sv,    "manage"sv, "clear menu"sv, "menu item"sv};
+constexpr std::array kButtonWord = {"button"sv};
+constexpr std::array kMenuRoleWord = {"menu"sv};
+constexpr std::array kMenuStructureWords = {"menu item"sv, "menu bar"sv, "menubar"sv};
+
+constexpr std::int64_t kAcceptance = 45;
+constexpr std::int64_t kShortcutScore = 220;
+constexpr double kSmallFrame = 60;  // points, both ways
+
+bool isSmall(const HLRect& frame) {
+  return !frame.isNull() && frame.width <= kSmallFrame && frame.height <= kSmallFrame;
+}
+
+// Points and reason words, in the order in which they are tested.
+struct Score {
+  std::int64_t points = 0;
+  std::string reason;
+
+  void add(std::int64_t more, std::string_view word) {
+    points += more;
+    if (!reason.empty()) reason += ',';
+    reason += word;
+  }
+};
+
+}  // namespace
+
+bool HLIsMenuLike(const HLElementFacts& facts) {
+  return HLStringContainsAny(facts.role, kMenuRoleWord) || HLStringContainsAny(facts.subrole, kMenuRoleWord) ||
+         HLLowercaseContainsAny(HLStructuralContext(facts), kMenuStructureWords);
+}
+
+std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element, const HLElementFacts& facts,
+                                                     const HLContext& context, const std::string& own) {
+  const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
+
+  // Notification Center's own items come before the menu veto, and whatever words the notification holds: what it says
+  // must not keep it on screen.
+  if (explicitAction && HLIsNotificationBannerSubrole(facts.subrole)) {
+    return HLDismissTarget{element,
+                           *explicitAction,
+                           facts.frame,
+                           kShortcutScore,
+                           HLUtf16Prefix(own, HLSnapshotLimit),
+                           "notification-subrole-explicit-action"};
+  }
+  const bool pressable = HLIsPressable(facts.actionNames);
+  if (!explicitAction && !(pressable && context.isNotification())) return std::nullopt;  // nothing to perform
+  if (HLIsMenuLike(facts)) return std::nullopt;
+
+  const bool closeWords = HLHasOwnCloseWord(own) || context.hasCloseWord();
+  const bool negativeWords = HLLowercaseContainsAny(own, kNegativeWords);
+  const bool buttonLike = facts.role == "AXButton" || HLLowercaseContainsAny(own, kButtonWord);
+  const bool small = isSmall(facts.frame);
+
+  Score score;
+  std::string action = explicitAction.value_or("");
+  if (explicitAction) score.add(120, "explicit-action");
+  if (context.isNotification()) score.add(40, "notification-context");
+  if (closeWords) score.add(30, "close-words");
+  if (buttonLike && pressable) score.add(14, "pressable-button");
+  if (small) score.add(8, "small-frame");
+  if (negativeWords) score.add(-100, "negative-words");
+  if (!explicitAction && (closeWords || (buttonLike && !negativeWords && small))) {
+    action = "AXPress";
+    score.add(0, "press-fallback");
+  }
+  if (action.empty() || score.points < kAcceptance) return std::nullopt;
+
+  return HLDismissTarget{element,
+                         action,
+                         facts.frame,
+                         score.points,
+                         HLUtf16Prefix(own.empty() ? context.text() : own, HLSnapshotLimit),
+                         score.reason};
+}

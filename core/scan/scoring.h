@@ -1,0 +1,17 @@
+// Whether an element dismisses a notification: an additive score over yes/no tests of what was read of it.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "core/scan/context.h"
+#include "core/scan/element_facts.h"
+#include "core/scan/records.h"
+
+// Whether role, subrole or structural words mark a part of a menu.
+[[nodiscard]] bool HLIsMenuLike(const HLElementFacts& facts);
+
+// The target that the element is, or nothing. The context is that of the element itself, own its own words.
+[[nodiscard]] std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element,
+                                                                   const HLElementFacts& facts,
+                                                                   const HLContext& context, const std::string& own);

@@ -1,0 +1,42 @@
+#include "core/scan/tree_scan.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "base/log.h"
+#include "core/scan/scoring.h"
+#include "core/scan/tree_walk.h"
+
+namespace {
+
+constexpr std::int64_t kPruningScore = 150;
+constexpr double kPruningWidth = 120;
+constexpr double kPruningHeight = 80;
+
+}  // namespace
+
+bool HLShouldPruneDescendantsAfterCandidate(const HLDismissTarget& target) {
+  if (target.score < kPruningScore) return false;
+  return target.frame.isNull() || (target.frame.width <= kPruningWidth && target.frame.height <= kPruningHeight);
+}
+
+std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::string_view label) {
+  std::vector<HLDismissTarget> targets;
+  std::set<std::string> keys;
+  const auto look = [&targets, &keys](const HLVisit& visit) {
+    std::optional<HLDismissTarget> candidate =
+        HLCandidateForElement(visit.element, visit.facts, visit.context, visit.own);
+    if (!candidate) return true;
+    const bool prune = HLShouldPruneDescendantsAfterCandidate(*candidate);
+    if (keys.insert(HLDeduplicationKeyForTarget(*candidate)).second) targets.push_back(*std::move(candidate));
+    return !prune;
+  };
+  const std::size_t visited = HLWalkTree({root, std::make_shared<const HLContext>()}, HLScanLimit, look);
+  HLAppendDiagnostics("scan root=%@ visited=%ld candidates=%lu", label, static_cast<std::int64_t>(visited),
+                      targets.size());
+  return targets;
+}

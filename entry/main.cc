@@ -1,0 +1,21 @@
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <variant>
+
+#include "entry/modes.h"
+#include "platform/platform.h"
+#include "platform/process_info.h"
+
+int main(int argc, char** argv) {
+  const auto made = HLMakeHost(argc, argv);
+  if (const auto* failure = std::get_if<HLHostFailure>(&made)) {
+    std::cerr << failure->message << '\n';
+    return failure->exitCode;
+  }
+  const HLPlatform& platform = std::get<std::unique_ptr<HLHost>>(made)->platform();
+  HLInstallPlatform(&platform);
+  const int code = HLRunMode(HLSelectMode(platform.process.arguments()), std::cout, std::cerr);
+  HLInstallPlatform(nullptr);
+  return code;
+}

@@ -1,0 +1,136 @@
+#include "entry/modes.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <locale>
+#include <optional>
+#include <ostream>
+#include <sstream>
+
+#include "app/app_delegate.h"
+#include "autoclose/auto_closer.h"
+#include "autoclose/close_matching.h"
+#include "autoclose/rules.h"
+#include "core/dismissal/dismiss_run.h"
+#include "core/dismissal/result.h"
+#include "daemon/accessibility_request.h"
+#include "daemon/observe.h"
+#include "daemon/routing.h"
+#include "daemon/self_check.h"
+#include "daemon/test_notifications.h"
+#include "daemon/trusted_daemon.h"
+
+namespace {
+
+constexpr double kDefaultSeconds = 10.0;
+
+void printResult(const HLDismissResult& result, std::ostream& out) { out << HLResultWireString(result) << '\n'; }
+
+int requestAccessibility(const HLModeCall&) { return HLRequestAccessibility(true) ? EXIT_FAILURE : EXIT_SUCCESS; }
+
+int daemon(const HLModeCall&) { return HLRunTrustedDaemon(); }
+
+int daemonDismiss(const HLModeCall& call) {
+  printResult(HLDismissNotificationsPreferTrustedDaemon(), call.out);
+  return EXIT_SUCCESS;
+}
+
+int daemonSelfCheck(const HLModeCall& call) { return HLLocalDaemonSelfCheck(call.out); }
+
+int autoCloseMatch(const HLModeCall& call) {
+  const bool match = HLAlertDescriptionMatchesAutoClose(call.value, HLAutoCloseRules(std::nullopt));
+  call.out << (match ? "match" : "no") << '\n';
+  return EXIT_SUCCESS;
+}
+
+int closeMatching(const HLModeCall& call) { return HLCloseMatchingAlerts(call.value, call.out); }
+
+int autoCloseProbe(const HLModeCall& call) { return HLRunAutoCloseProbe(call.seconds, call.out); }
+
+int observe(const HLModeCall& call) { return HLObserveNotificationCenter(call.seconds, call.out, call.err); }
+
+int selfCheck(const HLModeCall& call) { return HLSelfCheck(call.out); }
+
+int sendTestNotifications(const HLModeCall&) { return HLSendTestNotifications(); }
+
+int dismissNow(const HLModeCall& call) {
+  printResult(HLDismissNotificationsNow(), call.out);
+  return EXIT_SUCCESS;
+}
+
+int menuBarApplication(const HLModeCall& call) { return HLRunApplication(call.err); }
+
+constexpr std::array<HLMode, 12> kModes = {{
+    {"--request-accessibility", HLModeValue::none, requestAccessibility},
+    {"--daemon", HLModeValue::none, daemon},
+    {"--daemon-dismiss", HLModeValue::none, daemonDismiss},
+    {"--daemon-self-check", HLModeValue::none, daemonSelfCheck},
+    {"--auto-close-match", HLModeValue::required, autoCloseMatch},
+    {"--close-matching", HLModeValue::required, closeMatching},
+    {"--auto-close-probe", HLModeValue::seconds, autoCloseProbe},
+    {"--observe-nc", HLModeValue::seconds, observe},
+    {"--self-check", HLModeValue::none, selfCheck},
+    {"--send-test-notifications", HLModeValue::none, sendTestNotifications},
+    {"--dismiss-now", HLModeValue::none, dismissNow},
+    {"", HLModeValue::none, menuBarApplication},
+}};
+
+// The number that the text begins with: blanks, a sign, digits, a dot, an exponent, as in the C locale; 0 for none.
+double leadingNumber(const std::string& text) {
+  const auto isDigit = [&text](std::size_t i) { return i < text.size() && text[i] >= '0' && text[i] <= '9'; };
+  const auto skipDigits = [&isDigit](std::size_t i) {
+    while (isDigit(i)) ++i;
+    return i;
+  };
+  const std::size_t begin = text.find_first_not_of(" \t\n\v\f\r");
+  if (begin == std::string::npos) return 0;
+  std::size_t end = begin;
+  if (text[end] == '-' || text[end] == '+') ++end;
+  end = skipDigits(end);
+  if (end < text.size() && text[end] == '.') end = skipDigits(end + 1);
+  if (end < text.size() && (text[end] == 'e' || text[end] == 'E')) {
+    const bool sign = end + 1 < text.size() && (text[end + 1] == '-' || text[end + 1] == '+');
+    const std::size_t exponent = end + (sign ? 2 : 1);
+    if (isDigit(exponent)) end = skipDigits(exponent);
+  }
+  std::istringstream stream(text.substr(begin, end - begin));
+  stream.imbue(std::locale::classic());
+  double number = 0;
+  stream >> number;  // beyond the range of numbers it is the largest one
+  return number;
+}
+
+double secondsOf(const std::string& text) {
+  const double seconds = leadingNumber(text);
+  return seconds > 0.0 ? seconds : kDefaultSeconds;
+}
+
+}  // namespace
+
+std::span<const HLMode> HLModes() { return kModes; }
+
+HLSelectedMode HLSelectMode(const std::vector<std::string>& arguments) {
+  for (const HLMode& mode : kModes) {
+    if (mode.switchName.empty()) break;
+    const auto found = std::find(arguments.begin(), arguments.end(), mode.switchName);
+    if (found == arguments.end()) continue;
+    const bool isLast = found + 1 == arguments.end();
+    switch (mode.value) {
+      case HLModeValue::none:
+        return {mode, "", 0};
+      case HLModeValue::required:
+        if (isLast) continue;
+        return {mode, found[1], 0};
+      case HLModeValue::seconds:
+        return {mode, "", isLast ? kDefaultSeconds : secondsOf(found[1])};
+    }
+  }
+  return {kModes.back(), "", 0};
+}
+
+int HLRunMode(const HLSelectedMode& selected, std::ostream& out, std::ostream& err) {
+  const int code = selected.mode.run({selected.value, selected.seconds, out, err});
+  out.flush();
+  return code;
+}

@@ -1,0 +1,158 @@
+#include "platform/linux/atspi/accessible_application.h"
+
+#include <cstdlib>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/atspi/banners.h"
+#include "platform/linux/atspi/tree_reader.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kRegistry = "org.a11y.atspi.Registry";
+constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
+
+// Once an application has let a call time out, it is asked more briefly until it answers again.
+constexpr std::chrono::milliseconds kPatienceWithSilent{250};
+
+// A server that has just started owns its service a moment before it is on the bus.
+constexpr std::chrono::milliseconds kStartupTime{2000};
+constexpr std::chrono::milliseconds kStartupPoll{20};
+
+// The applications that have registered on the bus.
+std::vector<std::string> registeredNames(HLBus& bus) {
+  std::vector<std::string> names;
+  const HLBusReply reply = bus.call({kRegistry, HLAccessibleRootPath, kAccessible, "GetChildren"});
+  if (!reply || sd_bus_message_enter_container(reply.message.get(), 'a', "(so)") <= 0) return names;
+  const char* name = nullptr;
+  const char* path = nullptr;
+  while (sd_bus_message_read(reply.message.get(), "(so)", &name, &path) > 0) names.emplace_back(name);
+  return names;
+}
+
+std::string nameOfProcess(HLBus& bus, std::int32_t pid) {
+  std::string found;
+  for (const std::string& name : registeredNames(bus)) {
+    const HLBusCall call{"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                         "GetConnectionUnixProcessID"};
+    bus.start(
+        call,
+        [&found, name, pid](const HLBusReply& reply) {
+          std::uint32_t owner = 0;
+          if (!reply || sd_bus_message_read_basic(reply.message.get(), 'u', &owner) <= 0) return;
+          if (static_cast<std::int32_t>(owner) == pid && found.empty()) found = name;
+        },
+        "s", name.c_str());
+  }
+  return bus.settle(0) == HLBusOutcome::answered ? found : "";
+}
+
+HLAXError errorOf(const HLBusReply& reply) {
+  if (reply.outcome == HLBusOutcome::silent || reply.outcome == HLBusOutcome::gone) return HLAXErrorCannotComplete;
+  if (!reply) {
+    const bool unknown = std::string_view(reply.error).starts_with("org.freedesktop.DBus.Error.Unknown");
+    return unknown ? HLAXErrorInvalidElement : HLAXErrorFailure;
+  }
+  int done = 0;
+  sd_bus_message_read_basic(reply.message.get(), 'b', &done);
+  return done != 0 ? HLAXErrorSuccess : HLAXErrorFailure;
+}
+
+}  // namespace
+
+std::string HLAccessibilityBusAddress(HLBus& session) {
+  const char* given = std::getenv("AT_SPI_BUS_ADDRESS");
+  if (given != nullptr && *given != '\0') return given;
+  const HLBusReply reply = session.call({"org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress"});
+  const char* address = nullptr;
+  return reply && sd_bus_message_read_basic(reply.message.get(), 's', &address) > 0 ? address : "";
+}
+
+std::unique_ptr<HLAccessibleApplication> HLAccessibleApplication::connect(const std::string& busAddress,
+                                                                          std::int32_t pid, HLProcessKind kind) {
+  std::unique_ptr<HLAccessibleApplication> application(new HLAccessibleApplication(busAddress, pid, kind));
+  return application->findOnBus() ? std::move(application) : nullptr;
+}
+
+// A toolkit that has been asked for its own address, or for its cache, sends the asker each of its events over the bus.
+// So the connection to the bus ends here where the application can be reached without it.
+bool HLAccessibleApplication::findOnBus() {
+  std::unique_ptr<HLBus> bus = HLBus::openBus(busAddress_);
+  if (bus == nullptr) return false;
+  name_ = nameOfProcess(*bus, pid());
+  while (name_.empty() && !hasEnded() && process_.age() < kStartupTime) {
+    std::this_thread::sleep_for(kStartupPoll);
+    name_ = nameOfProcess(*bus, pid());
+  }
+  if (name_.empty()) return false;
+  const HLBusReply reply =
+      bus->call({name_, HLAccessibleRootPath, "org.a11y.atspi.Application", "GetApplicationBusAddress"}, "s", "");
+  const char* address = nullptr;
+  if (reply && sd_bus_message_read_basic(reply.message.get(), 's', &address) > 0) peerAddress_ = address;
+  if (!peerAddress_.empty()) connection_ = HLBus::openPeer(peerAddress_);
+  if (connection_ == nullptr) {
+    peerAddress_.clear();
+    connection_ = std::move(bus);
+  }
+  return reply || reply.outcome == HLBusOutcome::refused;
+}
+
+HLBus* HLAccessibleApplication::connection() {
+  if (connection_ == nullptr) {
+    const HLBus::Patience patience = isSilent_ ? kPatienceWithSilent : HLBusPatience;
+    connection_ =
+        peerAddress_.empty() ? HLBus::openBus(busAddress_, patience) : HLBus::openPeer(peerAddress_, patience);
+    if (connection_ == nullptr) drop(HLBusOutcome::silent);
+  }
+  return connection_.get();
+}
+
+void HLAccessibleApplication::drop(HLBusOutcome outcome) {
+  connection_ = nullptr;
+  if (outcome != HLBusOutcome::silent) return;
+  isSilent_ = true;
+  lastSilence_ = Clock::now();
+}
+
+std::unique_ptr<const HLAccessibleApplication::Interface> HLAccessibleApplication::read() {
+  const std::lock_guard lock(mutex_);
+  HLBus* bus = connection();
+  if (bus == nullptr) return nullptr;
+  auto interface = std::make_unique<Interface>();
+  HLRawTree& tree = interface->tree;
+  std::vector<HLBanner> banners;
+  HLBusOutcome outcome = HLReadTree(*bus, name_, tree);
+  if (outcome == HLBusOutcome::answered) {
+    if (kind_ == HLProcessKind::notificationServer) banners = HLFindBanners(tree);
+    const HLNeededDetails needed = HLDetailsNeeded(tree, banners, kind_);
+    outcome = HLReadDetails(*bus, name_, tree, needed.extentsOf, needed.actionsOf);
+  }
+  if (outcome != HLBusOutcome::answered) {
+    drop(outcome);
+    return nullptr;
+  }
+  isSilent_ = false;
+  interface->presentation = HLPresent(tree, banners, kind_);
+  return interface;
+}
+
+HLAXError HLAccessibleApplication::press(const std::string& path, int action) {
+  const Clock::time_point asked = Clock::now();
+  const std::lock_guard lock(mutex_);
+  if (hasEnded()) return HLAXErrorInvalidElement;
+  // Whoever waited here while another call timed out has waited long enough.
+  if (lastSilence_ > asked) return HLAXErrorCannotComplete;
+  HLBus* bus = connection();
+  if (bus == nullptr) return HLAXErrorCannotComplete;
+  const HLBusReply reply = bus->call({name_, path, "org.a11y.atspi.Action", "DoAction"}, "i", action);
+  if (reply.outcome == HLBusOutcome::silent || reply.outcome == HLBusOutcome::gone) {
+    drop(reply.outcome);
+    return hasEnded() ? HLAXErrorInvalidElement : HLAXErrorCannotComplete;
+  }
+  isSilent_ = false;
+  return errorOf(reply);
+}

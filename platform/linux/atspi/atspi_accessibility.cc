@@ -1,0 +1,327 @@
+#include "platform/linux/atspi/atspi_accessibility.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/atspi/accessible_application.h"
+#include "platform/linux/atspi/atspi_observer.h"
+
+namespace {
+
+constexpr const char* kService = "org.a11y.Bus";
+constexpr const char* kServicePath = "/org/a11y/bus";
+constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
+constexpr const char* kStatus = "org.a11y.Status";
+constexpr const char* kIsEnabled = "IsEnabled";
+// A service that has to be started first takes a while to answer.
+constexpr std::chrono::seconds kStartPatience{3};
+
+class Snapshot;
+
+// The application, and the newest snapshot as long as anybody holds it.
+struct Source {
+  explicit Source(std::unique_ptr<HLAccessibleApplication> connected) : application(std::move(connected)) {}
+
+  std::shared_ptr<const Snapshot> newest() {
+    const std::lock_guard lock(mutex);
+    return newestSnapshot.lock();
+  }
+
+  const std::unique_ptr<HLAccessibleApplication> application;
+  std::mutex mutex;
+  std::weak_ptr<const Snapshot> newestSnapshot;
+};
+
+// A banner and its window may be one node of the application, but are two elements.
+struct Identity {
+  std::string_view path;
+  bool isBanner;
+  bool operator==(const Identity&) const = default;
+};
+
+struct IdentityHash {
+  std::size_t operator()(const Identity& identity) const {
+    return std::hash<std::string_view>()(identity.path) ^ static_cast<std::size_t>(identity.isBanner);
+  }
+};
+
+class Element : public HLElement {
+ public:
+  Element(const Snapshot& snapshot, int index) : snapshot_(snapshot), index_(index) {}
+
+  [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override;
+  [[nodiscard]] std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override;
+  [[nodiscard]] HLActionList copyActionNames() const override;
+  [[nodiscard]] HLAXError performAction(std::string_view action) const override;
+  [[nodiscard]] bool isEqual(const HLElement& other) const override;
+
+ private:
+  // Where the element stands now; nothing when it has gone.
+  struct Place {
+    std::shared_ptr<const Snapshot> keeper;  // where it is not the element's own
+    const Snapshot* snapshot;
+    int index;
+  };
+  [[nodiscard]] std::optional<Place> place() const;
+  [[nodiscard]] static HLAttribute attribute(const Place& place, std::string_view name);
+
+  const Snapshot& snapshot_;  // it owns this element, and every handle owns it
+  const int index_;
+  mutable std::atomic<bool> pressed_ = false;  // it may be gone since
+};
+
+// What an application showed at one moment. Handles of its elements share the ownership of the whole.
+class Snapshot : public std::enable_shared_from_this<Snapshot> {
+ public:
+  Snapshot(std::shared_ptr<Source> source, std::unique_ptr<const HLAccessibleApplication::Interface> interface)
+      : source_(std::move(source)), interface_(std::move(interface)) {
+    const auto count = static_cast<int>(interface_->presentation.nodes.size());
+    for (int i = 0; i < count; ++i) elements_.emplace_back(*this, i);
+  }
+
+  [[nodiscard]] const std::shared_ptr<Source>& source() const { return source_; }
+  [[nodiscard]] const HLPresentedNode& node(int index) const {
+    return interface_->presentation.nodes[static_cast<std::size_t>(index)];
+  }
+  [[nodiscard]] const std::string& pathOf(int raw) const {
+    return interface_->tree[static_cast<std::size_t>(raw)].path;
+  }
+  [[nodiscard]] Identity identity(int index) const { return {pathOf(node(index).raw), node(index).isBanner}; }
+
+  [[nodiscard]] HLElementRef handle(int index) const {
+    return {shared_from_this(), &elements_[static_cast<std::size_t>(index)]};
+  }
+
+  [[nodiscard]] HLArray handles(const std::vector<int>& indices) const {
+    HLArray array;
+    array.reserve(indices.size());
+    for (int index : indices) array.emplace_back(handle(index));
+    return array;
+  }
+
+  [[nodiscard]] HLArray windows() const { return handles(interface_->presentation.windows); }
+
+  [[nodiscard]] std::optional<int> find(const Identity& wanted) const {
+    std::call_once(indexed_, [this] {
+      for (int i = 0; i < static_cast<int>(elements_.size()); ++i) index_.emplace(identity(i), i);
+    });
+    const auto found = index_.find(wanted);
+    if (found == index_.end()) return std::nullopt;
+    return found->second;
+  }
+
+ private:
+  const std::shared_ptr<Source> source_;
+  const std::unique_ptr<const HLAccessibleApplication::Interface> interface_;
+  mutable std::deque<Element> elements_;  // handles are not const, though nothing changes an element
+  mutable std::once_flag indexed_;        // only elements of older snapshots ask
+  mutable std::unordered_map<Identity, int, IdentityHash> index_;
+};
+
+std::shared_ptr<const Snapshot> takeSnapshot(const std::shared_ptr<Source>& source) {
+  std::unique_ptr<const HLAccessibleApplication::Interface> interface = source->application->read();
+  if (interface == nullptr) return nullptr;
+  return std::make_shared<const Snapshot>(source, std::move(interface));
+}
+
+std::optional<Element::Place> Element::place() const {
+  const std::shared_ptr<Source>& source = snapshot_.source();
+  if (source->application->hasEnded()) return std::nullopt;
+  std::shared_ptr<const Snapshot> newest = pressed_ ? takeSnapshot(source) : nullptr;
+  if (newest == nullptr) newest = source->newest();
+  if (newest == nullptr || newest.get() == &snapshot_) return Place{nullptr, &snapshot_, index_};
+  const std::optional<int> index = newest->find(snapshot_.identity(index_));
+  if (!index) return std::nullopt;
+  const Snapshot* snapshot = newest.get();
+  return Place{std::move(newest), snapshot, *index};
+}
+
+HLAttribute Element::attribute(const Place& place, std::string_view name) {
+  const HLPresentedNode& node = place.snapshot->node(place.index);
+  const auto text = [](const std::string& value) {
+    return value.empty() ? HLAttribute{HLAXErrorNoValue, {}} : HLAttribute{HLAXErrorSuccess, value};
+  };
+  if (name == "AXRole") return text(node.role);
+  if (name == "AXSubrole") return text(node.subrole);
+  if (name == "AXTitle") return text(node.title);
+  if (name == "AXDescription") return text(node.description);
+  if (name == "AXValue") return text(node.value);
+  if (name == "AXPosition" && node.frame) return {HLAXErrorSuccess, HLPoint{node.frame->x, node.frame->y}};
+  if (name == "AXSize" && node.frame) return {HLAXErrorSuccess, HLSize{node.frame->width, node.frame->height}};
+  if (name == "AXChildren") return {HLAXErrorSuccess, place.snapshot->handles(node.children)};
+  return {HLAXErrorNoValue, {}};
+}
+
+HLAttribute Element::copyAttributeValue(std::string_view name) const {
+  const std::optional<Place> now = place();
+  return now ? attribute(*now, name) : HLAttribute{HLAXErrorInvalidElement, {}};
+}
+
+std::vector<HLAttribute> Element::copyAttributeValues(std::span<const std::string_view> names) const {
+  const std::optional<Place> now = place();
+  std::vector<HLAttribute> attributes;
+  attributes.reserve(names.size());
+  for (std::string_view name : names) {
+    attributes.push_back(now ? attribute(*now, name) : HLAttribute{HLAXErrorInvalidElement, {}});
+  }
+  return attributes;
+}
+
+HLActionList Element::copyActionNames() const {
+  const std::optional<Place> now = place();
+  if (!now) return {HLAXErrorInvalidElement, {}};
+  HLActionList list;
+  for (const HLPresentedAction& action : now->snapshot->node(now->index).actions) list.names.push_back(action.name);
+  return list;
+}
+
+HLAXError Element::performAction(std::string_view name) const {
+  const std::optional<Place> now = place();
+  if (!now) return HLAXErrorInvalidElement;
+  for (const HLPresentedAction& action : now->snapshot->node(now->index).actions) {
+    if (action.name != name) continue;
+    const HLAXError error = snapshot_.source()->application->press(now->snapshot->pathOf(action.node), action.action);
+    if (error == HLAXErrorSuccess) pressed_ = true;
+    return error;
+  }
+  return HLAXErrorActionUnsupported;
+}
+
+bool Element::isEqual(const HLElement& other) const {
+  const auto* element = dynamic_cast<const Element*>(&other);
+  return element != nullptr &&
+         snapshot_.source()->application->pid() == element->snapshot_.source()->application->pid() &&
+         snapshot_.identity(index_) == element->snapshot_.identity(element->index_);
+}
+
+class ApplicationElement : public HLElement {
+ public:
+  ApplicationElement(std::shared_ptr<Source> source, std::shared_ptr<const Snapshot> first)
+      : source_(std::move(source)), shown_(std::move(first)) {}
+
+  [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override {
+    if (source_->application->hasEnded()) return {HLAXErrorInvalidElement, {}};
+    if (name == "AXRole") return {HLAXErrorSuccess, "AXApplication"};
+    if (name == "AXWindows") return windows();
+    if (name == "AXChildren") return {HLAXErrorSuccess, shown()->windows()};
+    return {HLAXErrorNoValue, {}};
+  }
+
+  [[nodiscard]] HLActionList copyActionNames() const override {
+    return {source_->application->hasEnded() ? HLAXErrorInvalidElement : HLAXErrorSuccess, {}};
+  }
+
+  [[nodiscard]] HLAXError performAction(std::string_view) const override {
+    return source_->application->hasEnded() ? HLAXErrorInvalidElement : HLAXErrorActionUnsupported;
+  }
+
+  [[nodiscard]] bool isEqual(const HLElement& other) const override {
+    const auto* element = dynamic_cast<const ApplicationElement*>(&other);
+    return element != nullptr && source_->application->pid() == element->source_->application->pid();
+  }
+
+  [[nodiscard]] const std::string& busName() const { return source_->application->busName(); }
+
+ private:
+  [[nodiscard]] std::shared_ptr<const Snapshot> shown() const {
+    const std::lock_guard lock(source_->mutex);
+    return shown_;
+  }
+
+  // What the making of this element read, to whoever is first to ask, and asks at once.
+  [[nodiscard]] std::shared_ptr<const Snapshot> justRead() const {
+    constexpr std::chrono::milliseconds kMoment{5};  // a reading may take longer itself
+    const std::lock_guard lock(source_->mutex);
+    const bool isFirst = std::exchange(isUnread_, false);
+    return isFirst && std::chrono::steady_clock::now() - made_ <= kMoment ? shown_ : nullptr;
+  }
+
+  [[nodiscard]] HLAttribute windows() const;
+
+  const std::shared_ptr<Source> source_;
+  const std::chrono::steady_clock::time_point made_ = std::chrono::steady_clock::now();
+  mutable std::shared_ptr<const Snapshot> shown_;  // this and the next under the source's mutex
+  mutable bool isUnread_ = true;
+};
+
+HLAttribute ApplicationElement::windows() const {
+  std::shared_ptr<const Snapshot> taken = justRead();
+  if (taken == nullptr) taken = takeSnapshot(source_);
+  if (taken != nullptr) {
+    const std::lock_guard lock(source_->mutex);
+    shown_ = taken;
+    source_->newestSnapshot = taken;
+    return {HLAXErrorSuccess, taken->windows()};
+  }
+  if (source_->application->hasEnded()) return {HLAXErrorInvalidElement, {}};
+  return {HLAXErrorSuccess, shown()->windows()};
+}
+
+// The address of the session's accessibility bus; "" where there is none.
+std::string sessionBusAddress() {
+  const std::unique_ptr<HLBus> session = HLBus::openSession();
+  return session == nullptr ? "" : HLAccessibilityBusAddress(*session);
+}
+
+// nullptr when the process is not on the bus or does not answer.
+std::shared_ptr<Source> connect(std::int32_t pid, HLRunningApplications& servers) {
+  const std::string address = sessionBusAddress();
+  if (address.empty()) return nullptr;
+  const HLProcessKind kind = servers.find(pid) ? HLProcessKind::notificationServer : HLProcessKind::other;
+  std::unique_ptr<HLAccessibleApplication> application = HLAccessibleApplication::connect(address, pid, kind);
+  return application == nullptr ? nullptr : std::make_shared<Source>(std::move(application));
+}
+
+bool isTrusted() {
+  const std::unique_ptr<HLBus> session = HLBus::openSession();
+  if (session == nullptr) return false;
+  const HLBusReply reply = session->call({kService, kServicePath, kProperties, "Get"}, "ss", kStatus, kIsEnabled);
+  int enabled = 0;
+  if (!reply || sd_bus_message_read(reply.message.get(), "v", "b", &enabled) <= 0 || enabled == 0) return false;
+  const std::string address = HLAccessibilityBusAddress(*session);
+  return !address.empty() && HLBus::openBus(address) != nullptr;
+}
+
+bool switchOn() {
+  const std::unique_ptr<HLBus> session = HLBus::openSession(kStartPatience);
+  if (session == nullptr) return false;
+  (void)session->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "StartServiceByName"},
+                      "su", kService, std::uint32_t{0});
+  return static_cast<bool>(
+      session->call({kService, kServicePath, kProperties, "Set"}, "ssv", kStatus, kIsEnabled, "b", 1));
+}
+
+}  // namespace
+
+bool HLLinuxAccessibility::isProcessTrusted(bool prompt) {
+  if (isTrusted()) return true;
+  // Here the user has nothing to answer: to have asked for access is to want it switched on.
+  return prompt && switchOn() && isTrusted();
+}
+
+HLElementRef HLLinuxAccessibility::createApplication(std::int32_t pid) {
+  std::shared_ptr<Source> source = connect(pid, servers_);
+  std::shared_ptr<const Snapshot> first = source == nullptr ? nullptr : takeSnapshot(source);
+  if (first == nullptr) return nullptr;
+  source->newestSnapshot = first;
+  return std::make_shared<ApplicationElement>(std::move(source), std::move(first));
+}
+
+std::unique_ptr<HLObserver> HLLinuxAccessibility::createObserver(std::int32_t pid, HLObserverCallback callback) {
+  const HLElementRef application = createApplication(pid);
+  const auto* element = dynamic_cast<const ApplicationElement*>(application.get());
+  if (element == nullptr) return nullptr;
+  std::unique_ptr<HLBus> events = HLWatchAccessibilityEvents(sessionBusAddress(), element->busName());
+  if (events == nullptr) return nullptr;
+  return std::make_unique<HLLinuxObserver>(runLoop_, std::move(events), application, std::move(callback));
+}

@@ -1,0 +1,351 @@
+#include "platform/linux/atspi/tree_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
+constexpr const char* kAction = "org.a11y.atspi.Action";
+constexpr const char* kComponent = "org.a11y.atspi.Component";
+constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
+
+// The engine looks at so many elements of a window; a walk reads no more of one, and of three such windows in all.
+constexpr int kWindowLimit = 1400;
+constexpr int kWalkLimit = 3 * kWindowLimit;
+// Below an element that is hidden, so many levels are read: some close buttons are there, but appear only under the
+// pointer.
+constexpr int kHiddenLevels = 2;
+// More calls under way at once make nothing faster.
+constexpr std::size_t kCallsUnderWay = 48;
+
+// An application may answer each call just before it would be given up; the whole of them is given up after that.
+constexpr std::chrono::seconds kWalkPatience{5};
+
+constexpr std::uint32_t kScreenCoordinates = 0;
+constexpr std::int32_t kOffScreen = std::numeric_limits<std::int32_t>::min();
+
+std::string readText(sd_bus_message* message) {
+  const char* text = nullptr;
+  return sd_bus_message_read_basic(message, 's', &text) > 0 ? std::string(text) : std::string();
+}
+
+std::string readPropertyText(sd_bus_message* message) {
+  const char* text = nullptr;
+  return sd_bus_message_read(message, "v", "s", &text) > 0 ? std::string(text) : std::string();
+}
+
+std::uint64_t readStates(sd_bus_message* message) {
+  const void* words = nullptr;
+  std::size_t size = 0;
+  if (sd_bus_message_read_array(message, 'u', &words, &size) < 0 || size < 2 * sizeof(std::uint32_t)) return 0;
+  const auto* halves = static_cast<const std::uint32_t*>(words);
+  return halves[0] | static_cast<std::uint64_t>(halves[1]) << 32;
+}
+
+struct Reference {
+  std::string_view application;
+  std::string_view path;
+};
+
+// Points into the message.
+bool readReference(sd_bus_message* message, Reference& reference) {
+  const char* application = nullptr;
+  const char* path = nullptr;
+  if (sd_bus_message_read(message, "(so)", &application, &path) <= 0) return false;
+  reference = {application, path};
+  return true;
+}
+
+std::optional<HLRect> readExtents(sd_bus_message* message) {
+  std::int32_t x = 0;
+  std::int32_t y = 0;
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  if (sd_bus_message_read(message, "(iiii)", &x, &y, &width, &height) <= 0) return std::nullopt;
+  if (x == kOffScreen || y == kOffScreen) return std::nullopt;
+  return HLRect{static_cast<double>(x), static_cast<double>(y), static_cast<double>(width),
+                static_cast<double>(height)};
+}
+
+std::vector<std::string> readActions(sd_bus_message* message) {
+  std::vector<std::string> names;
+  if (sd_bus_message_enter_container(message, 'a', "(sss)") <= 0) return names;
+  const char* name = nullptr;
+  const char* description = nullptr;
+  const char* keys = nullptr;
+  while (sd_bus_message_read(message, "(sss)", &name, &description, &keys) > 0) names.emplace_back(name);
+  return names;
+}
+
+// Roles that only arrange, show or hold text. Asking them for actions costs a round trip each and brings none.
+bool isPassiveRole(std::uint32_t role) {
+  static constexpr std::array kPassive = {
+      HLRawRole::kFiller, HLRawRole::kImage,      HLRawRole::kLabel,        HLRawRole::kLayeredPane,
+      HLRawRole::kPanel,  HLRawRole::kScrollPane, HLRawRole::kSeparator,    HLRawRole::kSplitPane,
+      HLRawRole::kStatic, HLRawRole::kViewport,   HLRawRole::kFrame,        HLRawRole::kWindow,
+      HLRawRole::kDialog, HLRawRole::kAlert,      HLRawRole::kNotification, HLRawRole::kProgressBar};
+  return std::find(kPassive.begin(), kPassive.end(), role) != kPassive.end();
+}
+
+// Passive roles whose names and descriptions nobody sees.
+bool isContainerRole(std::uint32_t role) {
+  static constexpr std::array kContainers = {HLRawRole::kFiller,     HLRawRole::kLayeredPane, HLRawRole::kPanel,
+                                             HLRawRole::kScrollPane, HLRawRole::kSeparator,   HLRawRole::kSplitPane,
+                                             HLRawRole::kViewport};
+  return std::find(kContainers.begin(), kContainers.end(), role) != kContainers.end();
+}
+
+// Roles whose name is the text that they show, and all that they say.
+bool isTextRole(std::uint32_t role) { return role == HLRawRole::kLabel || role == HLRawRole::kStatic; }
+
+// Roles of which no toolkit puts anything below that could be acted on.
+bool isLeafRole(std::uint32_t role) {
+  static constexpr std::array kLeaves = {HLRawRole::kLabel, HLRawRole::kStatic,      HLRawRole::kIcon,
+                                         HLRawRole::kImage, HLRawRole::kCheckBox,    HLRawRole::kRadioButton,
+                                         HLRawRole::kEntry, HLRawRole::kProgressBar, HLRawRole::kSeparator};
+  return std::find(kLeaves.begin(), kLeaves.end(), role) != kLeaves.end();
+}
+
+// One element of the application's own cache.
+struct CacheItem {
+  HLRawNode node;
+  std::string_view parent;
+  std::int32_t index = -1;
+  std::int32_t childCount = 0;
+};
+
+constexpr const char* kItemsSignature = "a((so)(so)(so)iiassusau)";
+
+bool readItem(sd_bus_message* message, CacheItem& item) {
+  Reference self;
+  Reference application;
+  Reference parent;
+  if (sd_bus_message_enter_container(message, 'r', "(so)(so)(so)iiassusau") <= 0) return false;
+  if (!readReference(message, self) || !readReference(message, application) || !readReference(message, parent))
+    return false;
+  item.node.path = self.path;
+  item.parent = parent.path;
+  if (sd_bus_message_read(message, "ii", &item.index, &item.childCount) <= 0) return false;
+  if (sd_bus_message_enter_container(message, 'a', "s") <= 0) return false;
+  const char* interface = nullptr;
+  while (sd_bus_message_read_basic(message, 's', &interface) > 0) {
+    item.node.hasActions |= std::string_view(interface) == kAction;
+    item.node.hasExtents |= std::string_view(interface) == kComponent;
+  }
+  if (sd_bus_message_exit_container(message) < 0) return false;
+  item.node.name = readText(message);
+  if (sd_bus_message_read_basic(message, 'u', &item.node.role) <= 0) return false;
+  item.node.description = readText(message);
+  item.node.states = readStates(message);
+  return sd_bus_message_exit_container(message) >= 0;
+}
+
+class Walk {
+ public:
+  Walk(HLBus& bus, const std::string& application, HLRawTree& tree)
+      : bus_(bus), application_(application), tree_(tree) {
+    if (tree_.empty()) add(-1, HLAccessibleRootPath);
+    tree_.front().role = HLRawRole::kApplication;
+  }
+
+  // Takes what the application's cache holds. Elements that came up a moment ago may not be in it yet: run() asks for
+  // them.
+  void adopt(std::vector<CacheItem>& items);
+
+  // Reads what is still unknown: everything, where nothing was adopted.
+  HLBusOutcome run(bool adopted) {
+    if (!adopted) partial_.push_back(0);
+    for (int index : partial_) askForChildren(index);
+    const auto deadline = std::chrono::steady_clock::now() + kWalkPatience;
+    while (std::chrono::steady_clock::now() < deadline) {
+      const bool more = next_ < toRead_.size();
+      if (more) ask(toRead_[next_++]);
+      const HLBusOutcome outcome = bus_.settle(more ? kCallsUnderWay : 0);
+      if (outcome != HLBusOutcome::answered || (!more && next_ == toRead_.size())) return outcome;
+    }
+    return HLBusOutcome::silent;
+  }
+
+ private:
+  int add(int parent, std::string_view path);
+  HLRawNode& node(int index) { return tree_[static_cast<std::size_t>(index)]; }
+  const std::string& pathOf(int index) { return node(index).path; }
+  void ask(int index);
+  void askForMore(int index);
+  void askForChildren(int index);
+  void takeChildren(int parent, sd_bus_message* message);
+  bool wantsChildren(int index);
+
+  HLBus& bus_;
+  const std::string& application_;
+  HLRawTree& tree_;
+  std::vector<int> partial_;  // known but for some or all of their children
+  std::vector<int> toRead_;
+  std::size_t next_ = 0;
+  std::unordered_set<std::string> known_;
+  std::vector<int> window_;             // of each node: the child of the application that it lies in
+  std::unordered_map<int, int> sizes_;  // of each window
+  std::vector<int> hiddenLevel_;
+};
+
+int Walk::add(int parent, std::string_view path) {
+  const int index = static_cast<int>(tree_.size());
+  HLRawNode& node = tree_.emplace_back();
+  node.path = path;
+  node.parent = parent;
+  if (parent >= 0) tree_[static_cast<std::size_t>(parent)].children.push_back(index);
+  known_.emplace(path);
+  const int window = parent <= 0 ? index : window_[static_cast<std::size_t>(parent)];
+  window_.push_back(window);
+  ++sizes_[window];
+  hiddenLevel_.push_back(0);
+  return index;
+}
+
+// Also counts how deep below something hidden the node lies.
+bool Walk::wantsChildren(int index) {
+  const auto at = static_cast<std::size_t>(index);
+  const HLRawNode& node = tree_[at];
+  if (index == 0) return true;
+  const bool isWindow = node.parent == 0;
+  hiddenLevel_[at] = node.isShowing() ? 0 : hiddenLevel_[static_cast<std::size_t>(node.parent)] + 1;
+  if (isWindow && !node.isShowing()) return false;
+  return hiddenLevel_[at] < kHiddenLevels && (node.states & HLRawState::kManagesDescendants) == 0;
+}
+
+void Walk::adopt(std::vector<CacheItem>& items) {
+  std::unordered_map<std::string_view, std::vector<CacheItem*>> childrenOf;
+  std::vector<std::int32_t> childCount = {0};
+  for (CacheItem& item : items) {
+    if (item.node.path == HLAccessibleRootPath) {
+      childCount.front() = item.childCount;
+    } else {
+      childrenOf[item.parent].push_back(&item);
+    }
+  }
+  for (std::size_t at = 0; at < tree_.size(); ++at) {
+    const int index = static_cast<int>(at);
+    if (!wantsChildren(index)) continue;
+    std::vector<CacheItem*>& children = childrenOf[tree_[at].path];
+    std::stable_sort(children.begin(), children.end(),
+                     [](const CacheItem* a, const CacheItem* b) { return a->index < b->index; });
+    for (CacheItem* child : children) {
+      if (known_.contains(child->node.path)) continue;
+      HLRawNode& node = tree_[static_cast<std::size_t>(add(index, child->node.path))];
+      child->node.parent = index;
+      node = child->node;
+      childCount.push_back(child->childCount);
+    }
+    if (children.size() < static_cast<std::size_t>(std::max(0, childCount[at]))) partial_.push_back(index);
+  }
+}
+
+// Role and state first, since they tell what else is worth a round trip.
+void Walk::ask(int index) {
+  const std::string path = pathOf(index);
+  bus_.start({application_, path, kAccessible, "GetRole"}, [this, index](const HLBusReply& reply) {
+    if (reply) sd_bus_message_read_basic(reply.message.get(), 'u', &node(index).role);
+  });
+  bus_.start({application_, path, kAccessible, "GetState"}, [this, index](const HLBusReply& reply) {
+    if (!reply) return;  // it has vanished
+    node(index).states = readStates(reply.message.get());
+    askForMore(index);
+  });
+}
+
+void Walk::askForMore(int index) {
+  HLRawNode& known = node(index);
+  known.hasExtents = true;
+  known.hasActions = !isPassiveRole(known.role);
+  const HLBusCall property{application_, known.path, kProperties, "Get"};
+  if (!isContainerRole(known.role)) {
+    const auto take = [this, index](const HLBusReply& reply) {
+      if (reply) node(index).name = readPropertyText(reply.message.get());
+    };
+    bus_.start(property, take, "ss", kAccessible, "Name");
+  }
+  if (!isContainerRole(known.role) && !isTextRole(known.role)) {
+    const auto take = [this, index](const HLBusReply& reply) {
+      if (reply) node(index).description = readPropertyText(reply.message.get());
+    };
+    bus_.start(property, take, "ss", kAccessible, "Description");
+  }
+  if (wantsChildren(index) && !isLeafRole(known.role)) askForChildren(index);
+}
+
+void Walk::askForChildren(int index) {
+  const HLBusCall call{application_, pathOf(index), kAccessible, "GetChildren"};
+  bus_.start(call, [this, index](const HLBusReply& reply) {
+    if (reply) takeChildren(index, reply.message.get());
+  });
+}
+
+void Walk::takeChildren(int parent, sd_bus_message* message) {
+  if (sd_bus_message_enter_container(message, 'a', "(so)") <= 0) return;
+  Reference child;
+  while (readReference(message, child)) {
+    // Another application's elements may be plugged in here; they are not this one's to close.
+    const bool own = child.application.empty() || child.application == application_;
+    const int window = window_[static_cast<std::size_t>(parent)];
+    const bool full = static_cast<int>(tree_.size()) >= kWalkLimit || (parent != 0 && sizes_[window] >= kWindowLimit);
+    if (!own || full || known_.contains(std::string(child.path))) continue;
+    toRead_.push_back(add(parent, child.path));
+  }
+}
+
+// Nothing when the application keeps no cache, or none that can be read.
+std::vector<CacheItem> readCache(const HLBusReply& reply) {
+  std::vector<CacheItem> items;
+  sd_bus_message* message = reply.message.get();
+  const char* signature = sd_bus_message_get_signature(message, 1);
+  if (signature == nullptr || std::string_view(signature) != kItemsSignature) return items;
+  if (sd_bus_message_enter_container(message, 'a', kItemsSignature + 1) <= 0) return items;
+  CacheItem item;
+  while (readItem(message, item)) {
+    items.push_back(std::move(item));
+    item = CacheItem();
+  }
+  return items;
+}
+
+}  // namespace
+
+HLBusOutcome HLReadTree(HLBus& bus, const std::string& application, HLRawTree& tree) {
+  tree.clear();
+  const HLBusReply reply = bus.call({application, "/org/a11y/atspi/cache", "org.a11y.atspi.Cache", "GetItems"});
+  if (reply.outcome == HLBusOutcome::gone || reply.outcome == HLBusOutcome::silent) return reply.outcome;
+  std::vector<CacheItem> items = reply ? readCache(reply) : std::vector<CacheItem>();
+  Walk walk(bus, application, tree);
+  if (!items.empty()) walk.adopt(items);
+  return walk.run(!items.empty());
+}
+
+HLBusOutcome HLReadDetails(HLBus& bus, const std::string& application, HLRawTree& tree,
+                           const std::vector<int>& extentsOf, const std::vector<int>& actionsOf) {
+  for (int index : extentsOf) {
+    HLRawNode& node = tree[static_cast<std::size_t>(index)];
+    bus.start(
+        {application, node.path, kComponent, "GetExtents"},
+        [&node](const HLBusReply& reply) {
+          if (reply) node.extents = readExtents(reply.message.get());
+        },
+        "u", kScreenCoordinates);
+    if (const HLBusOutcome outcome = bus.settle(kCallsUnderWay); outcome != HLBusOutcome::answered) return outcome;
+  }
+  for (int index : actionsOf) {
+    HLRawNode& node = tree[static_cast<std::size_t>(index)];
+    bus.start({application, node.path, kAction, "GetActions"}, [&node](const HLBusReply& reply) {
+      if (reply) node.actions = readActions(reply.message.get());
+    });
+    if (const HLBusOutcome outcome = bus.settle(kCallsUnderWay); outcome != HLBusOutcome::answered) return outcome;
+  }
+  return bus.settle(0);
+}

@@ -1,0 +1,31 @@
+// A Linux desktop, gathered.
+#pragma once
+
+#include "platform/linux/atspi/atspi_accessibility.h"
+#include "platform/linux/files/linux_property_lists.h"
+#include "platform/linux/linux_menu_bar.h"
+#include "platform/linux/session/linux_process_info.h"
+#include "platform/linux/session/linux_run_loop.h"
+#include "platform/linux/session/linux_running_applications.h"
+#include "platform/linux/session/linux_user_notifications.h"
+#include "platform/platform.h"
+
+class HLLinuxHost : public HLHost {
+ public:
+  HLLinuxHost(int argc, char** argv) : process_(argc, argv) {}
+
+  [[nodiscard]] const HLPlatform& platform() const override { return platform_; }
+
+ private:
+  HLLinuxRunLoop runLoop_;
+  HLLinuxRunningApplications runningApplications_{runLoop_};
+  HLLinuxAccessibility accessibility_{runningApplications_, runLoop_};
+  HLLinuxProcessInfo process_;
+  HLLinuxPropertyLists propertyLists_;
+  HLLinuxUserNotifications userNotifications_;
+  HLLinuxMenuBar menuBar_{process_, runLoop_};
+  const HLPlatform platform_{
+      accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, [this] {
+        return menuBar_.platform();
+      }};
+};

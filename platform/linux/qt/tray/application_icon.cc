@@ -1,0 +1,48 @@
+#include "platform/linux/qt/tray/application_icon.h"
+
+#include <QColor>
+#include <QLinearGradient>
+#include <QPainter>
+#include <QPen>
+#include <QPixmap>
+
+#include "platform/linux/qt/tray/tray_picture.h"
+
+namespace {
+
+constexpr int kSizes[] = {16, 24, 32, 48, 64, 128};
+constexpr double kGrid = 128;
+
+QLinearGradient downwards(double top, double bottom, const QColor& first, const QColor& last) {
+  QLinearGradient gradient(0, top, 0, bottom);
+  gradient.setColorAt(0, first);
+  gradient.setColorAt(1, last);
+  return gradient;
+}
+
+}  // namespace
+
+QImage HLDrawApplicationIcon(int size) {
+  QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.scale(size / kGrid, size / kGrid);
+  painter.setPen(QPen(QColor(255, 255, 255, 46), 1));
+  painter.setBrush(downwards(8, 120, QColor(0x4B, 0x5F, 0xC4), QColor(0x27, 0x30, 0x6E)));
+  painter.drawRoundedRect(QRectF(8.5, 8.5, 111, 111), 25.5, 25.5);
+
+  painter.translate(26, 23.5);
+  painter.scale(4.75, 4.75);  // to the symbol's grid
+  painter.fillPath(HLTraySymbol("bell.slash"),
+                   downwards(0.9, 15.4, QColor(0xFF, 0xFF, 0xFF), QColor(0xD5, 0xDC, 0xF7)));
+  painter.setPen(QPen(QColor(0xFF, 0xB4, 0x54), 1.6, Qt::SolidLine, Qt::RoundCap));
+  painter.drawLine(QPointF(1.5, 2), QPointF(14.5, 15));
+  return image;
+}
+
+QIcon HLApplicationIcon() {
+  QIcon icon;
+  for (int size : kSizes) icon.addPixmap(QPixmap::fromImage(HLDrawApplicationIcon(size)));
+  return icon;
+}

@@ -1,0 +1,152 @@
+#include "platform/linux/qt/tray/status_notifier.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QGuiApplication>
+#include <QTimer>
+#include <QtEndian>
+#include <utility>
+
+#include "platform/application/events.h"
+#include "platform/linux/qt/window/key_monitor.h"
+
+namespace {
+
+constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
+constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
+constexpr const char* kItemPath = "/StatusNotifierItem";
+constexpr int kSizes[] = {16, 22, 24, 32, 44, 48, 64};
+
+HLNotifierPicture pictureOf(QImage image) {
+  image.convertTo(QImage::Format_ARGB32);
+  HLNotifierPicture picture{image.width(), image.height(), QByteArray(image.sizeInBytes(), Qt::Uninitialized)};
+  qToBigEndian<quint32>(image.constBits(), image.sizeInBytes() / 4, picture.pixels.data());
+  return picture;
+}
+
+}  // namespace
+
+QDBusArgument& operator<<(QDBusArgument& argument, const HLNotifierPicture& picture) {
+  argument.beginStructure();
+  argument << picture.width << picture.height << picture.pixels;
+  argument.endStructure();
+  return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, HLNotifierPicture& picture) {
+  argument.beginStructure();
+  argument >> picture.width >> picture.height >> picture.pixels;
+  argument.endStructure();
+  return argument;
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const HLNotifierToolTip& toolTip) {
+  argument.beginStructure();
+  argument << toolTip.icon << toolTip.pictures << toolTip.title << toolTip.text;
+  argument.endStructure();
+  return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, HLNotifierToolTip& toolTip) {
+  argument.beginStructure();
+  argument >> toolTip.icon >> toolTip.pictures >> toolTip.title >> toolTip.text;
+  argument.endStructure();
+  return argument;
+}
+
+HLStatusNotifier::HLStatusNotifier(const HLTrayItem& item)
+    : item_(item),
+      service_(QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QGuiApplication::applicationPid())),
+      watcher_(kWatcher, QDBusConnection::sessionBus()) {
+  qDBusRegisterMetaType<HLNotifierPicture>();
+  qDBusRegisterMetaType<QList<HLNotifierPicture>>();
+  qDBusRegisterMetaType<HLNotifierToolTip>();
+  new HLStatusNotifierAdaptor(this);  // NOLINT: this owns it
+  QDBusConnection bus = QDBusConnection::sessionBus();
+  bus.registerObject(kItemPath, this);
+  connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &HLStatusNotifier::askWatcher);
+  connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this, &HLStatusNotifier::withdraw);
+  bus.connect(kWatcher, kWatcherPath, kWatcher, "StatusNotifierHostRegistered", this, SLOT(askWatcher()));
+}
+
+void HLStatusNotifier::setWanted(bool wanted) {
+  if (std::exchange(wanted_, wanted) == wanted) return;
+  if (wanted) {
+    askWatcher();
+  } else {
+    withdraw();
+  }
+}
+
+// A watcher without a tray behind it keeps what is registered for one that may never come.
+void HLStatusNotifier::askWatcher() {
+  if (!wanted_) return;
+  QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, "org.freedesktop.DBus.Properties", "Get");
+  call << kWatcher << "IsStatusNotifierHostRegistered";
+  call.setAutoStartService(false);
+  auto* pending = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+  connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
+    const QDBusPendingReply<QDBusVariant> reply = *pending;
+    pending->deleteLater();
+    if (!reply.isError() && reply.value().variant().toBool()) registerItem();
+  });
+}
+
+void HLStatusNotifier::registerItem() {
+  if (!wanted_) return;
+  QDBusConnection bus = QDBusConnection::sessionBus();
+  bus.registerService(service_);
+  QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, kWatcher, "RegisterStatusNotifierItem");
+  call << service_;
+  call.setAutoStartService(false);
+  ++unanswered_;
+  auto* pending = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+  connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
+    pending->deleteLater();
+    --unanswered_;
+    if (!wanted_) withdraw();
+  });
+}
+
+// Watchers forget an item when its name is gone. They look out for that from the moment they answer: a name that goes
+// earlier would leave a dead item in the tray.
+void HLStatusNotifier::withdraw() {
+  if (unanswered_ == 0) QDBusConnection::sessionBus().unregisterService(service_);
+}
+
+void HLStatusNotifier::redraw() {
+  const auto* adaptor = findChild<HLStatusNotifierAdaptor*>();
+  Q_EMIT const_cast<HLStatusNotifierAdaptor*>(adaptor)->NewIcon();
+}
+
+void HLStatusNotifier::click(std::int64_t type, QPoint place) {
+  // The call does not say which keys are down; the keyboard is asked while they still are. The action comes after the
+  // answer, for it may open a menu, and the tray would wait for that to close.
+  const HLTrayClick click{type, HLQtModifiers(QGuiApplication::queryKeyboardModifiers()), QRect(place, QSize())};
+  QTimer::singleShot(0, this, [this, click] { item_.clicked(click); });
+}
+
+QList<HLNotifierPicture> HLStatusNotifierAdaptor::iconPixmap() const {
+  QList<HLNotifierPicture> pictures;
+  for (int size : kSizes) pictures.append(pictureOf(owner_->item_.draw(size, HLTrayLightColor)));
+  return pictures;
+}
+
+HLNotifierToolTip HLStatusNotifierAdaptor::toolTip() const {
+  HLNotifierToolTip toolTip;
+  toolTip.title = owner_->item_.toolTip;
+  return toolTip;
+}
+
+void HLStatusNotifierAdaptor::Activate(int x, int y) { owner_->click(HLEventLeftMouseUp, {x, y}); }
+
+void HLStatusNotifierAdaptor::SecondaryActivate(int, int) {}  // the middle button, which does nothing
+
+void HLStatusNotifierAdaptor::ContextMenu(int x, int y) { owner_->click(HLEventRightMouseUp, {x, y}); }
+
+void HLStatusNotifierAdaptor::Scroll(int, const QString&) {}

@@ -1,0 +1,111 @@
+// The item on the session's bus, for trays that draw it themselves (StatusNotifierItem).
+#pragma once
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusObjectPath>
+#include <QDBusServiceWatcher>
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QPoint>
+#include <QString>
+
+#include "platform/linux/qt/tray/status_notifier_menu.h"
+#include "platform/linux/qt/tray/tray.h"
+
+// A picture as the bus carries it: rows of 32-bit pixels, alpha first.
+struct HLNotifierPicture {
+  int width = 0;
+  int height = 0;
+  QByteArray pixels;
+};
+struct HLNotifierToolTip {
+  QString icon;
+  QList<HLNotifierPicture> pictures;
+  QString title;
+  QString text;
+};
+Q_DECLARE_METATYPE(HLNotifierPicture)
+Q_DECLARE_METATYPE(HLNotifierToolTip)
+
+// While it is wanted, registers itself with each watcher that comes and has a tray behind it. Main thread.
+class HLStatusNotifier : public QObject {
+  Q_OBJECT
+
+ public:
+  // The item stays the caller's.
+  explicit HLStatusNotifier(const HLTrayItem& item);
+
+  void setWanted(bool wanted);
+  void redraw();
+
+ private Q_SLOTS:
+  void askWatcher();
+
+ private:
+  friend class HLStatusNotifierAdaptor;
+
+  void registerItem();
+  void withdraw();
+  void click(std::int64_t type, QPoint place);
+
+  const HLTrayItem& item_;
+  const QString service_;
+  QDBusServiceWatcher watcher_;
+  bool wanted_ = false;
+  int unanswered_ = 0;  // registrations on their way
+};
+
+class HLStatusNotifierAdaptor : public QDBusAbstractAdaptor {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
+  Q_PROPERTY(QString Category READ category)
+  Q_PROPERTY(QString Id READ id)
+  Q_PROPERTY(QString Title READ title)
+  Q_PROPERTY(QString Status READ status)
+  Q_PROPERTY(int WindowId READ windowId)
+  Q_PROPERTY(QString IconName READ noText)
+  Q_PROPERTY(QList<HLNotifierPicture> IconPixmap READ iconPixmap)
+  Q_PROPERTY(QString OverlayIconName READ noText)
+  Q_PROPERTY(QList<HLNotifierPicture> OverlayIconPixmap READ noPictures)
+  Q_PROPERTY(QString AttentionIconName READ noText)
+  Q_PROPERTY(QList<HLNotifierPicture> AttentionIconPixmap READ noPictures)
+  Q_PROPERTY(QString AttentionMovieName READ noText)
+  Q_PROPERTY(QString IconAccessibleDesc READ title)
+  Q_PROPERTY(HLNotifierToolTip ToolTip READ toolTip)
+  Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
+  Q_PROPERTY(QDBusObjectPath Menu READ menu)
+
+ public:
+  explicit HLStatusNotifierAdaptor(HLStatusNotifier* owner) : QDBusAbstractAdaptor(owner), owner_(owner) {}
+
+  [[nodiscard]] static QString category() { return QStringLiteral("ApplicationStatus"); }
+  [[nodiscard]] QString id() const { return owner_->item_.identifier; }
+  [[nodiscard]] QString title() const { return owner_->item_.displayName; }
+  [[nodiscard]] static QString status() { return QStringLiteral("Active"); }
+  [[nodiscard]] static int windowId() { return 0; }
+  [[nodiscard]] static QString noText() { return {}; }
+  [[nodiscard]] static QList<HLNotifierPicture> noPictures() { return {}; }
+  [[nodiscard]] QList<HLNotifierPicture> iconPixmap() const;
+  [[nodiscard]] HLNotifierToolTip toolTip() const;
+  [[nodiscard]] static bool itemIsMenu() { return false; }
+  // For trays that draw it themselves. Others ask for it by ContextMenu, and there the click can be told.
+  [[nodiscard]] static QDBusObjectPath menu() { return QDBusObjectPath(HLStatusNotifierMenuPath); }
+
+ public Q_SLOTS:
+  void Activate(int x, int y);
+  void SecondaryActivate(int x, int y);
+  void ContextMenu(int x, int y);
+  void Scroll(int delta, const QString& orientation);
+
+ Q_SIGNALS:
+  void NewTitle();
+  void NewIcon();
+  void NewAttentionIcon();
+  void NewOverlayIcon();
+  void NewToolTip();
+  void NewStatus(const QString& status);
+
+ private:
+  HLStatusNotifier* owner_;
+};

@@ -1,0 +1,176 @@
+#include "platform/linux/qt/tray/tray_picture.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QPainter>
+#include <QPainterPathStroker>
+#include <QPen>
+#include <QRegularExpression>
+#include <QString>
+#include <QTransform>
+#include <algorithm>
+
+namespace {
+
+constexpr double kGrid = 16;
+constexpr double kContourWidth = 1.0;  // in pixels, on each side
+constexpr int kContourStrength = 120;
+constexpr double kGap = 1.1;         // between a number and the symbol behind it, on the grid
+constexpr double kNumberHeight = 9;  // of a digit, on the grid
+const QRegularExpression kSecondLine("[ …]");
+
+QPainterPath stroked(const QPainterPath& path, double width) {
+  QPainterPathStroker stroker;
+  stroker.setWidth(width);
+  stroker.setCapStyle(Qt::RoundCap);
+  stroker.setJoinStyle(Qt::RoundJoin);
+  return stroker.createStroke(path);
+}
+
+QPainterPath bell() {
+  QPainterPath body;
+  body.moveTo(8, 0.9);
+  body.cubicTo(8.7, 0.9, 9.2, 1.4, 9.2, 2.1);
+  body.cubicTo(11.2, 2.6, 12.5, 4.2, 12.5, 6.4);
+  body.cubicTo(12.5, 9.3, 13.1, 10.2, 14.2, 11.3);
+  body.cubicTo(14.6, 11.8, 14.3, 12.6, 13.6, 12.6);
+  body.lineTo(2.4, 12.6);
+  body.cubicTo(1.7, 12.6, 1.4, 11.8, 1.8, 11.3);
+  body.cubicTo(2.9, 10.2, 3.5, 9.3, 3.5, 6.4);
+  body.cubicTo(3.5, 4.2, 4.8, 2.6, 6.8, 2.1);
+  body.cubicTo(6.8, 1.4, 7.3, 0.9, 8, 0.9);
+  body.closeSubpath();
+  QPainterPath clapper;
+  clapper.moveTo(5.9, 13.5);
+  clapper.lineTo(10.1, 13.5);
+  clapper.cubicTo(9.9, 14.8, 9, 15.4, 8, 15.4);
+  clapper.cubicTo(7, 15.4, 6.1, 14.8, 5.9, 13.5);
+  clapper.closeSubpath();
+  body.addPath(clapper);
+  return body;
+}
+
+QPainterPath line(QPointF from, QPointF to) {
+  QPainterPath path(from);
+  path.lineTo(to);
+  return path;
+}
+
+QPainterPath corners() {
+  QPainterPath path;
+  path.moveTo(8, 2.2);
+  path.lineTo(14.6, 13.8);
+  path.lineTo(1.4, 13.8);
+  path.closeSubpath();
+  return path;
+}
+
+// Paths are joined and cut as polygons of steps that are small at this scale only.
+const QTransform kLarge = QTransform::fromScale(16, 16);
+
+QPainterPath joined(const QPainterPath& a, const QPainterPath& b) {
+  return kLarge.inverted().map(kLarge.map(a).united(kLarge.map(b)));
+}
+
+QPainterPath cut(const QPainterPath& a, const QPainterPath& b) {
+  return kLarge.inverted().map(kLarge.map(a).subtracted(kLarge.map(b)));
+}
+
+QPainterPath bellSlash() {
+  const QPainterPath slash = line({1.5, 2}, {14.5, 15});
+  return joined(cut(bell(), stroked(slash, 3.8)), stroked(slash, 1.6));
+}
+
+QPainterPath triangle() {
+  QPainterPath dot;
+  dot.addEllipse(QPointF(8, 12.4), 1.1, 1.1);
+  return cut(cut(joined(corners(), stroked(corners(), 2)), stroked(line({8, 6}, {8, 9.6}), 1.9)), dot);
+}
+
+QPainterPath textPath(const QString& text) {
+  QFont font = QApplication::font();
+  font.setWeight(QFont::Bold);
+  font.setPixelSize(64);
+  QPainterPath path;
+  path.addText(0, 0, font, text);
+  return path;
+}
+
+// As large as fits the box, its height that of the reference, so that "…" stays on its line.
+QPainterPath fitted(const QPainterPath& path, const QRectF& reference, const QRectF& box) {
+  const QRectF bounds =
+      path.boundingRect().united(QRectF(path.boundingRect().left(), reference.top(), 0.1, reference.height()));
+  const double scale = std::min(box.width() / bounds.width(), box.height() / bounds.height());
+  QTransform transform;
+  transform.translate(box.center().x(), box.center().y());
+  transform.scale(scale, scale);
+  transform.translate(-bounds.center().x(), -bounds.center().y());
+  return transform.map(path);
+}
+
+// A word in one line; a number or an ellipsis behind it in a second one.
+QPainterPath titlePath(const QString& title) {
+  const QRectF capital = textPath("H").boundingRect();
+  const qsizetype second = title.indexOf(kSecondLine);
+  if (second < 0) return fitted(textPath(title), capital, QRectF(0.5, 3, 15, 10));
+  QPainterPath path = fitted(textPath(title.left(second)), capital, QRectF(1, 0.6, 14, 7));
+  path.addPath(fitted(textPath(title.mid(second).trimmed()), capital, QRectF(1, 8.4, 14, 7)));
+  return path;
+}
+
+// The number in the lower right corner, before the symbol.
+QPainterPath withNumber(const QPainterPath& symbol, const QString& number) {
+  const QPainterPath digits = textPath(number);
+  const QRectF bounds = digits.boundingRect();
+  const double scale = std::min(kNumberHeight / bounds.height(), kGrid / bounds.width());
+  QTransform corner;
+  corner.translate(kGrid - bounds.right() * scale, kGrid - bounds.bottom() * scale);
+  corner.scale(scale, scale);
+  const QPainterPath placed = corner.map(digits);
+  QTransform smaller;
+  smaller.scale(0.72, 0.72);
+  QPainterPath path = cut(smaller.map(symbol), joined(placed, stroked(placed, 2 * kGap)));
+  path.addPath(placed);
+  return path;
+}
+
+QPainterPath pathOf(const HLTrayLook& look) {
+  const QPainterPath symbol = HLTraySymbol(look.symbol);
+  const QString title = QString::fromStdString(look.title).trimmed();
+  if (title.isEmpty()) return symbol;
+  return symbol.isEmpty() ? titlePath(title) : withNumber(symbol, title);
+}
+
+}  // namespace
+
+QPainterPath HLTraySymbol(const std::string& name) {
+  static const QPainterPath bellSlashPath = bellSlash();
+  static const QPainterPath trianglePath = triangle();
+  if (name == "bell.slash") return bellSlashPath;
+  if (name == "exclamationmark.triangle") return trianglePath;
+  return {};
+}
+
+QPainterPath HLTraySymbolBody(const std::string& name) {
+  if (name == "bell.slash") return bell();
+  if (name == "exclamationmark.triangle") return corners();
+  return {};
+}
+
+QImage HLDrawTrayPicture(const HLTrayLook& look, int size, const QColor& color) {
+  QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  QTransform grid;
+  const double scale = (size - 2 * kContourWidth) / kGrid;
+  grid.translate(kContourWidth, kContourWidth);
+  grid.scale(scale, scale);
+  const QPainterPath path = grid.map(pathOf(look));
+
+  QColor contour = color.lightness() > 127 ? Qt::black : Qt::white;
+  contour.setAlpha(kContourStrength);
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.strokePath(path, QPen(contour, 2 * kContourWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.fillPath(path, color);
+  return image;
+}

@@ -1,0 +1,33 @@
+#include "platform/linux/qt/window/qt_alerts.h"
+
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QString>
+#include <vector>
+
+#include "platform/linux/qt/window/qt_text.h"
+
+std::size_t HLQtAlerts::runModal(const HLAlert& alert) {
+  QMessageBox box;
+  box.setWindowTitle(QString::fromStdString(title_));
+  box.setIcon(QMessageBox::Information);
+  box.setTextFormat(Qt::PlainText);
+  box.setText(QString::fromStdString(alert.title));
+  box.setInformativeText(QString::fromStdString(alert.message));
+  // The message has a label of its own, which the box's text format does not reach.
+  if (auto* message = box.findChild<QLabel*>("qt_msgbox_informativelabel")) message->setTextFormat(Qt::PlainText);
+
+  std::vector<const QAbstractButton*> buttons;
+  // One role for all, or the desktop's custom would order them.
+  for (const std::string& title : alert.buttons) {
+    buttons.push_back(box.addButton(HLQtPlain(title), QMessageBox::ActionRole));
+  }
+  box.setDefaultButton(qobject_cast<QPushButton*>(box.buttons().isEmpty() ? nullptr : box.buttons().first()));
+  box.setEscapeButton(const_cast<QAbstractButton*>(buttons.back()));
+  box.exec();
+  for (std::size_t i = 0; i < buttons.size(); ++i) {
+    if (buttons[i] == box.clickedButton()) return i;
+  }
+  return buttons.size() - 1;
+}

@@ -1,0 +1,59 @@
+// Windows of the toolkit's controls, made from their descriptions.
+#pragma once
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPointer>
+#include <QVBoxLayout>
+#include <QWidget>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/application/windows.h"
+
+class QPushButton;
+class HLQtLabel;
+
+class HLQtWindow : public QWidget, public HLWindow {
+ public:
+  explicit HLQtWindow(HLWindowDescription description);
+
+  void setLabel(std::string_view name, const std::string& text, HLTextColor color) override;
+  void setButtonTitle(std::string_view name, const std::string& title) override;
+  void setCheckBox(std::string_view name, bool on) override;
+  void setEnabled(std::string_view name, bool enabled) override;
+  void fitHeight() override;
+  void center() override;
+  void makeKeyAndOrderFront() override;
+  void close() override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  QWidget* makeControl(const HLControl& control);
+  QWidget* makeRow(const HLRow& row);
+  void addItem(const HLStackItem& item);
+  void growToFit();
+  [[nodiscard]] int neededHeight() const;
+
+  template <class Widget>
+  [[nodiscard]] Widget* find(std::string_view name) const;
+
+  const HLWindowDescription description_;
+  QVBoxLayout* stack_;
+  QPushButton* keyButton_ = nullptr;
+};
+
+class HLQtWindows : public HLWindows {
+ public:
+  [[nodiscard]] std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) override;
+  // In the order in which they were made, then what the toolkit has made of itself.
+  [[nodiscard]] std::vector<HLWindowView> views() override;
+
+ private:
+  std::vector<QPointer<QWidget>> made_;
+};

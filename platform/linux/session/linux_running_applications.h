@@ -1,0 +1,31 @@
+// The desktop's notification server: the one application that the program has to do with here.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "platform/linux/session/linux_run_loop.h"
+#include "platform/linux/session/process_watch.h"
+#include "platform/running_applications.h"
+
+// Whoever owns the notification service of the session bus is listed under Notification Center's bundle identifier;
+// nobody else is listed. Asking never starts a server, but a list() after the death of one that was sent a signal has
+// the bus start its successor.
+class HLLinuxRunningApplications : public HLRunningApplications {
+ public:
+  // Launches are told by the run loop.
+  explicit HLLinuxRunningApplications(HLLinuxRunLoop& runLoop) : runLoop_(runLoop) {}
+
+  [[nodiscard]] std::vector<HLRunningApplication> list() override;
+  [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) override;
+  void observeLaunches(std::function<void(const HLRunningApplication&)> observer) override;
+  [[nodiscard]] HLSignalOutcome sendSignal(std::int32_t pid, int signal) override;
+
+ private:
+  HLLinuxRunLoop& runLoop_;
+  std::mutex mutex_;
+  std::shared_ptr<const HLProcessWatch> signalled_;  // until its successor has been asked for
+};

@@ -1,0 +1,13 @@
+// The application's own place among the login items.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/application/login_item.h"
+
+class HLMacLoginItem : public HLLoginItem {
+ public:
+  [[nodiscard]] std::int64_t status() override;
+  [[nodiscard]] HLLoginItemOutcome registerItem() override;
+  [[nodiscard]] HLLoginItemOutcome unregisterItem() override;
+};

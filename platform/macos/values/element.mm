@@ -1,0 +1,124 @@
+#include "platform/macos/values/element.h"
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/macos/values/cf_ref.h"
+#include "platform/macos/values/values.h"
+
+static_assert(HLAXErrorSuccess == kAXErrorSuccess);
+static_assert(HLAXErrorFailure == kAXErrorFailure);
+static_assert(HLAXErrorInvalidElement == kAXErrorInvalidUIElement);
+static_assert(HLAXErrorCannotComplete == kAXErrorCannotComplete);
+static_assert(HLAXErrorActionUnsupported == kAXErrorActionUnsupported);
+static_assert(HLAXErrorNotificationUnsupported == kAXErrorNotificationUnsupported);
+static_assert(HLAXErrorNotificationNotRegistered == kAXErrorNotificationNotRegistered);
+static_assert(HLAXErrorAPIDisabled == kAXErrorAPIDisabled);
+static_assert(HLAXErrorNoValue == kAXErrorNoValue);
+
+namespace {
+
+HLCFRef<CFArrayRef> arrayOfStrings(std::span<const std::string_view> texts) {
+  const HLCFRef<CFMutableArrayRef> array(
+      CFArrayCreateMutable(kCFAllocatorDefault, static_cast<CFIndex>(texts.size()), &kCFTypeArrayCallBacks));
+  for (std::string_view text : texts) CFArrayAppendValue(array.get(), HLMakeCFString(text).get());
+  return HLCFRef<CFArrayRef>::retaining(array.get());
+}
+
+// Whether one read of any attribute would fail in the same way, without being tried.
+bool concernsWholeElement(AXError error) {
+  return error == kAXErrorInvalidUIElement || error == kAXErrorCannotComplete || error == kAXErrorAPIDisabled;
+}
+
+class Element : public HLElement {
+ public:
+  explicit Element(AXUIElementRef element) : element_(HLCFRef<AXUIElementRef>::retaining(element)) {}
+
+  [[nodiscard]] AXUIElementRef system() const { return element_.get(); }
+
+  [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override {
+    @autoreleasepool {
+      CFTypeRef value = nullptr;
+      const AXError error = AXUIElementCopyAttributeValue(system(), HLMakeCFString(name).get(), &value);
+      const HLCFRef<CFTypeRef> owner(value);
+      return {error, error == kAXErrorSuccess ? HLValueOfObject(value) : HLValue()};
+    }
+  }
+
+  [[nodiscard]] std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override;
+
+  [[nodiscard]] HLActionList copyActionNames() const override {
+    @autoreleasepool {
+      CFArrayRef names = nullptr;
+      const AXError error = AXUIElementCopyActionNames(system(), &names);
+      const HLCFRef<CFArrayRef> owner(names);
+      HLActionList list{error, {}};
+      if (error != kAXErrorSuccess || names == nullptr) return list;
+      for (CFIndex i = 0; i < CFArrayGetCount(names); ++i) {
+        // The other process says what stands there.
+        const HLValue name = HLValueOfObject(CFArrayGetValueAtIndex(names, i));
+        if (const std::string* text = name.as<std::string>()) list.names.push_back(*text);
+      }
+      return list;
+    }
+  }
+
+  [[nodiscard]] HLAXError performAction(std::string_view action) const override {
+    @autoreleasepool {
+      return AXUIElementPerformAction(system(), HLMakeCFString(action).get());
+    }
+  }
+
+  [[nodiscard]] bool isEqual(const HLElement& other) const override {
+    const AXUIElementRef element = HLSystemElement(other);
+    return element != nullptr && CFEqual(system(), element);
+  }
+
+ private:
+  // The answer in one place of the array that a read of several attributes brings.
+  [[nodiscard]] HLAttribute attribute(std::string_view name, CFTypeRef value) const {
+    // A null there says only that there is no answer, and not why.
+    if (CFGetTypeID(value) == CFNullGetTypeID()) return copyAttributeValue(name);
+    if (CFGetTypeID(value) == AXValueGetTypeID()) {
+      const auto* boxed = static_cast<AXValueRef>(value);
+      AXError error = kAXErrorSuccess;
+      if (AXValueGetType(boxed) == kAXValueTypeAXError && AXValueGetValue(boxed, kAXValueTypeAXError, &error)) {
+        return {error, {}};
+      }
+    }
+    return {kAXErrorSuccess, HLValueOfObject(value)};
+  }
+
+  const HLCFRef<AXUIElementRef> element_;
+};
+
+std::vector<HLAttribute> Element::copyAttributeValues(std::span<const std::string_view> names) const {
+  if (names.empty()) return {};
+  @autoreleasepool {
+    CFArrayRef values = nullptr;
+    const AXError error = AXUIElementCopyMultipleAttributeValues(system(), arrayOfStrings(names).get(),
+                                                                 AXCopyMultipleAttributeOptions(0), &values);
+    const HLCFRef<CFArrayRef> owner(values);
+    if (concernsWholeElement(error)) return std::vector<HLAttribute>(names.size(), HLAttribute{error, {}});
+    if (error != kAXErrorSuccess || values == nullptr || CFArrayGetCount(values) != std::ssize(names)) {
+      return HLElement::copyAttributeValues(names);
+    }
+    std::vector<HLAttribute> attributes;
+    attributes.reserve(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      attributes.push_back(attribute(names[i], CFArrayGetValueAtIndex(values, static_cast<CFIndex>(i))));
+    }
+    return attributes;
+  }
+}
+
+}  // namespace
+
+HLElementRef HLMakeElement(AXUIElementRef element) { return std::make_shared<Element>(element); }
+
+AXUIElementRef HLSystemElement(const HLElement& element) {
+  const auto* ours = dynamic_cast<const Element*>(&element);
+  return ours == nullptr ? nullptr : ours->system();
+}

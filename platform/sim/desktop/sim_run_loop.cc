@@ -1,0 +1,264 @@
+#include "platform/sim/desktop/sim_run_loop.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+class OperationQueue : public HLOperationQueue {
+ public:
+  OperationQueue(HLSimDesktop& desktop, int limit) : desktop_(desktop), limit_(limit) {}
+
+  ~OperationQueue() override {
+    OperationQueue::waitUntilAllOperationsAreFinished();
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+  void addOperation(std::function<void()> operation) override {
+    const HLSimLock lock = desktop_.clock->lock();
+    pending_.push_back(std::move(operation));
+    if (workers_ >= limit_) return;
+    ++workers_;
+    HLSimWork& work = works_.emplace_back(HLSimWork{this, 0});
+    threads_.push_back(
+        desktop_.clock->startThread(work, [this, &work](HLSimLock& workerLock) { runWorker(workerLock, work); }));
+  }
+
+  void waitUntilAllOperationsAreFinished() override {
+    HLSimLock lock = desktop_.clock->lock();
+    while (workers_ > 0) desktop_.clock->waitFor(lock, idle_, HLSimNever);
+  }
+
+ private:
+  void runWorker(HLSimLock& lock, HLSimWork& work) {
+    while (!pending_.empty()) {
+      std::function<void()> operation = std::move(pending_.front());
+      pending_.pop_front();
+      work.operation = started_++;
+      lock.unlock();
+      operation();
+      operation = nullptr;
+      lock.lock();
+      if (!pending_.empty()) desktop_.clock->standBack(lock);
+    }
+    if (--workers_ == 0) desktop_.clock->give(idle_);
+  }
+
+  HLSimDesktop& desktop_;
+  const int limit_;
+  std::deque<std::function<void()>> pending_;
+  std::int64_t started_ = 0;
+  int workers_ = 0;
+  std::deque<HLSimWork> works_;  // one per thread
+  std::vector<std::thread> threads_;
+  HLSimSignal idle_;
+};
+
+class Semaphore : public HLSemaphore {
+ public:
+  explicit Semaphore(HLSimDesktop& desktop) : desktop_(desktop) {}
+
+  void signal() override {
+    const HLSimLock lock = desktop_.clock->lock();
+    ++count_;
+    desktop_.clock->give(given_);
+  }
+
+  bool wait(double seconds) override {
+    HLSimLock lock = desktop_.clock->lock();
+    const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
+    while (count_ == 0 && desktop_.clock->now() < end) desktop_.clock->waitFor(lock, given_, end);
+    if (count_ == 0) return false;
+    --count_;
+    return true;
+  }
+
+ private:
+  HLSimDesktop& desktop_;
+  int count_ = 0;
+  HLSimSignal given_;
+};
+
+double wallClock() {
+  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+}  // namespace
+
+HLSimRunLoop::HLSimRunLoop(HLSimDesktop& desktop) : desktop_(desktop), start_(wallClock()) {}
+
+double HLSimRunLoop::now() {
+  const HLSimLock lock = desktop_.clock->lock();
+  return start_ + static_cast<double>(desktop_.clock->now()) / 1e6;
+}
+
+void HLSimRunLoop::sleep(double seconds) {
+  if (!(seconds > 0)) return;
+  HLSimLock lock = desktop_.clock->lock();
+  desktop_.clock->sleepUntil(lock, desktop_.clock->now() + HLSimMomentFromSeconds(seconds));
+}
+
+// The main thread's own dues
+
+class HLSimRunLoop::Timer : public HLTimer {
+ public:
+  Timer(HLSimRunLoop& loop, double interval, std::function<void()> action)
+      : loop_(loop), interval_(std::max<HLSimMoment>(HLSimMomentFromSeconds(interval), 1)), action_(std::move(action)) {
+    const HLSimLock lock = loop_.desktop_.clock->lock();
+    ++loop_.timers_;
+    scheduleAfter(loop_.desktop_.clock->now());
+  }
+  ~Timer() override {
+    const HLSimLock lock = loop_.desktop_.clock->lock();
+    --loop_.timers_;
+    loop_.due_.erase(key_);
+  }
+
+ private:
+  // Turns that have been missed are not made up for.
+  void scheduleAfter(HLSimMoment last) {
+    HLSimMoment next = last + interval_;
+    const HLSimMoment now = loop_.desktop_.clock->now();
+    if (next <= now) next += (now - next) / interval_ * interval_ + interval_;
+    key_ = loop_.schedule(next, [this] { fire(); });
+  }
+
+  void fire() {
+    {
+      const HLSimLock lock = loop_.desktop_.clock->lock();
+      scheduleAfter(key_.first);
+    }
+    const std::function<void()> action = action_;  // it may end the timer
+    action();
+  }
+
+  HLSimRunLoop& loop_;
+  const HLSimMoment interval_;
+  const std::function<void()> action_;
+  DueKey key_;
+};
+
+HLSimRunLoop::DueKey HLSimRunLoop::schedule(HLSimMoment moment, std::function<void()> action) {
+  const DueKey key = {moment, dueNumber_++};
+  due_.emplace(key, std::move(action));
+  desktop_.clock->give(posted_);
+  return key;
+}
+
+std::unique_ptr<HLTimer> HLSimRunLoop::scheduleTimer(double interval, std::function<void()> action) {
+  return std::make_unique<Timer>(*this, interval, std::move(action));
+}
+
+void HLSimRunLoop::postToMainQueue(std::function<void()> step) {
+  const HLSimLock lock = desktop_.clock->lock();
+  post(std::move(step));
+}
+
+void HLSimRunLoop::postToMainQueueAfter(double seconds, std::function<void()> step) {
+  const HLSimLock lock = desktop_.clock->lock();
+  (void)schedule(desktop_.clock->now() + HLSimMomentFromSeconds(std::max(seconds, 0.0)), std::move(step));
+}
+
+// Running
+
+bool HLSimRunLoop::runNext(HLSimLock& lock) {
+  std::function<void()> next;
+  if (!deliveries_.empty()) {
+    next = std::move(deliveries_.front());
+    deliveries_.pop_front();
+  } else if (!due_.empty() && due_.begin()->first.first <= desktop_.clock->now()) {
+    next = std::move(due_.extract(due_.begin()).mapped());
+  } else {
+    if (std::exchange(desktop_.promptPending, false)) desktop_.world->setTrusted(true);
+    return false;
+  }
+  lock.unlock();
+  next();
+  next = nullptr;
+  lock = desktop_.clock->lock();
+  return true;
+}
+
+void HLSimRunLoop::runFor(double seconds) {
+  HLSimLock lock = desktop_.clock->lock();
+  const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
+  for (;;) {
+    while (runNext(lock)) {
+    }
+    const HLSimMoment now = desktop_.clock->now();
+    if (now >= end && desktop_.world->nextDue() > now) return;
+    const HLSimMoment next = due_.empty() ? HLSimNever : due_.begin()->first.first;
+    desktop_.clock->waitFor(lock, posted_, std::max(now, std::min(next, end)));
+  }
+}
+
+void HLSimRunLoop::runEventLoop() {
+  HLSimLock lock = desktop_.clock->lock();
+  while (!stopped_) {
+    if (runNext(lock)) continue;
+    if (onlyTimersAreDue()) return;
+    // What happens on the desktop may leave nothing due.
+    const HLSimMoment own = due_.empty() ? HLSimNever : due_.begin()->first.first;
+    desktop_.clock->waitFor(lock, posted_, std::min(own, desktop_.world->nextDue()));
+  }
+}
+
+void HLSimRunLoop::forgetSteps() {
+  std::deque<std::function<void()>> deliveries;
+  std::map<DueKey, std::function<void()>> due;
+  const HLSimLock lock = desktop_.clock->lock();
+  deliveries.swap(deliveries_);
+  due.swap(due_);
+}
+
+bool HLSimRunLoop::onlyTimersAreDue() const {
+  return due_.size() == timers_ && working_ == 0 && desktop_.world->nextDue() == HLSimNever;
+}
+
+// Queues
+
+void HLSimRunLoop::postToGlobalQueue(HLQualityOfService, std::function<void()> work) {
+  const HLSimLock lock = desktop_.clock->lock();
+  ++working_;
+  HLSimWork& own = works_.emplace_back(HLSimWork{this, static_cast<std::int64_t>(works_.size())});
+  threads_.push_back(desktop_.clock->startThread(own, [this, work = std::move(work)](HLSimLock& workLock) mutable {
+    workLock.unlock();
+    work();
+    work = nullptr;
+    workLock.lock();
+    --working_;
+    desktop_.clock->give(idle_);
+    desktop_.clock->give(posted_);
+  }));
+}
+
+bool HLSimRunLoop::isWorking() {
+  const HLSimLock lock = desktop_.clock->lock();
+  return working_ > 0;
+}
+
+void HLSimRunLoop::finishGlobalQueue() {
+  {
+    HLSimLock lock = desktop_.clock->lock();
+    while (working_ > 0) desktop_.clock->waitFor(lock, idle_, HLSimNever);
+  }
+  for (std::thread& thread : threads_) thread.join();
+  threads_.clear();
+}
+
+HLSimRunLoop::~HLSimRunLoop() { finishGlobalQueue(); }
+
+void HLSimRunLoop::post(std::function<void()> delivery) {
+  deliveries_.push_back(std::move(delivery));
+  desktop_.clock->give(posted_);
+}
+
+std::unique_ptr<HLOperationQueue> HLSimRunLoop::makeOperationQueue(const std::string&, HLQualityOfService,
+                                                                   int maxConcurrentOperations) {
+  return std::make_unique<OperationQueue>(desktop_, std::max(maxConcurrentOperations, 1));
+}
+
+std::unique_ptr<HLSemaphore> HLSimRunLoop::makeSemaphore() { return std::make_unique<Semaphore>(desktop_); }

@@ -1,0 +1,31 @@
+// What a scene says about the platform's services, as the program meets them.
+#pragma once
+
+#include <vector>
+
+#include "platform/property_lists.h"
+#include "platform/sim/desktop/desktop.h"
+#include "platform/user_notifications.h"
+
+class HLSimPropertyLists : public HLPropertyLists {
+ public:
+  explicit HLSimPropertyLists(const HLSimDesktop& desktop) : desktop_(desktop) {}
+
+  [[nodiscard]] std::optional<HLDictionary> readDictionary(const std::string& path) override;
+
+ private:
+  const HLSimDesktop& desktop_;
+};
+
+// Answers come at once, from the thread that asks.
+class HLSimUserNotifications : public HLUserNotifications {
+ public:
+  explicit HLSimUserNotifications(HLSimDesktop& desktop) : desktop_(desktop) {}
+
+  void requestAuthorization(std::function<void(bool granted, std::optional<std::string> error)> answer) override;
+  void add(const HLUserNotification& notification,
+           std::function<void(std::optional<std::string> error)> answer) override;
+
+ private:
+  HLSimDesktop& desktop_;
+};

@@ -1,0 +1,182 @@
+// The flavor is decided once per process, so each case looks at it in a process of its own.
+#include "base/paths.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/log.h"
+#include "tests/support/processes.h"
+#include "tests/support/simulated_desktop.h"
+
+namespace {
+
+std::string text(const std::optional<std::string>& path) { return path.value_or("absent"); }
+
+std::string allPaths() {
+  return text(HLStateDirectoryPath()) + "\n" + text(HLStatusLogPath()) + "\n" + text(HLDiagnosticsLogPath()) + "\n" +
+         text(HLLocalSocketPath());
+}
+
+std::string flavorWith(const std::string& bundle) {
+  return InChildProcess([&bundle] {
+    SimulatedDesktop desktop(R"({"bundle": )" + bundle + "}");
+    return std::string(HLIsProductFlavor() ? "product" : "personal");
+  });
+}
+
+// A scene in the product flavor with these further keys; "$" stands for the directory.
+std::string productScene(const std::string& directory, std::string keys, const std::string& bundleKeys = "") {
+  for (std::size_t at = 0; (at = keys.find('$', at)) != std::string::npos;) keys.replace(at, 1, directory);
+  return R"({"bundle": {"info": {"HLProductFlavor": "product"})" + bundleKeys + "}" + keys + "}";
+}
+
+unsigned modeOf(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
+}
+
+TEST(Flavor, IsProductWhereTheInformationDictionarySaysExactlyThat) {
+  EXPECT_EQ(flavorWith(R"({"info": {"HLProductFlavor": "product"}})"), "product");
+  EXPECT_EQ(flavorWith(R"({"info": {"CFBundleName": "x", "HLProductFlavor": "product"}})"), "product");
+}
+
+TEST(Flavor, IsPersonalInEveryOtherCase) {
+  for (const char* bundle :
+       {"{}", R"({"info": {}})", R"({"info": {"HLProductFlavor": "personal"}})",
+        R"({"info": {"HLProductFlavor": "Product"}})", R"({"info": {"HLProductFlavor": "PRODUCT"}})",
+        R"({"info": {"HLProductFlavor": " product"}})", R"({"info": {"HLProductFlavor": ""}})",
+        R"({"info": {"HLProductFlavor": 1}})", R"({"info": {"HLProductFlavor": true}})",
+        R"({"info": {"HLProductFlavor": ["product"]}})", R"({"info": {"HLProductFlavor": {"product": "product"}}})",
+        R"({"info": {"hlproductflavor": "product"}})", R"({"identifier": "product"})"}) {
+    EXPECT_EQ(flavorWith(bundle), "personal") << bundle;
+  }
+}
+
+TEST(Flavor, IsDecidedOnceButPathsAreWorkedOutAnew) {
+  TemporaryDirectory first;
+  TemporaryDirectory second;
+  EXPECT_EQ(InChildProcess([&] {
+              {
+                SimulatedDesktop desktop(productScene(first.path(), R"(, "applicationSupport": "$")"));
+                (void)HLIsProductFlavor();
+              }
+              SimulatedDesktop desktop(R"({"applicationSupport": ")" + second.path() + R"("})");
+              return text(HLStateDirectoryPath());
+            }),
+            second.path() + "/dismiss");
+}
+
+TEST(PersonalPaths, AreUnderTheHomeButForTheStatusLog) {
+  TemporaryDirectory home;
+  EXPECT_EQ(InChildProcess([&] {
+              SimulatedDesktop desktop(R"({"home": ")" + home.path() + R"(", "bundle": {"identifier": "x.y"}})");
+              return allPaths();
+            }),
+            home.path() + "/.local/state/hushlet\n/tmp/hushlet-status.log\n" + home.path() +
+                "/.local/state/hushlet/hushlet_detailed_diagnostics.log\n" + home.path() +
+                "/.local/state/hushlet/daemon.sock");
+}
+
+TEST(ProductPaths, AreUnderApplicationSupportAndTheBundlesIdentifier) {
+  TemporaryDirectory support;
+  EXPECT_EQ(InChildProcess([&] {
+              SimulatedDesktop desktop(productScene(support.path(), R"(, "applicationSupport": "$")",
+                                                    R"(, "identifier": "com.tessaly.hushlet")"));
+              return allPaths();
+            }),
+            support.path() + "/com.tessaly.hushlet\n" + support.path() + "/com.tessaly.hushlet/status.log\n" +
+                support.path() + "/com.tessaly.hushlet/hushlet_detailed_diagnostics.log\n" + support.path() +
+                "/com.tessaly.hushlet/daemon.sock");
+}
+
+TEST(ProductPaths, WithoutAnIdentifierAreInADirectoryNamedDismiss) {
+  TemporaryDirectory support;
+  EXPECT_EQ(InChildProcess([&] {
+              SimulatedDesktop desktop(productScene(support.path(), R"(, "applicationSupport": "$")"));
+              return text(HLStatusLogPath());
+            }),
+            support.path() + "/dismiss/status.log");
+}
+
+TEST(ProductPaths, WithoutApplicationSupportAreAbsentAndNothingIsWritten) {
+  TemporaryDirectory home;
+  EXPECT_EQ(InChildProcess([&] {
+              SimulatedDesktop desktop(productScene(home.path(), R"(, "applicationSupport": null, "home": "$")"));
+              HLAppendLog("status %d", 1);
+              HLAppendDiagnostics("diagnostics %d", 1);
+              HLEnsureStateDirectory();
+              return allPaths();
+            }),
+            "absent\nabsent\nabsent\nabsent");
+  EXPECT_TRUE(std::filesystem::is_empty(home.path()));
+}
+
+TEST(ProductPaths, EachLogIsWrittenToItsOwnFile) {
+  TemporaryDirectory support;
+  EXPECT_EQ(InChildProcess([&] {
+              SimulatedDesktop desktop(productScene(support.path(), R"(, "applicationSupport": "$")"));
+              HLAppendLog("to the status log");
+              HLAppendDiagnostics("to the diagnostics log");
+              return std::string("done");
+            }),
+            "done");
+  EXPECT_EQ(LogMessages(FileContent(support.path() + "/dismiss/status.log")),
+            std::vector<std::string>{"to the status log"});
+  EXPECT_EQ(LogMessages(FileContent(support.path() + "/dismiss/hushlet_detailed_diagnostics.log")),
+            std::vector<std::string>{"to the diagnostics log"});
+}
+
+class StateDirectory : public testing::Test {
+ protected:
+  StateDirectory() : mask_(umask(022)) {}
+  ~StateDirectory() override { umask(mask_); }
+
+  SimulatedDesktop desktop_{"{}"};
+  std::string path_ = desktop_.home() + "/.local/state/hushlet";
+
+ private:
+  mode_t mask_;
+};
+
+TEST_F(StateDirectory, IsMadeForThisUserAlone) {
+  HLEnsureStateDirectory();
+  EXPECT_EQ(modeOf(path_), 0700U);
+}
+
+TEST_F(StateDirectory, IsLeftAsItIsWhereItExists) {
+  std::filesystem::create_directories(path_);
+  chmod(path_.c_str(), 0755);
+  HLEnsureStateDirectory();
+  EXPECT_EQ(modeOf(path_), 0755U);
+}
+
+TEST_F(StateDirectory, MadeByALogLineHasDefaultPermissions) {
+  HLAppendDiagnostics("first line");
+  EXPECT_EQ(modeOf(path_), 0755U);
+  HLEnsureStateDirectory();
+  EXPECT_EQ(modeOf(path_), 0755U);
+}
+
+TEST_F(StateDirectory, ThatCannotBeMadeIsNoError) {
+  std::ofstream(desktop_.home() + "/.local") << "a file";
+  HLEnsureStateDirectory();
+  HLAppendDiagnostics("lost");
+  EXPECT_EQ(FileContent(desktop_.home() + "/.local"), "a file");
+}
+
+TEST_F(StateDirectory, DirectoriesAreMadeWithThoseAboveThem) {
+  HLCreateDirectories(desktop_.home() + "/a/b/c");
+  EXPECT_EQ(modeOf(desktop_.home() + "/a"), 0755U);
+  EXPECT_EQ(modeOf(desktop_.home() + "/a/b/c"), 0755U);
+  HLCreateDirectories(desktop_.home() + "/a/b/c");
+  HLCreateDirectories("/dev/null/x");
+  HLCreateDirectories("");
+}
+
+}  // namespace

@@ -1,0 +1,131 @@
+#include "core/scan/context.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+// What the flags mean, said the slow way.
+bool holdsAny(std::string_view text, const std::vector<std::string_view>& words) {
+  for (const std::string_view word : words) {
+    if (text.find(word) != std::string_view::npos) return true;
+  }
+  return false;
+}
+
+bool isNotification(std::string_view text) {
+  return holdsAny(text, {"notification", "axnotification", "stacked", "notification center", "from iphone",
+                         "axnotificationlistitems"});
+}
+
+bool hasCloseWord(std::string_view text) { return holdsAny(text, {"close", "dismiss", "clear"}); }
+
+TEST(Context, ANewOneIsEmpty) {
+  const HLContext context;
+  EXPECT_EQ(context.text(), "");
+  EXPECT_FALSE(context.isNotification());
+  EXPECT_FALSE(context.hasCloseWord());
+}
+
+TEST(Context, AChildAddsItsWordsAfterABlank) {
+  const HLContext root = HLContext().extendedBy("axgroup");
+  EXPECT_EQ(root.text(), "axgroup");
+  EXPECT_EQ(root.extendedBy("axbutton").text(), "axgroup axbutton");
+  EXPECT_EQ(root.extendedBy("").text(), "axgroup");
+  EXPECT_EQ(HLContext().extendedBy("").text(), "");
+  EXPECT_EQ(root.text(), "axgroup") << "the parent's stays as it is";
+}
+
+TEST(Context, EachWordIsFoundAloneAndWithinOthers) {
+  for (const std::string word :
+       {"notification", "axnotification", "stacked", "notification center", "from iphone", "axnotificationlistitems"}) {
+    EXPECT_TRUE(HLContext(word).isNotification()) << word;
+    EXPECT_TRUE(HLContext("x" + word + "y").isNotification()) << word;
+    EXPECT_TRUE(HLContext("axgroup").extendedBy(word).isNotification()) << word;
+    EXPECT_FALSE(HLContext(word).hasCloseWord()) << word;
+  }
+  for (const std::string word : {"close", "dismiss", "clear"}) {
+    EXPECT_TRUE(HLContext(word).hasCloseWord()) << word;
+    EXPECT_TRUE(HLContext("x" + word + "d").hasCloseWord()) << word;
+    EXPECT_TRUE(HLContext("axgroup").extendedBy(word).hasCloseWord()) << word;
+    EXPECT_FALSE(HLContext(word).isNotification()) << word;
+  }
+}
+
+TEST(Context, OtherWordsAreNone) {
+  for (const char* word :
+       {"", "notificatio", "otification", "stacke", "tacked", "from", "iphone", "from iphon", "rom iphone", "from ipad",
+        "center", "xmark", "clos", "lose", "dismis", "ismiss", "clea", "lear", "cle ar"}) {
+    EXPECT_FALSE(HLContext(word).isNotification()) << word;
+    EXPECT_FALSE(HLContext(word).hasCloseWord()) << word;
+  }
+}
+
+TEST(Context, WhatWasFoundStaysFoundBelow) {
+  HLContext context = HLContext("notification close");
+  for (int depth = 0; depth < 50; ++depth) context = context.extendedBy("axgroup");
+  EXPECT_TRUE(context.isNotification());
+  EXPECT_TRUE(context.hasCloseWord());
+}
+
+TEST(Context, AWordIsFoundAcrossTheJoint) {
+  EXPECT_FALSE(HLContext("a banner from").isNotification());
+  EXPECT_TRUE(HLContext("a banner from").extendedBy("iphone 15").isNotification());
+  EXPECT_TRUE(HLContext().extendedBy("from").extendedBy("iphone").isNotification());
+  EXPECT_TRUE(HLContext("notification").extendedBy("center").isNotification());
+}
+
+TEST(Context, ABlankComesBetweenParentAndChild) {
+  EXPECT_FALSE(HLContext("notifi").extendedBy("cation").isNotification());
+  EXPECT_FALSE(HLContext("stack").extendedBy("ed").isNotification());
+  EXPECT_FALSE(HLContext("cl").extendedBy("ose").hasCloseWord());
+}
+
+// Extending searches only what is new; the flags must be those of a search of everything.
+TEST(Context, ExtendedPieceByPieceHasTheFlagsOfTheWholeText) {
+  const std::array<std::string_view, 22> pieces = {"from",
+                                                   "iphone",
+                                                   "notification",
+                                                   "center",
+                                                   "axnotification",
+                                                   "listitems",
+                                                   "stacked",
+                                                   "stack",
+                                                   "ed",
+                                                   "close",
+                                                   "cl",
+                                                   "ose",
+                                                   "dismiss",
+                                                   "clear",
+                                                   "axgroup",
+                                                   "axbutton button",
+                                                   "a from",
+                                                   "iphone 15 pro",
+                                                   "größe",
+                                                   "日本 from",
+                                                   "😀",
+                                                   "e\u0301"};
+  std::mt19937 random(20240517);
+  for (int round = 0; round < 3000; ++round) {
+    std::string whole;
+    HLContext context;
+    for (int depth = 0; depth < 6; ++depth) {
+      const std::string_view piece = pieces[random() % pieces.size()];
+      if (!whole.empty()) whole += ' ';
+      whole += piece;
+      context = context.extendedBy(piece);
+      ASSERT_EQ(context.text(), whole);
+      ASSERT_EQ(context.isNotification(), isNotification(whole)) << whole;
+      ASSERT_EQ(context.hasCloseWord(), hasCloseWord(whole)) << whole;
+      ASSERT_EQ(HLContext(whole).isNotification(), isNotification(whole)) << whole;
+      ASSERT_EQ(HLContext(whole).hasCloseWord(), hasCloseWord(whole)) << whole;
+    }
+  }
+}
+
+}  // namespace

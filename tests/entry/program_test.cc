@@ -1,0 +1,209 @@
+// The program as it is started, on scenes.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "daemon/self_check.h"
+#include "entry/modes.h"
+#include "platform/accessibility.h"
+#include "platform/run_loop.h"
+#include "tests/support/processes.h"
+#include "tests/support/scenes.h"
+#include "tests/support/simulated_desktop.h"
+#include "tests/support/temporary_directory.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// hushlet-sim on a desk of its own.
+class Program : public testing::Test {
+ protected:
+  // Where the scene is kept.
+  [[nodiscard]] std::string write(std::string_view scene, const std::string& name = "scene.json") const {
+    const std::string path = home_.path() + "/" + name;
+    std::ofstream(path) << scene;
+    return path;
+  }
+
+  [[nodiscard]] RunningProgram start(const std::string& scenePath, std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), HUSHLET_SIM);
+    return RunningProgram(arguments, {{"HOME", home_.path().c_str()},
+                                      {"HUSHLET_SCENE", scenePath.empty() ? nullptr : scenePath.c_str()}});
+  }
+
+  [[nodiscard]] ProgramRun run(std::string_view scene, std::vector<std::string> arguments) const {
+    return start(write(scene), std::move(arguments)).wait();
+  }
+
+  [[nodiscard]] Lines diagnostics() const {
+    return LogMessages(FileContent(home_.path() + "/.local/state/hushlet/hushlet_detailed_diagnostics.log"));
+  }
+
+  TemporaryDirectory home_;
+};
+
+const std::string kThreeBanners =
+    R"({"repeat": 3, "id": "b{n}", "role": "AXGroup", "subrole": "AXNotificationCenterAlert",
+  "description": "Mail, message {n}", "actions": ["AXPress", "Name:Close"], "closes": "b{n}"})";
+
+void expectOneLine(const std::string& text) {
+  EXPECT_FALSE(text.empty());
+  EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
+}
+
+TEST_F(Program, DismissNowPrintsTheResultLine) {
+  const ProgramRun program = run(NotificationCenterScene(kThreeBanners), {"--dismiss-now"});
+  EXPECT_EQ(program.out, "success|3|0\n");
+  EXPECT_EQ(program.err, "");
+  EXPECT_EQ(program.exitCode, 0);
+  EXPECT_EQ(diagnostics().back(), "batch progress before=3 after=0 removed=3");
+}
+
+TEST_F(Program, DismissNowExitsWithZeroWhateverTheStatus) {
+  const ProgramRun nothing = run(NotificationCenterScene(""), {"--dismiss-now"});
+  EXPECT_EQ(nothing.out, "nothing|0|0\n");
+  EXPECT_EQ(nothing.exitCode, 0);
+  const ProgramRun denied = run(NotificationCenterScene(kThreeBanners, R"(, "trusted": false)"), {"--dismiss-now"});
+  EXPECT_EQ(denied.out, "accessDenied|0|0\n");
+  EXPECT_EQ(denied.exitCode, 0);
+  const ProgramRun unavailable = run("{}", {"--dismiss-now"});
+  EXPECT_EQ(unavailable.out, "notificationCenterUnavailable|0|0\n");
+  EXPECT_EQ(unavailable.exitCode, 0);
+  const ProgramRun failed =
+      run(NotificationCenterScene(R"({"title": "stuck", "actions": ["Close"]})"), {"--dismiss-now"});
+  EXPECT_EQ(failed.out, "failed|0|1\n");
+  EXPECT_EQ(failed.exitCode, 0);
+}
+
+TEST_F(Program, SelfCheckCountsAndDismissesNothing) {
+  const std::string record = home_.path() + "/record";
+  const ProgramRun program =
+      run(NotificationCenterScene(kThreeBanners, R"(, "record": ")" + record + "\""), {"--self-check"});
+  EXPECT_TRUE(std::regex_match(program.out, std::regex(R"(trusted=true notificationCenterPid=400 targets=3 )"
+                                                       R"(pid=\d+ ppid=\d+ parentBundle=none parentName=none\n)")))
+      << program.out;
+  EXPECT_EQ(program.err, "");
+  EXPECT_EQ(program.exitCode, 0);
+  EXPECT_EQ(diagnostics(),
+            (Lines{"scan root=window-0 visited=1 candidates=1", "scan root=window-1 visited=1 candidates=1",
+                   "scan root=window-2 visited=1 candidates=1"}));
+  EXPECT_NE(FileContent(record).find(R"("actions":[])"), std::string::npos) << FileContent(record);
+}
+
+TEST_F(Program, SelfCheckWithoutTrustCountsNothingAndExitsWithOne) {
+  const ProgramRun program = run(NotificationCenterScene(kThreeBanners, R"(, "trusted": false)"), {"--self-check"});
+  EXPECT_EQ(program.out.rfind("trusted=false notificationCenterPid=400 targets=0 pid=", 0), 0U) << program.out;
+  EXPECT_EQ(program.exitCode, 1);
+  EXPECT_EQ(diagnostics(), Lines{});
+}
+
+TEST_F(Program, SelfCheckWithoutNotificationCenterSaysZero) {
+  const ProgramRun program = run("{}", {"--self-check"});
+  EXPECT_EQ(program.out.rfind("trusted=true notificationCenterPid=0 targets=0 pid=", 0), 0U) << program.out;
+  EXPECT_EQ(program.exitCode, 0);
+}
+
+TEST_F(Program, SelfCheckWithoutARootElementCountsNothing) {
+  const ProgramRun program = run(R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
+      "elementFails": true, "windows": [{"title": "close", "actions": ["Close"]}]}]})",
+                                 {"--self-check"});
+  EXPECT_EQ(program.out.rfind("trusted=true notificationCenterPid=400 targets=0 pid=", 0), 0U) << program.out;
+  EXPECT_EQ(program.exitCode, 0);
+}
+
+TEST_F(Program, SelfCheckNeverAsksTheUserForTrust) {
+  SimulatedDesktop desktop(R"({"trusted": false, "services": {"grantOnPrompt": true}})");
+  std::ostringstream out;
+  EXPECT_EQ(HLSelfCheck(out), 1);
+  desktop.platform().runLoop.runFor(1);
+  EXPECT_FALSE(desktop.platform().accessibility.isProcessTrusted(false));
+}
+
+TEST_F(Program, SelfCheckNamesTheParent) {
+  const ProgramRun program = run(R"({"applications": [{"pid": 77, "bundleIdentifier": "com.apple.Terminal",
+      "name": "Terminal"}], "parent": 77})",
+                                 {"--self-check"});
+  EXPECT_TRUE(
+      std::regex_match(program.out, std::regex(R"(trusted=true notificationCenterPid=0 targets=0 pid=\d+ ppid=77 )"
+                                               R"(parentBundle=com\.apple\.Terminal parentName=Terminal\n)")))
+      << program.out;
+}
+
+TEST_F(Program, OfTwoSwitchesOnlyTheEarlierModeRuns) {
+  const ProgramRun program = run(NotificationCenterScene(kThreeBanners), {"--dismiss-now", "--self-check"});
+  EXPECT_EQ(program.out.rfind("trusted=true", 0), 0U) << program.out;
+  EXPECT_EQ(program.out.find("success"), std::string::npos);
+}
+
+TEST_F(Program, TheSceneMayReplaceTheArguments) {
+  const ProgramRun program =
+      run(NotificationCenterScene(kThreeBanners, R"(, "arguments": ["--dismiss-now"])"), {"--self-check"});
+  EXPECT_EQ(program.out, "success|3|0\n");
+}
+
+TEST_F(Program, ASceneThatCannotBeReadEndsItWithTwoAndOneLine) {
+  struct Case {
+    const char* scene;
+    const char* place;
+  };
+  for (const Case& each : {Case{"no scene", ""}, Case{"[]", ""}, Case{R"({"aplications": []})", "aplications"},
+                           Case{R"({"trusted": 1})", "trusted"},
+                           Case{R"({"applications": [{"pid": 1}, {"pid": "x"}]})", "applications[1].pid"},
+                           Case{R"({"applications": [{"pid": 1, "windows": [{"id": "a"}, {"frame": [1, 2, 3]}]}]})",
+                                "applications[0].windows[1].frame"},
+                           Case{R"({"timeline": [{"at": 1, "remove": "nobody"}]})", "nobody"}}) {
+    const ProgramRun program = run(each.scene, {"--dismiss-now"});
+    EXPECT_EQ(program.exitCode, 2) << each.scene;
+    EXPECT_EQ(program.out, "") << each.scene;
+    expectOneLine(program.err);
+    EXPECT_NE(program.err.find(home_.path() + "/scene.json"), std::string::npos) << program.err;
+    EXPECT_NE(program.err.find(each.place), std::string::npos) << program.err;
+    EXPECT_EQ(diagnostics(), Lines{});
+  }
+}
+
+TEST_F(Program, ASceneThatIsNotThereEndsItWithTwoAndOneLine) {
+  const ProgramRun program = start(home_.path() + "/missing.json", {"--dismiss-now"}).wait();
+  EXPECT_EQ(program.exitCode, 2);
+  EXPECT_EQ(program.out, "");
+  expectOneLine(program.err);
+  EXPECT_NE(program.err.find("missing.json"), std::string::npos) << program.err;
+}
+
+TEST_F(Program, WithoutASceneItIsAnOrdinaryEvening) {
+  const ProgramRun program = start("", {"--dismiss-now"}).wait();
+  EXPECT_TRUE(std::regex_match(program.out, std::regex("success\\|[1-9]\\d*\\|0\n"))) << program.out;
+  EXPECT_EQ(program.exitCode, 0);
+}
+
+TEST_F(Program, SeveralAtOnceKeepTheLinesOfTheirLogWhole) {
+  const std::string scene = write(NotificationCenterScene(kThreeBanners));
+  std::vector<RunningProgram> programs;
+  for (int i = 0; i < 8; ++i) programs.push_back(start(scene, {"--dismiss-now"}));
+  for (RunningProgram& program : programs) EXPECT_EQ(program.wait().out, "success|3|0\n");
+  std::map<std::string, int> count;
+  for (const std::string& line : diagnostics()) {
+    ++count[std::regex_replace(line, std::regex(R"(\bpid=\d+ ppid=\d+)"), "pid= ppid=")];
+  }
+  EXPECT_EQ(count["dismiss preflight trusted=true pid= ppid= parentBundle=none parentName=none"], 8);
+  EXPECT_EQ(count["notification center pid=400 bundle=com.apple.notificationcenterui"], 8);
+  EXPECT_EQ(count["alerts per app Mail=3"], 8);
+  EXPECT_EQ(count["scan root=window-0 visited=1 candidates=1"], 8);
+  EXPECT_EQ(
+      count
+          ["batch actions eligible=3 attempted=3 clear=0 close=3 failed=0 resolutionMs=0 actionWallMs=0 actionSumMs=0"],
+      8);
+  EXPECT_EQ(count["batch progress before=3 after=0 removed=3"], 8);
+  EXPECT_EQ(count.size(), 9U) << "and two scans of the other windows, and the attempt";
+}
+
+}  // namespace

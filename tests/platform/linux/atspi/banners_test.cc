@@ -1,0 +1,300 @@
+#include "platform/linux/atspi/banners.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/platform/linux/atspi/recorded_tree.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+std::vector<std::string> textsOf(const HLRawTree& tree) {
+  std::vector<std::string> texts;
+  for (const HLBanner& banner : HLFindBanners(tree)) texts.push_back(HLBannerText(tree, banner));
+  return texts;
+}
+
+// Of each banner the control that would be pressed: "name/description action-index", or "none".
+std::vector<std::string> controlsOf(const HLRawTree& tree) {
+  std::vector<std::string> controls;
+  for (const HLBanner& banner : HLFindBanners(tree)) {
+    const std::optional<HLCloseControl> control = HLFindCloseControl(tree, banner);
+    if (!control) {
+      controls.emplace_back("none");
+      continue;
+    }
+    const HLRawNode& node = tree[static_cast<std::size_t>(control->node)];
+    controls.push_back(node.name + "/" + node.description + " " + std::to_string(control->action));
+  }
+  return controls;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What real servers showed: one banner of the application Mail, and one of Chat with the buttons Open and Close.
+
+TEST(RecordedBanners, MateNamesNoApplicationAndDescribesItsCloseButton) {
+  const HLRawTree tree = RecordedTree("mate");
+  EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world", ", Ada, Lunch?"));
+  EXPECT_THAT(controlsOf(tree), ElementsAre("/Closes the notification. 0", "/Closes the notification. 0"));
+}
+
+TEST(RecordedBanners, LxqtShowsSeveralInOneWindow) {
+  const HLRawTree tree = RecordedTree("lxqt");
+  EXPECT_THAT(textsOf(tree), ElementsAre("Mail, New message, Hello, world", "Chat, Ada, Lunch?"));
+  EXPECT_THAT(controlsOf(tree), ElementsAre("x/ 0", "x/ 0"));
+}
+
+TEST(RecordedBanners, XfceHasOnlyTheButtonsOfTheApplication) {
+  const HLRawTree tree = RecordedTree("xfce");
+  EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world", ", Ada, Lunch?"));
+  EXPECT_THAT(controlsOf(tree), ElementsAre("none", "none"));
+}
+
+TEST(RecordedBanners, NotificationDaemonShowsOneAtATime) {
+  const HLRawTree tree = RecordedTree("notification-daemon");
+  EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world"));
+  EXPECT_THAT(controlsOf(tree), ElementsAre("/Closes the notification. 0"));
+}
+
+TEST(RecordedBanners, BudgieNamesItsCloseButtonAsTheApplicationNamesIts) {
+  const HLRawTree tree = RecordedTree("budgie");
+  EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world", ", Ada, Lunch?"));
+  const std::vector<HLBanner> banners = HLFindBanners(tree);
+  ASSERT_THAT(banners, SizeIs(2));
+  for (const HLBanner& banner : banners) {
+    const std::optional<HLCloseControl> control = HLFindCloseControl(tree, banner);
+    ASSERT_TRUE(control);
+    EXPECT_EQ(tree[static_cast<std::size_t>(control->node)].extents->width, 24);  // the application's is 85 wide
+  }
+}
+
+TEST(RecordedBanners, PlasmaKeepsTheCloseButtonBesideTheNotification) {
+  const HLRawTree tree = RecordedTree("plasma");
+  EXPECT_THAT(textsOf(tree), ElementsAre("Mail, New message, Hello, world  from Mail", "Chat, Ada, Lunch?  from Chat"));
+  EXPECT_THAT(controlsOf(tree), ElementsAre("Close/Mail 0", "Close/Chat 0"));
+}
+
+TEST(RecordedBanners, CinnamonHasACloseButtonThatCannotBePressed) {
+  const HLRawTree tree = RecordedTree("cinnamon");
+  EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world"));
+  EXPECT_THAT(controlsOf(tree), ElementsAre("none"));
+}
+
+TEST(RecordedBanners, GnomeHasACloseButtonThatCannotBePressed) {
+  const HLRawTree tree = RecordedTree("gnome");
+  EXPECT_THAT(controlsOf(tree), ElementsAre("none"));
+}
+
+TEST(RecordedBanners, ADialogThatAsksIsNotClosed) {
+  EXPECT_THAT(controlsOf(RecordedTree("notify-osd")), ElementsAre("none", "none"));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What is a banner.
+
+TEST(Banners, AHiddenWindowHoldsNone) {
+  EXPECT_THAT(HLFindBanners(ParseTree(R"(
+alert 'Notification' (hidden)
+  label 'Title'
+  button '' / 'Closes the notification.' <Click>
+)")),
+              IsEmpty());
+}
+
+TEST(Banners, AHiddenBannerInAShownWindowIsNone) {
+  EXPECT_THAT(HLFindBanners(ParseTree(R"(
+window ''
+  menu bar ''
+  notification '' (hidden)
+    label 'Title'
+)")),
+              IsEmpty());
+}
+
+TEST(Banners, TheInnermostNodeThatBearsTheRoleIsTheBanner) {
+  EXPECT_THAT(textsOf(ParseTree(R"(
+window ''
+  alert ''
+    notification ''
+      label 'One'
+    notification ''
+      label 'Two'
+)")),
+              ElementsAre(", One", ", Two"));
+}
+
+// A list of windows shows a text and a close button for each of the user's own.
+TEST(Banners, InADesktopShellOnlyTheRoleTells) {
+  EXPECT_THAT(textsOf(ParseTree(R"(
+window '' [0 0 1280x1024]
+  panel ''
+    label 'A window of the user'
+    button 'Close' [1250 10 24x24] <Click>
+  notification '' [900 800 300x80]
+    label 'Title'
+window '' [0 1000 1280x24]
+  menu bar ''
+window '' [300 900 200x100]
+  label 'Another window of the user'
+  button 'Close' [470 910 24x24] <Click>
+)")),
+              ElementsAre(", Title"));
+}
+
+TEST(Banners, ListItemsAreBannersWhereEachCanBeClosed) {
+  EXPECT_THAT(textsOf(ParseTree(R"(
+window ''
+  list ''
+    list item ''
+      label 'One'
+      button 'Close' <Click>
+    list item ''
+      label 'Two'
+      button 'Close' <Click>
+)")),
+              ElementsAre(", One", ", Two"));
+}
+
+TEST(Banners, AButtonThatHoldsTextAndACloseButtonIsABanner) {
+  EXPECT_THAT(textsOf(ParseTree(R"(
+window ''
+  panel ''
+    button '' <Press>
+      label 'One'
+      button 'Close' <Press>
+)")),
+              ElementsAre(", One"));
+}
+
+TEST(Banners, AWindowWithoutTextIsNone) {
+  EXPECT_THAT(HLFindBanners(ParseTree(R"(
+window ''
+  button 'Close' <Click>
+)")),
+              IsEmpty());
+}
+
+TEST(Banners, AnEmptyTreeHoldsNone) { EXPECT_THAT(HLFindBanners(HLRawTree(1)), IsEmpty()); }
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What closes it.
+
+// A banner of 400 by 100 at (0, 0) with these buttons.
+HLRawTree bannerWith(const std::string& buttons) {
+  return ParseTree("alert '' [0 0 400x100]\n  label 'Title' [60 10 200x20]\n  label 'Body' [60 40 200x20]\n" + buttons);
+}
+
+std::vector<std::string> controlsWith(const std::string& buttons) { return controlsOf(bannerWith(buttons)); }
+
+TEST(CloseControl, IsAnUnnamedIconInAnUpperCorner) {
+  EXPECT_THAT(controlsWith("  button '' [370 6 24x24] <Click>\n"), ElementsAre("/ 0"));
+  EXPECT_THAT(controlsWith("  button '' [6 6 24x24] <Click>\n"), ElementsAre("/ 0"));
+}
+
+TEST(CloseControl, IsNotAnIconElsewhere) {
+  EXPECT_THAT(controlsWith("  button '' [370 70 24x24] <Click>\n"), ElementsAre("none"));
+  EXPECT_THAT(controlsWith("  button '' [190 6 24x24] <Click>\n"), ElementsAre("none"));
+}
+
+TEST(CloseControl, IsNotAnIconOfUnknownPlace) {
+  EXPECT_THAT(controlsWith("  button '' <Click>\n"), ElementsAre("none"));
+  EXPECT_THAT(controlsWith("  button 'Close' <Click>\n"), ElementsAre("none"));
+}
+
+TEST(CloseControl, IsNotOneOfTwoThatAreAlike) {
+  EXPECT_THAT(controlsWith("  button '' [370 6 24x24] <Click>\n  button '' [340 6 24x24] <Click>\n"),
+              ElementsAre("none"));
+}
+
+TEST(CloseControl, IsTheNamedOneOfTwoIcons) {
+  EXPECT_THAT(controlsWith("  button '' [340 6 24x24] <Click>\n  button 'Close' [370 6 24x24] <Click>\n"),
+              ElementsAre("Close/ 0"));
+}
+
+TEST(CloseControl, IsTheDescribedOneWhereverItIs) {
+  EXPECT_THAT(controlsWith("  button 'x' [370 6 24x24] <Click>\n  button '' / 'Closes the notification.' <Click>\n"),
+              ElementsAre("/Closes the notification. 0"));
+}
+
+TEST(CloseControl, MayBeDescribedInTheLanguageOfTheDesktop) {
+  EXPECT_THAT(controlsWith("  button '' / 'Schließt die Benachrichtigung.' <Click>\n"),
+              ElementsAre("/Schließt die Benachrichtigung. 0"));
+}
+
+TEST(CloseControl, IsNotAButtonWithAnotherNameThatIsDescribedSo) {
+  EXPECT_THAT(controlsWith("  button 'Open' / 'Opens it and closes this' [370 6 24x24] <Click>\n"),
+              ElementsAre("none"));
+}
+
+TEST(CloseControl, IsNotATextThatTheApplicationMayHaveGiven) {
+  for (const std::string name : {"Close", "Dismiss", "x"}) {
+    EXPECT_THAT(controlsWith("  button '" + name + "' [300 6 80x24] <Click>\n"), ElementsAre("none")) << name;
+    EXPECT_THAT(controlsWith("  button '" + name + "' [310 70 24x24] <Click>\n"), ElementsAre("none")) << name;
+  }
+  EXPECT_THAT(controlsWith("  button 'Close' [370 6 24x24] <Click>\n    label 'Close' [372 8 20x20]\n"),
+              ElementsAre("none"));
+}
+
+TEST(CloseControl, IsNeverAnActionOfTheApplication) {
+  for (const std::string name : {"Reply", "Open", "Undo", "Delete", "Close tab", "Clear", "OK", "Cancel", "Later"}) {
+    EXPECT_THAT(controlsWith("  button '" + name + "' [370 6 24x24] <Click>\n"), ElementsAre("none")) << name;
+  }
+}
+
+TEST(CloseControl, IsTheSymbolInItsCorner) {
+  for (const std::string name : {"x", "X", "×", "✕"}) {
+    EXPECT_THAT(controlsWith("  button '" + name + "' [370 6 24x24] <Press>\n"), ElementsAre(name + "/ 0")) << name;
+  }
+}
+
+TEST(CloseControl, IsPressedByItsFirstPressAction) {
+  EXPECT_THAT(controlsWith("  button 'x' [370 6 24x24] <SetFocus> <Press> <Press>\n"), ElementsAre("x/ 1"));
+}
+
+TEST(CloseControl, CannotBePressedWithoutAnAction) {
+  EXPECT_THAT(controlsWith("  button 'x' [370 6 24x24]\n"), ElementsAre("none"));
+  EXPECT_THAT(controlsWith("  button 'x' [370 6 24x24] <SetFocus>\n"), ElementsAre("none"));
+}
+
+TEST(CloseControl, MayAppearUnderThePointerOnly) {
+  EXPECT_THAT(controlsWith("  button 'Close' (hidden) [370 6 24x24] <Press>\n"), ElementsAre("Close/ 0"));
+}
+
+TEST(CloseControl, MayBeWithinAnyDepth) {
+  EXPECT_THAT(controlsWith("  panel ''\n    panel ''\n      button 'x' [370 6 24x24] <Press>\n"), ElementsAre("x/ 0"));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What it says.
+
+TEST(BannerText, LeavesOutABodyThatIsMissing) {
+  EXPECT_THAT(textsOf(ParseTree("alert ''\n  label 'Title'\n")), ElementsAre(", Title"));
+}
+
+TEST(BannerText, KnowsTheApplicationFromThreeLabelsThoughOneIsEmpty) {
+  EXPECT_THAT(
+      textsOf(ParseTree("alert ''\n  label '' (hidden)\n  label 'Mail'\n  label 'Title'\n  label '' (hidden)\n")),
+      ElementsAre("Mail, Title"));
+}
+
+TEST(BannerText, FollowsTheOrderOnScreen) {
+  EXPECT_THAT(textsOf(ParseTree("alert ''\n  label 'Body' [0 40 90x20]\n  label 'Title' [0 10 90x20]\n")),
+              ElementsAre(", Title, Body"));
+}
+
+TEST(BannerText, LeavesOutWhatTheButtonsSay) {
+  EXPECT_THAT(textsOf(ParseTree("alert ''\n  label 'Title'\n  button 'Open'\n    label 'Open'\n")),
+              ElementsAre(", Title"));
+}
+
+TEST(BannerText, MayStandOnTheNotificationItself) {
+  EXPECT_THAT(textsOf(ParseTree("notification 'Title' / 'Body'\n")), ElementsAre(", Title, Body"));
+}
+
+}  // namespace

@@ -1,0 +1,126 @@
+#include "tests/platform/linux/atspi/recorded_tree.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr std::pair<std::string_view, std::uint32_t> kRoles[] = {
+    {"alert", HLRawRole::kAlert},
+    {"button", HLRawRole::kPushButton},
+    {"combo box", HLRawRole::kComboBox},
+    {"dialog", HLRawRole::kDialog},
+    {"drawing area", HLRawRole::kDrawingArea},
+    {"filler", HLRawRole::kFiller},
+    {"frame", HLRawRole::kFrame},
+    {"icon", HLRawRole::kIcon},
+    {"label", HLRawRole::kLabel},
+    {"list", HLRawRole::kList},
+    {"list item", HLRawRole::kListItem},
+    {"menu", HLRawRole::kMenu},
+    {"menu bar", HLRawRole::kMenuBar},
+    {"menu item", HLRawRole::kMenuItem},
+    {"notification", HLRawRole::kNotification},
+    {"page tab list", HLRawRole::kPageTabList},
+    {"panel", HLRawRole::kPanel},
+    {"scroll bar", HLRawRole::kScrollBar},
+    {"text", HLRawRole::kText},
+    {"toggle button", HLRawRole::kToggleButton},
+    {"tool bar", HLRawRole::kToolBar},
+    {"window", HLRawRole::kWindow},
+};
+
+std::uint32_t roleNumber(const std::string& name) {
+  for (const auto& [word, number] : kRoles) {
+    if (word == name) return number;
+  }
+  return static_cast<std::uint32_t>(std::stoul(name));
+}
+
+std::string roleName(std::uint32_t number) {
+  for (const auto& [word, known] : kRoles) {
+    if (known == number) return std::string(word);
+  }
+  return std::to_string(number);
+}
+
+HLRawNode parseNode(const std::string& line) {
+  static const std::regex pattern(
+      R"(^ *([a-z0-9 ]+?) '(.*?)'(?: / '(.*?)')?(?: \((hidden|covered)\))?(?: \[(-?\d+) (-?\d+) (\d+)x(\d+)\])?((?: <[^>]*>)*)$)");
+  std::smatch parts;
+  if (!std::regex_match(line, parts, pattern)) throw std::runtime_error("not a node: " + line);
+  HLRawNode node;
+  node.role = roleNumber(parts[1]);
+  node.name = parts[2];
+  node.description = parts[3];
+  node.states = parts[4] == "covered" ? HLRawState::kVisible : parts[4] == "hidden" ? 0 : HLRawState::kShowing;
+  if (parts[5].matched) {
+    node.extents = HLRect{std::stod(parts[5]), std::stod(parts[6]), std::stod(parts[7]), std::stod(parts[8])};
+  }
+  static const std::regex action("<([^>]*)>");
+  const std::string actions = parts[9];
+  for (std::sregex_iterator i(actions.begin(), actions.end(), action), end; i != end; ++i)
+    node.actions.push_back((*i)[1]);
+  node.hasActions = !node.actions.empty();
+  node.hasExtents = node.extents.has_value();
+  return node;
+}
+
+void print(const HLRawTree& tree, int index, int depth, std::ostream& out) {
+  const HLRawNode& node = tree[static_cast<std::size_t>(index)];
+  if (index != 0) {
+    out << std::string(static_cast<std::size_t>(2 * depth), ' ') << roleName(node.role) << " '" << node.name << "'";
+    if (!node.description.empty()) out << " / '" << node.description << "'";
+    if (!node.isShowing()) out << (node.isVisible() ? " (covered)" : " (hidden)");
+    if (node.extents) {
+      const HLRect& frame = *node.extents;
+      out << " [" << frame.x << " " << frame.y << " " << frame.width << "x" << frame.height << "]";
+    }
+    for (const std::string& action : node.actions) out << " <" << action << ">";
+    out << "\n";
+  }
+  for (int child : node.children) print(tree, child, index == 0 ? 0 : depth + 1, out);
+}
+
+}  // namespace
+
+HLRawTree ParseTree(std::string_view text) {
+  HLRawTree tree(1);
+  tree.front().role = HLRawRole::kApplication;
+  std::vector<int> path = {0};  // the ancestors of the next line
+  std::istringstream lines{std::string(text)};
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find_first_not_of(' ') == std::string::npos || line.front() == '#') continue;
+    const std::size_t depth = line.find_first_not_of(' ') / 2;
+    if (depth + 1 > path.size()) throw std::runtime_error("no parent: " + line);
+    path.resize(depth + 1);
+    const int index = static_cast<int>(tree.size());
+    HLRawNode node = parseNode(line);
+    node.path = "/" + std::to_string(index);
+    node.parent = path.back();
+    tree[static_cast<std::size_t>(path.back())].children.push_back(index);
+    tree.push_back(std::move(node));
+    path.push_back(index);
+  }
+  return tree;
+}
+
+std::string PrintTree(const HLRawTree& tree) {
+  std::ostringstream out;
+  print(tree, 0, 0, out);
+  return out.str();
+}
+
+HLRawTree RecordedTree(const std::string& name) {
+  std::ifstream file(std::string(HL_TREES) + "/" + name + ".txt");
+  if (!file) throw std::runtime_error("no such tree: " + name);
+  return ParseTree(std::string{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()});
+}

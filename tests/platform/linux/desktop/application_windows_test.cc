@@ -1,0 +1,206 @@
+// The windows of the menu-bar application on a real desktop, and its starts and ends.
+#include <csignal>
+#include <filesystem>
+#include <set>
+
+#include "tests/platform/linux/desktop/application_desktop.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+
+class ApplicationWindows : public ApplicationDesktop {
+ protected:
+  void expectPlainFrame(const std::string& title) {
+    const std::optional<ScreenWindow> window = screen_->findTitled(title);
+    ASSERT_TRUE(window);
+    const Screen::FrameWishes wishes = screen_->frameWishes(window->id);
+    EXPECT_TRUE(wishes.functions & Screen::kCloseFunction);
+    EXPECT_TRUE(wishes.decorations & Screen::kTitleDecoration);
+    EXPECT_FALSE(wishes.decorations & (Screen::kMinimizeDecoration | Screen::kMaximizeDecoration));
+  }
+
+  // Another start, while the first runs.
+  void startAgain() {
+    const std::unique_ptr<ChildProcess> second = session_->start(commandLine(kProduct));
+    EXPECT_EQ(second->wait(kPatience), 0) << second->output();
+    EXPECT_EQ(second->output(), "");
+  }
+};
+
+TEST_F(ApplicationWindows, ANewShortcutIsRecordedByTypingItAndKept) {
+  beginDesktopWith(kMate);
+  startApplication({"--open-settings"});
+  waitForWindow(kSettings);
+  expectPlainFrame(kSettings);
+  EXPECT_EQ(waitForPart(kSettings).role, HLRawRole::kDialog);
+  (void)waitForPart("⌃⌥⌘N");
+  clickPart("Record Shortcut");
+  (void)waitForPart("Press the new shortcut. Escape cancels.");
+  (void)waitForPart("Type Shortcut…");
+  screen_->press({KEY_LEFTSHIFT, KEY_K});
+  (void)waitForPart("Add Command, Option or Control, or use an F key.");
+  keepPicture("refused");
+  (void)waitForPart("Type Shortcut…");
+  EXPECT_EQ(defaultsFile(), "");
+  screen_->press({KEY_LEFTCTRL, KEY_LEFTSHIFT, KEY_K});
+  (void)waitForPart("Saved. Works from any app.");
+  (void)waitForPart("⌃⇧K");
+  (void)waitForPart("Record Shortcut");
+  keepPicture("saved");
+  EXPECT_THAT(defaultsFile(), HasSubstr("\"HLHotKeyCode\": 40"));
+  EXPECT_THAT(defaultsFile(), HasSubstr("\"HLHotKeyModifiers\": 393216"));
+  EXPECT_THAT(defaultsFile(), HasSubstr("\"HLHotKeyKeyLabel\": \"K\""));
+  EXPECT_EQ(countLogged("hotKey register label=⌃⇧K status=0"), 1);
+
+  const std::vector<std::uint32_t> first = send(2);
+  waitForTargets(2);
+  screen_->press(kDefaultShortcut);
+  screen_->press({KEY_LEFTCTRL, KEY_LEFTSHIFT, KEY_K});
+  expectCleared(first, kMate);
+  EXPECT_EQ(countLogged("hotKeyPressed"), 1) << "the old one is of no effect";
+
+  application_ = nullptr;
+  startApplication();
+  waitForLogged("hotKey register label=⌃⇧K status=0", 2);
+  const std::vector<std::uint32_t> second = send(2);
+  waitForTargets(2);
+  screen_->press({KEY_LEFTCTRL, KEY_LEFTSHIFT, KEY_K});
+  expectCleared(second, kMate, 1);
+}
+
+TEST_F(ApplicationWindows, ASecondStartShowsTheSettingsOfTheFirstAndEnds) {
+  beginDesktopWith(kMate);
+  startApplication();
+  startAgain();
+  waitForWindow(kSettings);
+  EXPECT_EQ(countLogged("applicationDidFinishLaunching"), 1);
+  // The window manager takes its keys anew after the first that is typed, and misses one that comes meanwhile.
+  EXPECT_TRUE(Eventually([this] {
+    screen_->press({KEY_LEFTALT, KEY_F4});
+    return !screen_->findTitled(kSettings);
+  }));
+}
+
+TEST_F(ApplicationWindows, WithoutATrayASecondStartIsTheWayIn) {
+  beginDesktop();
+  tray_ = nullptr;
+  application_ = session_->start(commandLine(kProduct));
+  waitForLogged("refreshStatusItem ");
+  startAgain();
+  waitForWindow(kSettings);
+}
+
+TEST_F(ApplicationWindows, APanelThatIsRestartedGetsTheIconBack) {
+  beginDesktopWith(kMate);
+  startApplication();
+  tray_->signal(SIGKILL);
+  ASSERT_TRUE(tray_->wait(kPatience));
+  startTray();
+  const std::vector<std::uint32_t> ids = send(2);
+  waitForTargets(2);
+  clickIcon(Screen::kLeftButton);
+  expectCleared(ids, kMate);
+}
+
+TEST_F(ApplicationWindows, ItIsQuitByItsMenu) {
+  beginDesktop();
+  startApplication();
+  (void)openMenu(Screen::kLeftButton, {KEY_LEFTCTRL});
+  EXPECT_EQ(countLogged("handleClick type=2 modifiers=262144"), 1);
+  screen_->press({KEY_UP});
+  screen_->press({KEY_ENTER});
+  EXPECT_EQ(application_->wait(kPatience), 0) << application_->output();
+  EXPECT_EQ(application_->output(), "");
+}
+
+TEST_F(ApplicationWindows, WithoutADisplayItSaysSoAndEnds) {
+  begin();
+  Environment without = session_->environment();
+  without.erase("DISPLAY");
+  ChildProcess program({kProduct}, without, session_->directory() + "/without-display");
+  EXPECT_EQ(program.wait(kPatience), 1);
+  EXPECT_THAT(program.output(), MatchesRegex("hushlet: [^\n]+\n"));
+}
+
+TEST_F(ApplicationWindows, ArePhotographed) {
+  for (const bool dark : {false, true}) {
+    beginDesktop();
+    const std::string directory = session_->directory() + "/snapshots";
+    std::filesystem::create_directory(directory);
+    std::vector<std::string> arguments = {"--open-settings", "--snapshot-windows", directory};
+    if (dark) arguments.insert(arguments.begin(), "--appearance-dark");
+    startApplication(arguments);
+    waitForLogged("snapshot window=Hushlet Settings size=420x280 wrote=1");
+    keepPicture(dark ? "dark" : "light");
+    std::vector<std::string> names;
+    for (const auto& file : std::filesystem::directory_iterator(directory)) names.push_back(file.path().filename());
+    EXPECT_THAT(names, ElementsAre("00-Hushlet Settings.png"));
+    // How light it is, of 255.
+    const auto measure = session_->start(
+        {"convert", directory + "/00-Hushlet Settings.png", "-format", "%wx%h %[fx:int(255*mean)]", "info:"});
+    ASSERT_EQ(measure->wait(kPatience), 0) << measure->output();
+    int width = 0;
+    int height = 0;
+    int lightness = 0;
+    ASSERT_EQ(std::sscanf(measure->output().c_str(), "%dx%d %d", &width, &height, &lightness), 3);
+    EXPECT_EQ(width, 420);
+    EXPECT_EQ(height, 280);
+    EXPECT_EQ(lightness < 128, dark) << lightness;
+    TearDown();
+  }
+}
+
+// Its bus is there and accessibility is off, as on most desktops.
+class ApplicationSetup : public ApplicationWindows, public testing::WithParamInterface<Server> {
+ protected:
+  bool isAccessibilityEnabled() {
+    const auto tool =
+        session_->start({"busctl", "--address=" + session_->environment().at("DBUS_SESSION_BUS_ADDRESS"),
+                         "get-property", "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status", "IsEnabled"});
+    EXPECT_EQ(tool->wait(kPatience), 0) << tool->output();
+    return tool->output() == "b true\n";
+  }
+
+  // As a session would that knows nothing of accessibility yet.
+  void startServer(const std::string& command) {
+    server_ = session_->start({"env", "--unset=QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "--unset=GTK_MODULES", command});
+    require([this] { return session_->serverPid() == server_->pid(); }, [this] { return server_->output(); });
+  }
+};
+
+TEST_P(ApplicationSetup, LeadsFromTheFirstStartToTheFirstClearedScreen) {
+  beginDesktop();
+  session_->setAccessibilityEnabled(false);
+  startServer(GetParam().command);
+  startApplication();
+  waitForWindow(kSetup);
+  expectPlainFrame(kSetup);
+  (void)waitForPart("Waiting for Accessibility access…");
+  waitForLogged("refreshStatusItem available=false visible=true");
+  keepPicture("waiting");
+  EXPECT_FALSE(isAccessibilityEnabled()) << "nobody has asked for it yet";
+
+  clickPart("Open Accessibility Settings");
+  (void)waitForPart("Done");
+  (void)waitForPart("Allowed. Press ⌃⌥⌘N or click the menu bar icon to clear notifications.");
+  EXPECT_TRUE(isAccessibilityEnabled());
+  waitForLogged("refreshStatusItem available=true visible=true");
+  EXPECT_EQ(countLogged("requestAccessibility trusted=true "), 1);
+  keepPicture("allowed");
+  screen_->press({KEY_ENTER});
+  waitUntilGone(kSetup);
+
+  const std::vector<std::uint32_t> ids = send(3);
+  waitForTargets(3);
+  clickIcon(Screen::kLeftButton);
+  expectCleared(ids, GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(Real, ApplicationSetup, testing::Values(kMate, kLxqt),
+                         [](const auto& server) { return server.param.name; });
+
+}  // namespace

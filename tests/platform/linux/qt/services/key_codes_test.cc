@@ -1,0 +1,50 @@
+// Keys by their position.
+#include "platform/linux/qt/services/key_codes.h"
+
+#include <gtest/gtest.h>
+#include <linux/input-event-codes.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace {
+
+TEST(KeyCodes, AKeyHasTheVirtualKeyCodeOfItsPosition) {
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_N), 45);
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_ENTER), 36);
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_TAB), 48);
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_SPACE), 49);
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_BACKSPACE), 51);
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_ESC), 53);
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_GRAVE), 50);
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_102ND), 10);
+}
+
+TEST(KeyCodes, TheFunctionKeysAreAllThere) {
+  const std::uint16_t codes[] = {122, 120, 99, 118, 96, 97, 98, 100, 101, 109};
+  for (std::uint32_t i = 0; i < 10; ++i) EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_F1 + i), codes[i]) << "F" << i + 1;
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_F11), 103);
+  EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_F12), 111);
+}
+
+TEST(KeyCodes, TheWayBackLeadsToTheSameKey) {
+  int known = 0;
+  for (std::uint32_t kernelKey = 0; kernelKey < 0x300; ++kernelKey) {
+    const std::optional<std::uint16_t> code = HLVirtualKeyForKernelKey(kernelKey);
+    if (!code) continue;
+    ++known;
+    EXPECT_EQ(HLKernelKeyForVirtualKey(*code), kernelKey);
+  }
+  EXPECT_GT(known, 100);
+}
+
+TEST(KeyCodes, KeysThatOnlyModifyOthersHaveNone) {
+  for (int key : {KEY_LEFTCTRL, KEY_RIGHTCTRL, KEY_LEFTSHIFT, KEY_RIGHTSHIFT, KEY_LEFTALT, KEY_RIGHTALT, KEY_LEFTMETA,
+                  KEY_RIGHTMETA, KEY_CAPSLOCK}) {
+    EXPECT_FALSE(HLVirtualKeyForKernelKey(static_cast<std::uint32_t>(key))) << key;
+  }
+  EXPECT_FALSE(HLKernelKeyForVirtualKey(55));
+  EXPECT_FALSE(HLKernelKeyForVirtualKey(0xFFFF));
+}
+
+}  // namespace

@@ -1,0 +1,280 @@
+// Opening addresses with programs of the test's own.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/access_guide.h"
+#include "platform/linux/session/detached_program.h"
+#include "platform/linux/session/linux_workspace.h"
+#include "tests/platform/linux/session/fake_process.h"
+#include "tests/platform/linux/support/desktop_session.h"
+#include "tests/support/temporary_directory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+constexpr const char* kPane =
+    "x-apple.systempreferences:com.apple.settings.PrivacySecurity.extension?Privacy_Accessibility";
+
+class Workspace : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::create_directory(programs());
+    process_.variables["PATH"] = "relative:" + directory_.path() + "/none:" + programs();
+  }
+
+  [[nodiscard]] std::string programs() const { return directory_.path() + "/programs"; }
+  [[nodiscard]] std::string report() const { return directory_.path() + "/report"; }
+
+  void makeProgram(const std::string& name, const std::string& script) const {
+    std::ofstream(programs() + "/" + name) << script;
+    fs::permissions(programs() + "/" + name, fs::perms::owner_all);
+  }
+
+  // A program that says how it was called.
+  void makeReporter(const std::string& name) const {
+    makeProgram(name,
+                "#!/bin/sh\necho \"${0##*/} $*\" >" + report() + ".new\nmv " + report() + ".new " + report() + "\n");
+  }
+
+  std::string reported() const {
+    EXPECT_TRUE(Eventually([this] { return fs::exists(report()); }));
+    std::string said = FileContent(report());
+    fs::remove(report());
+    return said;
+  }
+
+  TemporaryDirectory directory_;
+  FakeProcess process_{directory_.path()};
+  HLLinuxWorkspace workspace_{process_};
+};
+
+TEST_F(Workspace, OpensPagesAndMailByTheDesktopsChoice) {
+  makeReporter("xdg-open");
+  for (const char* address : {"https://updates.hushlet.example/quillmere/download", "http://127.0.0.1:80/a?b=c&d#e",
+                              "HTTPS://Example.org", "mailto:ada@example.org?subject=a%20b", "http://[::1]/"}) {
+    EXPECT_TRUE(workspace_.openAddress(address));
+    EXPECT_EQ(reported(), std::string("xdg-open ") + address + "\n");
+  }
+}
+
+TEST_F(Workspace, OpensNothingThatIsNoSuchAddress) {
+  makeReporter("xdg-open");
+  for (const std::string address :
+       {"",
+        "https://",
+        "https:///path",
+        "https://?x",
+        "http://:80",
+        "mailto:",
+        "example.org",
+        "/etc/passwd",
+        "file:///etc/passwd",
+        "javascript:alert(1)",
+        "ftp://example.org/",
+        "https//example.org",
+        "https:example.org",
+        "--help",
+        "-v",
+        "https://example.org/a b",
+        "https://example.org/\"",
+        "https://example.org/<a>",
+        "https://example.org/\n",
+        "https://example.org/\\",
+        "https://exämple.org/",
+        " https://example.org/",
+        "x-other:pane",
+        "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility",
+        "x-apple.systempreferences:com.apple.settings.PrivacySecurity.extension?Privacy_Camera"}) {
+    EXPECT_FALSE(workspace_.openAddress(address)) << address;
+  }
+  EXPECT_FALSE(workspace_.openAddress("https://" + std::string(10'000, 'a')));
+  EXPECT_FALSE(workspace_.openAddress(std::string("https://a\0b", 11)));
+  EXPECT_FALSE(fs::exists(report()));
+}
+
+TEST_F(Workspace, OpensTheAccessibilityScreenOfTheDesktop) {
+  struct Row {
+    const char* desktop;
+    const char* program;
+    const char* called;
+  };
+  for (const Row& row :
+       std::vector<Row>{{"GNOME", "gnome-control-center", "gnome-control-center universal-access\n"},
+                        {"ubuntu:GNOME", "gnome-control-center", "gnome-control-center universal-access\n"},
+                        {"MATE", "mate-at-properties", "mate-at-properties \n"},
+                        {"XFCE", "xfce4-accessibility-settings", "xfce4-accessibility-settings \n"},
+                        {"X-Cinnamon", "cinnamon-settings", "cinnamon-settings universal-access\n"},
+                        {"KDE", "systemsettings", "systemsettings kcm_access\n"},
+                        {"KDE", "kcmshell5", "kcmshell5 kcm_access\n"},
+                        {"LXQt", "lxqt-config", "lxqt-config \n"}}) {
+    SCOPED_TRACE(row.program);
+    fs::remove_all(programs());
+    fs::create_directory(programs());
+    process_.variables["XDG_CURRENT_DESKTOP"] = row.desktop;
+    EXPECT_FALSE(workspace_.openAddress(kPane)) << "it is not installed";
+    makeReporter(row.program);
+    EXPECT_TRUE(workspace_.openAddress(kPane));
+    EXPECT_EQ(reported(), row.called);
+    process_.variables["XDG_CURRENT_DESKTOP"] = "Other";
+    EXPECT_FALSE(workspace_.openAddress(kPane)) << "it belongs to another desktop";
+    process_.variables.erase("XDG_CURRENT_DESKTOP");
+    EXPECT_FALSE(workspace_.openAddress(kPane));
+  }
+}
+
+TEST_F(Workspace, TriesTheNextProgramWhenOneCannotBeStarted) {
+  process_.variables["XDG_CURRENT_DESKTOP"] = "KDE";
+  makeProgram("systemsettings", "#!/nowhere/no-interpreter\n");
+  EXPECT_FALSE(workspace_.openAddress(kPane));
+  makeReporter("kcmshell6");
+  EXPECT_TRUE(workspace_.openAddress(kPane));
+  EXPECT_EQ(reported(), "kcmshell6 kcm_access\n");
+}
+
+TEST_F(Workspace, SaysWhenNothingCanOpenAPage) {
+  process_.variables["PATH"] = programs();
+  const std::string bus = "unix:path=" + directory_.path() + "/no-bus";
+  const char* before = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+  const std::string kept = before == nullptr ? "" : before;
+  setenv("DBUS_SESSION_BUS_ADDRESS", bus.c_str(), 1);
+  EXPECT_FALSE(workspace_.openAddress("https://example.org"));
+  before == nullptr ? unsetenv("DBUS_SESSION_BUS_ADDRESS") : setenv("DBUS_SESSION_BUS_ADDRESS", kept.c_str(), 1);
+}
+
+// The portal, as far as addresses go: a program that writes down what it is asked for.
+class AddressPortal {
+ public:
+  AddressPortal() {
+    static const sd_bus_vtable kTable[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD("OpenURI", "ssa{sv}", "o", &AddressPortal::openUri, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_VTABLE_END};
+    if (sd_bus_open_user(&bus_) < 0 ||
+        sd_bus_add_object_vtable(bus_, nullptr, "/org/freedesktop/portal/desktop", "org.freedesktop.portal.OpenURI",
+                                 kTable, this) < 0 ||
+        sd_bus_request_name(bus_, "org.freedesktop.portal.Desktop", 0) < 0) {
+      throw std::runtime_error("no portal");
+    }
+    thread_ = std::thread([this] {
+      while (!ending_) {
+        if (sd_bus_process(bus_, nullptr) == 0) sd_bus_wait(bus_, 5'000);
+      }
+    });
+  }
+  AddressPortal(const AddressPortal&) = delete;
+  AddressPortal& operator=(const AddressPortal&) = delete;
+  ~AddressPortal() {
+    ending_ = true;
+    thread_.join();
+    sd_bus_flush_close_unref(bus_);
+  }
+
+  // After the call has been answered, and so on the asker's thread.
+  [[nodiscard]] std::string opened() {
+    const std::lock_guard lock(mutex_);
+    return opened_;
+  }
+
+ private:
+  static int openUri(sd_bus_message* message, void* data, sd_bus_error*) {
+    auto& self = *static_cast<AddressPortal*>(data);
+    const char* window = nullptr;
+    const char* address = nullptr;
+    sd_bus_message_read(message, "ss", &window, &address);
+    {
+      const std::lock_guard lock(self.mutex_);
+      self.opened_ = address;
+    }
+    return sd_bus_reply_method_return(message, "o", "/org/freedesktop/portal/desktop/request/1/2");
+  }
+
+  sd_bus* bus_ = nullptr;
+  std::mutex mutex_;
+  std::string opened_;
+  std::atomic<bool> ending_ = false;
+  std::thread thread_;
+};
+
+TEST_F(Workspace, OpensPagesByThePortalWhereThereIsNoProgramForThem) {
+  DesktopSession session(WithoutAccessibility());
+  const SessionEnvironment environment(session.environment());
+  EXPECT_FALSE(workspace_.openAddress("https://example.org")) << "there is no portal either";
+  AddressPortal portal;
+  EXPECT_TRUE(workspace_.openAddress("https://example.org"));
+  EXPECT_EQ(portal.opened(), "https://example.org");
+  EXPECT_FALSE(workspace_.openAddress("file:///etc/passwd"));
+  EXPECT_EQ(portal.opened(), "https://example.org");
+}
+
+TEST_F(Workspace, WhatItStartsRunsByItself) {
+  prctl(PR_SET_CHILD_SUBREAPER, 0);  // a session of a test before this one may have made this process take in orphans
+  // The shell's own look at its descriptors, its session and its parent.
+  makeProgram(
+      "xdg-open",
+      "#!/bin/sh\n{ for d in /proc/$$/fd/*; do echo \"${d##*/}=$(readlink $d)\"; done; cut -d' ' -f4,6 /proc/$$/stat;"
+      " grep SigIgn /proc/$$/status; } >" +
+          report() + ".new\nmv " + report() + ".new " + report() + "\n");
+  const int leaked = fcntl(STDERR_FILENO, F_DUPFD, 200);  // survives an exec; no shell uses such a number itself
+  signal(SIGPIPE, SIG_IGN);
+  EXPECT_TRUE(workspace_.openAddress("https://example.org"));
+  const std::string said = reported();
+  signal(SIGPIPE, SIG_DFL);
+  close(leaked);
+  EXPECT_THAT(said, HasSubstr("0=/dev/null\n"));
+  EXPECT_THAT(said, HasSubstr("2=/dev/null\n"));
+  EXPECT_EQ(said.find("\n" + std::to_string(leaked) + "="), std::string::npos) << said;
+  EXPECT_EQ(said.find(std::to_string(getpid()) + " "), std::string::npos) << said;
+  EXPECT_EQ(said.find(" " + std::to_string(getsid(0)) + "\n"), std::string::npos) << said;
+  // The C library keeps two signals above these to itself.
+  EXPECT_THAT(said, testing::ContainsRegex("SigIgn:\t[0-9a-f]{8}[08]0000000"));
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(Workspace, DoesNotWaitForWhatItStarts) {
+  makeProgram("xdg-open", "#!/bin/sh\nmkfifo " + report() + ".pipe\necho $$ >" + report() + ".new\nmv " + report() +
+                              ".new " + report() + "\nread line <" + report() + ".pipe\n");
+  EXPECT_TRUE(workspace_.openAddress("https://example.org"));
+  const pid_t pid = std::stoi(reported());
+  EXPECT_EQ(kill(pid, 0), 0);
+  kill(pid, SIGKILL);
+}
+
+TEST(AccessGuide, HasThreeStepsAndNamesTheApplicationAndItsButton) {
+  const HLAccessGuide guide = HLLinuxAccessGuide();
+  EXPECT_EQ(std::count(guide.steps.begin(), guide.steps.end(), '\n'), 2);
+  EXPECT_THAT(guide.steps, HasSubstr("1. Click Open Accessibility Settings."));
+  EXPECT_THAT(guide.steps, HasSubstr("\n3. Come back here. This window updates by itself."));
+  for (const std::string& text : {guide.explanation, guide.note}) EXPECT_THAT(text, HasSubstr("%@"));
+  for (const std::string& text : {guide.explanation, guide.steps, guide.note}) {
+    EXPECT_EQ(text.find('%'), text.find("%@"));
+    EXPECT_EQ(text.find("macOS"), std::string::npos);
+    EXPECT_EQ(text.find("Mac"), std::string::npos);
+  }
+}
+
+TEST(DetachedProgram, ThatIsNotThereIsNotStarted) {
+  EXPECT_FALSE(HLStartDetached("/nowhere/at/all", {"all"}));
+  EXPECT_FALSE(HLStartDetached("/etc/passwd", {"passwd"}));
+  EXPECT_TRUE(HLStartDetached("/bin/true", {"true"}));
+}
+
+}  // namespace

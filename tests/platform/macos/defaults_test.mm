@@ -1,0 +1,93 @@
+// User defaults and property lists.
+#import <Foundation/Foundation.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/macos/system/macos_property_lists.h"
+#include "platform/macos/system/macos_user_defaults.h"
+#include "platform/macos/values/values.h"
+
+namespace {
+
+// The test program has a domain of its own; what it stores is taken out again.
+class UserDefaults : public testing::Test {
+ protected:
+  ~UserDefaults() override { [NSUserDefaults.standardUserDefaults removeObjectForKey:@"HLTestKey"]; }
+
+  // What stands under the key in the domain of a program without a bundle, which is named after it.
+  static NSNumber* stored() {
+    return [NSUserDefaults.standardUserDefaults
+        persistentDomainForName:NSProcessInfo.processInfo.processName][@"HLTestKey"];
+  }
+
+  HLMacUserDefaults defaults_;
+};
+
+TEST_F(UserDefaults, AnswerWhatWasStored) {
+  EXPECT_TRUE(defaults_.value("HLTestKey").isMissing());
+  defaults_.setValue("HLTestKey", true);
+  EXPECT_TRUE(*defaults_.value("HLTestKey").as<bool>());
+  defaults_.setValue("HLTestKey", std::int64_t{-1});
+  EXPECT_EQ(*defaults_.value("HLTestKey").as<std::int64_t>(), -1);
+  defaults_.setValue("HLTestKey", std::string("⌃⌥⌘N"));
+  EXPECT_EQ(*defaults_.value("HLTestKey").as<std::string>(), "⌃⌥⌘N");
+}
+
+TEST_F(UserDefaults, FallBackToWhatIsRegisteredAndNeverStoreIt) {
+  defaults_.registerDefaults({{"HLTestKey", std::int64_t{45}}});
+  EXPECT_EQ(HLIntegerDefault(defaults_, "HLTestKey"), 45);
+  EXPECT_EQ(stored(), nil);
+  defaults_.setValue("HLTestKey", std::int64_t{7});
+  EXPECT_EQ(HLIntegerDefault(defaults_, "HLTestKey"), 7);
+  EXPECT_EQ(stored().integerValue, 7);
+}
+
+TEST_F(UserDefaults, OfOtherKindsAreNotStored) {
+  defaults_.setValue("HLTestKey", HLPoint{1, 2});
+  EXPECT_TRUE(defaults_.value("HLTestKey").isMissing());
+}
+
+class PropertyLists : public testing::Test {
+ protected:
+  ~PropertyLists() override { [NSFileManager.defaultManager removeItemAtPath:HLMakeString(path_) error:nil]; }
+
+  void write(id list, NSPropertyListFormat format) {
+    NSData* data = [NSPropertyListSerialization dataWithPropertyList:list format:format options:0 error:nil];
+    ASSERT_TRUE([data writeToFile:HLMakeString(path_) atomically:YES]);
+  }
+
+  const std::string path_ =
+      HLTextOfString([NSTemporaryDirectory() stringByAppendingPathComponent:NSUUID.UUID.UUIDString]);
+  HLMacPropertyLists lists_;
+};
+
+TEST_F(PropertyLists, AreReadInBothForms) {
+  for (NSPropertyListFormat format : {NSPropertyListXMLFormat_v1_0, NSPropertyListBinaryFormat_v1_0}) {
+    write(
+        @{@"de" : @{@"CFBundleDisplayName" : @"Kurzbefehle"},
+          @"count" : @3},
+        format);
+    const auto list = lists_.readDictionary(path_);
+    ASSERT_TRUE(list.has_value());
+    const HLDictionary& german = *HLDictionaryValue(*list, "de")->as<HLDictionary>();
+    EXPECT_EQ(*HLDictionaryValue(german, "CFBundleDisplayName")->as<std::string>(), "Kurzbefehle");
+    EXPECT_EQ(*HLDictionaryValue(*list, "count")->as<std::int64_t>(), 3);
+  }
+}
+
+TEST_F(PropertyLists, OfAnotherKindOrNoneAreNothing) {
+  EXPECT_FALSE(lists_.readDictionary(path_).has_value());
+  write(@[ @1 ], NSPropertyListXMLFormat_v1_0);
+  EXPECT_FALSE(lists_.readDictionary(path_).has_value());
+  [@"no list <" writeToFile:HLMakeString(path_) atomically:YES encoding:NSUTF8StringEncoding error:nil];
+  EXPECT_FALSE(lists_.readDictionary(path_).has_value());
+}
+
+TEST_F(PropertyLists, OfTheSystemNameItsShortcutsApplication) {
+  const auto table = lists_.readDictionary("/System/Applications/Shortcuts.app/Contents/Resources/InfoPlist.loctable");
+  ASSERT_TRUE(table.has_value());
+  EXPECT_GT(table->size(), 10U);
+}
+
+}  // namespace
