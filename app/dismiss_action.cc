@@ -16,7 +16,7 @@ void HLAppDelegate::dismissNotifications() {
   const double start = runLoop.now();
   HLAppendLog("dismissNotifications");
   refreshStatusItem();
-  host_.statusItem.setTitle(HLBusyTitle(HLIsProductFlavor()));
+  host_.statusItem->setTitle(HLBusyTitle(HLIsProductFlavor()));
   HLAppendLog("dismissNotifications started");
 
   HLSetProgressHandler([&runLoop, weak = weak_from_this()](std::int64_t count) {
@@ -34,7 +34,7 @@ void HLAppDelegate::dismissNotifications() {
 
 void HLAppDelegate::showProgress(std::int64_t count) {
   if (!dismissInFlight_) return;  // it comes late, and the button has been restored
-  host_.statusItem.setTitle(HLProgressTitle(HLIsProductFlavor(), count));
+  host_.statusItem->setTitle(HLProgressTitle(HLIsProductFlavor(), count));
 }
 
 void HLAppDelegate::finishDismissal(const HLDismissResult& result, std::int64_t elapsedMilliseconds) {

@@ -57,26 +57,26 @@ void HLAppDelegate::applicationDidFinishLaunching() {
 }
 
 void HLAppDelegate::observeRelaunches() {
-  HLCurrentPlatform().runningApplications.observeLaunches(
+  HLCurrentPlatform().runningApplications->observeLaunches(
       [self = shared_from_this()](const HLRunningApplication& launched) {
         if (launched.bundleIdentifier == HLNotificationCenterBundleIdentifier) self->updateAutoCloser();
       });
 }
 
 void HLAppDelegate::followLaunchSwitches() {
-  const std::vector<std::string> arguments = HLCurrentPlatform().process.arguments();
+  const std::vector<std::string> arguments = HLCurrentPlatform().process->arguments();
   const auto find = [&arguments](const char* name) { return std::find(arguments.begin(), arguments.end(), name); };
-  if (find("--appearance-dark") != arguments.end()) host_.application.setDarkAppearance();
+  if (find("--appearance-dark") != arguments.end()) host_.application->setDarkAppearance();
   if (find("--open-settings") != arguments.end()) showSettingsWindow();
   const auto snapshots = find("--snapshot-windows");
   if (snapshots == arguments.end() || snapshots + 1 == arguments.end()) return;
-  HLCurrentPlatform().runLoop.postToMainQueueAfter(
+  HLCurrentPlatform().runLoop->postToMainQueueAfter(
       kSnapshotDelay, [self = shared_from_this(), directory = snapshots[1]] { self->writeWindowSnapshots(directory); });
 }
 
 void HLAppDelegate::writeWindowSnapshots(const std::string& directory) {
   std::int64_t counter = 0;
-  for (const HLWindowView& view : host_.windows.views()) {
+  for (const HLWindowView& view : host_.windows->views()) {
     if (!view.visible || !(view.width > 0) || !(view.height > 0)) continue;
     const std::string name = view.title.empty() ? HLFormat("window-%ld", counter) : view.title;
     const std::filesystem::path path = std::filesystem::path(directory) / HLFormat("%02ld-%@.png", counter, name);
@@ -87,7 +87,7 @@ void HLAppDelegate::writeWindowSnapshots(const std::string& directory) {
   }
 }
 
-void HLAppDelegate::quit() { host_.application.terminate(); }
+void HLAppDelegate::quit() { host_.application->terminate(); }
 
 int HLRunApplication(std::ostream& err) {
   const auto host = HLCurrentPlatform().applicationPlatform();
@@ -97,6 +97,6 @@ int HLRunApplication(std::ostream& err) {
   }
   const HLApplicationPlatform& platform = *std::get<const HLApplicationPlatform*>(host);
   const auto delegate = std::make_shared<HLAppDelegate>(platform);
-  return platform.application.run(
+  return platform.application->run(
       {[delegate] { delegate->applicationDidFinishLaunching(); }, [delegate] { delegate->showSettingsWindow(); }});
 }

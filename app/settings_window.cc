@@ -39,7 +39,7 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
   window.stack = {
       {HLLabel{"", "Shortcut", 13, HLFontWeight::semibold}, 8, false},
       {shortcut, 8, false},
-      {HLLabel{kShortcutNoteLabel, host_.hotKeys.whyNone().value_or(kShortcutNote), 12, HLFontWeight::regular,
+      {HLLabel{kShortcutNoteLabel, host_.hotKeys->whyNone().value_or(kShortcutNote), 12, HLFontWeight::regular,
                HLTextColor::secondary},
        18, true},
       {HLLabel{"", "Accessibility", 13, HLFontWeight::semibold}, 8, false},
@@ -56,10 +56,10 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
 }
 
 void HLAppDelegate::showSettingsWindow() {
-  if (settingsWindow_ == nullptr) settingsWindow_ = host_.windows.makeWindow(settingsWindowDescription());
+  if (settingsWindow_ == nullptr) settingsWindow_ = host_.windows->makeWindow(settingsWindowDescription());
   updateSettingsState();
   settingsWindow_->center();
-  host_.application.activate();
+  host_.application->activate();
   settingsWindow_->makeKeyAndOrderFront();
 }
 
@@ -69,7 +69,7 @@ void HLAppDelegate::updateSettingsState() {
   settingsWindow_->setLabel(kAccessibilityLabel, trusted ? "Allowed" : "Not allowed yet",
                             trusted ? HLTextColor::green : HLTextColor::orange);
   if (HLIsProductFlavor()) {
-    settingsWindow_->setCheckBox(kOpenAtLoginCheckbox, host_.loginItem.status() == HLLoginItemEnabled);
+    settingsWindow_->setCheckBox(kOpenAtLoginCheckbox, host_.loginItem->status() == HLLoginItemStatus::enabled);
   }
   settingsWindow_->setEnabled(kRecordButton, true);
   settingsWindow_->setEnabled(kAutoCloseCheckbox, true);
@@ -88,7 +88,7 @@ void HLAppDelegate::setRecordButtonTitle(const std::string& title) {
 // Automation banners
 
 void HLAppDelegate::toggleAutoClose(bool on) {
-  host_.userDefaults.setValue(kAutoClose, on);
+  host_.userDefaults->setValue(kAutoClose, on);
   HLAppendLog("autoClose want=%@", on ? "on" : "off");
   updateAutoCloser();
 }
@@ -112,8 +112,8 @@ void HLAppDelegate::updateAutoCloser() {
 // Open at login
 
 void HLAppDelegate::toggleOpenAtLogin(bool on) {
-  const HLLoginItemOutcome outcome = on ? host_.loginItem.registerItem() : host_.loginItem.unregisterItem();
+  const HLLoginItemOutcome outcome = on ? host_.loginItem->registerItem() : host_.loginItem->unregisterItem();
   HLAppendLog("openAtLogin want=%@ ok=%@ status=%ld error=%@", on ? "on" : "off", outcome.ok ? "true" : "false",
-              host_.loginItem.status(), outcome.error.value_or("none"));
+              static_cast<std::int64_t>(host_.loginItem->status()), outcome.error.value_or("none"));
   updateSettingsState();
 }

@@ -48,13 +48,13 @@ HLWindowDescription HLAppDelegate::setupWindowDescription() {
 }
 
 void HLAppDelegate::showSetupWindow() {
-  if (setupWindow_ == nullptr) setupWindow_ = host_.windows.makeWindow(setupWindowDescription());
+  if (setupWindow_ == nullptr) setupWindow_ = host_.windows->makeWindow(setupWindowDescription());
   updateSetupState();
   setupWindow_->fitHeight();
   setupWindow_->center();
-  host_.application.activate();
+  host_.application->activate();
   setupWindow_->makeKeyAndOrderFront();
-  trustPollTimer_ = HLCurrentPlatform().runLoop.scheduleTimer(kPollInterval, [this] { updateSetupState(); });
+  trustPollTimer_ = HLCurrentPlatform().runLoop->scheduleTimer(kPollInterval, [this] { updateSetupState(); });
 }
 
 void HLAppDelegate::updateSetupState() {
@@ -64,7 +64,7 @@ void HLAppDelegate::updateSetupState() {
     setupWindow_->setButtonTitle(kPrimaryButton, kOpenSettings);
   } else {
     const std::string hint =
-        storedKeyCode() >= 0 && !host_.hotKeys.whyNone()
+        storedKeyCode() >= 0 && !host_.hotKeys->whyNone()
             ? HLFormat("Press %@ or click the menu bar icon to clear notifications.", storedShortcutLabel())
             : "Click the menu bar icon to clear notifications.";
     setupWindow_->setLabel(kStatusLabel, HLFormat("Allowed. %@", hint), HLTextColor::green);

@@ -15,14 +15,13 @@ constexpr const char* kModifiers = "HLHotKeyModifiers";
 constexpr const char* kKeyLabel = "HLHotKeyKeyLabel";
 
 constexpr std::int64_t kNoKey = -1;
-constexpr std::uint16_t kEscape = 53;
 
 const HLHotKeyIdentity kIdentity = {"HLhk", 1};
 
 std::int32_t HLHotKeyPressed(const std::optional<HLHotKeyIdentity>& identity,
                              const std::shared_ptr<HLAppDelegate>& delegate) {
   if (identity != kIdentity) return HLHotKeyNotHandled;
-  HLCurrentPlatform().runLoop.postToMainQueue([delegate] {
+  HLCurrentPlatform().runLoop->postToMainQueue([delegate] {
     HLAppendLog("hotKeyPressed");
     delegate->dismissNotifications();
   });
@@ -37,9 +36,9 @@ void HLAppDelegate::registerDefaultShortcut() {
   if (HLIsProductFlavor()) {
     constexpr std::int64_t kKeyN = 45;
     constexpr std::int64_t kFlags = HLModifierControl | HLModifierOption | HLModifierCommand;
-    host_.userDefaults.registerDefaults({{kCode, kKeyN}, {kModifiers, kFlags}, {kKeyLabel, std::string("N")}});
+    host_.userDefaults->registerDefaults({{kCode, kKeyN}, {kModifiers, kFlags}, {kKeyLabel, std::string("N")}});
   } else {
-    host_.userDefaults.registerDefaults({{kCode, kNoKey}});
+    host_.userDefaults->registerDefaults({{kCode, kNoKey}});
   }
 }
 
@@ -58,15 +57,15 @@ std::string HLAppDelegate::storedShortcutLabel() const {
 }
 
 void HLAppDelegate::storeShortcut(std::int64_t code, std::uint64_t modifiers, const std::optional<std::string>& label) {
-  host_.userDefaults.setValue(kCode, code);
-  host_.userDefaults.setValue(kModifiers, static_cast<std::int64_t>(modifiers));
-  if (label) host_.userDefaults.setValue(kKeyLabel, *label);
+  host_.userDefaults->setValue(kCode, code);
+  host_.userDefaults->setValue(kModifiers, static_cast<std::int64_t>(modifiers));
+  if (label) host_.userDefaults->setValue(kKeyLabel, *label);
 }
 
 // The hot key
 
 void HLAppDelegate::installHotKeyHandler() {
-  host_.hotKeys.installHandler([self = shared_from_this()](const std::optional<HLHotKeyIdentity>& identity) {
+  host_.hotKeys->installHandler([self = shared_from_this()](const std::optional<HLHotKeyIdentity>& identity) {
     return HLHotKeyPressed(identity, self);
   });
 }
@@ -79,7 +78,7 @@ std::int32_t HLAppDelegate::applyStoredHotKey() {
     return 0;
   }
   HLHotKeyRegistration registration =
-      host_.hotKeys.registerHotKey(static_cast<std::uint32_t>(code), HLCarbonModifiers(storedModifiers()), kIdentity);
+      host_.hotKeys->registerHotKey(static_cast<std::uint32_t>(code), HLCarbonModifiers(storedModifiers()), kIdentity);
   if (registration.status == 0) hotKeyRef_ = std::move(registration.hotKey);
   HLAppendLog("hotKey register label=%@ status=%d", storedShortcutLabel(), registration.status);
   return registration.status;
@@ -96,21 +95,21 @@ void HLAppDelegate::toggleRecording() {
   unregisterHotKey();  // so that the current shortcut can be typed without firing
   setRecordButtonTitle("Type Shortcut…");
   setShortcutNote("Press the new shortcut. Escape cancels.", HLTextColor::secondary);
-  recordMonitor_ = host_.application.addKeyMonitor([weak = weak_from_this()](const HLKeyEvent& event) {
+  recordMonitor_ = host_.application->addKeyMonitor([weak = weak_from_this()](const HLKeyEvent& event) {
     if (const auto self = weak.lock()) self->recordEvent(event);
   });
 }
 
 void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   const std::uint64_t flags = event.modifiers & HLShortcutModifiers;
-  if (event.code == kEscape && flags == 0) {
+  if (event.code == HLKeyEscape && flags == 0) {
     stopRecording();
     applyStoredHotKey();
     updateSettingsState();
     return;
   }
   if ((flags & ~HLModifierShift) == 0 && !HLIsFunctionKey(event.code)) {
-    host_.application.beep();
+    host_.application->beep();
     setShortcutNote("Add Command, Option or Control, or use an F key.", HLTextColor::orange);
     return;
   }
@@ -129,7 +128,7 @@ void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   applyStoredHotKey();
   updateSettingsState();
   const std::string taken = HLFormat("%@ is already used by another app. Try a different one.", refused);
-  setShortcutNote(host_.hotKeys.whyNone().value_or(taken), HLTextColor::orange);
+  setShortcutNote(host_.hotKeys->whyNone().value_or(taken), HLTextColor::orange);
 }
 
 void HLAppDelegate::stopRecording() {
@@ -139,7 +138,7 @@ void HLAppDelegate::stopRecording() {
 
 void HLAppDelegate::clearShortcut() {
   stopRecording();
-  host_.userDefaults.setValue(kCode, kNoKey);
+  host_.userDefaults->setValue(kCode, kNoKey);
   applyStoredHotKey();
   updateSettingsState();
   setShortcutNote("No shortcut. Click the menu bar icon to clear notifications.", HLTextColor::secondary);

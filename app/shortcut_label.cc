@@ -11,11 +11,12 @@
 namespace {
 
 struct Key {
-  std::uint16_t code;
+  HLKeyCode code;
   std::string_view label;
 };
 
-constexpr std::array kNamedKeys = {Key{36, "↩"}, Key{48, "⇥"}, Key{49, "Space"}, Key{51, "⌫"}, Key{53, "⎋"}};
+constexpr std::array kNamedKeys = {Key{HLKeyReturn, "↩"}, Key{HLKeyTab, "⇥"}, Key{HLKeySpace, "Space"},
+                                   Key{HLKeyDelete, "⌫"}, Key{HLKeyEscape, "⎋"}};
 constexpr std::array kFunctionKeys = {Key{122, "F1"}, Key{120, "F2"},  Key{99, "F3"},   Key{118, "F4"},
                                       Key{96, "F5"},  Key{97, "F6"},   Key{98, "F7"},   Key{100, "F8"},
                                       Key{101, "F9"}, Key{109, "F10"}, Key{103, "F11"}, Key{111, "F12"}};

@@ -34,17 +34,17 @@ void HLAppDelegate::installStatusItem() {
   }
   menu.items.push_back({});
   menu.items.push_back({"", HLFormat("Quit %@", name), "q", [this] { quit(); }});
-  host_.statusItem.install({HLFormat("%@: click to clear notifications, right-click for options", name),
-                            [this] { handleStatusItemClick(); }, std::move(menu)});
+  host_.statusItem->install({HLFormat("%@: click to clear notifications, right-click for options", name),
+                             [this] { handleStatusItemClick(); }, std::move(menu)});
 }
 
 void HLAppDelegate::handleStatusItemClick() {
-  const HLEvent event = host_.application.currentEvent().value_or(HLEvent{});
+  const HLEvent event = host_.application->currentEvent().value_or(HLEvent{});
   const std::uint64_t modifiers = event.modifiers & kDeviceIndependentModifiers;
   HLAppendLog("handleClick type=%ld modifiers=%lu", event.type, modifiers);
   const bool isControlClick = event.type == HLEventLeftMouseUp && (modifiers & HLModifierControl) != 0;
   if (event.type == HLEventRightMouseUp || isControlClick) {
-    host_.statusItem.popUpMenu();
+    host_.statusItem->popUpMenu();
   } else {
     dismissNotifications();
   }
@@ -52,16 +52,16 @@ void HLAppDelegate::handleStatusItemClick() {
 
 void HLAppDelegate::menuNeedsUpdate() {
   const bool available = HLAccessibilityAvailable();
-  host_.statusItem.setMenuItem(kAccessibilityMenuItem, available ? "Accessibility Allowed" : kSetUpTitle, available);
+  host_.statusItem->setMenuItem(kAccessibilityMenuItem, available ? "Accessibility Allowed" : kSetUpTitle, available);
 }
 
 void HLAppDelegate::refreshStatusItem() {
   const bool available = HLAccessibilityAvailable();
   if (HLIsProductFlavor()) {
-    host_.statusItem.setImage({available ? "bell.slash" : "exclamationmark.triangle", true, HLAppDisplayName()});
-    host_.statusItem.setTitle("");
+    host_.statusItem->setImage({available ? "bell.slash" : "exclamationmark.triangle", true, HLAppDisplayName()});
+    host_.statusItem->setTitle("");
   } else {
-    host_.statusItem.setTitle(available ? "HL" : "HL!");
+    host_.statusItem->setTitle(available ? "HL" : "HL!");
   }
   HLAppendLog("refreshStatusItem available=%@ visible=true", available ? "true" : "false");
 }

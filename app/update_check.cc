@@ -29,9 +29,9 @@ std::int64_t installedBuild(const HLDictionary& information) {
 
 void HLAppDelegate::checkForUpdates() {
   // As they are now: the bundle may have been replaced by the time the answer is there.
-  const HLDictionary information = HLCurrentPlatform().process.informationDictionary();
-  host_.httpClient.get(QLMUpdateFeedURL(), kTimeout, [self = shared_from_this(), information](HLHTTPAnswer answer) {
-    HLCurrentPlatform().runLoop.postToMainQueue(
+  const HLDictionary information = HLCurrentPlatform().process->informationDictionary();
+  host_.httpClient->get(QLMUpdateFeedURL(), kTimeout, [self = shared_from_this(), information](HLHTTPAnswer answer) {
+    HLCurrentPlatform().runLoop->postToMainQueue(
         [self, information, answer = std::move(answer)] { self->showUpdateVerdict(answer, information); });
   });
 }
@@ -42,9 +42,9 @@ void HLAppDelegate::showUpdateVerdict(const HLHTTPAnswer& answer, const HLDictio
       QLMReadUpdateFeed(answer.status == kOK ? answer.body : std::nullopt, installedVersion(information), build);
   HLAppendLog("update check status=%ld kind=%ld feedBuild=%ld build=%ld", answer.status, verdict.kind, verdict.build,
               build);
-  host_.application.activate();
-  const std::size_t chosen = host_.alerts.runModal(
+  host_.application->activate();
+  const std::size_t chosen = host_.alerts->runModal(
       {verdict.title, verdict.message,
        verdict.offersDownload() ? std::vector<std::string>{"Download", "Later"} : std::vector<std::string>{"OK"}});
-  if (chosen == 0 && verdict.offersDownload()) (void)host_.workspace.openAddress(QLMDownloadURL());
+  if (chosen == 0 && verdict.offersDownload()) (void)host_.workspace->openAddress(QLMDownloadURL());
 }

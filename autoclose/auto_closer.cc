@@ -80,11 +80,11 @@ void HLAutoCloser::handleEvent(const HLElement& element) {
 
 int HLRunAutoCloseProbe(double seconds, std::ostream& out) {
   HLAutoCloser closer;
-  closer.setRules(HLAutoCloseRules(HLCurrentPlatform().process.environment("HL_AUTO_CLOSE_TEST_RULE")));
+  closer.setRules(HLAutoCloseRules(HLCurrentPlatform().process->environment("HL_AUTO_CLOSE_TEST_RULE")));
   closer.startForCurrentNotificationCenter();
   if (closer.pid() == 0) return EXIT_FAILURE;
   out << "watching\n" << std::flush;
-  HLCurrentPlatform().runLoop.runFor(seconds);
+  HLCurrentPlatform().runLoop->runFor(seconds);
   out << HLFormat("closed=%ld\n", closer.closed());
   return EXIT_SUCCESS;
 }

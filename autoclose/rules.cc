@@ -29,7 +29,7 @@ std::optional<HLAutoCloseRule> parsedRule(std::string_view text) {
 
 std::set<std::string> HLLocalizedForms(const std::string& path, std::string_view key, std::string_view fallback) {
   std::set<std::string> forms = {HLLowercase(fallback)};
-  const std::optional<HLDictionary> table = HLCurrentPlatform().propertyLists.readDictionary(path);
+  const std::optional<HLDictionary> table = HLCurrentPlatform().propertyLists->readDictionary(path);
   if (!table) return forms;
   for (const HLDictionaryEntry& language : *table) {
     const HLDictionary* texts = language.value.as<HLDictionary>();

@@ -34,7 +34,7 @@ std::string timestamp(double now) {
 
 void HLAppendLineToPath(const std::optional<std::string>& path, std::string_view message) {
   if (!path || !HLIsEncodable(message)) return;
-  const std::string line = HLFormat("%@ %@\n", timestamp(HLCurrentPlatform().runLoop.now()), message);
+  const std::string line = HLFormat("%@ %@\n", timestamp(HLCurrentPlatform().runLoop->now()), message);
   const auto open = [&path] { return ::open(path->c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666); };
   int file = open();
   if (file < 0) {

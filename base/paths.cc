@@ -28,7 +28,7 @@ std::optional<std::string> inStateDirectory(std::string_view name) {
 
 bool HLIsProductFlavor() {
   static const bool product = [] {
-    const HLDictionary information = HLCurrentPlatform().process.informationDictionary();
+    const HLDictionary information = HLCurrentPlatform().process->informationDictionary();
     const HLValue* flavor = HLDictionaryValue(information, "HLProductFlavor");
     const std::string* text = flavor != nullptr ? flavor->as<std::string>() : nullptr;
     return text != nullptr && *text == "product";

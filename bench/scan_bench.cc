@@ -66,7 +66,7 @@ class Desktop {
     }
     simulator_ = std::get<std::unique_ptr<HLSimulator>>(std::move(made));
     HLInstallPlatform(&simulator_->platform());
-    window_ = HLNotificationWindows(*simulator_->platform().accessibility.createApplication(400)).at(0);
+    window_ = HLNotificationWindows(*simulator_->platform().accessibility->createApplication(400)).at(0);
   }
   ~Desktop() { HLInstallPlatform(nullptr); }
   Desktop(const Desktop&) = delete;

@@ -40,7 +40,7 @@ void print(std::ostream& out, const std::string& line) { out << HLEncodableText(
 
 void printEvent(std::ostream& out, const HLElement& element, std::string_view notification) {
   const std::string description = HLStringAttribute(element, "AXDescription").value_or("");
-  print(out, HLFormat("%.3f %s %s desc=%s\n", HLCurrentPlatform().runLoop.now(), notification,
+  print(out, HLFormat("%.3f %s %s desc=%s\n", HLCurrentPlatform().runLoop->now(), notification,
                       HLElementDebugSummary(element), HLUtf16Prefix(description, kDescriptionLimit)));
   out.flush();  // whoever follows through a pipe sees it now
 }
@@ -54,14 +54,14 @@ int HLObserveNotificationCenter(double seconds, std::ostream& out, std::ostream&
     err << "Notification Center is not running\n";
     return EXIT_FAILURE;
   }
-  const std::unique_ptr<HLObserver> observer = platform.accessibility.createObserver(
+  const std::unique_ptr<HLObserver> observer = platform.accessibility->createObserver(
       center->pid,
       [&out](const HLElementRef& element, std::string_view notification) { printEvent(out, *element, notification); });
   if (observer == nullptr) {
     err << "AXObserverCreate failed\n";
     return EXIT_FAILURE;
   }
-  const HLElementRef application = platform.accessibility.createApplication(center->pid);
+  const HLElementRef application = platform.accessibility->createApplication(center->pid);
   for (std::string_view notification : kNotifications) {
     const HLAXError error =
         application != nullptr ? observer->addNotification(application, notification) : HLAXErrorFailure;
@@ -75,7 +75,7 @@ int HLObserveNotificationCenter(double seconds, std::ostream& out, std::ostream&
   }
   out.flush();
   observer->attach();
-  platform.runLoop.runFor(seconds);
+  platform.runLoop->runFor(seconds);
   return EXIT_SUCCESS;
 }
 

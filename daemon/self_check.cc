@@ -33,7 +33,7 @@ int HLSelfCheck(std::ostream& out) {
   const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
   std::size_t targets = 0;
   if (trusted && center) {
-    const HLElementRef application = HLCurrentPlatform().accessibility.createApplication(center->pid);
+    const HLElementRef application = HLCurrentPlatform().accessibility->createApplication(center->pid);
     if (application != nullptr) targets = HLCurrentTargets(*application).size();
   }
   out << HLEncodableText(HLFormat("trusted=%s notificationCenterPid=%d targets=%ld %s\n", trusted ? "true" : "false",

@@ -34,19 +34,20 @@ struct Permission {
 struct PendingPermission {
   std::mutex mutex;
   Permission permission;
-  std::unique_ptr<HLSemaphore> answered = HLCurrentPlatform().runLoop.makeSemaphore();
+  std::unique_ptr<HLSemaphore> answered = HLCurrentPlatform().runLoop->makeSemaphore();
 };
 
 // No answer in time is no permission, and no error.
 Permission askPermission() {
   const auto pending = std::make_shared<PendingPermission>();
-  HLCurrentPlatform().userNotifications.requestAuthorization([pending](bool granted, std::optional<std::string> error) {
-    {
-      const std::lock_guard lock(pending->mutex);
-      pending->permission = {granted, std::move(error)};
-    }
-    pending->answered->signal();
-  });
+  HLCurrentPlatform().userNotifications->requestAuthorization(
+      [pending](bool granted, std::optional<std::string> error) {
+        {
+          const std::lock_guard lock(pending->mutex);
+          pending->permission = {granted, std::move(error)};
+        }
+        pending->answered->signal();
+      });
   if (!pending->answered->wait(kPermissionSeconds)) return {};
   const std::lock_guard lock(pending->mutex);
   return pending->permission;
@@ -57,7 +58,7 @@ void schedule(std::int64_t number) {
   const HLUserNotification notification{identifier, HLFormat("Dismiss test %ld", number),
                                         std::string(kBodies[static_cast<std::size_t>(number - 1)]),
                                         static_cast<double>(number), true};
-  HLCurrentPlatform().userNotifications.add(notification, [identifier](const std::optional<std::string>& error) {
+  HLCurrentPlatform().userNotifications->add(notification, [identifier](const std::optional<std::string>& error) {
     if (error) {
       HLAppendLog("sendTestNotifications add failed identifier=%@ error=%@", identifier,
                   error->empty() ? "unknown" : error->c_str());

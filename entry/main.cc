@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
   }
   const HLPlatform& platform = std::get<std::unique_ptr<HLHost>>(made)->platform();
   HLInstallPlatform(&platform);
-  const int code = HLRunMode(HLSelectMode(platform.process.arguments()), std::cout, std::cerr);
+  const int code = HLRunMode(HLSelectMode(platform.process->arguments()), std::cout, std::cerr);
   HLInstallPlatform(nullptr);
   return code;
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <variant>
 
+#include "platform/reference.h"
+
 class HLAccessibility;
 struct HLApplicationPlatform;
 class HLProcessInfo;
@@ -14,13 +16,14 @@ class HLRunLoop;
 class HLRunningApplications;
 class HLUserNotifications;
 
+// A copy may have members replaced: HLPlatform spied = platform; spied.runLoop = spy;
 struct HLPlatform {
-  HLAccessibility& accessibility;
-  HLRunningApplications& runningApplications;
-  HLRunLoop& runLoop;
-  HLProcessInfo& process;
-  HLPropertyLists& propertyLists;
-  HLUserNotifications& userNotifications;
+  HLReference<HLAccessibility> accessibility;
+  HLReference<HLRunningApplications> runningApplications;
+  HLReference<HLRunLoop> runLoop;
+  HLReference<HLProcessInfo> process;
+  HLReference<HLPropertyLists> propertyLists;
+  HLReference<HLUserNotifications> userNotifications;
   // Makes ready what the menu-bar application needs besides, at the first call; it lives as long as the host. Else one
   // line that says what is missing. Main thread.
   std::function<std::variant<const HLApplicationPlatform*, std::string>()> applicationPlatform;

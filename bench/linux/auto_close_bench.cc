@@ -39,14 +39,14 @@ bool measure(const Server& server) {
 
   Clock::time_point heard;
   Clock::time_point pressed;
-  const std::unique_ptr<HLObserver> observer = host.platform().accessibility.createObserver(
+  const std::unique_ptr<HLObserver> observer = host.platform().accessibility->createObserver(
       process->pid(), [&heard, &pressed](const HLElementRef& element, std::string_view) {
         heard = Clock::now();
         (void)element->performAction("Name:Close");
         pressed = Clock::now();
       });
   if (observer == nullptr) return false;
-  const HLElementRef application = host.platform().accessibility.createApplication(process->pid());
+  const HLElementRef application = host.platform().accessibility->createApplication(process->pid());
   (void)observer->addNotification(application, "AXLayoutChanged");
   observer->attach();
 
@@ -58,13 +58,13 @@ bool measure(const Server& server) {
     const Clock::time_point shown = Clock::now();
     heard = {};
     while (heard == Clock::time_point() && Clock::now() - shown < std::chrono::seconds(5)) {
-      host.platform().runLoop.runFor(0.001);
+      host.platform().runLoop->runFor(0.001);
     }
     if (!sender.waitUntilClosed({id}, std::chrono::seconds(5))) return false;
     untilClosed.push_back(milliseconds(Clock::now() - shown));
     untilHeard.push_back(milliseconds(heard - shown));
     untilPressed.push_back(milliseconds(pressed - heard));
-    host.platform().runLoop.runFor(0.3);  // what its going causes
+    host.platform().runLoop->runFor(0.3);  // what its going causes
   }
   std::printf("%-32s%16.1f%16.1f%16.1f\n", server.name.c_str(), median(untilHeard), median(untilPressed),
               median(untilClosed));

@@ -128,7 +128,7 @@ std::vector<HLDismissTarget> HLWaitForBatchProgress(const HLElement& application
                                                     const std::vector<HLDismissTarget>& before) {
   std::vector<HLDismissTarget> after;
   for (double delay : HLBatchVerificationDelays) {
-    HLCurrentPlatform().runLoop.sleep(delay);
+    HLCurrentPlatform().runLoop->sleep(delay);
     after = HLSortedTargets(HLCurrentTargets(application));
     if (after.empty() || HLRemovedTargetCount(before, after) > 0) break;
   }

@@ -36,7 +36,7 @@ void drainOverflow(std::int32_t oldPid, HLDismissResult& result) {
     HLAppendDiagnostics("overflow drain restart failed drain=%ld", kDrain);
     return;
   }
-  const HLElementRef application = HLCurrentPlatform().accessibility.createApplication(newPid);
+  const HLElementRef application = HLCurrentPlatform().accessibility->createApplication(newPid);
   if (application == nullptr) return;
   const std::int64_t presented = HLWaitForRepresentedAlerts(*application);
   HLAppendDiagnostics("overflow drain=%ld newPid=%d presented=%ld", kDrain, newPid, presented);
@@ -63,7 +63,7 @@ HLDismissResult HLDismissNotificationsNow() {
   std::int64_t maxAlertsPerApp = 0;
   HLDismissResult result;
   {
-    const HLElementRef application = HLCurrentPlatform().accessibility.createApplication(center->pid);
+    const HLElementRef application = HLCurrentPlatform().accessibility->createApplication(center->pid);
     if (application == nullptr) return {HLDismissStatusFailed, 0, 0};
     result = HLRunDirectDismiss(*application, &maxAlertsPerApp);
   }
@@ -75,11 +75,11 @@ HLDismissResult HLDismissNotificationsNow() {
 
 std::int32_t HLRestartNotificationCenter(std::int32_t oldPid) {
   const HLPlatform& platform = HLCurrentPlatform();
-  if (platform.runningApplications.sendSignal(oldPid, SIGTERM) == HLSignalOutcome::refused) return 0;
+  if (platform.runningApplications->sendSignal(oldPid, SIGTERM) == HLSignalOutcome::refused) return 0;
   for (int poll = 0; poll < kRestartPolls; ++poll) {
-    platform.runLoop.sleep(kRestartPollSeconds);
-    if (poll == kKillPoll) (void)platform.runningApplications.sendSignal(oldPid, SIGKILL);
-    for (const HLRunningApplication& application : platform.runningApplications.list()) {
+    platform.runLoop->sleep(kRestartPollSeconds);
+    if (poll == kKillPoll) (void)platform.runningApplications->sendSignal(oldPid, SIGKILL);
+    for (const HLRunningApplication& application : platform.runningApplications->list()) {
       const bool successor = application.bundleIdentifier == HLNotificationCenterBundleIdentifier &&
                              application.pid != oldPid && !application.terminated;
       if (successor) return application.pid;
@@ -91,7 +91,7 @@ std::int32_t HLRestartNotificationCenter(std::int32_t oldPid) {
 std::int64_t HLWaitForRepresentedAlerts(const HLElement& application) {
   std::int64_t previous = -1;
   for (int poll = 0; poll < kPresentedPolls; ++poll) {
-    HLCurrentPlatform().runLoop.sleep(kPresentedPollSeconds);
+    HLCurrentPlatform().runLoop->sleep(kPresentedPollSeconds);
     const auto present = static_cast<std::int64_t>(HLCurrentTargets(application).size());
     HLReportProgress(present);
     if (poll >= 1 && present == previous) return present;

@@ -82,4 +82,4 @@ bool HLIsNotificationBannerSubrole(std::string_view subrole) {
   return HLLowercase(subrole).find("axnotificationcenter") != std::string::npos;
 }
 
-bool HLIsAccessibilityTrusted(bool prompt) { return HLCurrentPlatform().accessibility.isProcessTrusted(prompt); }
+bool HLIsAccessibilityTrusted(bool prompt) { return HLCurrentPlatform().accessibility->isProcessTrusted(prompt); }

@@ -11,7 +11,7 @@
 #include "platform/platform.h"
 
 std::optional<HLRunningApplication> HLNotificationCenterApplication() {
-  for (HLRunningApplication& application : HLCurrentPlatform().runningApplications.list()) {
+  for (HLRunningApplication& application : HLCurrentPlatform().runningApplications->list()) {
     if (application.bundleIdentifier == HLNotificationCenterBundleIdentifier) return std::move(application);
   }
   return std::nullopt;

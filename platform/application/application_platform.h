@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "platform/reference.h"
+
 class HLAlerts;
 class HLApplication;
 class HLHTTPClient;
@@ -23,14 +25,14 @@ struct HLAccessGuide {
 };
 
 struct HLApplicationPlatform {
-  HLApplication& application;
-  HLStatusItem& statusItem;
-  HLWindows& windows;
-  HLAlerts& alerts;
-  HLHotKeys& hotKeys;
-  HLLoginItem& loginItem;
-  HLUserDefaults& userDefaults;
-  HLHTTPClient& httpClient;
-  HLWorkspace& workspace;
+  HLReference<HLApplication> application;
+  HLReference<HLStatusItem> statusItem;
+  HLReference<HLWindows> windows;
+  HLReference<HLAlerts> alerts;
+  HLReference<HLHotKeys> hotKeys;
+  HLReference<HLLoginItem> loginItem;
+  HLReference<HLUserDefaults> userDefaults;
+  HLReference<HLHTTPClient> httpClient;
+  HLReference<HLWorkspace> workspace;
   std::optional<HLAccessGuide> accessGuide;
 };

@@ -20,8 +20,16 @@ struct HLEvent {
   std::uint64_t modifiers = 0;  // a host may set further bits than those above
 };
 
+// A virtual key code of macOS: a position on the keyboard.
+using HLKeyCode = std::uint16_t;
+inline constexpr HLKeyCode HLKeyReturn = 36;
+inline constexpr HLKeyCode HLKeyTab = 48;
+inline constexpr HLKeyCode HLKeySpace = 49;
+inline constexpr HLKeyCode HLKeyDelete = 51;
+inline constexpr HLKeyCode HLKeyEscape = 53;
+
 struct HLKeyEvent {
-  std::uint16_t code = 0;  // the home platform's virtual key code: a position on the keyboard
+  HLKeyCode code = 0;
   std::uint64_t modifiers = 0;
   std::string charactersIgnoringModifiers;
 };

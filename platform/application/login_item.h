@@ -5,10 +5,13 @@
 #include <optional>
 #include <string>
 
-inline constexpr std::int64_t HLLoginItemNotRegistered = 0;
-inline constexpr std::int64_t HLLoginItemEnabled = 1;
-inline constexpr std::int64_t HLLoginItemRequiresApproval = 2;
-inline constexpr std::int64_t HLLoginItemNotFound = 3;
+// The numbers are those of macOS, which may return others too; the log shows them.
+enum class HLLoginItemStatus : std::int64_t {
+  notRegistered = 0,
+  enabled = 1,
+  requiresApproval = 2,
+  notFound = 3,
+};
 
 struct HLLoginItemOutcome {
   bool ok = false;
@@ -23,7 +26,7 @@ class HLLoginItem {
   HLLoginItem& operator=(const HLLoginItem&) = delete;
   virtual ~HLLoginItem() = default;
 
-  [[nodiscard]] virtual std::int64_t status() = 0;
+  [[nodiscard]] virtual HLLoginItemStatus status() = 0;
   [[nodiscard]] virtual HLLoginItemOutcome registerItem() = 0;
   [[nodiscard]] virtual HLLoginItemOutcome unregisterItem() = 0;
 };

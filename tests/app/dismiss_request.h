@@ -12,7 +12,7 @@
 #include "app/app_delegate.h"
 #include "core/dismissal/result.h"
 #include "platform/platform.h"
-#include "tests/app/application_spies.h"
+#include "tests/support/application_spies.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
 #include "tests/support/temporary_directory.h"
@@ -43,6 +43,7 @@ class HeldRunLoop : public SpyRunLoop {
 struct Request {
   explicit Request(const std::string& flavor = "product")
       : desktop(R"({"bundle": {"identifier": "test", "info": {"HLProductFlavor": ")" + flavor + R"("}}})") {
+    platform.runLoop = runLoop;
     HLInstallPlatform(&platform);
     delegate->dismissNotifications();
   }
@@ -67,8 +68,6 @@ struct Request {
   SimulatedDesktop desktop;
   SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};
   HeldRunLoop runLoop{desktop.platform().runLoop};
-  const HLPlatform platform{
-      desktop.platform().accessibility, desktop.platform().runningApplications, runLoop, desktop.platform().process,
-      desktop.platform().propertyLists, desktop.platform().userNotifications,   {}};
+  HLPlatform platform = desktop.platform();
   std::shared_ptr<HLAppDelegate> delegate = std::make_shared<HLAppDelegate>(host.platform);
 };

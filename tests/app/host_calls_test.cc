@@ -19,7 +19,7 @@
 #include "platform/application/application_platform.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
-#include "tests/app/application_spies.h"
+#include "tests/support/application_spies.h"
 #include "tests/support/faults.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
@@ -50,6 +50,9 @@ struct Application {
       : desktop("{" + scene + R"(, "bundle": {"info": {"HLProductFlavor": "product", "CFBundleDisplayName": ")" + name +
                 R"("}}})"),
         faults(failingCall, HLAXErrorCannotComplete) {
+    platform.accessibility = accessibility;
+    platform.runningApplications = launches;
+    platform.applicationPlatform = [this] { return FoundHost(&host.platform); };
     HLInstallPlatform(&platform);
   }
   Application(const Application&) = delete;
@@ -66,14 +69,8 @@ struct Application {
   SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};
   SpyLaunches launches{desktop.platform().runningApplications, host.calls};
   Faults faults;
-  FaultyAccessibility accessibility{desktop.platform().accessibility, faults};
-  HLPlatform platform{accessibility,
-                      launches,
-                      desktop.platform().runLoop,
-                      desktop.platform().process,
-                      desktop.platform().propertyLists,
-                      desktop.platform().userNotifications,
-                      [this] { return FoundHost(&host.platform); }};
+  FaultyAccessibility accessibility{desktop.platform().accessibility, faults.plan()};
+  HLPlatform platform = desktop.platform();
   const std::shared_ptr<HLAppDelegate> delegate = std::make_shared<HLAppDelegate>(host.platform);
 };
 
@@ -127,7 +124,7 @@ TEST(LaunchCalls, GiveTheMenuTheApplicationsName) {
 TEST(UpdateCheckCalls, ShowTheAnswerInTheMainQueueWithTheApplicationInFront) {
   Application application;
   application.delegate->checkForUpdates();
-  application.desktop.platform().runLoop.runFor(0.1);
+  application.desktop.platform().runLoop->runFor(0.1);
   EXPECT_THAT(application.host.calls, ElementsAre("answered", "activate", "alert"));
 }
 
@@ -189,7 +186,7 @@ TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
     Application application;
     application.host.application.event = event;
     application.delegate->handleStatusItemClick();
-    application.desktop.platform().runLoop.runFor(1);  // to the end of the dismissal
+    application.desktop.platform().runLoop->runFor(1);  // to the end of the dismissal
     const bool opened = !application.host.calls.empty() && application.host.calls.front() == "pop up menu";
     EXPECT_EQ(opened, opensMenu) << event.type << " " << event.modifiers;
     EXPECT_THAT(application.messages("handleClick"),
@@ -248,7 +245,7 @@ TEST(Snapshots, AreNumberedFromZeroAndNamedByTitleOrNumber) {
                                     view("Taken", 50, 60),
                                     view("Last", 70, 80)};
   application.delegate->applicationDidFinishLaunching();
-  application.desktop.platform().runLoop.runFor(2);
+  application.desktop.platform().runLoop->runFor(2);
   EXPECT_THAT(application.messages("snapshot"),
               ElementsAre("snapshot window=First size=420x279 wrote=1", "snapshot window=window-1 size=1x1 wrote=1",
                           "snapshot window=Without picture size=30x40 wrote=0",
@@ -262,7 +259,7 @@ TEST(Snapshots, AreNumberedWithTwoDigits) {
   Application application(R"("arguments": ["hushlet", "--snapshot-windows", ")" + pictures.path() + "\"]");
   application.host.windows.shown.assign(11, view("W", 10, 20));
   application.delegate->applicationDidFinishLaunching();
-  application.desktop.platform().runLoop.runFor(2);
+  application.desktop.platform().runLoop->runFor(2);
   const std::set<std::string> files = filesIn(pictures.path());
   EXPECT_EQ(files.size(), 11U);
   EXPECT_EQ(*files.begin(), "00-W.png");
@@ -276,7 +273,7 @@ TEST(Snapshots, InADirectoryWithoutANameAreWrittenWhereTheProgramStands) {
   Application application(R"("arguments": ["hushlet", "--snapshot-windows", ""])");
   application.host.windows.shown = {view("First", 10, 20)};
   application.delegate->applicationDidFinishLaunching();
-  application.desktop.platform().runLoop.runFor(2);
+  application.desktop.platform().runLoop->runFor(2);
   std::filesystem::current_path(before);
   EXPECT_THAT(filesIn(pictures.path()), ElementsAre("00-First.png"));
 }

@@ -59,7 +59,7 @@ using Presses = std::vector<std::pair<std::string, std::string>>;
 void watch(HLAutoCloser& closer, double seconds) {
   closer.setRules(HLAutoCloseRules(std::nullopt));
   closer.startForCurrentNotificationCenter();
-  HLCurrentPlatform().runLoop.runFor(seconds);
+  HLCurrentPlatform().runLoop->runFor(seconds);
 }
 
 TEST(AutoCloser, ClosesTheBannerOfAnAutomationAndLeavesTheOthers) {
@@ -151,7 +151,7 @@ TEST(AutoCloser, WithoutRulesNothingMatches) {
   SimulatedDesktop desktop(scene(alert("a", kBanner, R"("Name:Close")"), layoutChanges({"a"})));
   HLAutoCloser closer;
   closer.startForCurrentNotificationCenter();
-  HLCurrentPlatform().runLoop.runFor(2);
+  HLCurrentPlatform().runLoop->runFor(2);
   EXPECT_EQ(presses(desktop), Presses{});
 }
 
@@ -179,7 +179,7 @@ TEST(AutoCloser, StoppedItKeepsItsCountAndClosesNothing) {
   EXPECT_EQ(closer.pid(), 0);
   EXPECT_EQ(closer.closed(), 1);
   EXPECT_EQ(closer.handled().size(), 1U);
-  HLCurrentPlatform().runLoop.runFor(2);
+  HLCurrentPlatform().runLoop->runFor(2);
   EXPECT_EQ(presses(desktop).size(), 1U);
 }
 

@@ -103,7 +103,7 @@ TEST_F(Log, MillisecondsAreCutNotRounded) {
 
 TEST_F(Log, TheClockIsThePlatforms) {
   setZone("UTC0");
-  const double now = desktop_.platform().runLoop.now();
+  const double now = desktop_.platform().runLoop->now();
   HLAppendLineToPath(path("log"), "x");
   std::tm time{};
   const std::string line = content("log");

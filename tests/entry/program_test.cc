@@ -124,8 +124,8 @@ TEST_F(Program, SelfCheckNeverAsksTheUserForTrust) {
   SimulatedDesktop desktop(R"({"trusted": false, "services": {"grantOnPrompt": true}})");
   std::ostringstream out;
   EXPECT_EQ(HLSelfCheck(out), 1);
-  desktop.platform().runLoop.runFor(1);
-  EXPECT_FALSE(desktop.platform().accessibility.isProcessTrusted(false));
+  desktop.platform().runLoop->runFor(1);
+  EXPECT_FALSE(desktop.platform().accessibility->isProcessTrusted(false));
 }
 
 TEST_F(Program, SelfCheckNamesTheParent) {

@@ -5,10 +5,14 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <variant>
 #include <vector>
 
 #include "core/dismissal/dismiss_run.h"
 #include "core/dismissal/result.h"
+#include "platform/application/application_platform.h"
+#include "platform/user_defaults.h"
 #include "tests/platform/sim/scene_desktop.h"
 #include "tests/support/faults.h"
 #include "tests/support/temporary_directory.h"
@@ -31,12 +35,8 @@ class FaultSweep : public testing::Test {
   Dismissal run(const std::string& scene, std::int64_t failingCall, HLAXError code) const {
     Desktop desktop(scene, {{"hushlet-sim"}, {{"HOME", home_.path()}}});
     Faults faults(failingCall, code);
-    FaultyAccessibility accessibility(desktop.accessibility(), faults);
-    const HLPlatform& inner = desktop.simulator().platform();
-    const HLPlatform platform{
-        accessibility,           inner.runningApplications, inner.runLoop, inner.process, inner.propertyLists,
-        inner.userNotifications, inner.applicationPlatform};
-    HLInstallPlatform(&platform);
+    FaultyPlatform faulty(desktop.simulator().platform(), faults.plan());
+    HLInstallPlatform(&faulty.platform());
     Dismissal run;
     run.result = HLDismissNotificationsNow();
     HLInstallPlatform(nullptr);
@@ -67,6 +67,7 @@ class FaultSweep : public testing::Test {
     }
     EXPECT_TRUE(seen.contains(HLDismissStatusAccessDenied)) << "the trust check fails";
     EXPECT_TRUE(seen.contains(HLDismissStatusFailed)) << "the application's element cannot be made";
+    EXPECT_TRUE(seen.contains(HLDismissStatusNotificationCenterUnavailable)) << "the applications cannot be listed";
     EXPECT_TRUE(seen.contains(whole.result.status)) << "most failures change nothing in the end";
   }
 
@@ -147,7 +148,7 @@ TEST(FaultyAccessibility, FailsExactlyTheCallThatItIsTold) {
   Desktop desktop(Scene(R"({"id": "w", "role": "AXWindow", "actions": ["AXPress"], "onAction": {"AXPress": {
     "effects": [{"remove": "w"}]}}})"));
   Faults faults(3, HLAXErrorCannotComplete);
-  FaultyAccessibility accessibility(desktop.accessibility(), faults);
+  FaultyAccessibility accessibility(desktop.accessibility(), faults.plan());
   const HLElementRef root = accessibility.createApplication(400);
   const HLElementRef window = *root->copyAttributeValue("AXWindows").value.as<HLArray>()->at(0).as<HLElementRef>();
   EXPECT_EQ(window->performAction("AXPress"), HLAXErrorCannotComplete);
@@ -159,6 +160,38 @@ TEST(FaultyAccessibility, FailsExactlyTheCallThatItIsTold) {
   EXPECT_EQ(accessibility.createApplication(400), root) << "handles keep their identity";
   EXPECT_TRUE(window->isEqual(*window));
   EXPECT_FALSE(window->isEqual(*root));
+}
+
+TEST(FaultyAccessibility, DeliversNotificationsOfWrappedElements) {
+  Desktop desktop(Scene(R"({"id": "w", "role": "AXWindow"})",
+                        R"(, "timeline": [{"at": 1, "notify": "AXLayoutChanged", "element": "w"}])"));
+  Faults none(0, 0);
+  FaultyAccessibility accessibility(desktop.accessibility(), none.plan());
+  const HLElementRef root = accessibility.createApplication(400);
+  const HLElementRef window = *root->copyAttributeValue("AXWindows").value.as<HLArray>()->at(0).as<HLElementRef>();
+  std::vector<HLElementRef> notified;
+  const auto observer = accessibility.createObserver(
+      400, [&notified](const HLElementRef& element, std::string_view) { notified.push_back(element); });
+  EXPECT_EQ(observer->addNotification(root, "AXLayoutChanged"), HLAXErrorSuccess);
+  observer->attach();
+  desktop.runLoop().runFor(2);
+  EXPECT_EQ(notified, std::vector<HLElementRef>{window});
+}
+
+TEST(FaultyPlatform, TellsThePlanEachCallWithItsArgument) {
+  Desktop desktop(Scene(""));
+  std::vector<std::string> calls;
+  FaultyPlatform faulty(desktop.simulator().platform(), [&calls](std::string_view method, std::string_view argument) {
+    calls.push_back(std::string(method) + " " + std::string(argument));
+    return method == "HLProcessInfo::environment" ? HLAXErrorFailure : HLAXErrorSuccess;
+  });
+  const HLPlatform& platform = faulty.platform();
+  EXPECT_EQ(platform.process->environment("HOME"), std::nullopt);
+  EXPECT_TRUE(platform.runningApplications->find(400));
+  const auto* application = std::get<const HLApplicationPlatform*>(platform.applicationPlatform());
+  EXPECT_TRUE(application->userDefaults->value("key").isMissing());
+  EXPECT_EQ(calls, (std::vector<std::string>{"HLProcessInfo::environment HOME", "HLRunningApplications::find 400",
+                                             "HLPlatform::applicationPlatform ", "HLUserDefaults::value key"}));
 }
 
 }  // namespace

@@ -1,23 +1,39 @@
-// A platform on which a single call fails, as calls to other processes do.
+// A platform whose calls fail by plan, as calls to other processes, files and services do.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "platform/accessibility.h"
+#include "platform/platform.h"
+#include "tests/support/forwarding.h"
 
-// Counts the calls that ask something of another process, and makes one of them fail. Any thread.
+// Called before each call that can fail, with the method ("HLElement::performAction") and its argument as text: the
+// attribute, action, notification, pid, variable, path, key or address; "" without one. HLAXErrorSuccess lets the call
+// pass. Any other code fails it: the call has no effect, and returns the code or, without codes, what the interface
+// returns for a failure. A plan may also change the desktop or sleep, as a slow process does. Called from any thread,
+// several at once.
+using FaultPlan = std::function<HLAXError(std::string_view method, std::string_view argument)>;
+
+// Counts the calls and fails one of them. Thread-safe.
 class Faults {
  public:
-  // The call with that number, 1 first, gives the code and has no effect. 0 lets all pass.
+  // Fails the call with that number, 1 first, with the code. 0 lets all pass.
   Faults(std::int64_t call, HLAXError code) : call_(call), code_(code) {}
 
-  // The code that this call is to give; success lets it pass.
   [[nodiscard]] HLAXError next() { return ++calls_ == call_ ? code_ : HLAXErrorSuccess; }
   [[nodiscard]] std::int64_t calls() const { return calls_; }
+  // Refers to this object.
+  [[nodiscard]] FaultPlan plan() {
+    return [this](std::string_view, std::string_view) { return next(); };
+  }
 
  private:
   const std::int64_t call_;
@@ -25,25 +41,46 @@ class Faults {
   std::atomic<std::int64_t> calls_ = 0;
 };
 
-// Passes everything on to another platform's accessibility, save the call that fails. Handles keep their identity: one
-// of the other platform's is one of this one's.
-class FaultyAccessibility : public HLAccessibility {
+// Wraps every element that it hands out. While a wrapper lives, one inner handle has one wrapper. Outlives its elements
+// and observers.
+class FaultyAccessibility : public ForwardingAccessibility {
  public:
-  FaultyAccessibility(HLAccessibility& inner, Faults& faults) : inner_(inner), faults_(faults) {}
+  FaultyAccessibility(HLAccessibility& inner, FaultPlan plan)
+      : ForwardingAccessibility(inner), plan_(std::move(plan)) {}
 
-  // A failure reads as: not trusted.
+  // A failure reads as not trusted.
   [[nodiscard]] bool isProcessTrusted(bool prompt) override;
-  // A failure gives nothing.
+  // A failure is nullptr.
   [[nodiscard]] HLElementRef createApplication(std::int32_t pid) override;
   [[nodiscard]] std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) override;
 
   [[nodiscard]] HLElementRef wrapped(const HLElementRef& element);
   [[nodiscard]] HLValue wrapped(const HLValue& value);
-  [[nodiscard]] HLAXError nextFault() { return faults_.next(); }
+  [[nodiscard]] HLAXError fault(std::string_view method, std::string_view argument) { return plan_(method, argument); }
 
  private:
-  HLAccessibility& inner_;
-  Faults& faults_;
+  const FaultPlan plan_;
   std::mutex mutex_;
-  std::map<HLElementRef, HLElementRef> wrappers_;
+  std::map<const HLElement*, std::weak_ptr<HLElement>> wrappers_;
+};
+
+// A copy of a platform in which everything that can fail does so by plan: accessibility, running applications, the
+// process's information, property lists, user notifications, and of the application's interfaces hot keys, login item,
+// preferences, HTTP and workspace. The run loop stays as it is. Replace members of platform() to add further doubles.
+class FaultyPlatform {
+ public:
+  FaultyPlatform(const HLPlatform& inner, const FaultPlan& plan);
+  ~FaultyPlatform();
+  FaultyPlatform(const FaultyPlatform&) = delete;
+  FaultyPlatform& operator=(const FaultyPlatform&) = delete;
+
+  [[nodiscard]] HLPlatform& platform() { return platform_; }
+
+ private:
+  struct Services;
+  struct ApplicationServices;
+
+  std::unique_ptr<Services> services_;
+  std::unique_ptr<ApplicationServices> applicationServices_;  // once they have been asked for
+  HLPlatform platform_;
 };

@@ -33,7 +33,9 @@ HLElementRef SimulatedDesktop::element(std::string_view id) {
   return element;
 }
 
-HLElementRef SimulatedDesktop::application(std::int32_t pid) { return platform().accessibility.createApplication(pid); }
+HLElementRef SimulatedDesktop::application(std::int32_t pid) {
+  return platform().accessibility->createApplication(pid);
+}
 
 std::int64_t SimulatedDesktop::elapsedMicroseconds() const { return std::llround(simulator_->elapsed() * 1e6); }
 

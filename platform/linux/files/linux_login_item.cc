@@ -59,30 +59,30 @@ HLLoginItemOutcome outcomeOf(const std::string& attempt, const std::string& file
 
 }  // namespace
 
-std::int64_t HLLinuxLoginItem::status() {
+HLLoginItemStatus HLLinuxLoginItem::status() {
   std::vector<std::string> files = machineFiles();
   files.insert(files.begin(), ownFile());
   for (const std::string& file : files) {
     const HLFileContent read = HLReadFile(file);
     if (read.error == 0) return statusOf(read.content);  // the first counts, even when it only hides the others
   }
-  return HLLoginItemNotRegistered;
+  return HLLoginItemStatus::notRegistered;
 }
 
-std::int64_t HLLinuxLoginItem::statusOf(const std::string& content) {
+HLLoginItemStatus HLLinuxLoginItem::statusOf(const std::string& content) {
   const HLDesktopEntry entry = HLReadDesktopEntry(content);
   const std::vector<std::string> desktop =
       HLPartsBetween(process_.environment("XDG_CURRENT_DESKTOP").value_or(""), ':');
   if (valueOf(entry, "Hidden") == "true" || valueOf(entry, "X-GNOME-Autostart-enabled") == "false" ||
       !isForDesktop(entry, desktop)) {
-    return HLLoginItemNotRegistered;
+    return HLLoginItemStatus::notRegistered;
   }
   const std::string path = process_.environment("PATH").value_or("");
   const bool asksFirst = entry.count("TryExec") != 0;
   const std::optional<std::string> program = HLProgramOfExec(valueOf(entry, "Exec"));
   const bool isThere = program && HLFindProgram(*program, path) &&
                        (!asksFirst || HLFindProgram(HLTextOfDesktopString(valueOf(entry, "TryExec")), path));
-  return isThere ? HLLoginItemEnabled : HLLoginItemNotFound;
+  return isThere ? HLLoginItemStatus::enabled : HLLoginItemStatus::notFound;
 }
 
 HLLoginItemOutcome HLLinuxLoginItem::registerItem() {

@@ -16,13 +16,13 @@ class HLLinuxLoginItem : public HLLoginItem {
   explicit HLLinuxLoginItem(HLProcessInfo& process) : process_(process) {}
 
   // Not found is an entry whose program is not there.
-  [[nodiscard]] std::int64_t status() override;
+  [[nodiscard]] HLLoginItemStatus status() override;
   [[nodiscard]] HLLoginItemOutcome registerItem() override;
   // Where one of the machine's entries would take its place, the user's one stays, to hide it.
   [[nodiscard]] HLLoginItemOutcome unregisterItem() override;
 
  private:
-  [[nodiscard]] std::int64_t statusOf(const std::string& content);
+  [[nodiscard]] HLLoginItemStatus statusOf(const std::string& content);
   [[nodiscard]] std::string fileName();
   [[nodiscard]] std::string ownFile();
   [[nodiscard]] std::vector<std::string> machineFiles();

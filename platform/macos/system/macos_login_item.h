@@ -7,7 +7,7 @@
 
 class HLMacLoginItem : public HLLoginItem {
  public:
-  [[nodiscard]] std::int64_t status() override;
+  [[nodiscard]] HLLoginItemStatus status() override;
   [[nodiscard]] HLLoginItemOutcome registerItem() override;
   [[nodiscard]] HLLoginItemOutcome unregisterItem() override;
 };

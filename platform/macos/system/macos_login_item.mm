@@ -4,12 +4,14 @@
 
 #include "platform/macos/values/values.h"
 
-static_assert(HLLoginItemNotRegistered == SMAppServiceStatusNotRegistered);
-static_assert(HLLoginItemEnabled == SMAppServiceStatusEnabled);
-static_assert(HLLoginItemRequiresApproval == SMAppServiceStatusRequiresApproval);
-static_assert(HLLoginItemNotFound == SMAppServiceStatusNotFound);
+static_assert(HLLoginItemStatus::notRegistered == HLLoginItemStatus{SMAppServiceStatusNotRegistered});
+static_assert(HLLoginItemStatus::enabled == HLLoginItemStatus{SMAppServiceStatusEnabled});
+static_assert(HLLoginItemStatus::requiresApproval == HLLoginItemStatus{SMAppServiceStatusRequiresApproval});
+static_assert(HLLoginItemStatus::notFound == HLLoginItemStatus{SMAppServiceStatusNotFound});
 
-std::int64_t HLMacLoginItem::status() { return SMAppService.mainAppService.status; }
+HLLoginItemStatus HLMacLoginItem::status() {
+  return static_cast<HLLoginItemStatus>(SMAppService.mainAppService.status);
+}
 
 HLLoginItemOutcome HLMacLoginItem::registerItem() {
   NSError* error = nil;

@@ -68,19 +68,21 @@ void HLSimHotKeys::press(const std::optional<HLHotKeyIdentity>& identity) {
   if (handler_) answer_ = handler_(identity);
 }
 
-std::int64_t HLSimLoginItem::status() { return status_.value_or(desktop_.scene->services.loginItem.status); }
+HLLoginItemStatus HLSimLoginItem::status() {
+  return status_.value_or(static_cast<HLLoginItemStatus>(desktop_.scene->services.loginItem.status));
+}
 
 HLLoginItemOutcome HLSimLoginItem::registerItem() {
   const HLSceneLoginItem& item = desktop_.scene->services.loginItem;
   if (item.registerError) return {false, item.registerError};
-  status_ = item.statusAfterRegister;
+  status_ = static_cast<HLLoginItemStatus>(item.statusAfterRegister);
   return {true, std::nullopt};
 }
 
 HLLoginItemOutcome HLSimLoginItem::unregisterItem() {
   const HLSceneLoginItem& item = desktop_.scene->services.loginItem;
   if (item.unregisterError) return {false, item.unregisterError};
-  status_ = HLLoginItemNotRegistered;
+  status_ = HLLoginItemStatus::notRegistered;
   return {true, std::nullopt};
 }
 

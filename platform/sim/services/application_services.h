@@ -87,13 +87,13 @@ class HLSimLoginItem : public HLLoginItem {
  public:
   explicit HLSimLoginItem(const HLSimDesktop& desktop) : desktop_(desktop) {}
 
-  [[nodiscard]] std::int64_t status() override;
+  [[nodiscard]] HLLoginItemStatus status() override;
   [[nodiscard]] HLLoginItemOutcome registerItem() override;
   [[nodiscard]] HLLoginItemOutcome unregisterItem() override;
 
  private:
   const HLSimDesktop& desktop_;
-  std::optional<std::int64_t> status_;  // once it has changed
+  std::optional<HLLoginItemStatus> status_;  // once it has changed
 };
 
 class HLSimUserDefaults : public HLUserDefaults {

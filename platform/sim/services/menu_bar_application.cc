@@ -11,7 +11,6 @@
 namespace {
 
 constexpr int kBadScene = 2;
-constexpr std::uint16_t kReturn = 36;
 
 }  // namespace
 
@@ -97,7 +96,7 @@ void HLSimMenuBarApplication::key(const HLKeyEvent& event) {
   HLSimWindow* front = interface_.windows.key();
   if (front == nullptr) return;
   if (!keyMonitors_.empty()) return keyMonitors_.back()->see(event);
-  if (event.code == kReturn) front->pressKeyButton();
+  if (event.code == HLKeyReturn) front->pressKeyButton();
 }
 
 void HLSimMenuBarApplication::press(const HLScenePress& press) {

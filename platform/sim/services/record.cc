@@ -202,7 +202,7 @@ HLJson dump(const HLSimDesktop& desktop, HLSimUserInterface& interface) {
   made["hotKeyAnswer"] = answer ? HLJson(*answer) : HLJson(nullptr);
   made["recording"] = interface.application.hasKeyMonitor();
   made["openedAddresses"] = interface.workspace.opened();
-  made["loginItemStatus"] = interface.loginItem.status();
+  made["loginItemStatus"] = static_cast<std::int64_t>(interface.loginItem.status());
   made["notifications"] = notifications(desktop);
   made["beeps"] = interface.application.beeps();
   made["observers"] = observers(*desktop.world);

@@ -278,11 +278,11 @@ TEST(DismissBatch, MeasuresTheTimeOfResolvingApartFromThatOfPressing) {
   for (std::size_t i = 0; i < 2; ++i) {
     const auto slow = std::make_shared<FakeElement>();
     slow->onRead = [&slept, i] {
-      if (!slept[i]) HLCurrentPlatform().runLoop.sleep(0.0124);
+      if (!slept[i]) HLCurrentPlatform().runLoop->sleep(0.0124);
       slept[i] = true;
     };
     slow->onAction = [](std::string_view) {
-      HLCurrentPlatform().runLoop.sleep(0.1);
+      HLCurrentPlatform().runLoop->sleep(0.1);
       return HLAXErrorSuccess;
     };
     eligible.push_back(targetOf(slow, "AXPress", "slow", kLarge));

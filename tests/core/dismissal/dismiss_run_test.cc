@@ -81,8 +81,8 @@ TEST(DismissRun, WithoutTrustIsDeniedBeforeNotificationCenterIsLookedFor) {
 
 TEST(DismissRun, NeverAsksTheUserForTrust) {
   const Dismissal run(scene("", R"(, "trusted": false, "services": {"grantOnPrompt": true})"));
-  HLCurrentPlatform().runLoop.runFor(1);
-  EXPECT_FALSE(HLCurrentPlatform().accessibility.isProcessTrusted(false));
+  HLCurrentPlatform().runLoop->runFor(1);
+  EXPECT_FALSE(HLCurrentPlatform().accessibility->isProcessTrusted(false));
 }
 
 TEST(DismissRun, WithoutNotificationCenterIsUnavailable) {

@@ -15,7 +15,7 @@ namespace {
 std::string launchContext(std::string_view scene) {
   SimulatedDesktop desktop(scene);
   std::string summary = HLLaunchContextSummary();
-  const std::string own = "pid=" + std::to_string(desktop.platform().process.processIdentifier()) + " ";
+  const std::string own = "pid=" + std::to_string(desktop.platform().process->processIdentifier()) + " ";
   EXPECT_EQ(summary.substr(0, own.size()), own);
   return summary.substr(std::min(own.size(), summary.size()));
 }

@@ -186,19 +186,19 @@ TEST(BannerSubrole, NamesANotificationCenterItemInAnyLetterCase) {
 TEST(Trust, IsAskedAfreshEachTime) {
   SimulatedDesktop desktop(R"({"trusted": true, "timeline": [{"at": 1, "trust": false}, {"at": 2, "trust": true}]})");
   EXPECT_TRUE(HLIsAccessibilityTrusted(false));
-  desktop.platform().runLoop.sleep(1);
+  desktop.platform().runLoop->sleep(1);
   EXPECT_FALSE(HLIsAccessibilityTrusted(false));
-  desktop.platform().runLoop.sleep(1);
+  desktop.platform().runLoop->sleep(1);
   EXPECT_TRUE(HLIsAccessibilityTrusted(false));
 }
 
 TEST(Trust, OnlyAPromptAsksTheUserAndNoneWaitsForTheAnswer) {
   SimulatedDesktop desktop(R"({"trusted": false, "services": {"grantOnPrompt": true}})");
   EXPECT_FALSE(HLIsAccessibilityTrusted(false));
-  desktop.platform().runLoop.runFor(0.1);
+  desktop.platform().runLoop->runFor(0.1);
   EXPECT_FALSE(HLIsAccessibilityTrusted(false));
   EXPECT_FALSE(HLIsAccessibilityTrusted(true));
-  desktop.platform().runLoop.runFor(0.1);
+  desktop.platform().runLoop->runFor(0.1);
   EXPECT_TRUE(HLIsAccessibilityTrusted(false));
 }
 
@@ -217,7 +217,7 @@ TEST(Trust, AnElementThatHasGoneReadsAsMissing) {
     "timeline": [{"at": 1, "remove": "window"}]})");
   const HLElementRef window = desktop.element("window");
   EXPECT_EQ(HLStringAttribute(*window, "AXTitle"), "Hello");
-  desktop.platform().runLoop.sleep(1);
+  desktop.platform().runLoop->sleep(1);
   EXPECT_EQ(HLStringAttribute(*window, "AXTitle"), std::nullopt);
   EXPECT_TRUE(HLActionNames(*window).empty());
   EXPECT_TRUE(HLFrameForElement(*window).isNull());

@@ -45,9 +45,9 @@ TEST(FindingNotificationCenter, EachCallAsksAgain) {
     "relaunch": {"after": 0.5, "application": {"pid": 500, "bundleIdentifier": "com.apple.notificationcenterui"}}}],
     "timeline": [{"at": 1, "quit": 400}]})");
   EXPECT_EQ(HLNotificationCenterApplication()->pid, 400);
-  desktop.platform().runLoop.sleep(1);
+  desktop.platform().runLoop->sleep(1);
   EXPECT_FALSE(HLNotificationCenterApplication().has_value());
-  desktop.platform().runLoop.sleep(0.5);
+  desktop.platform().runLoop->sleep(0.5);
   EXPECT_EQ(HLNotificationCenterApplication()->pid, 500);
 }
 

@@ -62,7 +62,7 @@ class Application : public testing::Test {
       press(NSApplication.sharedApplication.modalWindow.contentView, button);
       wake();
     });
-    return platform_.alerts.runModal({"Title", "Message", {"Download", "Later"}});
+    return platform_.alerts->runModal({"Title", "Message", {"Download", "Later"}});
   }
 
   HLMacApplicationHost host_;
@@ -78,7 +78,7 @@ TEST_F(Application, AnswersAnAlertThatWasBrokenOffWithItsLastButton) {
   const Meanwhile breaking(^{
     if (NSApplication.sharedApplication.modalWindow != nil) [NSApplication.sharedApplication abortModal];
   });
-  EXPECT_EQ(platform_.alerts.runModal({"Title", "Message", {"Download", "Later"}}), 1U);
+  EXPECT_EQ(platform_.alerts->runModal({"Title", "Message", {"Download", "Later"}}), 1U);
 }
 
 TEST_F(Application, HoldsUpStepsOfTheMainQueueBehindOneThatAsks) {
@@ -108,7 +108,7 @@ TEST_F(Application, HearsKeyPressesUntilTheMonitorEndsItself) {
   if (event == nil) FAIL() << "no event was made";
   std::vector<HLKeyEvent> seen;
   std::unique_ptr<HLKeyMonitor> monitor;
-  monitor = platform_.application.addKeyMonitor([&](const HLKeyEvent& press) {
+  monitor = platform_.application->addKeyMonitor([&](const HLKeyEvent& press) {
     seen.push_back(press);
     if (seen.size() == 2) monitor = nullptr;
   });

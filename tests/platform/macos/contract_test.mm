@@ -50,7 +50,7 @@ class WindowProcess {
 class MacContractDesktop final : public ContractDesktop {
  public:
   MacContractDesktop() {
-    if (!platform().accessibility.isProcessTrusted(false)) {
+    if (!platform().accessibility->isProcessTrusted(false)) {
       throw std::runtime_error("the program that starts the tests needs the Accessibility grant");
     }
     HLRunLoop& loop = platform().runLoop;
@@ -67,10 +67,10 @@ class MacContractDesktop final : public ContractDesktop {
   std::string removingAction() override { return closingAction(); }
 
  private:
-  [[nodiscard]] bool isListed() { return platform().runningApplications.find(pid()).has_value(); }
+  [[nodiscard]] bool isListed() { return platform().runningApplications->find(pid()).has_value(); }
 
   [[nodiscard]] std::string closingAction() {
-    const HLElementRef root = platform().accessibility.createApplication(pid());
+    const HLElementRef root = platform().accessibility->createApplication(pid());
     return root == nullptr ? "" : closingActionBelow(root, "AXWindows");
   }
 
@@ -207,7 +207,7 @@ TEST_F(Applications, AreToldOfThoughTheyStayOutOfTheDock) {
 TEST(Observer, OfAProcessThatIsNotThereIsNone) {
   HLMacHost host;
   const auto observer =
-      host.platform().accessibility.createObserver(-1, [](const HLElementRef&, std::string_view) { FAIL(); });
+      host.platform().accessibility->createObserver(-1, [](const HLElementRef&, std::string_view) { FAIL(); });
   EXPECT_EQ(observer, nullptr);
 }
 

@@ -31,7 +31,7 @@ TEST(UserNotifications, AnswerWithAnErrorOutsideABundle) {
   EXPECT_TRUE(added.has_value());
 }
 
-TEST(LoginItem, IsNotEnabledOutsideABundle) { EXPECT_NE(HLMacLoginItem().status(), HLLoginItemEnabled); }
+TEST(LoginItem, IsNotEnabledOutsideABundle) { EXPECT_NE(HLMacLoginItem().status(), HLLoginItemStatus::enabled); }
 
 TEST(Workspace, OpensNoAddressWithoutAScheme) {
   HLMacWorkspace workspace;

@@ -46,7 +46,7 @@ class Windows : public testing::Test {
   const HLApplicationPlatform& platform_ = host_.platform();
 
   [[nodiscard]] std::optional<HLWindowView> viewNamed(const std::string& title) {
-    for (HLWindowView& view : platform_.windows.views()) {
+    for (HLWindowView& view : platform_.windows->views()) {
       if (view.title == title) return std::move(view);
     }
     return std::nullopt;
@@ -61,7 +61,7 @@ class Windows : public testing::Test {
 };
 
 TEST_F(Windows, AreAsWideAsDescribedAndAsHighAsTheirTexts) {
-  const auto window = platform_.windows.makeWindow(description());
+  const auto window = platform_.windows->makeWindow(description());
   window->fitHeight();
   const double before = viewNamed("Set Up")->height;
   EXPECT_EQ(viewNamed("Set Up")->width, 460);
@@ -75,7 +75,7 @@ TEST_F(Windows, AreAsWideAsDescribedAndAsHighAsTheirTexts) {
 }
 
 TEST_F(Windows, ShowTheWholeOfTheirTexts) {
-  const auto window = platform_.windows.makeWindow(description());
+  const auto window = platform_.windows->makeWindow(description());
   window->fitHeight();
   NSView* content = contentOf(@"Set Up");
   EXPECT_NEAR(NSMinY(content.subviews.firstObject.frame), 22, 1);  // the margin below the stack
@@ -96,7 +96,7 @@ TEST_F(Windows, AreVisibleFromShowingToClosingAndSaySo) {
   int closed = 0;
   HLWindowDescription described = description();
   described.willClose = [&] { ++closed; };
-  const auto window = platform_.windows.makeWindow(std::move(described));
+  const auto window = platform_.windows->makeWindow(std::move(described));
   EXPECT_FALSE(viewNamed("Set Up")->visible);
   for (int round = 1; round <= 2; ++round) {
     window->center();
@@ -109,7 +109,7 @@ TEST_F(Windows, AreVisibleFromShowingToClosingAndSaySo) {
 }
 
 TEST_F(Windows, GiveTheirPicture) {
-  const auto window = platform_.windows.makeWindow(description());
+  const auto window = platform_.windows->makeWindow(description());
   window->makeKeyAndOrderFront();
   const std::optional<std::string> png = viewNamed("Set Up")->png();
   ASSERT_TRUE(png.has_value());
@@ -117,7 +117,7 @@ TEST_F(Windows, GiveTheirPicture) {
 }
 
 TEST_F(Windows, IgnoreNamesThatTheyDoNotHave) {
-  const auto window = platform_.windows.makeWindow(description());
+  const auto window = platform_.windows->makeWindow(description());
   window->setLabel("nobody", "text", HLTextColor::green);
   window->setButtonTitle("heading", "text");
   window->setCheckBox("nobody", true);
@@ -145,14 +145,14 @@ TEST_F(Windows, StandBesideAStatusItem) {
   HLStatusItemDescription item;
   item.toolTip = "tip";
   item.menu = {"Hushlet", {{"dismiss", "Dismiss Notifications", "", {}}, {}, {"quit", "Quit", "q", {}}}, {}};
-  platform_.statusItem.install(std::move(item));
-  platform_.statusItem.setTitle("HL");
+  platform_.statusItem->install(std::move(item));
+  platform_.statusItem->setTitle("HL");
   for (const char* symbol : {"bell.slash", "exclamationmark.triangle"}) {
-    platform_.statusItem.setImage({symbol, true, "Hushlet"});
+    platform_.statusItem->setImage({symbol, true, "Hushlet"});
     EXPECT_NE([NSImage imageWithSystemSymbolName:HLMakeString(symbol) accessibilityDescription:nil], nil) << symbol;
   }
-  platform_.statusItem.setMenuItem("dismiss", "Dismiss", true);
-  platform_.statusItem.setMenuItem("nobody", "Nothing", true);
+  platform_.statusItem->setMenuItem("dismiss", "Dismiss", true);
+  platform_.statusItem->setMenuItem("nobody", "Nothing", true);
 }
 
 }  // namespace

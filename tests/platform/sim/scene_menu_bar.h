@@ -34,7 +34,7 @@ class MenuBar {
   }
 
   // The event loop from its begin to its end; the exit code.
-  int run(std::function<void()> launch = [] {}) { return host().application.run({std::move(launch), {}}); }
+  int run(std::function<void()> launch = [] {}) { return host().application->run({std::move(launch), {}}); }
 
   // On the main thread, after all that the scene has at that moment.
   void at(double seconds, std::function<void()> step) { runLoop().postToMainQueueAfter(seconds, std::move(step)); }
@@ -58,7 +58,7 @@ class MenuBar {
   // A window of that title with these controls, which is open.
   [[nodiscard]] std::unique_ptr<HLWindow> open(const std::string& title, std::vector<HLStackItem> stack = {}) {
     HLWindowDescription description{title, 420, 280, 24, 22, std::move(stack), noting("closed " + title)};
-    std::unique_ptr<HLWindow> window = host().windows.makeWindow(std::move(description));
+    std::unique_ptr<HLWindow> window = host().windows->makeWindow(std::move(description));
     window->makeKeyAndOrderFront();
     return window;
   }

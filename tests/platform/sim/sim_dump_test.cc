@@ -46,8 +46,8 @@ TEST(Dump, IsOneLineThatIsAppendedInItsTurn) {
                            R"("}, {"at": 1.23456, "click": "left"}, {"at": 2, "dump": ")" + path + R"("})"));
   int clicks = 0;
   EXPECT_EQ(program.run([&] {
-    program.host().statusItem.install(
-        {"", [&] { program.host().statusItem.setTitle("a\nb " + std::to_string(++clicks)); }, {}});
+    program.host().statusItem->install(
+        {"", [&] { program.host().statusItem->setTitle("a\nb " + std::to_string(++clicks)); }, {}});
   }),
             0);
   const std::vector<std::string> lines = linesOf(path);
@@ -62,7 +62,7 @@ TEST(Dump, IsOneLineThatIsAppendedInItsTurn) {
 TEST(Dump, ThatCannotBeWrittenIsComplainedAboutAndDoesNotStopTheProgram) {
   MenuBar program(Timeline(R"({"at": 1, "dump": "/nowhere/at/all"}, {"at": 2, "click": "left"})"));
   testing::internal::CaptureStderr();
-  EXPECT_EQ(program.run([&] { program.host().statusItem.install({"", program.noting("click"), {}}); }), 0);
+  EXPECT_EQ(program.run([&] { program.host().statusItem->install({"", program.noting("click"), {}}); }), 0);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "/nowhere/at/all: No such file or directory\n");
   EXPECT_THAT(program.entries(), ElementsAre("click@2000"));
 }
@@ -85,8 +85,8 @@ TEST(Dump, ShowsTheStatusItemAndItsMenu) {
 
 TEST(Dump, ShowsWindowsInTheOrderOfTheirCreation) {
   MenuBar program("{}");
-  const auto a = program.host().windows.makeWindow({"A", 460, 360.5, 24, 22, {}, {}});
-  const auto b = program.host().windows.makeWindow({"B", 420, 280, 24, 22, {}, {}});
+  const auto a = program.host().windows->makeWindow({"A", 460, 360.5, 24, 22, {}, {}});
+  const auto b = program.host().windows->makeWindow({"B", 420, 280, 24, 22, {}, {}});
   EXPECT_EQ(program.dump()["windows"], json::parse(R"([
     {"title": "A", "visible": false, "key": false, "width": 460, "height": 360.5, "content": []},
     {"title": "B", "visible": false, "key": false, "width": 420, "height": 280, "content": []}])"));
@@ -126,10 +126,10 @@ TEST(Dump, ShowsWhatAWindowHolds) {
 
 TEST(Dump, ShowsAppearanceBeepsAndTimers) {
   MenuBar program("{}");
-  program.host().application.setDarkAppearance();
-  program.host().application.beep();
-  program.host().application.beep();
-  program.host().application.activate();
+  program.host().application->setDarkAppearance();
+  program.host().application->beep();
+  program.host().application->beep();
+  program.host().application->activate();
   const auto one = program.runLoop().scheduleTimer(1, [] {});
   auto two = program.runLoop().scheduleTimer(1, [] {});
   program.at(1, [] {});
@@ -145,7 +145,7 @@ TEST(Dump, ShowsObserversAndNotifications) {
   HLAccessibility& accessibility = program.desktop().accessibility();
   const auto observer = accessibility.createObserver(400, [](const auto&, std::string_view) {});
   EXPECT_EQ(observer->addNotification(accessibility.createApplication(400), "AXCreated"), HLAXErrorSuccess);
-  program.desktop().simulator().platform().userNotifications.add({"i", "t", "b", 2.5, false}, [](const auto&) {});
+  program.desktop().simulator().platform().userNotifications->add({"i", "t", "b", 2.5, false}, [](const auto&) {});
   EXPECT_EQ(program.dump()["observers"], json::parse(R"([{"pid": 400, "notifications": ["AXCreated"]}])"));
   EXPECT_EQ(program.dump()["notifications"],
             json::parse(R"([{"identifier": "i", "title": "t", "body": "b", "delay": 2.5, "sound": false}])"));
@@ -185,12 +185,12 @@ TEST(Simulator, GoesAfterWhatItsCallbacksOwn) {
       const auto owned = std::make_shared<Owned>();
       owned->window = program->open("W");
       owned->timer = program->runLoop().scheduleTimer(1, [] {});
-      owned->monitor = program->host().application.addKeyMonitor([](const HLKeyEvent&) {});
-      owned->hotKey = program->host().hotKeys.registerHotKey(1, 0, {"HLhk", 1});
+      owned->monitor = program->host().application->addKeyMonitor([](const HLKeyEvent&) {});
+      owned->hotKey = program->host().hotKeys->registerHotKey(1, 0, {"HLhk", 1});
       if (keeper == 0) program->at(9, [owned] {});
-      if (keeper == 1) program->host().hotKeys.installHandler([owned](const auto&) { return 0; });
+      if (keeper == 1) program->host().hotKeys->installHandler([owned](const auto&) { return 0; });
       if (keeper == 2) program->desktop().applications().observeLaunches([owned](const auto&) {});
-      if (keeper == 3) program->host().httpClient.get("http://h/x", 15, [owned](const auto&) {});
+      if (keeper == 3) program->host().httpClient->get("http://h/x", 15, [owned](const auto&) {});
     });
     EXPECT_EQ(program->dump()["windows"].size(), 1U);
   }

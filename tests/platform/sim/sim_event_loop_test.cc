@@ -66,7 +66,7 @@ TEST(EventLoop, WaitsForTheEffectsOfAnAction) {
   MenuBar program(Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {"AXPress": {"after": 3,
     "effects": [{"openMenu": true}]}}})"));
   (void)program.run([&] {
-    program.host().statusItem.install({"", {}, {"", {}, program.noting("menu")}});
+    program.host().statusItem->install({"", {}, {"", {}, program.noting("menu")}});
     EXPECT_EQ(program.desktop().press("w"), HLAXErrorSuccess);
   });
   EXPECT_THAT(program.entries(), ElementsAre("menu@3000"));
@@ -75,7 +75,7 @@ TEST(EventLoop, WaitsForTheEffectsOfAnAction) {
 TEST(EventLoop, IsEndedByTheScene) {
   MenuBar program(Timeline(R"({"at": 1, "terminate": true}, {"at": 1, "openMenu": true}, {"at": 5, "quit": 9})"));
   EXPECT_EQ(program.run([&] {
-    program.host().statusItem.install({"", {}, {"", {}, program.noting("menu")}});
+    program.host().statusItem->install({"", {}, {"", {}, program.noting("menu")}});
     program.at(1, program.noting("step"));
   }),
             0);
@@ -85,16 +85,16 @@ TEST(EventLoop, IsEndedByTheScene) {
 
 TEST(EventLoop, IsEndedByTheProgram) {
   MenuBar program(Timeline(R"({"at": 5, "quit": 9})"));
-  EXPECT_EQ(program.run([&] { program.at(2, [&] { program.host().application.terminate(); }); }), 0);
+  EXPECT_EQ(program.run([&] { program.at(2, [&] { program.host().application->terminate(); }); }), 0);
   EXPECT_EQ(program.desktop().simulator().elapsed(), 2);
 }
 
 TEST(EventLoop, DoesNotBeginForAProgramThatEndsWhileItIsLaunched) {
   MenuBar program(Timeline(R"({"at": 0, "openMenu": true}, {"at": 1, "openMenu": true})"));
   EXPECT_EQ(program.run([&] {
-    program.host().statusItem.install({"", {}, {"", {}, program.noting("menu")}});
+    program.host().statusItem->install({"", {}, {"", {}, program.noting("menu")}});
     program.runLoop().postToMainQueue(program.noting("step"));
-    program.host().application.terminate();
+    program.host().application->terminate();
   }),
             0);
   EXPECT_THAT(program.entries(), IsEmpty());
@@ -138,7 +138,7 @@ TEST(EventLoop, EndsTheProcessInTheMidstOfSuchWorkWhereItMay) {
 TEST(UserEvents, WaitForTheLaunch) {
   MenuBar program(Timeline(R"({"at": 0, "openMenu": true}, {"at": 1, "click": "left"}, {"at": 3, "openMenu": true})"));
   (void)program.run([&] {
-    program.host().statusItem.install({"", program.noting("click"), {"", {}, program.noting("menu")}});
+    program.host().statusItem->install({"", program.noting("click"), {"", {}, program.noting("menu")}});
     program.runLoop().runFor(2);
     program.note("launched");
   });
@@ -149,8 +149,8 @@ TEST(UserEvents, OfOneMomentComeInTheOrderInWhichTheyAreWritten) {
   MenuBar program(Timeline(R"({"at": 2, "click": "none"}, {"at": 1, "openMenu": true}, {"at": 1, "click": "left"},
     {"at": 1, "hotKey": null}, {"at": 1, "click": "left"}, {"at": 0, "openMenu": true})"));
   (void)program.run([&] {
-    program.host().statusItem.install({"", program.noting("click"), {"", {}, program.noting("menu")}});
-    program.host().hotKeys.installHandler([&](const auto&) {
+    program.host().statusItem->install({"", program.noting("click"), {"", {}, program.noting("menu")}});
+    program.host().hotKeys->installHandler([&](const auto&) {
       program.note("hot key");
       return 0;
     });
@@ -162,7 +162,7 @@ TEST(UserEvents, OfOneMomentComeInTheOrderInWhichTheyAreWritten) {
 TEST(UserEvents, HaveNoEffectWithoutTheApplication) {
   MenuBar program(Timeline(R"({"at": 0, "click": "left"}, {"at": 1, "choose": "Nothing"}, {"at": 1, "press": "B",
     "window": "W"}, {"at": 1, "terminate": true}, {"at": 1, "dump": "/nowhere/at/all"}, {"at": 2, "quit": 9})"));
-  program.host().statusItem.install({"", program.noting("click"), {}});
+  program.host().statusItem->install({"", program.noting("click"), {}});
   testing::internal::CaptureStderr();
   program.at(1.5, program.noting("step"));
   program.runLoop().runFor(3);
@@ -289,13 +289,13 @@ TEST(RealTime, RunsTheSameApplication) {
   int turns = 0;
   const auto note = [&](const std::string& what) { return [&entries, what] { entries.push_back(what); }; };
   EXPECT_EQ(program.run([&] {
-    program.host().statusItem.install({"", note("click"), {"", {}, note("menu")}});
+    program.host().statusItem->install({"", note("click"), {"", {}, note("menu")}});
     window = program.open("W", {{HLCheckBox{"", "Box", [&](bool) { entries.emplace_back("box"); }}}});
     timer = program.runLoop().scheduleTimer(0.01, [&] {
       ++turns;
-      if (entries.size() == 5) program.host().application.terminate();
+      if (entries.size() == 5) program.host().application->terminate();
     });
-    program.host().httpClient.get("http://x/a", 15, [&](const HLHTTPAnswer&) { entries.emplace_back("answer"); });
+    program.host().httpClient->get("http://x/a", 15, [&](const HLHTTPAnswer&) { entries.emplace_back("answer"); });
     program.runLoop().postToGlobalQueue(kQuality, [&] { program.runLoop().postToMainQueue(note("work")); });
   }),
             0);

@@ -111,7 +111,7 @@ class SimulatedUserNotifications : public testing::Test {
   static std::string permission(const std::string& service) {
     Desktop desktop(R"({"services": {"userNotifications": )" + service + "}}");
     std::string answer = "silent";
-    desktop.simulator().platform().userNotifications.requestAuthorization(
+    desktop.simulator().platform().userNotifications->requestAuthorization(
         [&answer](bool granted, const std::optional<std::string>& error) {
           answer = (granted ? "granted" : "denied") + (error ? " " + *error : "");
         });
@@ -130,7 +130,7 @@ TEST_F(SimulatedUserNotifications, AreKeptAndAnsweredAsTheSceneSays) {
   Desktop desktop(R"({"services": {"userNotifications": {"addErrors": {"b": "full"}}}})");
   std::vector<std::string> answers;
   for (const char* identifier : {"a", "b"}) {
-    desktop.simulator().platform().userNotifications.add(
+    desktop.simulator().platform().userNotifications->add(
         {identifier, "title", "body", 1.5, true},
         [&answers](const std::optional<std::string>& error) { answers.push_back(error.value_or("added")); });
   }
@@ -187,7 +187,7 @@ TEST(Record, ListsTheNotificationsThatTheProgramPosted) {
   const std::string path = freshPath("notifications");
   {
     Desktop desktop(R"({"record": ")" + path + "\"}");
-    desktop.simulator().platform().userNotifications.add({"id", "title", "body", 2, true}, [](const auto&) {});
+    desktop.simulator().platform().userNotifications->add({"id", "title", "body", 2, true}, [](const auto&) {});
   }
   EXPECT_EQ(json::parse(content(path))["notifications"],
             json::parse(R"([{"identifier": "id", "title": "title", "body": "body", "delay": 2, "sound": true}])"));
@@ -229,9 +229,9 @@ TEST_F(Host, ShowsTheBuiltInEveningWhereNoSceneIsNamed) {
   const auto* host = std::get_if<std::unique_ptr<HLHost>>(&made);
   ASSERT_NE(host, nullptr);
   const HLPlatform& platform = (*host)->platform();
-  EXPECT_THAT(platform.process.arguments(), ElementsAre("hushlet-sim", "--dismiss-now"));
-  EXPECT_EQ(platform.process.environment("PATH"), std::getenv("PATH"));
-  EXPECT_EQ(platform.runningApplications.list().back().bundleIdentifier, "com.apple.notificationcenterui");
+  EXPECT_THAT(platform.process->arguments(), ElementsAre("hushlet-sim", "--dismiss-now"));
+  EXPECT_EQ(platform.process->environment("PATH"), std::getenv("PATH"));
+  EXPECT_EQ(platform.runningApplications->list().back().bundleIdentifier, "com.apple.notificationcenterui");
 }
 
 TEST_F(Host, ShowsTheSceneThatTheEnvironmentNames) {
@@ -241,7 +241,7 @@ TEST_F(Host, ShowsTheSceneThatTheEnvironmentNames) {
   const auto made = make();
   const auto* host = std::get_if<std::unique_ptr<HLHost>>(&made);
   ASSERT_NE(host, nullptr);
-  EXPECT_TRUE((*host)->platform().runningApplications.find(77).has_value());
+  EXPECT_TRUE((*host)->platform().runningApplications->find(77).has_value());
 }
 
 TEST_F(Host, PrintsTheScreenAtTheStartAndAtTheEndWhereTheEnvironmentWantsIt) {
@@ -257,7 +257,7 @@ TEST_F(Host, PrintsTheScreenAtTheStartAndAtTheEndWhereTheEnvironmentWantsIt) {
     testing::internal::CaptureStdout();
     {
       const auto made = make();
-      std::get<std::unique_ptr<HLHost>>(made)->platform().runLoop.sleep(1);
+      std::get<std::unique_ptr<HLHost>>(made)->platform().runLoop->sleep(1);
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), printed) << wanted;
   }

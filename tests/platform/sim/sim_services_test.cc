@@ -36,8 +36,8 @@ TEST(Alerts, WithoutTheButtonThatTheSceneAnswersEndTheProgramWithOneLine) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(program.run([&] {
     program.at(1, [&] {
-      EXPECT_EQ(program.host().alerts.runModal({"Title", "", {"Yes", "No"}}), 1U);
-      EXPECT_EQ(program.host().alerts.runModal({"Title", "", {"Yes", "No"}}), 1U);
+      EXPECT_EQ(program.host().alerts->runModal({"Title", "", {"Yes", "No"}}), 1U);
+      EXPECT_EQ(program.host().alerts->runModal({"Title", "", {"Yes", "No"}}), 1U);
     });
   }),
             2);
@@ -72,12 +72,12 @@ TEST(RefusedHotKeys, GiveTheirStatusAndRegisterNothing) {
 TEST(LoginItem, IsRegisteredAndUnregistered) {
   MenuBar program("{}");
   HLLoginItem& item = program.host().loginItem;
-  EXPECT_EQ(item.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item.status(), HLLoginItemStatus::notRegistered);
   EXPECT_TRUE(item.registerItem().ok);
-  EXPECT_EQ(item.status(), HLLoginItemEnabled);
+  EXPECT_EQ(item.status(), HLLoginItemStatus::enabled);
   EXPECT_EQ(program.dump()["loginItemStatus"], 1);
   EXPECT_TRUE(item.unregisterItem().ok);
-  EXPECT_EQ(item.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item.status(), HLLoginItemStatus::notRegistered);
 }
 
 TEST(LoginItem, HasTheStatesThatTheSceneSays) {
@@ -85,9 +85,9 @@ TEST(LoginItem, HasTheStatesThatTheSceneSays) {
   HLLoginItem& item = program.host().loginItem;
   EXPECT_EQ(program.dump()["loginItemStatus"], 3);
   EXPECT_TRUE(item.registerItem().ok);
-  EXPECT_EQ(item.status(), HLLoginItemRequiresApproval);
+  EXPECT_EQ(item.status(), HLLoginItemStatus::requiresApproval);
   EXPECT_TRUE(item.unregisterItem().ok);
-  EXPECT_EQ(item.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item.status(), HLLoginItemStatus::notRegistered);
 }
 
 TEST(LoginItem, KeepsItsStatusWhenAChangeFails) {
@@ -99,7 +99,7 @@ TEST(LoginItem, KeepsItsStatusWhenAChangeFails) {
   const HLLoginItemOutcome unregistered = item.unregisterItem();
   EXPECT_FALSE(unregistered.ok);
   EXPECT_EQ(unregistered.error, "never");
-  EXPECT_EQ(item.status(), HLLoginItemRequiresApproval);
+  EXPECT_EQ(item.status(), HLLoginItemStatus::requiresApproval);
 }
 
 // Preferences
@@ -125,8 +125,8 @@ TEST(Defaults, AreWhatIsStoredElseWhatIsRegistered) {
 
 TEST(Workspace, OpensEveryAddressUnlessTheSceneSaysOtherwise) {
   MenuBar program("{}");
-  EXPECT_TRUE(program.host().workspace.openAddress("x-apple:pane"));
-  EXPECT_TRUE(program.host().workspace.openAddress("https://a/b"));
+  EXPECT_TRUE(program.host().workspace->openAddress("x-apple:pane"));
+  EXPECT_TRUE(program.host().workspace->openAddress("https://a/b"));
   EXPECT_EQ(program.dump()["openedAddresses"], json::parse(R"(["x-apple:pane", "https://a/b"])"));
 }
 
@@ -140,7 +140,7 @@ TEST(Workspace, OpensTheAddressesThatBeginAsTheSceneSays) {
   EXPECT_FALSE(workspace.openAddress("HTTPS://a/"));
   EXPECT_EQ(program.dump()["openedAddresses"], json::parse(R"(["https://a/b", "mailto:x"])"));
   MenuBar closed(services(R"("opens": [])"));
-  EXPECT_FALSE(closed.host().workspace.openAddress("https://a/b"));
+  EXPECT_FALSE(closed.host().workspace->openAddress("https://a/b"));
   EXPECT_THAT(closed.dump()["openedAddresses"], IsEmpty());
 }
 
@@ -153,7 +153,7 @@ class Fetched : public testing::Test {
     MenuBar program(services(R"("http": {)" + http + "}"));
     (void)program.run([&] {
       for (const std::string& address : addresses) {
-        program.host().httpClient.get(address, 15, [&](const HLHTTPAnswer& answer) {
+        program.host().httpClient->get(address, 15, [&](const HLHTTPAnswer& answer) {
           program.note(std::to_string(answer.status) + " " + answer.body.value_or("failed"));
         });
       }
@@ -214,8 +214,8 @@ std::string inflated(const std::string& stream) {
 TEST(Picture, OfAWindowIsABlankOneOfItsSize) {
   MenuBar program("{}");
   for (const auto& [width, height] : std::vector<std::pair<double, double>>{{420, 280}, {1, 1}, {2000, 700}}) {
-    const auto window = program.host().windows.makeWindow({"W", width, height, 0, 0, {}, {}});
-    const std::vector<HLWindowView> views = program.host().windows.views();
+    const auto window = program.host().windows->makeWindow({"W", width, height, 0, 0, {}, {}});
+    const std::vector<HLWindowView> views = program.host().windows->views();
     ASSERT_EQ(views.size(), 1U);
     EXPECT_EQ(views[0].width, width);
     EXPECT_EQ(views[0].height, height);
@@ -238,10 +238,10 @@ TEST(Views, ListEveryWindowInTheOrderOfCreation) {
   MenuBar program("{}");
   const auto a = program.open("A");
   const auto b = program.open("B");
-  const auto c = program.host().windows.makeWindow({"", 10, 20, 0, 0, {}, {}});
+  const auto c = program.host().windows->makeWindow({"", 10, 20, 0, 0, {}, {}});
   a->makeKeyAndOrderFront();
   b->close();
-  const std::vector<HLWindowView> views = program.host().windows.views();
+  const std::vector<HLWindowView> views = program.host().windows->views();
   ASSERT_EQ(views.size(), 3U);
   EXPECT_EQ(views[0].title, "A");
   EXPECT_TRUE(views[0].visible);

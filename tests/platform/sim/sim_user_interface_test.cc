@@ -21,22 +21,22 @@ using testing::IsEmpty;
 void installItem(MenuBar& program, bool popsUp = false) {
   HLMenu menu{"Menu", {{"first", "First", "f", program.noting("first")}, {}, {"", "Second", "", {}}}, {}};
   menu.needsUpdate = program.noting("update");
-  program.host().statusItem.install({"tip",
-                                     [&program, popsUp] {
-                                       const std::optional<HLEvent> event = program.host().application.currentEvent();
-                                       program.note(event ? "click " + std::to_string(event->type) + " " +
-                                                                std::to_string(event->modifiers)
-                                                          : "click");
-                                       if (popsUp) program.host().statusItem.popUpMenu();
-                                     },
-                                     std::move(menu)});
+  program.host().statusItem->install({"tip",
+                                      [&program, popsUp] {
+                                        const std::optional<HLEvent> event = program.host().application->currentEvent();
+                                        program.note(event ? "click " + std::to_string(event->type) + " " +
+                                                                 std::to_string(event->modifiers)
+                                                           : "click");
+                                        if (popsUp) program.host().statusItem->popUpMenu();
+                                      },
+                                      std::move(menu)});
 }
 
 TEST(Click, ComesWithItsEvent) {
   MenuBar program(Timeline(R"({"at": 1, "click": "left"}, {"at": 2, "click": "right"})"));
   EXPECT_EQ(program.run([&] { installItem(program); }), 0);
   EXPECT_THAT(program.entries(), ElementsAre("click 2 0@1000", "click 4 0@2000"));
-  EXPECT_EQ(program.host().application.currentEvent().has_value(), false);
+  EXPECT_EQ(program.host().application->currentEvent().has_value(), false);
 }
 
 TEST(Click, CarriesItsModifiers) {
@@ -84,8 +84,8 @@ TEST(Menu, IsChosenFromByTheTitlesThatItsUpdateGives) {
   MenuBar program(Timeline(R"({"at": 1, "choose": "Renamed"})"));
   EXPECT_EQ(program.run([&] {
     HLMenu menu{"Menu", {{"item", "Old", "", program.noting("chosen")}, {"", "Other", "", {}}}, {}};
-    menu.needsUpdate = [&] { program.host().statusItem.setMenuItem("item", "Renamed", true); };
-    program.host().statusItem.install({"", {}, std::move(menu)});
+    menu.needsUpdate = [&] { program.host().statusItem->setMenuItem("item", "Renamed", true); };
+    program.host().statusItem->install({"", {}, std::move(menu)});
   }),
             0);
   EXPECT_THAT(program.entries(), ElementsAre("chosen@1000"));
@@ -185,10 +185,10 @@ TEST(Window, MayBeDestroyedWhileItCloses) {
   MenuBar program(Timeline(R"({"at": 1, "closeWindow": "W"})"));
   std::unique_ptr<HLWindow> window;
   EXPECT_EQ(program.run([&] {
-    window = program.host().windows.makeWindow({"W", 10, 10, 0, 0, {}, [&] {
-                                                  window = nullptr;
-                                                  program.note("closed");
-                                                }});
+    window = program.host().windows->makeWindow({"W", 10, 10, 0, 0, {}, [&] {
+                                                   window = nullptr;
+                                                   program.note("closed");
+                                                 }});
     window->makeKeyAndOrderFront();
   }),
             0);
@@ -210,7 +210,7 @@ TEST(Windows, HaveTheOneInFrontThatWasOrderedThereLast) {
   (void)program.run([&] {
     a = program.open("A");
     b = program.open("B");
-    c = program.host().windows.makeWindow({"C", 10, 10, 0, 0, {}, {}});
+    c = program.host().windows->makeWindow({"C", 10, 10, 0, 0, {}, {}});
     program.at(1, [&] { a->makeKeyAndOrderFront(); });
     program.at(2, [&] { b->makeKeyAndOrderFront(); });
     for (double moment : {0, 1, 2, 3, 4}) program.dumpAt(moment);
@@ -241,8 +241,8 @@ TEST(Key, OfAProgramWithoutAnOpenWindowIsNotSeen) {
   std::unique_ptr<HLWindow> window;
   std::unique_ptr<HLKeyMonitor> monitor;
   EXPECT_EQ(program.run([&] {
-    window = program.host().windows.makeWindow({"W", 10, 10, 0, 0, {{program.button("B", "\r")}}, {}});
-    monitor = program.host().application.addKeyMonitor([&](const HLKeyEvent&) { program.note("key"); });
+    window = program.host().windows->makeWindow({"W", 10, 10, 0, 0, {{program.button("B", "\r")}}, {}});
+    monitor = program.host().application->addKeyMonitor([&](const HLKeyEvent&) { program.note("key"); });
   }),
             0);
   EXPECT_THAT(program.entries(), IsEmpty());
@@ -255,7 +255,7 @@ TEST(Key, ThatIsRecordedGoesNoFurther) {
   std::unique_ptr<HLKeyMonitor> monitor;
   (void)program.run([&] {
     window = program.open("W", {{program.button("B", "\r")}});
-    monitor = program.host().application.addKeyMonitor([&](const HLKeyEvent& event) {
+    monitor = program.host().application->addKeyMonitor([&](const HLKeyEvent& event) {
       program.note("key " + std::to_string(event.code) + " " + std::to_string(event.modifiers) + " \"" +
                    event.charactersIgnoringModifiers + "\"");
       if (event.code == 45) monitor = nullptr;
@@ -303,7 +303,7 @@ TEST(HotKeyEvent, ArrivesWithTheIdentityThatTheSceneGives) {
   MenuBar program(Timeline(R"({"at": 1, "hotKey": {"signature": "HLhk", "id": 4294967295}}, {"at": 2, "hotKey": null},
     {"at": 3, "shortcut": {"code": 1}})"));
   EXPECT_EQ(program.run([&] {
-    program.host().hotKeys.installHandler([&](const std::optional<HLHotKeyIdentity>& identity) {
+    program.host().hotKeys->installHandler([&](const std::optional<HLHotKeyIdentity>& identity) {
       program.note(identity ? identity->signature + " " + std::to_string(identity->id) : "none");
       return identity ? HLHotKeyHandled : HLHotKeyNotHandled;
     });

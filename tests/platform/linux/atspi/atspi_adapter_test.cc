@@ -59,7 +59,7 @@ class Adapter : public testing::TestWithParam<Server> {
     return ids;
   }
 
-  HLElementRef application() { return host_->platform().accessibility.createApplication(server_->pid()); }
+  HLElementRef application() { return host_->platform().accessibility->createApplication(server_->pid()); }
 
   // Sends so many notifications and waits until they are on screen.
   HLElementRef applicationShowing(int count) {
@@ -242,7 +242,7 @@ TEST_P(Adapter, FourThreadsPressAtOnce) {
   const std::vector<HLElementRef> found = banners(*root);
   ASSERT_THAT(found, SizeIs(16));
   std::atomic<int> accepted = 0;
-  const auto queue = host_->platform().runLoop.makeOperationQueue("press", HLQualityOfService::userInitiated, 4);
+  const auto queue = host_->platform().runLoop->makeOperationQueue("press", HLQualityOfService::userInitiated, 4);
   for (const HLElementRef& banner : found) {
     queue->addOperation([&accepted, banner] {
       if (banner->performAction("Name:Close") == HLAXErrorSuccess) ++accepted;
@@ -256,7 +256,7 @@ TEST_P(Adapter, FourThreadsPressAtOnce) {
 TEST_P(Adapter, ReadsAndPressesMayComeFromSeveralThreads) {
   const HLElementRef root = applicationShowing(8);
   const std::vector<HLElementRef> found = banners(*root);
-  const auto queue = host_->platform().runLoop.makeOperationQueue("both", HLQualityOfService::userInitiated, 4);
+  const auto queue = host_->platform().runLoop->makeOperationQueue("both", HLQualityOfService::userInitiated, 4);
   for (const HLElementRef& banner : found) {
     queue->addOperation([banner] { (void)banner->performAction("Name:Close"); });
     queue->addOperation([&root] { (void)banners(*root); });
@@ -267,30 +267,30 @@ TEST_P(Adapter, ReadsAndPressesMayComeFromSeveralThreads) {
 }
 
 TEST_P(Adapter, AProcessThatIsNotOnTheAccessibilityBusIsNoApplication) {
-  EXPECT_EQ(host_->platform().accessibility.createApplication(session_->sessionBus().pid()), nullptr);
-  EXPECT_EQ(host_->platform().accessibility.createApplication(-1), nullptr);
+  EXPECT_EQ(host_->platform().accessibility->createApplication(session_->sessionBus().pid()), nullptr);
+  EXPECT_EQ(host_->platform().accessibility->createApplication(-1), nullptr);
 }
 
 TEST_P(Adapter, TheServerIsListedAsNotificationCenter) {
-  const std::vector<HLRunningApplication> list = host_->platform().runningApplications.list();
+  const std::vector<HLRunningApplication> list = host_->platform().runningApplications->list();
   ASSERT_THAT(list, SizeIs(1));
   EXPECT_EQ(list.front().pid, server_->pid());
   EXPECT_EQ(list.front().bundleIdentifier, "com.apple.notificationcenterui");
   EXPECT_EQ(list.front().name, GetParam().command.substr(GetParam().command.rfind('/') + 1));
   EXPECT_FALSE(list.front().terminated);
-  EXPECT_TRUE(host_->platform().runningApplications.find(server_->pid()));
-  EXPECT_FALSE(host_->platform().runningApplications.find(getpid()));
+  EXPECT_TRUE(host_->platform().runningApplications->find(server_->pid()));
+  EXPECT_FALSE(host_->platform().runningApplications->find(getpid()));
 }
 
 TEST_P(Adapter, NoSignalGoesToWhatTheBusCannotStartAgain) {
-  EXPECT_EQ(host_->platform().runningApplications.sendSignal(server_->pid(), SIGTERM), HLSignalOutcome::refused);
+  EXPECT_EQ(host_->platform().runningApplications->sendSignal(server_->pid(), SIGTERM), HLSignalOutcome::refused);
   EXPECT_FALSE(server_->wait(milliseconds(200)));
 }
 
 TEST_P(Adapter, NoSignalGoesToAnotherProcess) {
   begin(WithActivatable({GetParam().command}));
   const std::unique_ptr<ChildProcess> other = session_->start({"sleep", "60"});
-  EXPECT_EQ(host_->platform().runningApplications.sendSignal(other->pid(), SIGKILL), HLSignalOutcome::refused);
+  EXPECT_EQ(host_->platform().runningApplications->sendSignal(other->pid(), SIGKILL), HLSignalOutcome::refused);
   EXPECT_FALSE(other->wait(milliseconds(200)));
 }
 

@@ -25,7 +25,7 @@ class RealContractDesktop : public ContractDesktop {
 
  private:
   int shown() {
-    const HLElementRef root = platform().accessibility.createApplication(pid());
+    const HLElementRef root = platform().accessibility->createApplication(pid());
     if (root == nullptr) return 0;
     int count = 0;
     const HLAttribute windows = root->copyAttributeValue("AXWindows");

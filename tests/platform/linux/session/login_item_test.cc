@@ -50,14 +50,14 @@ class LoginItem : public testing::Test {
 std::string entry(const std::string& lines) { return "[Desktop Entry]\nType=Application\nName=One\n" + lines; }
 
 TEST_F(LoginItem, IsThereOnceRegisteredAndGoneOnceUnregistered) {
-  EXPECT_EQ(item_.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
   EXPECT_TRUE(item_.registerItem().ok);
-  EXPECT_EQ(item_.status(), HLLoginItemEnabled);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::enabled);
   EXPECT_TRUE(item_.registerItem().ok);
   const HLLoginItemOutcome outcome = item_.unregisterItem();
   EXPECT_TRUE(outcome.ok);
   EXPECT_EQ(outcome.error, std::nullopt);
-  EXPECT_EQ(item_.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
   EXPECT_TRUE(fs::is_empty(fs::path(own()).parent_path()));
   EXPECT_TRUE(item_.unregisterItem().ok);
 }
@@ -68,7 +68,7 @@ TEST_F(LoginItem, IsAnEntryOfTheBundlesName) {
             "[Desktop Entry]\nType=Application\nName=Hushlet\nComment=Clears notification banners\n"
             "TryExec=/usr/bin/env\nExec=\"/usr/bin/env\"\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
   process_.variables["XDG_CONFIG_HOME"] = directory_.path() + "/elsewhere";
-  EXPECT_EQ(item_.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
   ASSERT_TRUE(item_.registerItem().ok);
   EXPECT_TRUE(fs::exists(directory_.path() + "/elsewhere/autostart/org.example.one.desktop"));
 }
@@ -79,13 +79,13 @@ TEST_F(LoginItem, StartsAProgramWhateverItsPathIs) {
         "do$HOME", "`tick`", "tab\tbed", "new\nline", "a=b;c&d|e<f>(g)*?#~!", "ä 日本", "\\s\\n"}) {
     process_.executable = makeProgram(name);
     ASSERT_TRUE(item_.registerItem().ok) << name;
-    EXPECT_EQ(item_.status(), HLLoginItemEnabled) << FileContent(own());
+    EXPECT_EQ(item_.status(), HLLoginItemStatus::enabled) << FileContent(own());
     const HLDesktopEntry written = HLReadDesktopEntry(FileContent(own()));
     const bool asArgument = process_.executable->find('%') != std::string::npos;
     EXPECT_EQ(HLProgramOfExec(written.at("Exec")), asArgument ? "env" : process_.executable);
     EXPECT_EQ(HLTextOfDesktopString(written.at("TryExec")), process_.executable);
     fs::remove(*process_.executable);
-    EXPECT_EQ(item_.status(), HLLoginItemNotFound) << name;
+    EXPECT_EQ(item_.status(), HLLoginItemStatus::notFound) << name;
   }
 }
 
@@ -121,12 +121,12 @@ TEST_F(LoginItem, OfAnEntryThatTheUserHasSwitchedOffIsNotRegistered) {
        {"Hidden=true\n", "X-GNOME-Autostart-enabled=false\n", "OnlyShowIn=KDE;\n", "NotShowIn=MATE;X;\n"}) {
     process_.variables["XDG_CURRENT_DESKTOP"] = "X-Other:MATE";
     write(own(), entry(std::string("Exec=env\n") + off));
-    EXPECT_EQ(item_.status(), HLLoginItemNotRegistered) << off;
+    EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered) << off;
   }
   for (const char* on :
        {"Hidden=false\n", "X-GNOME-Autostart-enabled=true\n", "OnlyShowIn=KDE;MATE;\n", "NotShowIn=KDE;\n"}) {
     write(own(), entry(std::string("Exec=env\n") + on));
-    EXPECT_EQ(item_.status(), HLLoginItemEnabled) << on;
+    EXPECT_EQ(item_.status(), HLLoginItemStatus::enabled) << on;
   }
 }
 
@@ -134,35 +134,35 @@ TEST_F(LoginItem, WhoseProgramIsGoneIsNotFound) {
   for (const char* gone : {"Exec=/nowhere/at/all\n", "Exec=no-such-program-anywhere\n", "Exec=\n", "",
                            "Exec=env\nTryExec=/nowhere/at/all\n", "Exec=/etc/passwd\n", "Exec=/usr\n"}) {
     write(own(), entry(gone));
-    EXPECT_EQ(item_.status(), HLLoginItemNotFound) << gone;
+    EXPECT_EQ(item_.status(), HLLoginItemStatus::notFound) << gone;
   }
 }
 
 TEST_F(LoginItem, OfTheMachineCountsUnlessTheUsersOwnTakesItsPlace) {
   write(machine("second"), entry("Exec=env\n"));
-  EXPECT_EQ(item_.status(), HLLoginItemEnabled);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::enabled);
   write(machine("first"), entry("Exec=env\nHidden=true\n"));
-  EXPECT_EQ(item_.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
   fs::remove(machine("first"));
   write(own(), entry("Hidden=true\n"));
-  EXPECT_EQ(item_.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
 }
 
 TEST_F(LoginItem, OfTheMachineIsHiddenWhenUnregistered) {
   write(machine("second"), entry("Exec=env\n"));
   EXPECT_TRUE(item_.unregisterItem().ok);
-  EXPECT_EQ(item_.status(), HLLoginItemNotRegistered);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
   EXPECT_THAT(FileContent(own()), HasSubstr("Hidden=true\n"));
   EXPECT_EQ(FileContent(machine("second")), entry("Exec=env\n"));
   EXPECT_TRUE(item_.registerItem().ok);
-  EXPECT_EQ(item_.status(), HLLoginItemEnabled);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::enabled);
 }
 
 TEST_F(LoginItem, ReplacesALinkAndNotWhatItLeadsTo) {
   const std::string shared = write(directory_.path() + "/applications/one.desktop", entry("Exec=/nowhere\n"));
   fs::create_directories(fs::path(own()).parent_path());
   fs::create_symlink(shared, own());
-  EXPECT_EQ(item_.status(), HLLoginItemNotFound);
+  EXPECT_EQ(item_.status(), HLLoginItemStatus::notFound);
   EXPECT_TRUE(item_.registerItem().ok);
   EXPECT_FALSE(fs::is_symlink(own()));
   EXPECT_EQ(FileContent(shared), entry("Exec=/nowhere\n"));
@@ -182,7 +182,7 @@ TEST_F(LoginItem, SaysWhyItCannotBeChanged) {
     for (const HLLoginItemOutcome& outcome : {item_.registerItem(), item_.unregisterItem()}) {
       text += outcome.ok ? "ok\n" : outcome.error.value_or("no error") + "\n";
     }
-    return text + std::to_string(item_.status());
+    return text + std::to_string(static_cast<int>(item_.status()));
   });
   EXPECT_EQ(said,
             own() + " cannot be written: Permission denied\n" + own() + " cannot be removed: Permission denied\n1");

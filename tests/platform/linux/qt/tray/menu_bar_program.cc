@@ -39,18 +39,18 @@ class Program {
                        {"accessibility", "Set Up Accessibility…", "",
                         [this] {
                           say("chosen accessibility");
-                          say("answer " + std::to_string(platform_.alerts.runModal({"Title", "Message", {"A"}})));
+                          say("answer " + std::to_string(platform_.alerts->runModal({"Title", "Message", {"A"}})));
                         }},
                        {"settings", "Settings…", ",", [] { say("chosen settings"); }},
                        {},
-                       {"quit", "Quit Hushlet", "q", [this] { platform_.application.terminate(); }}};
+                       {"quit", "Quit Hushlet", "q", [this] { platform_.application->terminate(); }}};
     item.menu.needsUpdate = [this] {
       say("menu opens");
       runLoop_.postToMainQueue([] { say("menu is open"); });  // once it has the keyboard
-      platform_.statusItem.setMenuItem("accessibility", "Accessibility Allowed", true);
+      platform_.statusItem->setMenuItem("accessibility", "Accessibility Allowed", true);
     };
-    platform_.statusItem.install(std::move(item));
-    platform_.statusItem.setImage({"bell.slash", true, "Hushlet"});
+    platform_.statusItem->install(std::move(item));
+    platform_.statusItem->setImage({"bell.slash", true, "Hushlet"});
     fcntl(STDIN_FILENO, F_SETFL, O_NONBLOCK);  // sources are asked though nothing has come
     (void)runLoop_.addSource({STDIN_FILENO, [this] { return read(); }});
     say("launched");
@@ -58,14 +58,14 @@ class Program {
 
  private:
   void click() {
-    const std::optional<HLEvent> event = platform_.application.currentEvent();
+    const std::optional<HLEvent> event = platform_.application->currentEvent();
     if (!event) return say("click without event");
     std::ostringstream line;
     line << "click type=" << event->type << " modifiers=" << std::hex << event->modifiers;
     say(line.str());
     const bool wantsMenu = event->type == HLEventRightMouseUp || (event->modifiers & HLModifierControl) != 0;
     if (!wantsMenu) return;
-    platform_.statusItem.popUpMenu();
+    platform_.statusItem->popUpMenu();
     say("menu closed");
   }
 
@@ -83,36 +83,36 @@ class Program {
     const std::string word = line.substr(0, line.find(' '));
     const std::string rest = line.size() > word.size() ? line.substr(word.size() + 1) : "";
     const std::map<std::string, std::function<void()>> commands = {
-        {"title", [&] { platform_.statusItem.setTitle(rest); }},
+        {"title", [&] { platform_.statusItem->setTitle(rest); }},
         {"image",
          [&] {
-           platform_.statusItem.setImage({rest, true, "Hushlet"});
+           platform_.statusItem->setImage({rest, true, "Hushlet"});
          }},
         {"setup", [&] { showSetup(); }},
         {"record", [&] { record(); }},
         {"ask",
          [&] {
-           say("answer " + std::to_string(platform_.alerts.runModal({"Title", "Message", {"A", "B"}})));
+           say("answer " + std::to_string(platform_.alerts->runModal({"Title", "Message", {"A", "B"}})));
          }},
-        {"rename", [&] { platform_.statusItem.setMenuItem("quit", rest, false); }},
+        {"rename", [&] { platform_.statusItem->setMenuItem("quit", rest, false); }},
         {"later", [&] { runLoop_.postToMainQueueAfter(0.05, [] { say("served"); }); }},
-        {"quit", [&] { platform_.application.terminate(); }},
+        {"quit", [&] { platform_.application->terminate(); }},
     };
     if (const auto found = commands.find(word); found != commands.end()) found->second();
   }
 
   void showSetup() {
-    window_ = platform_.windows.makeWindow(
+    window_ = platform_.windows->makeWindow(
         SetupWindow({.primary = [] { say("primary"); }, .willClose = [] { say("closed"); }}));
     window_->fitHeight();
     window_->center();
-    platform_.application.activate();
+    platform_.application->activate();
     window_->makeKeyAndOrderFront();
     say("shown");
   }
 
   void record() {
-    monitor_ = platform_.application.addKeyMonitor([](const HLKeyEvent& key) {
+    monitor_ = platform_.application->addKeyMonitor([](const HLKeyEvent& key) {
       std::ostringstream line;
       line << "key code=" << key.code << " modifiers=" << std::hex << key.modifiers
            << " characters=" << key.charactersIgnoringModifiers;
@@ -131,13 +131,13 @@ class Program {
 
 int main(int argc, char** argv) {
   HLLinuxHost host(argc, argv);
-  auto& runLoop = static_cast<HLLinuxRunLoop&>(host.platform().runLoop);
+  HLRunLoop& runLoop = host.platform().runLoop;
   const auto made = host.platform().applicationPlatform();
   if (const auto* failure = std::get_if<std::string>(&made)) {
     std::cerr << *failure << '\n';
     return 1;
   }
   const HLApplicationPlatform& platform = *std::get<const HLApplicationPlatform*>(made);
-  Program program(platform, runLoop);
-  return platform.application.run({[&program] { program.begin(); }, [] { say("reopened"); }});
+  Program program(platform, static_cast<HLLinuxRunLoop&>(runLoop));
+  return platform.application->run({[&program] { program.begin(); }, [] { say("reopened"); }});
 }

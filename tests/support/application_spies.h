@@ -9,14 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/application/alerts.h"
-#include "platform/application/application.h"
 #include "platform/application/application_platform.h"
-#include "platform/application/hot_keys.h"
-#include "platform/application/http_client.h"
-#include "platform/application/status_item.h"
-#include "platform/application/windows.h"
-#include "platform/user_defaults.h"
+#include "tests/support/application_forwarding.h"
 
 using Calls = std::vector<std::string>;
 
@@ -145,33 +139,36 @@ class SpyHTTPClient : public HLHTTPClient {
 };
 
 // Notes the fallbacks, and when it is asked whether automation banners are to be closed.
-class SpyUserDefaults : public HLUserDefaults {
+class SpyUserDefaults : public ForwardingUserDefaults {
  public:
-  SpyUserDefaults(Calls& calls, HLUserDefaults& inner) : calls_(calls), inner_(inner) {}
+  SpyUserDefaults(Calls& calls, HLUserDefaults& inner) : ForwardingUserDefaults(inner), calls_(calls) {}
 
   void registerDefaults(const HLDictionary& defaults) override {
     calls_.emplace_back("register defaults");
-    inner_.registerDefaults(defaults);
+    ForwardingUserDefaults::registerDefaults(defaults);
   }
   [[nodiscard]] HLValue value(std::string_view key) override {
     const std::string_view asked = "look at auto-close";
     const bool again = !calls_.empty() && calls_.back() == asked;
     if (key == "HLAutoCloseAutomationBanners" && !again) calls_.emplace_back(asked);
-    return inner_.value(key);
+    return ForwardingUserDefaults::value(key);
   }
-  void setValue(std::string_view key, const HLValue& value) override { inner_.setValue(key, value); }
 
  private:
   Calls& calls_;
-  HLUserDefaults& inner_;
 };
 
-// All of them, before the services of another host.
+// A copy of another host's services with all of these in it.
 struct SpyHost {
-  explicit SpyHost(const HLApplicationPlatform& inner)
-      : defaults(calls, inner.userDefaults), platform{application,     statusItem,      windows,  alerts,
-                                                      hotKeys,         inner.loginItem, defaults, httpClient,
-                                                      inner.workspace, std::nullopt} {}
+  explicit SpyHost(const HLApplicationPlatform& inner) : userDefaults(calls, inner.userDefaults), platform(inner) {
+    platform.application = application;
+    platform.statusItem = statusItem;
+    platform.windows = windows;
+    platform.alerts = alerts;
+    platform.hotKeys = hotKeys;
+    platform.userDefaults = userDefaults;
+    platform.httpClient = httpClient;
+  }
   SpyHost(const SpyHost&) = delete;
   SpyHost& operator=(const SpyHost&) = delete;
 
@@ -181,7 +178,7 @@ struct SpyHost {
   SpyWindows windows{calls};
   SpyAlerts alerts{calls};
   SpyHotKeys hotKeys{calls};
-  SpyUserDefaults defaults;
+  SpyUserDefaults userDefaults;
   SpyHTTPClient httpClient{calls};
   HLApplicationPlatform platform;
 };
