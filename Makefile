@@ -65,7 +65,7 @@ mac-report:
 	tools/macos-report
 
 lint:
-	@tools/install-packages lint
+	@tools/install-packages build test lint
 	tools/lint/all
 
 tidy:

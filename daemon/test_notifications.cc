@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,6 +12,7 @@
 #include "base/log.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
+#include "platform/thread_safety.h"
 #include "platform/user_notifications.h"
 
 namespace {
@@ -32,8 +32,8 @@ struct Permission {
 
 // The answer comes on another thread, perhaps after nobody waits for it any more.
 struct PendingPermission {
-  std::mutex mutex;
-  Permission permission;
+  HLMutex mutex;
+  Permission permission HL_GUARDED_BY(mutex);
   std::unique_ptr<HLSemaphore> answered = HLCurrentPlatform().runLoop->makeSemaphore();
 };
 
@@ -43,13 +43,13 @@ Permission askPermission() {
   HLCurrentPlatform().userNotifications->requestAuthorization(
       [pending](bool granted, std::optional<std::string> error) {
         {
-          const std::lock_guard lock(pending->mutex);
+          const HLLock lock(pending->mutex);
           pending->permission = {granted, std::move(error)};
         }
         pending->answered->signal();
       });
   if (!pending->answered->wait(kPermissionSeconds)) return {};
-  const std::lock_guard lock(pending->mutex);
+  const HLLock lock(pending->mutex);
   return pending->permission;
 }
 

@@ -2,20 +2,20 @@
 
 #include <array>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <utility>
 
 #include "base/format.h"
 #include "platform/text.h"
+#include "platform/thread_safety.h"
 
 namespace {
 
 constexpr std::array<std::string_view, 5> kStatusWords = {"success", "nothing", "accessDenied",
                                                           "notificationCenterUnavailable", "failed"};
 
-std::mutex handlerMutex;
-std::shared_ptr<const HLProgressCallback> progressHandler;  // HLProgressHandler, the slot
+HLMutex handlerMutex;
+std::shared_ptr<const HLProgressCallback> progressHandler HL_GUARDED_BY(handlerMutex);  // HLProgressHandler, the slot
 
 }  // namespace
 
@@ -44,14 +44,14 @@ bool HLParseResultString(std::string_view text, HLDismissResult& result) {
 
 void HLSetProgressHandler(HLProgressCallback handler) {
   auto shared = handler ? std::make_shared<const HLProgressCallback>(std::move(handler)) : nullptr;
-  const std::lock_guard lock(handlerMutex);
+  const HLLock lock(handlerMutex);
   progressHandler.swap(shared);
 }
 
 void HLReportProgress(std::int64_t count) {
   std::shared_ptr<const HLProgressCallback> handler;
   {
-    const std::lock_guard lock(handlerMutex);
+    const HLLock lock(handlerMutex);
     handler = progressHandler;
   }
   if (handler != nullptr) (*handler)(count < 0 ? 0 : count);

@@ -43,10 +43,15 @@ class Simulator : public HLSimulator {
           });
         },
         [this](const HLSceneUserEvent& event) { interface_.application.userEvent(event); });
-    HLSimHappenings happenings = {[this] { return desktop_.world->nextDue(); },
-                                  [this](HLSimMoment now) { desktop_.world->happenUntil(now); }};
-    desktop_.clock =
-        desktop_.scene->realClock ? HLMakeRealClock(std::move(happenings)) : HLMakeVirtualClock(std::move(happenings));
+    HLSimWorldTime time = {[this] {
+                             desktop_.clock->assertHeld();
+                             return desktop_.world->nextDue();
+                           },
+                           [this](HLSimMoment now) {
+                             desktop_.clock->assertHeld();
+                             desktop_.world->advanceTo(now);
+                           }};
+    desktop_.clock = desktop_.scene->realClock ? HLMakeRealClock(std::move(time)) : HLMakeVirtualClock(std::move(time));
     if (endsProcess_) {
       desktop_.endProcess = [this](int code) {
         end();
@@ -70,38 +75,38 @@ class Simulator : public HLSimulator {
   const HLPlatform& platform() const override { return platform_; }
 
   HLElementRef element(std::string_view id) override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     HLSimNode* node = desktop_.world->newest(id);
     return node == nullptr ? nullptr : desktop_.world->handle(*node);
   }
 
   std::vector<HLSimulatedAction> actions() const override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     return desktop_.world->actions();
   }
 
   std::vector<std::string> presentElements() const override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     return desktop_.world->presentElements();
   }
 
   std::vector<HLUserNotification> notifications() const override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     return desktop_.notifications;
   }
 
   std::string dump() override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     return HLDumpLine(desktop_, interface_);
   }
 
   double elapsed() const override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     return static_cast<double>(desktop_.clock->now()) / 1e6;
   }
 
   std::string picture() const override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     return HLPictureOfScreen(*desktop_.world);
   }
 
@@ -113,7 +118,7 @@ class Simulator : public HLSimulator {
   void end() {
     showScreen("after");
     if (!desktop_.scene->record) return;
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     HLAppendRecord(*desktop_.scene->record, HLRecordLine(desktop_, interface_));
   }
 

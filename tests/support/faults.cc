@@ -221,7 +221,7 @@ std::unique_ptr<HLObserver> FaultyAccessibility::createObserver(std::int32_t pid
 
 HLElementRef FaultyAccessibility::wrapped(const HLElementRef& element) {
   if (element == nullptr) return nullptr;
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   // A wrapper that lives keeps its inner handle, so that the address cannot belong to another one.
   std::weak_ptr<HLElement>& known = wrappers_[element.get()];
   HLElementRef wrapper = known.lock();

@@ -6,13 +6,13 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/accessibility.h"
 #include "platform/platform.h"
+#include "platform/thread_safety.h"
 #include "tests/support/forwarding.h"
 
 // Called before each call that can fail, with the method ("HLElement::performAction") and its argument as text: the
@@ -60,8 +60,8 @@ class FaultyAccessibility : public ForwardingAccessibility {
 
  private:
   const FaultPlan plan_;
-  std::mutex mutex_;
-  std::map<const HLElement*, std::weak_ptr<HLElement>> wrappers_;
+  HLMutex mutex_;
+  std::map<const HLElement*, std::weak_ptr<HLElement>> wrappers_ HL_GUARDED_BY(mutex_);
 };
 
 // A copy of a platform in which everything that can fail does so by plan: accessibility, running applications, the

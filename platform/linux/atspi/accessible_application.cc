@@ -81,6 +81,7 @@ std::unique_ptr<HLAccessibleApplication> HLAccessibleApplication::connect(const 
 // A toolkit that has been asked for its own address, or for its cache, sends the asker each of its events over the bus.
 // So the connection to the bus ends here where the application can be reached without it.
 bool HLAccessibleApplication::findOnBus() {
+  const HLLock lock(mutex_);
   std::unique_ptr<HLBus> bus = HLBus::openBus(busAddress_);
   if (bus == nullptr) return false;
   name_ = nameOfProcess(*bus, pid());
@@ -119,7 +120,7 @@ void HLAccessibleApplication::drop(HLBusOutcome outcome) {
 }
 
 std::unique_ptr<const HLAccessibleApplication::Interface> HLAccessibleApplication::read() {
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   HLBus* bus = connection();
   if (bus == nullptr) return nullptr;
   auto interface = std::make_unique<Interface>();
@@ -142,7 +143,7 @@ std::unique_ptr<const HLAccessibleApplication::Interface> HLAccessibleApplicatio
 
 HLAXError HLAccessibleApplication::press(const std::string& path, int action) {
   const Clock::time_point asked = Clock::now();
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   if (hasEnded()) return HLAXErrorInvalidElement;
   // Whoever waited here while another call timed out has waited long enough.
   if (lastSilence_ > asked) return HLAXErrorCannotComplete;

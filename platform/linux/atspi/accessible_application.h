@@ -4,13 +4,13 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "platform/accessibility.h"
 #include "platform/linux/atspi/presentation.h"
 #include "platform/linux/session/bus.h"
 #include "platform/linux/session/process_watch.h"
+#include "platform/thread_safety.h"
 
 // The address of the session's accessibility bus; "" when there is none. Starts none.
 [[nodiscard]] std::string HLAccessibilityBusAddress(HLBus& session);
@@ -41,8 +41,8 @@ class HLAccessibleApplication {
       : process_(pid), kind_(kind), busAddress_(busAddress) {}
 
   [[nodiscard]] bool findOnBus();
-  [[nodiscard]] HLBus* connection();
-  void drop(HLBusOutcome outcome);
+  [[nodiscard]] HLBus* connection() HL_REQUIRES(mutex_);
+  void drop(HLBusOutcome outcome) HL_REQUIRES(mutex_);
 
   const HLProcessWatch process_;
   const HLProcessKind kind_;
@@ -50,8 +50,8 @@ class HLAccessibleApplication {
   std::string name_;         // the application's on the bus
   std::string peerAddress_;  // where it takes calls without the bus between; may be ""
 
-  std::mutex mutex_;
-  std::unique_ptr<HLBus> connection_;
-  bool isSilent_ = false;
-  std::chrono::steady_clock::time_point lastSilence_{};
+  HLMutex mutex_;
+  std::unique_ptr<HLBus> connection_ HL_GUARDED_BY(mutex_);
+  bool isSilent_ HL_GUARDED_BY(mutex_) = false;
+  std::chrono::steady_clock::time_point lastSilence_ HL_GUARDED_BY(mutex_){};
 };

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstddef>
 #include <deque>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,6 +14,7 @@
 
 #include "platform/linux/atspi/accessible_application.h"
 #include "platform/linux/atspi/atspi_observer.h"
+#include "platform/thread_safety.h"
 
 namespace {
 
@@ -33,13 +33,13 @@ struct Source {
   explicit Source(std::unique_ptr<HLAccessibleApplication> connected) : application(std::move(connected)) {}
 
   std::shared_ptr<const Snapshot> newest() {
-    const std::lock_guard lock(mutex);
+    const HLLock lock(mutex);
     return newestSnapshot.lock();
   }
 
   const std::unique_ptr<HLAccessibleApplication> application;
-  std::mutex mutex;
-  std::weak_ptr<const Snapshot> newestSnapshot;
+  HLMutex mutex;
+  std::weak_ptr<const Snapshot> newestSnapshot HL_GUARDED_BY(mutex);
 };
 
 // A banner and its window may be one node of the application, but are two elements.
@@ -234,14 +234,14 @@ class ApplicationElement : public HLElement {
 
  private:
   [[nodiscard]] std::shared_ptr<const Snapshot> shown() const {
-    const std::lock_guard lock(source_->mutex);
+    const HLLock lock(source_->mutex);
     return shown_;
   }
 
   // What the making of this element read, to whoever is first to ask, and asks at once.
   [[nodiscard]] std::shared_ptr<const Snapshot> justRead() const {
     constexpr std::chrono::milliseconds kMoment{5};  // a reading may take longer itself
-    const std::lock_guard lock(source_->mutex);
+    const HLLock lock(source_->mutex);
     const bool isFirst = std::exchange(isUnread_, false);
     return isFirst && std::chrono::steady_clock::now() - made_ <= kMoment ? shown_ : nullptr;
   }
@@ -250,15 +250,15 @@ class ApplicationElement : public HLElement {
 
   const std::shared_ptr<Source> source_;
   const std::chrono::steady_clock::time_point made_ = std::chrono::steady_clock::now();
-  mutable std::shared_ptr<const Snapshot> shown_;  // this and the next under the source's mutex
-  mutable bool isUnread_ = true;
+  mutable std::shared_ptr<const Snapshot> shown_ HL_GUARDED_BY(source_->mutex);
+  mutable bool isUnread_ HL_GUARDED_BY(source_->mutex) = true;
 };
 
 HLAttribute ApplicationElement::windows() const {
   std::shared_ptr<const Snapshot> taken = justRead();
   if (taken == nullptr) taken = takeSnapshot(source_);
   if (taken != nullptr) {
-    const std::lock_guard lock(source_->mutex);
+    const HLLock lock(source_->mutex);
     shown_ = taken;
     source_->newestSnapshot = taken;
     return {HLAXErrorSuccess, taken->windows()};
@@ -313,7 +313,10 @@ HLElementRef HLLinuxAccessibility::createApplication(std::int32_t pid) {
   std::shared_ptr<Source> source = connect(pid, servers_);
   std::shared_ptr<const Snapshot> first = source == nullptr ? nullptr : takeSnapshot(source);
   if (first == nullptr) return nullptr;
-  source->newestSnapshot = first;
+  {
+    const HLLock lock(source->mutex);
+    source->newestSnapshot = first;
+  }
   return std::make_shared<ApplicationElement>(std::move(source), std::move(first));
 }
 

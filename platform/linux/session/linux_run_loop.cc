@@ -8,16 +8,16 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <deque>
 #include <functional>
-#include <mutex>
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "platform/thread_safety.h"
 
 namespace {
 
@@ -31,81 +31,82 @@ class ThreadQueue : public HLOperationQueue {
 
   ~ThreadQueue() override {
     {
-      std::unique_lock lock(mutex_);
-      idle_.wait(lock, [this] { return unfinished_ == 0; });
+      const HLLock lock(mutex_);
+      while (unfinished_ > 0) idle_.wait(mutex_);
       ending_ = true;
     }
-    work_.notify_all();
+    work_.notifyAll();
     for (std::thread& worker : workers_) worker.join();
   }
 
   void addOperation(std::function<void()> operation) override {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     operations_.push_back(std::move(operation));
     ++unfinished_;
     if (unfinished_ > workers_.size() && workers_.size() < limit_) {
       workers_.emplace_back([this] { run(); });
       pthread_setname_np(workers_.back().native_handle(), name_.substr(0, kNameLimit).c_str());
     } else {
-      work_.notify_one();
+      work_.notifyOne();
     }
   }
 
   void waitUntilAllOperationsAreFinished() override {
-    std::unique_lock lock(mutex_);
-    idle_.wait(lock, [this] { return unfinished_ == 0; });
+    const HLLock lock(mutex_);
+    while (unfinished_ > 0) idle_.wait(mutex_);
   }
 
  private:
   static constexpr std::size_t kNameLimit = 15;  // the kernel's
 
   void run() {
-    std::unique_lock lock(mutex_);
+    const HLLock lock(mutex_);
     while (true) {
-      work_.wait(lock, [this] { return ending_ || !operations_.empty(); });
+      while (!ending_ && operations_.empty()) work_.wait(mutex_);
       if (operations_.empty()) return;
-      {
-        const std::function<void()> operation = std::move(operations_.front());
-        operations_.pop_front();
-        lock.unlock();
-        operation();
-      }
-      lock.lock();
-      if (--unfinished_ == 0) idle_.notify_all();
+      std::function<void()> operation = std::move(operations_.front());
+      operations_.pop_front();
+      mutex_.unlock();
+      operation();
+      operation = nullptr;
+      mutex_.lock();
+      if (--unfinished_ == 0) idle_.notifyAll();
     }
   }
 
   const std::string name_;
   const std::size_t limit_;
-  std::mutex mutex_;
-  std::condition_variable work_;
-  std::condition_variable idle_;
-  std::deque<std::function<void()>> operations_;
-  std::size_t unfinished_ = 0;
-  bool ending_ = false;
-  std::vector<std::thread> workers_;
+  HLMutex mutex_;
+  HLCondition work_;
+  HLCondition idle_;
+  std::deque<std::function<void()>> operations_ HL_GUARDED_BY(mutex_);
+  std::size_t unfinished_ HL_GUARDED_BY(mutex_) = 0;
+  bool ending_ HL_GUARDED_BY(mutex_) = false;
+  std::vector<std::thread> workers_ HL_GUARDED_BY(mutex_);
 };
 
 class Semaphore : public HLSemaphore {
  public:
   void signal() override {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     ++count_;
-    signaled_.notify_one();
+    signaled_.notifyOne();
   }
 
   bool wait(double seconds) override {
-    std::unique_lock lock(mutex_);
-    const std::chrono::duration<double> patience(std::max(seconds, 0.0));
-    if (!signaled_.wait_for(lock, patience, [this] { return count_ > 0; })) return false;
+    const HLLock lock(mutex_);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::nanoseconds>(
+                                                                 std::chrono::duration<double>(std::max(seconds, 0.0)));
+    while (count_ == 0 && std::chrono::steady_clock::now() < deadline) signaled_.waitUntil(mutex_, deadline);
+    if (count_ == 0) return false;
     --count_;
     return true;
   }
 
  private:
-  std::mutex mutex_;
-  std::condition_variable signaled_;
-  int count_ = 0;
+  HLMutex mutex_;
+  HLCondition signaled_;
+  int count_ HL_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace
@@ -189,7 +190,7 @@ void HLLinuxRunLoop::wake() {
 
 void HLLinuxRunLoop::postToMainQueue(std::function<void()> step) {
   {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     posted_.push_back(std::move(step));
   }
   wake();
@@ -201,7 +202,7 @@ void HLLinuxRunLoop::postToMainQueueAfter(double seconds, std::function<void()> 
 }
 
 std::function<void()> HLLinuxRunLoop::takeDue() {
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   std::function<void()> step;
   if (!posted_.empty()) {
     step = std::move(posted_.front());
@@ -214,7 +215,7 @@ std::function<void()> HLLinuxRunLoop::takeDue() {
 }
 
 HLLinuxRunLoop::DueKey HLLinuxRunLoop::schedule(Clock::time_point moment, std::function<void()> action) {
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   const DueKey key = {moment, dueNumber_++};
   due_.emplace(key, std::move(action));
   armAlarm();
@@ -222,7 +223,7 @@ HLLinuxRunLoop::DueKey HLLinuxRunLoop::schedule(Clock::time_point moment, std::f
 }
 
 void HLLinuxRunLoop::unschedule(const DueKey& key) {
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   due_.erase(key);
   armAlarm();
 }
@@ -279,7 +280,7 @@ std::unique_ptr<HLTimer> HLLinuxRunLoop::scheduleTimer(double interval, std::fun
 void HLLinuxRunLoop::postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) {
   HLOperationQueue* queue = nullptr;
   {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     if (global_ == nullptr) global_ = makeOperationQueue("hushlet.global", quality, kGlobalThreads);
     queue = global_.get();
   }

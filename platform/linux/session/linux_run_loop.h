@@ -7,11 +7,11 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <utility>
 
 #include "platform/run_loop.h"
+#include "platform/thread_safety.h"
 
 class HLLinuxRunLoop : public HLRunLoop {
  public:
@@ -54,7 +54,7 @@ class HLLinuxRunLoop : public HLRunLoop {
   void serveSources();
   DueKey schedule(Clock::time_point moment, std::function<void()> action);
   void unschedule(const DueKey& key);
-  void armAlarm();  // with the lock held
+  void armAlarm() HL_REQUIRES(mutex_);
   [[nodiscard]] std::function<void()> takeDue();
   void wake();
 
@@ -64,9 +64,9 @@ class HLLinuxRunLoop : public HLRunLoop {
   std::map<int, Source> sources_;
   int nextNumber_ = 0;
 
-  std::mutex mutex_;  // for what follows
-  std::deque<std::function<void()>> posted_;
-  std::map<DueKey, std::function<void()>> due_;
-  std::int64_t dueNumber_ = 0;
-  std::unique_ptr<HLOperationQueue> global_;  // made when it is first needed
+  HLMutex mutex_;
+  std::deque<std::function<void()>> posted_ HL_GUARDED_BY(mutex_);
+  std::map<DueKey, std::function<void()>> due_ HL_GUARDED_BY(mutex_);
+  std::int64_t dueNumber_ HL_GUARDED_BY(mutex_) = 0;
+  std::unique_ptr<HLOperationQueue> global_ HL_GUARDED_BY(mutex_);  // made when first needed
 };

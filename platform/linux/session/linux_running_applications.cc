@@ -82,7 +82,7 @@ std::vector<HLRunningApplication> HLLinuxRunningApplications::list() {
   const std::unique_ptr<HLBus> session = HLBus::openSession();
   if (session == nullptr) return {};
   std::optional<HLRunningApplication> server = owner(*session);
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   if (!server && signalled_ != nullptr && signalled_->hasEnded()) {
     // The answer comes when the successor is up; where it takes longer, a later list() sees it.
     (void)session->call(toBus("StartServiceByName"), "su", kService, 0U);
@@ -127,7 +127,7 @@ void HLLinuxRunningApplications::observeLaunches(std::function<void(const HLRunn
 }
 
 HLSignalOutcome HLLinuxRunningApplications::sendSignal(std::int32_t pid, int signal) {
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   if (signalled_ == nullptr || signalled_->pid() != pid) {
     // The hold is taken first, so that what is judged is what gets the signal.
     auto watch = std::make_shared<const HLProcessWatch>(pid);

@@ -3,13 +3,13 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
 #include "platform/linux/session/linux_run_loop.h"
 #include "platform/linux/session/process_watch.h"
 #include "platform/running_applications.h"
+#include "platform/thread_safety.h"
 
 // Whoever owns the notification service of the session bus is listed under Notification Center's bundle identifier;
 // nobody else is listed. Asking never starts a server, but a list() after the death of one that was sent a signal has
@@ -26,6 +26,6 @@ class HLLinuxRunningApplications : public HLRunningApplications {
 
  private:
   HLLinuxRunLoop& runLoop_;
-  std::mutex mutex_;
-  std::shared_ptr<const HLProcessWatch> signalled_;  // until its successor has been asked for
+  HLMutex mutex_;
+  std::shared_ptr<const HLProcessWatch> signalled_ HL_GUARDED_BY(mutex_);  // until the bus was asked for its successor
 };

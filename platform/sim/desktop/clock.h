@@ -1,61 +1,66 @@
-// Time and turns. On the virtual clock one thread of the program runs at a time and time jumps when none can; on the
-// real one threads run as they like and sleeps are real.
+// Time and threads. On the virtual clock one thread of the program runs at a time, and time jumps to the next thing due
+// when no thread can run. On the real clock threads run freely and sleeps are real.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 #include "platform/sim/scene/scene.h"
+#include "platform/thread_safety.h"
 
-// Guards the whole desktop, clock and world alike.
-using HLSimLock = std::unique_lock<std::mutex>;
-
-// The world's side of time, called with the lock held.
-struct HLSimHappenings {
+// The world's side of time. The clock calls both with its mutex held.
+struct HLSimWorldTime {
   std::function<HLSimMoment()> nextDue;
-  std::function<void(HLSimMoment)> happenUntil;
+  std::function<void(HLSimMoment)> advanceTo;
 };
 
-// Something that a thread waits for besides a moment. One thread waits at a time.
+// A condition that one thread at a time waits for, with a deadline. The clock's mutex guards it.
 struct HLSimSignal {
   bool given = false;
-  void* waiting = nullptr;  // the clock's own record of that thread
+  void* waiting = nullptr;  // the clock's record of the waiting thread
 };
 
-// Which of a pool's operations a worker is at: of several that wake at one moment, those added first go first.
+// The operation of a pool that a worker performs: of several workers that wake at one time, those with the operations
+// added first run first. The clock's mutex guards it.
 struct HLSimWork {
   const void* pool = nullptr;
   std::int64_t operation = 0;
 };
 
-class HLSimClock {
+// The clock is the desktop's mutex too: it guards the world, the run loop and itself.
+class HL_CAPABILITY("clock") HLSimClock : public HLMutex {
  public:
-  HLSimClock() = default;
-  HLSimClock(const HLSimClock&) = delete;
-  HLSimClock& operator=(const HLSimClock&) = delete;
   virtual ~HLSimClock() = default;
 
-  // The lock, and with it a world that is up to date.
-  [[nodiscard]] virtual HLSimLock lock() = 0;
-  [[nodiscard]] virtual HLSimMoment now() const = 0;
+  // Takes the mutex and brings the world up to date.
+  void lock() HL_ACQUIRE() {
+    HLMutex::lock();
+    catchUp();
+  }
+  [[nodiscard]] virtual HLSimMoment now() const HL_REQUIRES(this) = 0;
 
-  // All of these give up the lock while they wait.
-  virtual void sleepUntil(HLSimLock& lock, HLSimMoment moment) = 0;
-  // Until the signal is given or the moment has come. Takes the signal back.
-  virtual void waitFor(HLSimLock& lock, HLSimSignal& signal, HLSimMoment moment) = 0;
-  virtual void give(HLSimSignal& signal) = 0;
-  // Something new may be due.
-  virtual void dueChanged() = 0;
+  // These release the mutex while they wait.
+  virtual void sleepUntil(HLSimMoment moment) HL_REQUIRES(this) = 0;
+  // Waits until the signal is given or the moment has come, and resets the signal.
+  virtual void waitFor(HLSimSignal& signal, HLSimMoment moment) HL_REQUIRES(this) = 0;
+  // Lets the other threads that can run go first.
+  virtual void yield() HL_REQUIRES(this) = 0;
 
-  // A thread that may call all of this. Work is the thread's, and the worker changes it with the lock held.
-  [[nodiscard]] virtual std::thread startThread(HLSimWork& work, std::function<void(HLSimLock&)> body) = 0;
-  // Lets those go first that are able to run.
-  virtual void standBack(HLSimLock& lock) = 0;
+  virtual void give(HLSimSignal& signal) HL_REQUIRES(this) = 0;
+  // The world may have something new due.
+  virtual void dueChanged() HL_REQUIRES(this) = 0;
+
+  // Starts a thread that may call all of this, with the mutex held. `work` must outlive the thread.
+  [[nodiscard]] virtual std::thread startThread(HLSimWork& work, std::function<void()> body) HL_REQUIRES(this) = 0;
+
+ protected:
+  virtual void catchUp() HL_REQUIRES(this) = 0;
 };
 
-// The calling thread is the main thread and has the first turn.
-[[nodiscard]] std::unique_ptr<HLSimClock> HLMakeVirtualClock(HLSimHappenings happenings);
-[[nodiscard]] std::unique_ptr<HLSimClock> HLMakeRealClock(HLSimHappenings happenings);
+using HLSimLock = HLLock<HLSimClock>;
+
+// The calling thread is the main thread and runs first.
+[[nodiscard]] std::unique_ptr<HLSimClock> HLMakeVirtualClock(HLSimWorldTime world);
+[[nodiscard]] std::unique_ptr<HLSimClock> HLMakeRealClock(HLSimWorldTime world);

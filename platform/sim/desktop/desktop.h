@@ -1,4 +1,4 @@
-// The desktop and its clock, as everything that speaks for them shares them.
+// The desktop and its clock, shared by the simulator's parts. The clock is the mutex of what changes.
 #pragma once
 
 #include <functional>
@@ -12,9 +12,11 @@
 
 struct HLSimDesktop {
   std::unique_ptr<const HLScene> scene;
-  std::unique_ptr<HLSimWorld> world;
+  std::unique_ptr<HLSimWorld> world HL_PT_GUARDED_BY(clock);
   std::unique_ptr<HLSimClock> clock;
-  std::vector<HLUserNotification> notifications;  // handed over by the program
-  std::function<void(int code)> endProcess;  // at once; none where the process is not the scene's. Without the lock
-  bool promptPending = false;  // the user has been asked for trust, and will grant it when the run loop is idle
+  std::vector<HLUserNotification> notifications HL_GUARDED_BY(clock);  // handed over by the program
+  // Ends the process at once; empty if the process is not the scene's. Called without the mutex.
+  std::function<void(int code)> endProcess;
+  // The user has been asked for trust and grants it when the run loop is idle.
+  bool promptPending HL_GUARDED_BY(clock) = false;
 };

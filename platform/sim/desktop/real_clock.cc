@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <utility>
 
 #include "platform/sim/desktop/clock.h"
@@ -9,66 +8,60 @@ namespace {
 
 using Steady = std::chrono::steady_clock;
 
-// What the scene has due happens when somebody looks: nobody can tell the difference.
+// Brings the world up to date only when a thread takes the mutex: no thread can tell the difference.
 class RealClock : public HLSimClock {
  public:
-  explicit RealClock(HLSimHappenings happenings) : happenings_(std::move(happenings)) {}
+  explicit RealClock(HLSimWorldTime world) : world_(std::move(world)) {}
 
-  HLSimLock lock() override {
-    HLSimLock lock(mutex_);
-    happenings_.happenUntil(now());
-    return lock;
-  }
-
-  HLSimMoment now() const override {
+  HLSimMoment now() const override HL_REQUIRES(this) {
     return std::chrono::duration_cast<std::chrono::microseconds>(Steady::now() - start_).count();
   }
 
-  void sleepUntil(HLSimLock& lock, HLSimMoment moment) override {
-    lock.unlock();
+  void sleepUntil(HLSimMoment moment) override HL_REQUIRES(this) {
+    unlock();
     std::this_thread::sleep_until(timeOf(moment));
-    lock.lock();
-    happenings_.happenUntil(now());
+    lock();
   }
 
-  void waitFor(HLSimLock& lock, HLSimSignal& signal, HLSimMoment moment) override {
+  void waitFor(HLSimSignal& signal, HLSimMoment moment) override HL_REQUIRES(this) {
     while (!signal.given && now() < moment) {
-      changed_.wait_until(lock, timeOf(std::min(moment, happenings_.nextDue())));
-      happenings_.happenUntil(now());
+      changed_.waitUntil(*this, timeOf(std::min(moment, world_.nextDue())));
+      catchUp();
     }
     signal.given = false;
   }
 
-  void give(HLSimSignal& signal) override {
+  void yield() override HL_REQUIRES(this) {}
+
+  void give(HLSimSignal& signal) override HL_REQUIRES(this) {
     signal.given = true;
-    changed_.notify_all();
+    changed_.notifyAll();
   }
 
-  void dueChanged() override { changed_.notify_all(); }
+  void dueChanged() override HL_REQUIRES(this) { changed_.notifyAll(); }
 
-  std::thread startThread(HLSimWork&, std::function<void(HLSimLock&)> body) override {
+  std::thread startThread(HLSimWork&, std::function<void()> body) override HL_REQUIRES(this) {
     return std::thread([this, body = std::move(body)] {
-      HLSimLock own = lock();
-      body(own);
+      const HLSimLock own(*this);
+      body();
     });
   }
 
-  void standBack(HLSimLock&) override {}
-
  private:
+  void catchUp() override HL_REQUIRES(this) { world_.advanceTo(now()); }
+
   [[nodiscard]] Steady::time_point timeOf(HLSimMoment moment) const {
-    constexpr HLSimMoment kYears = 1'000'000'000'000'000;  // some thirty, which the system's clock can still count
+    constexpr HLSimMoment kYears = 1'000'000'000'000'000;  // about thirty; steady_clock counts 292 in nanoseconds
     return start_ + std::chrono::microseconds(std::min(moment, kYears));
   }
 
-  HLSimHappenings happenings_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
+  const HLSimWorldTime world_;
+  HLCondition changed_;
   const Steady::time_point start_ = Steady::now();
 };
 
 }  // namespace
 
-std::unique_ptr<HLSimClock> HLMakeRealClock(HLSimHappenings happenings) {
-  return std::make_unique<RealClock>(std::move(happenings));
+std::unique_ptr<HLSimClock> HLMakeRealClock(HLSimWorldTime world) {
+  return std::make_unique<RealClock>(std::move(world));
 }

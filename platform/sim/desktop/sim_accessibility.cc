@@ -9,12 +9,12 @@ class Element : public HLElement {
   Element(HLSimDesktop& desktop, HLSimNode& node) : desktop_(desktop), node_(node) {}
 
   HLAttribute copyAttributeValue(std::string_view name) const override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     return desktop_.world->read(node_, name);
   }
 
   std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     std::vector<HLAttribute> attributes;
     attributes.reserve(names.size());
     for (std::string_view name : names) attributes.push_back(desktop_.world->read(node_, name));
@@ -22,16 +22,16 @@ class Element : public HLElement {
   }
 
   HLActionList copyActionNames() const override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     return desktop_.world->actionNames(node_);
   }
 
   HLAXError performAction(std::string_view action) const override {
-    HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     const HLSimMoment now = desktop_.clock->now();
     const HLSimWorld::Answer answer = desktop_.world->perform(node_, action, now);
     desktop_.clock->dueChanged();
-    if (answer.at > now) desktop_.clock->sleepUntil(lock, answer.at);
+    if (answer.at > now) desktop_.clock->sleepUntil(answer.at);
     return answer.code;
   }
 
@@ -59,14 +59,14 @@ class Observer : public HLObserver {
   ~Observer() override { registrations_->attached = false; }
 
   HLAXError addNotification(const HLElementRef& element, std::string_view notification) override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     const auto* known = dynamic_cast<const Element*>(element.get());
     if (known == nullptr) return HLAXErrorInvalidElement;
     return desktop_.world->addNotification(*registrations_, known->node(), notification);
   }
 
   HLAXError removeNotification(const HLElementRef& element, std::string_view notification) override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     const auto* known = dynamic_cast<const Element*>(element.get());
     if (known == nullptr) return HLAXErrorInvalidElement;
     return desktop_.world->removeNotification(*registrations_, known->node(), notification);
@@ -87,14 +87,14 @@ HLElementRef HLMakeSimElement(HLSimDesktop& desktop, HLSimNode& node) {
 }
 
 bool HLSimAccessibility::isProcessTrusted(bool prompt) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   const bool trusted = desktop_.world->isTrusted();
   if (prompt && !trusted && desktop_.scene->services.grantOnPrompt) desktop_.promptPending = true;
   return trusted;
 }
 
 HLElementRef HLSimAccessibility::createApplication(std::int32_t pid) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   if (pid < 1) return nullptr;
   HLSimApplication& application = desktop_.world->applicationWithPid(pid);
   if (application.origin != nullptr && application.origin->elementFails) return nullptr;
@@ -102,7 +102,7 @@ HLElementRef HLSimAccessibility::createApplication(std::int32_t pid) {
 }
 
 std::unique_ptr<HLObserver> HLSimAccessibility::createObserver(std::int32_t pid, HLObserverCallback callback) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   if (pid < 1) return nullptr;
   HLSimApplication& application = desktop_.world->applicationWithPid(pid);
   if (application.origin != nullptr && application.origin->observerFails) return nullptr;

@@ -16,24 +16,24 @@ std::string withoutSlash(std::string path) {
 }  // namespace
 
 std::vector<HLRunningApplication> HLSimRunningApplications::list() {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   return desktop_.world->applications();
 }
 
 std::optional<HLRunningApplication> HLSimRunningApplications::find(std::int32_t pid) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   return desktop_.world->find(pid);
 }
 
 void HLSimRunningApplications::observeLaunches(std::function<void(const HLRunningApplication&)> observer) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   desktop_.world->observeLaunches([this, observer = std::move(observer)](const HLRunningApplication& application) {
     runLoop_.post([observer, application] { observer(application); });
   });
 }
 
 HLSignalOutcome HLSimRunningApplications::sendSignal(std::int32_t pid, int signal) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   desktop_.world->sendSignal(pid, signal, desktop_.clock->now());
   desktop_.clock->dueChanged();
   return HLSignalOutcome::sent;

@@ -18,43 +18,46 @@ class OperationQueue : public HLOperationQueue {
   }
 
   void addOperation(std::function<void()> operation) override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     pending_.push_back(std::move(operation));
     if (workers_ >= limit_) return;
     ++workers_;
     HLSimWork& work = works_.emplace_back(HLSimWork{this, 0});
-    threads_.push_back(
-        desktop_.clock->startThread(work, [this, &work](HLSimLock& workerLock) { runWorker(workerLock, work); }));
+    threads_.push_back(desktop_.clock->startThread(work, [this, &work] {
+      desktop_.clock->assertHeld();
+      runWorker(work);
+    }));
   }
 
   void waitUntilAllOperationsAreFinished() override {
-    HLSimLock lock = desktop_.clock->lock();
-    while (workers_ > 0) desktop_.clock->waitFor(lock, idle_, HLSimNever);
+    const HLSimLock lock(*desktop_.clock);
+    while (workers_ > 0) desktop_.clock->waitFor(idle_, HLSimNever);
   }
 
  private:
-  void runWorker(HLSimLock& lock, HLSimWork& work) {
+  void runWorker(HLSimWork& work) HL_REQUIRES(desktop_.clock) {
     while (!pending_.empty()) {
       std::function<void()> operation = std::move(pending_.front());
       pending_.pop_front();
       work.operation = started_++;
-      lock.unlock();
+      desktop_.clock->unlock();
       operation();
       operation = nullptr;
-      lock.lock();
-      if (!pending_.empty()) desktop_.clock->standBack(lock);
+      desktop_.clock->lock();
+      if (!pending_.empty()) desktop_.clock->yield();
     }
     if (--workers_ == 0) desktop_.clock->give(idle_);
   }
 
   HLSimDesktop& desktop_;
   const int limit_;
-  std::deque<std::function<void()>> pending_;
-  std::int64_t started_ = 0;
-  int workers_ = 0;
-  std::deque<HLSimWork> works_;  // one per thread
+  std::deque<std::function<void()>> pending_ HL_GUARDED_BY(desktop_.clock);
+  std::int64_t started_ HL_GUARDED_BY(desktop_.clock) = 0;
+  int workers_ HL_GUARDED_BY(desktop_.clock) = 0;
+  HLSimSignal idle_ HL_GUARDED_BY(desktop_.clock);
+  // The owner thread's, one entry per thread.
+  std::deque<HLSimWork> works_;
   std::vector<std::thread> threads_;
-  HLSimSignal idle_;
 };
 
 class Semaphore : public HLSemaphore {
@@ -62,15 +65,15 @@ class Semaphore : public HLSemaphore {
   explicit Semaphore(HLSimDesktop& desktop) : desktop_(desktop) {}
 
   void signal() override {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     ++count_;
     desktop_.clock->give(given_);
   }
 
   bool wait(double seconds) override {
-    HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
-    while (count_ == 0 && desktop_.clock->now() < end) desktop_.clock->waitFor(lock, given_, end);
+    while (count_ == 0 && desktop_.clock->now() < end) desktop_.clock->waitFor(given_, end);
     if (count_ == 0) return false;
     --count_;
     return true;
@@ -78,8 +81,8 @@ class Semaphore : public HLSemaphore {
 
  private:
   HLSimDesktop& desktop_;
-  int count_ = 0;
-  HLSimSignal given_;
+  int count_ HL_GUARDED_BY(desktop_.clock) = 0;
+  HLSimSignal given_ HL_GUARDED_BY(desktop_.clock);
 };
 
 double wallClock() {
@@ -91,14 +94,14 @@ double wallClock() {
 HLSimRunLoop::HLSimRunLoop(HLSimDesktop& desktop) : desktop_(desktop), start_(wallClock()) {}
 
 double HLSimRunLoop::now() {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   return start_ + static_cast<double>(desktop_.clock->now()) / 1e6;
 }
 
 void HLSimRunLoop::sleep(double seconds) {
   if (!(seconds > 0)) return;
-  HLSimLock lock = desktop_.clock->lock();
-  desktop_.clock->sleepUntil(lock, desktop_.clock->now() + HLSimMomentFromSeconds(seconds));
+  const HLSimLock lock(*desktop_.clock);
+  desktop_.clock->sleepUntil(desktop_.clock->now() + HLSimMomentFromSeconds(seconds));
 }
 
 // The main thread's own dues
@@ -107,19 +110,19 @@ class HLSimRunLoop::Timer : public HLTimer {
  public:
   Timer(HLSimRunLoop& loop, double interval, std::function<void()> action)
       : loop_(loop), interval_(std::max<HLSimMoment>(HLSimMomentFromSeconds(interval), 1)), action_(std::move(action)) {
-    const HLSimLock lock = loop_.desktop_.clock->lock();
+    const HLSimLock lock(*loop_.desktop_.clock);
     ++loop_.timers_;
     scheduleAfter(loop_.desktop_.clock->now());
   }
   ~Timer() override {
-    const HLSimLock lock = loop_.desktop_.clock->lock();
+    const HLSimLock lock(*loop_.desktop_.clock);
     --loop_.timers_;
     loop_.due_.erase(key_);
   }
 
  private:
   // Turns that have been missed are not made up for.
-  void scheduleAfter(HLSimMoment last) {
+  void scheduleAfter(HLSimMoment last) HL_REQUIRES(loop_.desktop_.clock) {
     HLSimMoment next = last + interval_;
     const HLSimMoment now = loop_.desktop_.clock->now();
     if (next <= now) next += (now - next) / interval_ * interval_ + interval_;
@@ -128,7 +131,7 @@ class HLSimRunLoop::Timer : public HLTimer {
 
   void fire() {
     {
-      const HLSimLock lock = loop_.desktop_.clock->lock();
+      const HLSimLock lock(*loop_.desktop_.clock);
       scheduleAfter(key_.first);
     }
     const std::function<void()> action = action_;  // it may end the timer
@@ -153,18 +156,18 @@ std::unique_ptr<HLTimer> HLSimRunLoop::scheduleTimer(double interval, std::funct
 }
 
 void HLSimRunLoop::postToMainQueue(std::function<void()> step) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   post(std::move(step));
 }
 
 void HLSimRunLoop::postToMainQueueAfter(double seconds, std::function<void()> step) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   (void)schedule(desktop_.clock->now() + HLSimMomentFromSeconds(std::max(seconds, 0.0)), std::move(step));
 }
 
 // Running
 
-bool HLSimRunLoop::runNext(HLSimLock& lock) {
+bool HLSimRunLoop::runNext() {
   std::function<void()> next;
   if (!deliveries_.empty()) {
     next = std::move(deliveries_.front());
@@ -175,41 +178,41 @@ bool HLSimRunLoop::runNext(HLSimLock& lock) {
     if (std::exchange(desktop_.promptPending, false)) desktop_.world->setTrusted(true);
     return false;
   }
-  lock.unlock();
+  desktop_.clock->unlock();
   next();
   next = nullptr;
-  lock = desktop_.clock->lock();
+  desktop_.clock->lock();
   return true;
 }
 
 void HLSimRunLoop::runFor(double seconds) {
-  HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
   for (;;) {
-    while (runNext(lock)) {
+    while (runNext()) {
     }
     const HLSimMoment now = desktop_.clock->now();
     if (now >= end && desktop_.world->nextDue() > now) return;
     const HLSimMoment next = due_.empty() ? HLSimNever : due_.begin()->first.first;
-    desktop_.clock->waitFor(lock, posted_, std::max(now, std::min(next, end)));
+    desktop_.clock->waitFor(posted_, std::max(now, std::min(next, end)));
   }
 }
 
 void HLSimRunLoop::runEventLoop() {
-  HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   while (!stopped_) {
-    if (runNext(lock)) continue;
+    if (runNext()) continue;
     if (onlyTimersAreDue()) return;
     // What happens on the desktop may leave nothing due.
     const HLSimMoment own = due_.empty() ? HLSimNever : due_.begin()->first.first;
-    desktop_.clock->waitFor(lock, posted_, std::min(own, desktop_.world->nextDue()));
+    desktop_.clock->waitFor(posted_, std::min(own, desktop_.world->nextDue()));
   }
 }
 
 void HLSimRunLoop::forgetSteps() {
   std::deque<std::function<void()>> deliveries;
   std::map<DueKey, std::function<void()>> due;
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   deliveries.swap(deliveries_);
   due.swap(due_);
 }
@@ -221,29 +224,34 @@ bool HLSimRunLoop::onlyTimersAreDue() const {
 // Queues
 
 void HLSimRunLoop::postToGlobalQueue(HLQualityOfService, std::function<void()> work) {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   ++working_;
   HLSimWork& own = works_.emplace_back(HLSimWork{this, static_cast<std::int64_t>(works_.size())});
-  threads_.push_back(desktop_.clock->startThread(own, [this, work = std::move(work)](HLSimLock& workLock) mutable {
-    workLock.unlock();
-    work();
-    work = nullptr;
-    workLock.lock();
-    --working_;
-    desktop_.clock->give(idle_);
-    desktop_.clock->give(posted_);
+  threads_.push_back(desktop_.clock->startThread(own, [this, work = std::move(work)]() mutable {
+    desktop_.clock->assertHeld();
+    perform(std::move(work));
   }));
 }
 
+void HLSimRunLoop::perform(std::function<void()> work) {
+  desktop_.clock->unlock();
+  work();
+  work = nullptr;
+  desktop_.clock->lock();
+  --working_;
+  desktop_.clock->give(idle_);
+  desktop_.clock->give(posted_);
+}
+
 bool HLSimRunLoop::isWorking() {
-  const HLSimLock lock = desktop_.clock->lock();
+  const HLSimLock lock(*desktop_.clock);
   return working_ > 0;
 }
 
 void HLSimRunLoop::finishGlobalQueue() {
   {
-    HLSimLock lock = desktop_.clock->lock();
-    while (working_ > 0) desktop_.clock->waitFor(lock, idle_, HLSimNever);
+    const HLSimLock lock(*desktop_.clock);
+    while (working_ > 0) desktop_.clock->waitFor(idle_, HLSimNever);
   }
   for (std::thread& thread : threads_) thread.join();
   threads_.clear();
@@ -252,6 +260,7 @@ void HLSimRunLoop::finishGlobalQueue() {
 HLSimRunLoop::~HLSimRunLoop() { finishGlobalQueue(); }
 
 void HLSimRunLoop::post(std::function<void()> delivery) {
+  desktop_.clock->assertHeld();
   deliveries_.push_back(std::move(delivery));
   desktop_.clock->give(posted_);
 }

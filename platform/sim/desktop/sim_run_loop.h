@@ -51,22 +51,24 @@ class HLSimRunLoop : public HLRunLoop {
   // The order of one moment is that in which it was asked for.
   using DueKey = std::pair<HLSimMoment, std::int64_t>;
 
-  DueKey schedule(HLSimMoment moment, std::function<void()> action);
-  // Runs the next step that can be run now; whether there was one. The loop is idle when there is none.
-  bool runNext(HLSimLock& lock);
-  [[nodiscard]] bool onlyTimersAreDue() const;
+  DueKey schedule(HLSimMoment moment, std::function<void()> action) HL_REQUIRES(desktop_.clock);
+  // Runs the next step that is due. Returns false if none is: the loop is idle.
+  bool runNext() HL_REQUIRES(desktop_.clock);
+  void perform(std::function<void()> work) HL_REQUIRES(desktop_.clock);
+  [[nodiscard]] bool onlyTimersAreDue() const HL_REQUIRES(desktop_.clock);
 
   HLSimDesktop& desktop_;
   double start_;  // the wall clock at the desktop's beginning
-  std::deque<std::function<void()>> deliveries_;
-  std::map<DueKey, std::function<void()>> due_;  // repeating timers included
-  std::int64_t dueNumber_ = 0;
+  std::deque<std::function<void()>> deliveries_ HL_GUARDED_BY(desktop_.clock);
+  std::map<DueKey, std::function<void()>> due_ HL_GUARDED_BY(desktop_.clock);  // repeating timers included
+  std::int64_t dueNumber_ HL_GUARDED_BY(desktop_.clock) = 0;
+  HLSimSignal posted_ HL_GUARDED_BY(desktop_.clock);
+  std::size_t working_ HL_GUARDED_BY(desktop_.clock) = 0;
+  HLSimSignal idle_ HL_GUARDED_BY(desktop_.clock);
+  // The main thread's.
   std::size_t timers_ = 0;
   bool stopped_ = false;
-  HLSimSignal posted_;
 
   std::deque<HLSimWork> works_;  // one per thread
   std::vector<std::thread> threads_;
-  std::size_t working_ = 0;
-  HLSimSignal idle_;
 };

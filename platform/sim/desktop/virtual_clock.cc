@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
@@ -12,7 +11,7 @@
 namespace {
 
 struct Thread {
-  std::condition_variable turn;
+  HLCondition turn;
   bool running = false;
   HLSimMoment due = HLSimNever;  // while it sleeps
   HLSimSignal* signal = nullptr;
@@ -21,70 +20,70 @@ struct Thread {
 
 class VirtualClock : public HLSimClock {
  public:
-  explicit VirtualClock(HLSimHappenings happenings) : happenings_(std::move(happenings)) {
+  explicit VirtualClock(HLSimWorldTime world) : world_(std::move(world)) {
     main_.running = true;
     threads_[std::this_thread::get_id()] = &main_;
   }
 
-  HLSimLock lock() override { return HLSimLock(mutex_); }
-  HLSimMoment now() const override { return now_; }
+  HLSimMoment now() const override HL_REQUIRES(this) { return now_; }
 
-  void sleepUntil(HLSimLock& lock, HLSimMoment moment) override {
-    const Turn turn(*this, lock);
-    sleep(lock, turn.thread(), moment);
+  void sleepUntil(HLSimMoment moment) override HL_REQUIRES(this) {
+    const Turn turn(*this);
+    sleep(turn.thread(), moment);
   }
 
-  void waitFor(HLSimLock& lock, HLSimSignal& signal, HLSimMoment moment) override {
-    const Turn turn(*this, lock);
+  void waitFor(HLSimSignal& signal, HLSimMoment moment) override HL_REQUIRES(this) {
+    const Turn turn(*this);
     if (!signal.given) {
       turn.thread().signal = &signal;
       signal.waiting = &turn.thread();
-      sleep(lock, turn.thread(), moment);
+      sleep(turn.thread(), moment);
       signal.waiting = nullptr;
       turn.thread().signal = nullptr;
     }
     signal.given = false;
   }
 
-  void give(HLSimSignal& signal) override {
+  void yield() override HL_REQUIRES(this) {
+    const Turn turn(*this);
+    ready_.push_back(&turn.thread());
+    giveUpTurn(turn.thread());
+  }
+
+  void give(HLSimSignal& signal) override HL_REQUIRES(this) {
     if (std::exchange(signal.given, true) || signal.waiting == nullptr) return;
     auto* thread = static_cast<Thread*>(signal.waiting);
     if (std::erase(sleepers_, thread) > 0) ready_.push_back(thread);
   }
 
-  void dueChanged() override {}
+  void dueChanged() override HL_REQUIRES(this) {}
 
-  std::thread startThread(HLSimWork& work, std::function<void(HLSimLock&)> body) override {
+  std::thread startThread(HLSimWork& work, std::function<void()> body) override HL_REQUIRES(this) {
     auto thread = std::make_shared<Thread>();
     thread->work = &work;
     ready_.push_back(thread.get());
     return std::thread([this, thread, body = std::move(body)] {
-      HLSimLock lock(mutex_);
+      const HLSimLock own(*this);
       threads_[std::this_thread::get_id()] = thread.get();
-      awaitTurn(lock, *thread);
-      body(lock);
+      awaitTurn(*thread);
+      body();
       threads_.erase(std::this_thread::get_id());
       passTurn();
     });
   }
 
-  void standBack(HLSimLock& lock) override {
-    const Turn turn(*this, lock);
-    ready_.push_back(&turn.thread());
-    giveUpTurn(lock, turn.thread());
-  }
-
  private:
-  // A thread that the clock does not know takes turns for the time of one call.
+  // Gives a thread that the clock did not start a turn for one call. The caller holds the clock throughout.
   class Turn {
    public:
-    Turn(VirtualClock& clock, HLSimLock& lock) : clock_(clock), thread_(clock.known()) {
+    explicit Turn(VirtualClock& clock) HL_REQUIRES(clock) : clock_(clock), thread_(clock.known()) {
       if (thread_ != nullptr) return;
       thread_ = &visitor_;
       clock.ready_.push_back(&visitor_);
-      awaitTurn(lock, visitor_);
+      clock.awaitTurn(visitor_);
     }
     ~Turn() {
+      clock_.assertHeld();
       if (thread_ == &visitor_) clock_.passTurn();
     }
     Turn(const Turn&) = delete;
@@ -98,59 +97,61 @@ class VirtualClock : public HLSimClock {
     Thread visitor_;
   };
 
-  [[nodiscard]] Thread* known() {
+  [[nodiscard]] Thread* known() HL_REQUIRES(this) {
     const auto found = threads_.find(std::this_thread::get_id());
     return found == threads_.end() ? nullptr : found->second;
   }
 
-  void sleep(HLSimLock& lock, Thread& thread, HLSimMoment moment) {
+  void sleep(Thread& thread, HLSimMoment moment) HL_REQUIRES(this) {
     thread.due = std::max(moment, now_);
     sleepers_.push_back(&thread);
-    giveUpTurn(lock, thread);
+    giveUpTurn(thread);
   }
 
-  static void awaitTurn(HLSimLock& lock, Thread& thread) {
-    thread.turn.wait(lock, [&thread] { return thread.running; });
+  void awaitTurn(Thread& thread) HL_REQUIRES(this) {
+    while (!thread.running) thread.turn.wait(*this);
   }
 
-  void giveUpTurn(HLSimLock& lock, Thread& thread) {
+  void giveUpTurn(Thread& thread) HL_REQUIRES(this) {
     thread.running = false;
     passTurn();
-    awaitTurn(lock, thread);
+    awaitTurn(thread);
   }
 
-  void passTurn() {
+  void passTurn() HL_REQUIRES(this) {
     while (ready_.empty()) jump();
     Thread* next = ready_.front();
     ready_.pop_front();
     next->running = true;
-    next->turn.notify_one();
+    next->turn.notifyOne();
   }
 
-  // To the next moment at which something is due: first what the scene has due, then the sleepers.
-  void jump() {
-    HLSimMoment moment = happenings_.nextDue();
+  // Advances to the next moment at which something is due; the world's events come before the sleepers.
+  void jump() HL_REQUIRES(this) {
+    HLSimMoment moment = world_.nextDue();
     for (const Thread* sleeper : sleepers_) moment = std::min(moment, sleeper->due);
     if (moment == HLSimNever) {
       std::fputs("simulator: every thread waits for another one\n", stderr);
       std::abort();
     }
     now_ = std::max(now_, moment);
-    happenings_.happenUntil(now_);
+    world_.advanceTo(now_);
     wakeSleepers();
   }
 
-  void wakeSleepers() {
+  void catchUp() override HL_REQUIRES(this) {}  // jump() has done so
+
+  void wakeSleepers() HL_REQUIRES(this) {
     std::vector<Thread*> woken;
     for (Thread* sleeper : sleepers_) {
       if (sleeper->due <= now_) woken.push_back(sleeper);
     }
-    std::erase_if(sleepers_, [this](const Thread* sleeper) { return sleeper->due <= now_; });
+    std::erase_if(sleepers_, [now = now_](const Thread* sleeper) { return sleeper->due <= now; });
     orderByOperation(woken);
     ready_.insert(ready_.end(), woken.begin(), woken.end());
   }
 
-  // The workers of each pool change places among themselves, so that they stand in the order of their operations.
+  // Sorts the workers of each pool by operation, within the places that this pool's workers have.
   static void orderByOperation(std::vector<Thread*>& woken) {
     std::map<const void*, std::vector<std::size_t>> places;
     for (std::size_t i = 0; i < woken.size(); ++i) {
@@ -165,17 +166,16 @@ class VirtualClock : public HLSimClock {
     }
   }
 
-  HLSimHappenings happenings_;
-  std::mutex mutex_;
-  HLSimMoment now_ = 0;
-  Thread main_;
-  std::map<std::thread::id, Thread*> threads_;
-  std::deque<Thread*> ready_;      // in the order in which they became able to run
-  std::vector<Thread*> sleepers_;  // in the order in which they fell asleep
+  const HLSimWorldTime world_;
+  HLSimMoment now_ HL_GUARDED_BY(this) = 0;
+  Thread main_ HL_GUARDED_BY(this);
+  std::map<std::thread::id, Thread*> threads_ HL_GUARDED_BY(this);
+  std::deque<Thread*> ready_ HL_GUARDED_BY(this);      // in the order in which they became able to run
+  std::vector<Thread*> sleepers_ HL_GUARDED_BY(this);  // in the order in which they fell asleep
 };
 
 }  // namespace
 
-std::unique_ptr<HLSimClock> HLMakeVirtualClock(HLSimHappenings happenings) {
-  return std::make_unique<VirtualClock>(std::move(happenings));
+std::unique_ptr<HLSimClock> HLMakeVirtualClock(HLSimWorldTime world) {
+  return std::make_unique<VirtualClock>(std::move(world));
 }

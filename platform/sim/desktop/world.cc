@@ -89,7 +89,7 @@ HLSimWorld::HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deli
   for (const HLSceneTimelineEvent& entry : scene.timeline) {
     schedule(entry.at, [this, &entry](HLSimMoment now) { apply(entry.event, now); });
   }
-  happenUntil(0);
+  advanceTo(0);
 }
 
 HLSimWorld::~HLSimWorld() = default;
@@ -100,7 +100,7 @@ void HLSimWorld::schedule(HLSimMoment moment, Happening happening) {
   due_.emplace(Due{moment, dueNumber_++}, std::move(happening));
 }
 
-void HLSimWorld::happenUntil(HLSimMoment now) {
+void HLSimWorld::advanceTo(HLSimMoment now) {
   while (nextDue() <= now) {
     auto next = due_.extract(due_.begin());
     next.mapped()(next.key().moment);

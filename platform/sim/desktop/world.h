@@ -70,7 +70,7 @@ class HLSimWorld {
 
   // Time.
   [[nodiscard]] HLSimMoment nextDue() const { return due_.empty() ? HLSimNever : due_.begin()->first.moment; }
-  void happenUntil(HLSimMoment now);
+  void advanceTo(HLSimMoment now);
 
   // Trust.
   [[nodiscard]] bool isTrusted() const { return trusted_; }

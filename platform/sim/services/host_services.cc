@@ -18,7 +18,7 @@ void HLSimUserNotifications::requestAuthorization(
 void HLSimUserNotifications::add(const HLUserNotification& notification,
                                  std::function<void(std::optional<std::string> error)> answer) {
   {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     desktop_.notifications.push_back(notification);
   }
   for (const auto& [identifier, error] : desktop_.scene->services.userNotifications.addErrors) {

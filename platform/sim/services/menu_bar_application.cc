@@ -35,7 +35,7 @@ class HLSimMenuBarApplication::KeyMonitor : public HLKeyMonitor {
 int HLSimMenuBarApplication::run(HLApplicationHandlers handlers) {
   handlers.didFinishLaunching();
   {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     launched_ = true;
     for (const HLSceneUserEvent* event : std::exchange(waiting_, {})) userEvent(*event);
   }
@@ -116,7 +116,7 @@ void HLSimMenuBarApplication::closeWindow(const std::string& title) {
 void HLSimMenuBarApplication::dump(const std::string& path) {
   std::string line;
   {
-    const HLSimLock lock = desktop_.clock->lock();
+    const HLSimLock lock(*desktop_.clock);
     line = HLDumpLine(desktop_, interface_);
   }
   HLAppendRecord(path, line);

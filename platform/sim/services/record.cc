@@ -48,7 +48,7 @@ HLJson actions(const HLSimWorld& world) {
   return list;
 }
 
-HLJson notifications(const HLSimDesktop& desktop) {
+HLJson notifications(const HLSimDesktop& desktop) HL_REQUIRES(desktop.clock) {
   HLJson list = HLJson::array();
   for (const HLUserNotification& notification : desktop.notifications) {
     list.push_back({{"identifier", notification.identifier},
@@ -189,7 +189,7 @@ HLJson hotKey(const HLSimHotKeys& hotKeys) {
   return {{"code", registered->code}, {"modifiers", registered->modifiers}};
 }
 
-HLJson dump(const HLSimDesktop& desktop, HLSimUserInterface& interface) {
+HLJson dump(const HLSimDesktop& desktop, HLSimUserInterface& interface) HL_REQUIRES(desktop.clock) {
   HLJson made;
   made["at"] = toTheMillisecond(static_cast<double>(desktop.clock->now()) / 1e6);
   made["statusItem"] = statusItem(interface.statusItem);

@@ -6,10 +6,12 @@
 #include "platform/sim/desktop/desktop.h"
 #include "platform/sim/services/user_interface.h"
 
-// The state of the user interface, as one line of JSON without its end. With the desktop's lock held.
-[[nodiscard]] std::string HLDumpLine(const HLSimDesktop& desktop, HLSimUserInterface& interface);
-// The same, and what was done on the desktop.
-[[nodiscard]] std::string HLRecordLine(const HLSimDesktop& desktop, HLSimUserInterface& interface);
+// Returns the state of the user interface as one line of JSON, without a line feed.
+[[nodiscard]] std::string HLDumpLine(const HLSimDesktop& desktop, HLSimUserInterface& interface)
+    HL_REQUIRES(desktop.clock);
+// Returns the same with the actions performed and the elements on screen.
+[[nodiscard]] std::string HLRecordLine(const HLSimDesktop& desktop, HLSimUserInterface& interface)
+    HL_REQUIRES(desktop.clock);
 
 // Adds the line to the file; false, and a line on standard error, when that fails.
 bool HLAppendRecord(const std::string& path, const std::string& line);

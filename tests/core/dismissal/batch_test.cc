@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "core/dismissal/result.h"
 #include "core/scan/notification_center.h"
 #include "platform/run_loop.h"
+#include "platform/thread_safety.h"
 #include "tests/support/descriptions.h"
 #include "tests/support/fake_element.h"
 #include "tests/support/scenes.h"
@@ -43,7 +43,7 @@ class ProgressRecord {
  public:
   ProgressRecord() {
     HLSetProgressHandler([this](std::int64_t count) {
-      const std::lock_guard guard(mutex_);
+      const HLLock lock(mutex_);
       counts_.push_back(count);
     });
   }
@@ -52,13 +52,13 @@ class ProgressRecord {
   ~ProgressRecord() { HLSetProgressHandler(nullptr); }
 
   [[nodiscard]] Counts counts() {
-    const std::lock_guard guard(mutex_);
+    const HLLock lock(mutex_);
     return counts_;
   }
 
  private:
-  std::mutex mutex_;
-  Counts counts_;
+  HLMutex mutex_;
+  Counts counts_ HL_GUARDED_BY(mutex_);
 };
 
 // A window of pressable controls "c1", "c2", ...: pressing takes a second each.

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/thread_safety.h"
 #include "tests/platform/sim/scene_desktop.h"
 
 namespace {
@@ -25,15 +26,18 @@ class Journal {
 
   void note(const std::string& what) {
     const long milliseconds = std::lround(desktop_.simulator().elapsed() * 1000);
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     entries_.push_back(what + "@" + std::to_string(milliseconds));
   }
-  [[nodiscard]] std::vector<std::string> entries() const { return entries_; }
+  [[nodiscard]] std::vector<std::string> entries() {
+    const HLLock lock(mutex_);
+    return entries_;
+  }
 
  private:
   Desktop& desktop_;
-  std::mutex mutex_;
-  std::vector<std::string> entries_;
+  HLMutex mutex_;
+  std::vector<std::string> entries_ HL_GUARDED_BY(mutex_);
 };
 
 class VirtualTime : public testing::Test {

@@ -12,7 +12,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -21,6 +20,7 @@
 #include "platform/linux/access_guide.h"
 #include "platform/linux/session/detached_program.h"
 #include "platform/linux/session/linux_workspace.h"
+#include "platform/thread_safety.h"
 #include "tests/platform/linux/session/fake_process.h"
 #include "tests/platform/linux/support/desktop_session.h"
 #include "tests/support/temporary_directory.h"
@@ -189,7 +189,7 @@ class AddressPortal {
 
   // After the call has been answered, and so on the asker's thread.
   [[nodiscard]] std::string opened() {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     return opened_;
   }
 
@@ -200,15 +200,15 @@ class AddressPortal {
     const char* address = nullptr;
     sd_bus_message_read(message, "ss", &window, &address);
     {
-      const std::lock_guard lock(self.mutex_);
+      const HLLock lock(self.mutex_);
       self.opened_ = address;
     }
     return sd_bus_reply_method_return(message, "o", "/org/freedesktop/portal/desktop/request/1/2");
   }
 
   sd_bus* bus_ = nullptr;
-  std::mutex mutex_;
-  std::string opened_;
+  HLMutex mutex_;
+  std::string opened_ HL_GUARDED_BY(mutex_);
   std::atomic<bool> ending_ = false;
   std::thread thread_;
 };

@@ -10,7 +10,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -19,6 +18,7 @@
 #include <vector>
 
 #include "platform/linux/qt/services/linux_hot_keys.h"
+#include "platform/thread_safety.h"
 #include "tests/platform/linux/support/desktop_session.h"
 
 namespace {
@@ -66,7 +66,7 @@ class Portal {
   }
 
   void activate(const std::string& session, const std::string& shortcut) {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     steps_.emplace_back([this, session, shortcut] {
       sd_bus_emit_signal(bus_, kPath, kShortcuts, "Activated", "osta{sv}", session.c_str(), shortcut.c_str(),
                          std::uint64_t{1}, 0);
@@ -74,15 +74,15 @@ class Portal {
   }
 
   std::vector<std::string> bound() {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     return bound_;
   }
   std::vector<std::string> sessions() {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     return sessions_;
   }
   std::vector<std::string> clients() {
-    const std::lock_guard lock(mutex_);
+    const HLLock lock(mutex_);
     return clients_;
   }
 
@@ -120,7 +120,7 @@ class Portal {
       sd_bus_message_read(message, "s", &shortcut);
       const Options options = optionsOf(message);
       sd_bus_message_exit_container(message);
-      const std::lock_guard lock(mutex_);
+      const HLLock lock(mutex_);
       lastShortcut_ = shortcut;
       bound_.push_back(lastShortcut_ + "|" + options.at("preferred_trigger") + "|" + options.at("description"));
     }
@@ -148,7 +148,7 @@ class Portal {
     const std::string request = pathFor("request", message, options.at("handle_token"));
     const std::string session = pathFor("session", message, options.at("session_handle_token"));
     {
-      const std::lock_guard lock(self.mutex_);
+      const HLLock lock(self.mutex_);
       self.sessions_.push_back(session);
       self.clients_.emplace_back(sd_bus_message_get_sender(message));
     }
@@ -187,7 +187,7 @@ class Portal {
     while (!ending_) {
       std::vector<std::function<void()>> steps;
       {
-        const std::lock_guard lock(mutex_);
+        const HLLock lock(mutex_);
         steps.swap(steps_);
       }
       for (const auto& step : steps) step();
@@ -199,12 +199,12 @@ class Portal {
   const Manner manner_;
   sd_bus* bus_ = nullptr;
   std::atomic<bool> ending_ = false;
-  std::mutex mutex_;
-  std::vector<std::function<void()>> steps_;
-  std::string lastShortcut_;
-  std::vector<std::string> bound_;
-  std::vector<std::string> sessions_;
-  std::vector<std::string> clients_;
+  std::string lastShortcut_;  // the portal thread's
+  HLMutex mutex_;
+  std::vector<std::function<void()>> steps_ HL_GUARDED_BY(mutex_);
+  std::vector<std::string> bound_ HL_GUARDED_BY(mutex_);
+  std::vector<std::string> sessions_ HL_GUARDED_BY(mutex_);
+  std::vector<std::string> clients_ HL_GUARDED_BY(mutex_);
   std::thread thread_;
 };
 

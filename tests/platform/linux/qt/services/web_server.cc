@@ -59,7 +59,7 @@ WebServer::~WebServer() {
 }
 
 std::vector<std::string> WebServer::requests() {
-  const std::lock_guard lock(mutex_);
+  const HLLock lock(mutex_);
   return requests_;
 }
 
@@ -80,7 +80,7 @@ void WebServer::serve(int descriptor) {
   }
   if (!request.empty()) {
     {
-      const std::lock_guard lock(mutex_);
+      const HLLock lock(mutex_);
       requests_.push_back(request);
     }
     handler_(request, WebConnection(descriptor, ending_));

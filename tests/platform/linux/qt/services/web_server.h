@@ -4,10 +4,11 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "platform/thread_safety.h"
 
 // One connection of a client.
 class WebConnection {
@@ -46,8 +47,8 @@ class WebServer {
   int listener_ = -1;
   int port_ = 0;
   std::atomic<bool> ending_ = false;
-  std::mutex mutex_;
-  std::vector<std::string> requests_;
+  HLMutex mutex_;
+  std::vector<std::string> requests_ HL_GUARDED_BY(mutex_);
   std::vector<std::thread> threads_;
   std::thread acceptor_;
 };
