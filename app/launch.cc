@@ -42,9 +42,8 @@ void HLAppDelegate::applicationDidFinishLaunching() {
   const bool trusted = HLIsAccessibilityTrusted(false);
   const bool daemonReachable = HLLocalDaemonReachable();
   HLAppendLog("applicationDidFinishLaunching bundle=%@ executable=%@ trusted=%@ daemonReachable=%@ flavor=%@ %@",
-              process.bundlePath().value_or(""), process.executablePath().value_or(""), trusted ? "true" : "false",
-              daemonReachable ? "true" : "false", HLIsProductFlavor() ? "product" : "personal",
-              HLLaunchContextSummary());
+              process.bundlePath().value_or(""), process.executablePath().value_or(""), trusted, daemonReachable,
+              HLIsProductFlavor() ? "product" : "personal", HLLaunchContextSummary());
   registerDefaultShortcut();
   installStatusItem();
   installHotKeyHandler();

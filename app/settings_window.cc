@@ -113,7 +113,7 @@ void HLAppDelegate::updateAutoCloser() {
 
 void HLAppDelegate::toggleOpenAtLogin(bool on) {
   const HLLoginItemOutcome outcome = on ? host_.loginItem->registerItem() : host_.loginItem->unregisterItem();
-  HLAppendLog("openAtLogin want=%@ ok=%@ status=%ld error=%@", on ? "on" : "off", outcome.ok ? "true" : "false",
+  HLAppendLog("openAtLogin want=%@ ok=%@ status=%ld error=%@", on ? "on" : "off", outcome.ok,
               static_cast<std::int64_t>(host_.loginItem->status()), outcome.error.value_or("none"));
   updateSettingsState();
 }

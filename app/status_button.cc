@@ -63,7 +63,7 @@ void HLAppDelegate::refreshStatusItem() {
   } else {
     host_.statusItem->setTitle(available ? "HL" : "HL!");
   }
-  HLAppendLog("refreshStatusItem available=%@ visible=true", available ? "true" : "false");
+  HLAppendLog("refreshStatusItem available=%@ visible=true", available);
 }
 
 void HLAppDelegate::runSelfCheckFromMenu() {

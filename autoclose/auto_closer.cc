@@ -1,17 +1,17 @@
 #include "autoclose/auto_closer.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <ostream>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "base/format.h"
 #include "base/log.h"
+#include "core/scan/alert_description.h"
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
+#include "core/scan/words.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
 #include "platform/run_loop.h"
@@ -21,30 +21,22 @@ namespace {
 constexpr std::string_view kLayoutChanged = "AXLayoutChanged";
 constexpr std::size_t kHandledLimit = 200;
 
-std::optional<std::string> closeAction(const std::vector<std::string>& names) {
-  const auto found = std::find_if(names.begin(), names.end(), [](const std::string& name) {
-    return name.starts_with("Name:Close") || name == "AXClose";
-  });
-  return found == names.end() ? std::nullopt : std::optional(*found);
-}
-
 }  // namespace
 
 HLAutoCloser::~HLAutoCloser() { stop(); }
 
 void HLAutoCloser::startForCurrentNotificationCenter() {
   stop();
-  HLAccessibility& accessibility = HLCurrentPlatform().accessibility;
   const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
   if (center) {
-    observer_ = accessibility.createObserver(
+    observer_ = HLCurrentPlatform().accessibility->createObserver(
         center->pid, [this](const HLElementRef& element, std::string_view) { handleEvent(*element); });
   }
   if (observer_ == nullptr) {
     HLAppendLog("auto-close start failed nc=%@", center ? "present" : "missing");
     return;
   }
-  application_ = accessibility.createApplication(center->pid);
+  application_ = HLNotificationCenterElement(center->pid);
   const HLAXError registration =
       application_ != nullptr ? observer_->addNotification(application_, kLayoutChanged) : HLAXErrorFailure;
   observer_->attach();
@@ -70,12 +62,12 @@ void HLAutoCloser::handleEvent(const HLElement& element) {
   if (!handled_.insert(description).second) return;
   if (handled_.size() > kHandledLimit) handled_.clear();
 
-  const std::optional<std::string> action = closeAction(HLActionNames(element));
+  const std::optional<std::string> action = HLCloseAction(HLActionNames(element));
   if (!action) return;
   const HLAXError error = element.performAction(*action);
   if (error == HLAXErrorSuccess) ++closed_;
-  const std::string application = description.substr(0, description.find(", "));  // which a match begins with
-  HLAppendLog("auto-close app=%@ error=%d closed=%ld", application, error, closed_);
+  HLAppendLog("auto-close app=%@ error=%d closed=%ld", HLSplitAlertDescription(description).application, error,
+              closed_);
 }
 
 int HLRunAutoCloseProbe(double seconds, std::ostream& out) {

@@ -33,7 +33,7 @@ std::int64_t closeOnce(const HLElement& application, const std::string& text) {
 int HLCloseMatchingAlerts(const std::string& text, std::ostream& out) {
   const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
   if (!center || text.empty()) return EXIT_FAILURE;
-  const HLElementRef application = HLCurrentPlatform().accessibility->createApplication(center->pid);
+  const HLElementRef application = HLNotificationCenterElement(center->pid);
   std::int64_t total = 0;
   for (int pass = 0; application != nullptr && pass < kPasses; ++pass) {
     const std::int64_t closed = closeOnce(*application, text);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/scan/alert_description.h"
 #include "platform/platform.h"
 #include "platform/property_lists.h"
 #include "platform/text.h"
@@ -48,10 +49,10 @@ HLAutoCloseRuleList HLAutoCloseRules(const std::optional<std::string>& testRule)
 }
 
 bool HLAlertDescriptionMatchesAutoClose(std::string_view description, const HLAutoCloseRuleList& rules) {
-  const std::size_t comma = description.find(", ");
-  if (comma == std::string_view::npos) return false;
-  const std::string application = HLLowercase(description.substr(0, comma));
-  const std::string body = HLLowercase(description.substr(comma + 2));
+  const HLAlertDescription parts = HLSplitAlertDescription(description);
+  if (!parts.rest) return false;
+  const std::string application = HLLowercase(parts.application);
+  const std::string body = HLLowercase(*parts.rest);
   return std::any_of(rules.begin(), rules.end(), [&application, &body](const HLAutoCloseRule& rule) {
     return rule.applicationNames.count(application) > 0 &&
            std::any_of(rule.bodyPhrases.begin(), rule.bodyPhrases.end(),

@@ -1,6 +1,6 @@
-// Messages are written as they read in the log: %@ for text, and of C's placeholders %s, %d, %ld, %u, %lu, %%, integers
-// filled up with zeros (%02ld), and %f with a precision. A message whose arguments do not fit its placeholders does not
-// compile.
+// Messages are written as they read in the log: %@ for text and for booleans ("true", "false"), and of C's placeholders
+// %s, %d, %ld, %u, %lu, %%, integers filled up with zeros (%02ld), and %f with a precision. A message whose arguments
+// do not fit its placeholders does not compile.
 #pragma once
 
 #include <concepts>
@@ -48,12 +48,12 @@ constexpr HLFormatPlaceholder HLParsePlaceholder(std::string_view format) {
 
 template <class T>
 constexpr char HLPlaceholderKindOf() {
-  if constexpr (std::convertible_to<T, std::string_view>) {
+  if constexpr (std::convertible_to<T, std::string_view> || std::same_as<T, bool>) {
     return '@';
   } else if constexpr (std::floating_point<T>) {
     return 'f';
   } else {
-    static_assert(std::integral<T> && !std::same_as<T, bool>);
+    static_assert(std::integral<T>);
     return std::signed_integral<T> ? 'd' : 'u';
   }
 }
@@ -90,6 +90,8 @@ template <class T>
 HLFormatArgument HLMakeFormatArgument(const T& value) {
   if constexpr (std::convertible_to<T, std::string_view>) {
     return std::string_view(value);
+  } else if constexpr (std::same_as<T, bool>) {
+    return std::string_view(value ? "true" : "false");
   } else if constexpr (std::floating_point<T>) {
     return static_cast<double>(value);
   } else if constexpr (std::signed_integral<T>) {

@@ -6,9 +6,8 @@
 
 bool HLRequestAccessibility(bool prompt) {
   const bool trusted = HLIsAccessibilityTrusted(prompt);
-  const char* trustedText = trusted ? "true" : "false";
   const std::string context = HLLaunchContextSummary();
-  HLAppendLog("requestAccessibility trusted=%@ %@", trustedText, context);
-  HLAppendDiagnostics("requestAccessibility trusted=%@ prompt=%@ %@", trustedText, prompt ? "true" : "false", context);
+  HLAppendLog("requestAccessibility trusted=%@ %@", trusted, context);
+  HLAppendDiagnostics("requestAccessibility trusted=%@ prompt=%@ %@", trusted, prompt, context);
   return !trusted;
 }

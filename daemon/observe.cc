@@ -61,7 +61,7 @@ int HLObserveNotificationCenter(double seconds, std::ostream& out, std::ostream&
     err << "AXObserverCreate failed\n";
     return EXIT_FAILURE;
   }
-  const HLElementRef application = platform.accessibility->createApplication(center->pid);
+  const HLElementRef application = HLNotificationCenterElement(center->pid);
   for (std::string_view notification : kNotifications) {
     const HLAXError error =
         application != nullptr ? observer->addNotification(application, notification) : HLAXErrorFailure;
@@ -90,10 +90,9 @@ std::string HLElementDebugSummary(const HLElement& element) {
 }
 
 std::string HLAttributeButtonSummary(const HLElement& element, std::string_view attribute) {
-  const std::optional<HLValue> value = HLCopyAttribute(element, attribute);
-  const HLElementRef* button = value ? value->as<HLElementRef>() : nullptr;
-  if (button == nullptr || *button == nullptr) return "none";
-  const HLElementFacts facts = HLReadElementFacts(**button);
+  const HLElementRef button = HLElementAttribute(element, attribute);
+  if (button == nullptr) return "none";
+  const HLElementFacts facts = HLReadElementFacts(*button);
   return HLFormat("context=%@ actions=%@ frame=%@", orElse(HLSearchableContext(facts), "(empty)"),
                   actionSummary(facts.actionNames), HLFrameSummary(facts.frame));
 }

@@ -12,7 +12,6 @@
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
 #include "daemon/local_socket.h"
-#include "platform/platform.h"
 #include "platform/text.h"
 
 namespace {
@@ -33,10 +32,10 @@ int HLSelfCheck(std::ostream& out) {
   const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
   std::size_t targets = 0;
   if (trusted && center) {
-    const HLElementRef application = HLCurrentPlatform().accessibility->createApplication(center->pid);
+    const HLElementRef application = HLNotificationCenterElement(center->pid);
     if (application != nullptr) targets = HLCurrentTargets(*application).size();
   }
-  out << HLEncodableText(HLFormat("trusted=%s notificationCenterPid=%d targets=%ld %s\n", trusted ? "true" : "false",
+  out << HLEncodableText(HLFormat("trusted=%s notificationCenterPid=%d targets=%ld %s\n", trusted,
                                   center ? center->pid : 0, static_cast<std::int64_t>(targets),
                                   HLLaunchContextSummary()));
   return trusted ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -46,7 +45,7 @@ bool HLLocalDaemonReachable() { return isReachable(askDaemon()); }
 
 int HLLocalDaemonSelfCheck(std::ostream& out) {
   const std::optional<HLDismissResult> answer = askDaemon();
-  out << HLFormat("reachable=%s status=%s\n", isReachable(answer) ? "true" : "false",
+  out << HLFormat("reachable=%s status=%s\n", isReachable(answer),
                   answer ? HLStatusString(answer->status) : std::string_view("unreachable"));
   return isReachable(answer) ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -63,7 +63,7 @@ int HLRunTrustedDaemon() {
 
   const HLSocket listener(HLOpenLocalSocket());
   if (!listener.isOpen() || !startListening(listener.descriptor(), *path)) return EXIT_FAILURE;
-  HLAppendDiagnostics("trusted daemon starting trusted=%@ %@", HLIsAccessibilityTrusted(false) ? "true" : "false",
+  HLAppendDiagnostics("trusted daemon starting trusted=%@ %@", HLIsAccessibilityTrusted(false),
                       HLLaunchContextSummary());
 
   for (bool serving = true; serving;) {

@@ -8,6 +8,7 @@
 #include "base/format.h"
 #include "base/log.h"
 #include "core/dismissal/ordering.h"
+#include "core/scan/alert_description.h"
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
 
@@ -98,8 +99,9 @@ std::int64_t HLMaxAlertsPerApp(const std::vector<HLDismissTarget>& targets) {
 }
 
 std::string HLAlertAppName(const HLDismissTarget& target) {
+  if (target.element == nullptr) return "";
   const std::string description = HLStringAttribute(*target.element, "AXDescription").value_or("");
-  return description.substr(0, description.find(", "));
+  return std::string(HLSplitAlertDescription(description).application);
 }
 
 std::vector<HLDismissTarget> HLTargetsExcludingKeys(const std::vector<HLDismissTarget>& targets, const HLKeySet& keys) {

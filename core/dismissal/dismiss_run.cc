@@ -2,7 +2,6 @@
 
 #include <csignal>
 #include <optional>
-#include <string_view>
 
 #include "base/log.h"
 #include "core/dismissal/attempt_loop.h"
@@ -25,8 +24,6 @@ constexpr int kKillPoll = 25;
 constexpr int kPresentedPolls = 16;
 constexpr double kPresentedPollSeconds = 0.3;
 
-std::string_view trueOrFalse(bool value) { return value ? "true" : "false"; }
-
 // Restarts Notification Center, clears what it had held back, and merges that into the result. It is done once in a
 // dismissal, however much comes back.
 void drainOverflow(std::int32_t oldPid, HLDismissResult& result) {
@@ -36,7 +33,7 @@ void drainOverflow(std::int32_t oldPid, HLDismissResult& result) {
     HLAppendDiagnostics("overflow drain restart failed drain=%ld", kDrain);
     return;
   }
-  const HLElementRef application = HLCurrentPlatform().accessibility->createApplication(newPid);
+  const HLElementRef application = HLNotificationCenterElement(newPid);
   if (application == nullptr) return;
   const std::int64_t presented = HLWaitForRepresentedAlerts(*application);
   HLAppendDiagnostics("overflow drain=%ld newPid=%d presented=%ld", kDrain, newPid, presented);
@@ -53,7 +50,7 @@ void drainOverflow(std::int32_t oldPid, HLDismissResult& result) {
 
 HLDismissResult HLDismissNotificationsNow() {
   const bool trusted = HLIsAccessibilityTrusted(false);
-  HLAppendDiagnostics("dismiss preflight trusted=%@ %@", trueOrFalse(trusted), HLLaunchContextSummary());
+  HLAppendDiagnostics("dismiss preflight trusted=%@ %@", trusted, HLLaunchContextSummary());
   if (!trusted) return {HLDismissStatusAccessDenied, 0, 0};
 
   const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
@@ -63,7 +60,7 @@ HLDismissResult HLDismissNotificationsNow() {
   std::int64_t maxAlertsPerApp = 0;
   HLDismissResult result;
   {
-    const HLElementRef application = HLCurrentPlatform().accessibility->createApplication(center->pid);
+    const HLElementRef application = HLNotificationCenterElement(center->pid);
     if (application == nullptr) return {HLDismissStatusFailed, 0, 0};
     result = HLRunDirectDismiss(*application, &maxAlertsPerApp);
   }

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,7 +18,6 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr std::array kCloseControlAttributes = {"AXCloseButton"sv, "AXCancelButton"sv};
-constexpr std::array kClearWord = {"clear"sv};
 
 constexpr std::size_t kVisitLimit = 120;
 constexpr double kLargeWidth = 120.0;
@@ -48,25 +46,24 @@ std::optional<std::string> dismissOrPressAction(const std::vector<std::string>& 
   return action;
 }
 
-// The control that one visited element is, or nothing.
+// The control that one visited element is, still without its snapshot, or nullopt.
 std::optional<HLDismissTarget> focusedControl(const HLVisit& visit, const HLRect& rootFrame) {
   const auto& [element, facts, own, context] = visit;
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
-  const std::string snapshot = own.empty() ? context.text() : own;
   if (explicitAction && HLIsNotificationBannerSubrole(facts.subrole)) {
     return HLDismissTarget{
-        element, *explicitAction, facts.frame, kBannerSubroleScore, snapshot, "focused-notification-subrole"};
+        element, *explicitAction, facts.frame, kBannerSubroleScore, "", "focused-notification-subrole"};
   }
   if (HLIsMenuLike(facts)) return std::nullopt;
 
   const bool small = isSmallControl(facts.frame);
-  const bool closeWords = HLHasOwnCloseWord(own);
+  const bool closeWords = HLLowercaseContainsAny(own, HLOwnCloseWords);
   const std::optional<std::string> action = dismissOrPressAction(facts.actionNames);
   if (!action || (!small && !(explicitAction && closeWords))) return std::nullopt;
 
   HLDismissTarget control{element,     *action,
                           facts.frame, explicitAction ? kExplicitActionScore : kPressFallbackScore,
-                          snapshot,    explicitAction ? "focused-explicit-action" : "focused-press-fallback"};
+                          "",          explicitAction ? "focused-explicit-action" : "focused-press-fallback"};
   const auto add = [&control](bool fires, std::int64_t points, std::string_view word) {
     if (!fires) return;
     control.score += points;
@@ -85,24 +82,24 @@ std::optional<HLDismissTarget> focusedControl(const HLVisit& visit, const HLRect
 }  // namespace
 
 HLDismissTarget HLResolvedTarget(const HLDismissTarget& target) {
-  if (HLContainsDismissWord(target.action) || !isLarge(target.frame)) return target;
+  const bool isControl = HLStringContainsAny(target.action, HLDismissWords) || !isLarge(target.frame);
+  if (isControl || target.element == nullptr) return target;
   if (auto control = HLCloseControlAttributeTarget(*target.element)) return *std::move(control);
   return HLFocusedDismissControlInSubtree(target.element).value_or(target);
 }
 
-bool HLTargetUsesClearAction(const HLDismissTarget& target) { return HLStringContainsAny(target.action, kClearWord); }
+bool HLTargetUsesClearAction(const HLDismissTarget& target) { return HLStringContainsAny(target.action, HLClearWords); }
 
 std::optional<HLDismissTarget> HLCloseControlAttributeTarget(const HLElement& element) {
   for (std::string_view attribute : kCloseControlAttributes) {
-    const std::optional<HLValue> value = HLCopyAttribute(element, attribute);
-    const HLElementRef* control = value ? value->as<HLElementRef>() : nullptr;
-    if (control == nullptr || *control == nullptr) continue;
+    const HLElementRef control = HLElementAttribute(element, attribute);
+    if (control == nullptr) continue;
 
-    const HLElementFacts facts = HLReadElementFacts(**control);
+    const HLElementFacts facts = HLReadElementFacts(*control);
     const std::optional<std::string> action = dismissOrPressAction(facts.actionNames);
     if (!action) continue;
     const std::string own = HLSearchableContext(facts);
-    return HLDismissTarget{*control,
+    return HLDismissTarget{control,
                            *action,
                            facts.frame,
                            kAttributeControlScore,
@@ -118,9 +115,12 @@ std::optional<HLDismissTarget> HLFocusedDismissControlInSubtree(const HLElementR
   const auto look = [&best, &rootFacts](const HLVisit& visit) {
     std::optional<HLDismissTarget> control = focusedControl(visit, rootFacts.frame);
     // Of equal ones the first stays: it is nearer to the root.
-    if (control && (!best || control->score > best->score)) best = std::move(control);
+    if (control && (!best || control->score > best->score)) {
+      best = std::move(control);
+      best->snapshot = visit.own.empty() ? visit.context.text() : visit.own;
+    }
     return true;
   };
-  HLWalkTree({root, std::make_shared<const HLContext>(HLSearchableContext(rootFacts))}, kVisitLimit, look);
+  HLWalkTree({root, HLContext(HLSearchableContext(rootFacts))}, kVisitLimit, look);
   return best;
 }

@@ -1,27 +1,43 @@
 // The accumulated words of an element and all its ancestors.
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
-// Extending a context costs no search of the words that were there before, so that a deep tree is scanned in linear
-// time.
+// An immutable value; cheap to copy. A context shares the words of its parent, so that a tree takes as much memory as
+// its words have, and extending a context searches its new words only.
 class HLContext {
  public:
-  HLContext() = default;
-  explicit HLContext(std::string text);
+  HLContext() = default;  // has no words
+  explicit HLContext(std::string_view words) : HLContext(HLContext().extendedBy(words)) {}
 
-  // The context of a child whose own compacted words these are.
+  // Returns the context of a child whose own words, lower-cased and compacted, these are.
   [[nodiscard]] HLContext extendedBy(std::string_view own) const;
 
-  [[nodiscard]] const std::string& text() const { return text_; }
-  [[nodiscard]] bool isNotification() const { return isNotification_; }
-  [[nodiscard]] bool hasCloseWord() const { return hasCloseWord_; }
+  // Returns the words of the whole path from the root, joined by spaces. Copies them: O(length).
+  [[nodiscard]] std::string text() const;
+  // Returns the first `units` UTF-16 code units of text() without making the rest.
+  [[nodiscard]] std::string beginning(std::size_t units) const;
+
+  [[nodiscard]] bool isNotification() const { return last_ != nullptr && last_->isNotification; }
+  [[nodiscard]] bool hasCloseWord() const { return last_ != nullptr && last_->hasCloseWord; }
 
  private:
-  void searchFrom(std::size_t begin);
+  // The words of one element, never empty, and what they and those before them hold.
+  struct Words {
+    std::shared_ptr<const Words> before;
+    std::string own;
+    bool isNotification = false;
+    bool hasCloseWord = false;
+  };
 
-  std::string text_;
-  bool isNotification_ = false;
-  bool hasCloseWord_ = false;
+  [[nodiscard]] std::string firstBytes(std::size_t count) const;
+  [[nodiscard]] std::string lastBytes(std::size_t count) const;
+
+  std::shared_ptr<const Words> last_;  // nullptr without words
 };
+
+// Whether a context with these words, in any letter case, belongs to a notification.
+[[nodiscard]] bool HLIsNotificationContext(std::string_view words);

@@ -60,6 +60,12 @@ std::optional<std::string> HLStringAttribute(const HLElement& element, std::stri
   return HLStringFromAttribute(element.copyAttributeValue(name));
 }
 
+HLElementRef HLElementAttribute(const HLElement& element, std::string_view name) {
+  const std::optional<HLValue> value = HLCopyAttribute(element, name);
+  const HLElementRef* held = value ? value->as<HLElementRef>() : nullptr;
+  return held == nullptr ? nullptr : *held;
+}
+
 std::vector<std::string> HLActionNames(const HLElement& element) {
   HLActionList actions = element.copyActionNames();
   if (actions.error != HLAXErrorSuccess) return {};
@@ -72,10 +78,6 @@ HLPoint HLPointAttribute(const HLElement& element, std::string_view name) {
 
 HLSize HLSizeAttribute(const HLElement& element, std::string_view name) {
   return HLSizeFromAttribute(element.copyAttributeValue(name));
-}
-
-HLRect HLFrameForElement(const HLElement& element) {
-  return HLFrameFromPointAndSize(HLPointAttribute(element, "AXPosition"), HLSizeAttribute(element, "AXSize"));
 }
 
 bool HLIsNotificationBannerSubrole(std::string_view subrole) {

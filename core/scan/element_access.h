@@ -16,19 +16,20 @@
 // A string as it is, a number or boolean in decimal; nothing for a value of any other type.
 [[nodiscard]] std::optional<std::string> HLStringAttribute(const HLElement& element, std::string_view name);
 
+// The element that the attribute holds; nullptr when it holds none.
+[[nodiscard]] HLElementRef HLElementAttribute(const HLElement& element, std::string_view name);
+
 [[nodiscard]] std::vector<std::string> HLActionNames(const HLElement& element);
 
 [[nodiscard]] HLPoint HLPointAttribute(const HLElement& element, std::string_view name);
 [[nodiscard]] HLSize HLSizeAttribute(const HLElement& element, std::string_view name);
 
-// The null rectangle unless position and size are known and the size is positive in both directions. Negative
-// coordinates are kept: screens lie left of and above the main one.
-[[nodiscard]] HLRect HLFrameForElement(const HLElement& element);
-
 // What the functions above make of answers that have been read already.
 [[nodiscard]] std::optional<std::string> HLStringFromAttribute(const HLAttribute& attribute);
 [[nodiscard]] HLPoint HLPointFromAttribute(const HLAttribute& attribute);
 [[nodiscard]] HLSize HLSizeFromAttribute(const HLAttribute& attribute);
+// The null rectangle unless position and size are known and the size is positive in both directions. Negative
+// coordinates are kept: screens lie left of and above the main one.
 [[nodiscard]] HLRect HLFrameFromPointAndSize(HLPoint point, HLSize size);
 // The members of a list that are elements, in their order; members of any other type are skipped.
 [[nodiscard]] std::vector<HLElementRef> HLElementsFromAttribute(const HLAttribute& attribute);

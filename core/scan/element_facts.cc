@@ -28,7 +28,8 @@ std::string joinedWords(std::initializer_list<std::string_view> texts) {
 }  // namespace
 
 HLElementFacts HLReadElementFacts(const HLElement& element) {
-  const std::vector<HLAttribute> attributes = element.copyAttributeValues(kAttributes);
+  std::vector<HLAttribute> attributes = element.copyAttributeValues(kAttributes);
+  attributes.resize(kAttributes.size());  // what a platform does not return is missing
   const auto text = [&attributes](std::size_t i) { return HLStringFromAttribute(attributes[i]).value_or(""); };
   HLElementFacts facts;
   facts.role = text(0);
@@ -45,6 +46,8 @@ HLElementFacts HLReadElementFacts(const HLElement& element) {
   facts.actionNames = HLActionNames(element);
   return facts;
 }
+
+HLRect HLFrameForElement(const HLElement& element) { return HLReadElementFacts(element).frame; }
 
 std::string HLSearchableContext(const HLElementFacts& facts) {
   return joinedWords({facts.role, facts.subrole, facts.roleDescription, facts.title, facts.description, facts.value,

@@ -24,6 +24,9 @@ struct HLElementFacts {
 
 [[nodiscard]] HLElementFacts HLReadElementFacts(const HLElement& element);
 
+// The frame among them.
+[[nodiscard]] HLRect HLFrameForElement(const HLElement& element);
+
 // The element's own words: its seven texts, lower-cased and compacted, the non-empty ones joined by blanks.
 [[nodiscard]] std::string HLSearchableContext(const HLElementFacts& facts);
 

@@ -17,6 +17,10 @@ std::optional<HLRunningApplication> HLNotificationCenterApplication() {
   return std::nullopt;
 }
 
+HLElementRef HLNotificationCenterElement(std::int32_t pid) {
+  return HLCurrentPlatform().accessibility->createApplication(pid);
+}
+
 std::vector<HLElementRef> HLNotificationWindows(const HLElement& application) {
   return HLElementsFromAttribute(application.copyAttributeValue("AXWindows"));
 }

@@ -1,6 +1,7 @@
 // Finding the process that shows notifications, and everything in it that can be dismissed now. Nothing is cached.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,9 @@ inline constexpr std::string_view HLNotificationCenterBundleIdentifier = "com.ap
 
 // The first running one, in the platform's order.
 [[nodiscard]] std::optional<HLRunningApplication> HLNotificationCenterApplication();
+
+// The root element of a Notification Center process; nullptr when it cannot be made.
+[[nodiscard]] HLElementRef HLNotificationCenterElement(std::int32_t pid);
 
 [[nodiscard]] std::vector<HLElementRef> HLNotificationWindows(const HLElement& application);
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -10,10 +9,10 @@
 #include "platform/accessibility.h"
 #include "platform/geometry.h"
 
-// An element to visit. Siblings share the context of their parent; the root's is empty.
+// An element to visit.
 struct HLQueueItem {
   HLElementRef element;
-  std::shared_ptr<const HLContext> context;
+  HLContext context;  // of its parent; empty for the root
 };
 
 // A control that is believed to dismiss a notification.

@@ -1,6 +1,5 @@
 #include "core/scan/scoring.h"
 
-#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -9,16 +8,6 @@
 #include "platform/text.h"
 
 namespace {
-
-using namespace std::string_view_literals;
-
-// Like all such lists, not to be tidied: words that hold others are meant.
-constexpr std::array kNegativeWords = {"reply"sv,   "open"sv,  "options"sv, "show"sv,   "view"sv,       "accept"sv,
-                                       "decline"sv, "allow"sv, "later"sv,   "snooze"sv, "mute"sv,       "unmute"sv,
-                                       "play"sv,    "pause"sv, "call"sv,    "manage"sv, "clear menu"sv, "menu item"sv};
-constexpr std::array kButtonWord = {"button"sv};
-constexpr std::array kMenuRoleWord = {"menu"sv};
-constexpr std::array kMenuStructureWords = {"menu item"sv, "menu bar"sv, "menubar"sv};
 
 constexpr std::int64_t kAcceptance = 45;
 constexpr std::int64_t kShortcutScore = 220;
@@ -43,8 +32,8 @@ struct Score {
 }  // namespace
 
 bool HLIsMenuLike(const HLElementFacts& facts) {
-  return HLStringContainsAny(facts.role, kMenuRoleWord) || HLStringContainsAny(facts.subrole, kMenuRoleWord) ||
-         HLLowercaseContainsAny(HLStructuralContext(facts), kMenuStructureWords);
+  return HLStringContainsAny(facts.role, HLMenuRoleWords) || HLStringContainsAny(facts.subrole, HLMenuRoleWords) ||
+         HLLowercaseContainsAny(HLStructuralContext(facts), HLMenuStructureWords);
 }
 
 std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element, const HLElementFacts& facts,
@@ -65,9 +54,9 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
   if (!explicitAction && !(pressable && context.isNotification())) return std::nullopt;  // nothing to perform
   if (HLIsMenuLike(facts)) return std::nullopt;
 
-  const bool closeWords = HLHasOwnCloseWord(own) || context.hasCloseWord();
-  const bool negativeWords = HLLowercaseContainsAny(own, kNegativeWords);
-  const bool buttonLike = facts.role == "AXButton" || HLLowercaseContainsAny(own, kButtonWord);
+  const bool closeWords = HLLowercaseContainsAny(own, HLOwnCloseWords) || context.hasCloseWord();
+  const bool negativeWords = HLLowercaseContainsAny(own, HLNegativeWords);
+  const bool buttonLike = facts.role == "AXButton" || HLLowercaseContainsAny(own, HLButtonWords);
   const bool small = isSmall(facts.frame);
 
   Score score;
@@ -88,6 +77,6 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
                          action,
                          facts.frame,
                          score.points,
-                         HLUtf16Prefix(own.empty() ? context.text() : own, HLSnapshotLimit),
+                         own.empty() ? context.beginning(HLSnapshotLimit) : HLUtf16Prefix(own, HLSnapshotLimit),
                          score.reason};
 }

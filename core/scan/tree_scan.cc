@@ -1,7 +1,6 @@
 #include "core/scan/tree_scan.h"
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -35,7 +34,7 @@ std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::stri
     if (keys.insert(HLDeduplicationKeyForTarget(*candidate)).second) targets.push_back(*std::move(candidate));
     return !prune;
   };
-  const std::size_t visited = HLWalkTree({root, std::make_shared<const HLContext>()}, HLScanLimit, look);
+  const std::size_t visited = HLWalkTree({root, HLContext()}, HLScanLimit, look);
   HLAppendDiagnostics("scan root=%@ visited=%ld candidates=%lu", label, static_cast<std::int64_t>(visited),
                       targets.size());
   return targets;

@@ -11,19 +11,18 @@ std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit, const std::fu
   while (!queue.empty() && visited.size() < limit) {
     const HLQueueItem item = std::move(queue.front());
     queue.pop_front();
-    if (!visited.insert(item.element).second) continue;
+    if (item.element == nullptr || !visited.insert(item.element).second) continue;
 
     const HLElementFacts facts = HLReadElementFacts(*item.element);
     const std::string own = HLSearchableContext(facts);
-    const auto context = std::make_shared<const HLContext>(item.context->extendedBy(own));
-    if (!visit({item.element, facts, own, *context})) continue;
+    const HLContext context = item.context.extendedBy(own);
+    if (!visit({item.element, facts, own, context})) continue;
     for (HLQueueItem& child : HLChildQueueItems(facts, context)) queue.push_back(std::move(child));
   }
   return visited.size();
 }
 
-std::vector<HLQueueItem> HLChildQueueItems(const HLElementFacts& facts,
-                                           const std::shared_ptr<const HLContext>& context) {
+std::vector<HLQueueItem> HLChildQueueItems(const HLElementFacts& facts, const HLContext& context) {
   std::vector<HLQueueItem> items;
   items.reserve(facts.children.size());
   for (const HLElementRef& child : facts.children) items.push_back({child, context});

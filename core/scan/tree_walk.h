@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,5 +23,4 @@ struct HLVisit {
 std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit, const std::function<bool(const HLVisit&)>& visit);
 
 // The children of an element whose context this is, in their order; one that is listed twice comes twice.
-[[nodiscard]] std::vector<HLQueueItem> HLChildQueueItems(const HLElementFacts& facts,
-                                                         const std::shared_ptr<const HLContext>& context);
+[[nodiscard]] std::vector<HLQueueItem> HLChildQueueItems(const HLElementFacts& facts, const HLContext& context);

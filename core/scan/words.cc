@@ -1,25 +1,15 @@
 #include "core/scan/words.h"
 
 #include <algorithm>
-#include <array>
 
 #include "platform/text.h"
 
 namespace {
 
-using namespace std::string_view_literals;
-
-// The lists overlap on purpose and are not to be tidied: each is data with a history of its own.
-constexpr std::array kDismissWords = {"close"sv, "dismiss"sv, "clear"sv};
-constexpr std::array kOwnCloseWords = {"close"sv, "dismiss"sv, "clear"sv, "xmark"sv};
-constexpr std::array kNotificationWords = {"notification"sv,        "axnotification"sv, "stacked"sv,
-                                           "notification center"sv, "from iphone"sv,    "axnotificationlistitems"sv};
-
-constexpr bool fitContexts(HLWordList words) {
-  return std::all_of(words.begin(), words.end(),
-                     [](std::string_view word) { return word.size() <= HLLongestContextWord; });
+std::optional<std::string> firstOf(const std::vector<std::string>& actionNames, bool (*matches)(const std::string&)) {
+  const auto found = std::find_if(actionNames.begin(), actionNames.end(), matches);
+  return found == actionNames.end() ? std::nullopt : std::optional(*found);
 }
-static_assert(fitContexts(kNotificationWords) && fitContexts(kDismissWords));
 
 }  // namespace
 
@@ -32,21 +22,13 @@ bool HLLowercaseContainsAny(std::string_view text, HLWordList words) {
                      [text](std::string_view word) { return text.find(word) != std::string_view::npos; });
 }
 
-bool HLIsNotificationContext(std::string_view text) { return HLStringContainsAny(text, kNotificationWords); }
-
-bool HLContainsDismissWord(std::string_view text) { return HLStringContainsAny(text, kDismissWords); }
-
-bool HLHasOwnCloseWord(std::string_view own) { return HLStringContainsAny(own, kOwnCloseWords); }
-
-bool HLContextHoldsNotificationWord(std::string_view context) {
-  return HLLowercaseContainsAny(context, kNotificationWords);
+std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames) {
+  return firstOf(actionNames, [](const std::string& name) { return HLStringContainsAny(name, HLDismissWords); });
 }
 
-bool HLContextHoldsCloseWord(std::string_view context) { return HLLowercaseContainsAny(context, kDismissWords); }
-
-std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames) {
-  const auto found = std::find_if(actionNames.begin(), actionNames.end(), HLContainsDismissWord);
-  return found == actionNames.end() ? std::nullopt : std::optional(*found);
+std::optional<std::string> HLCloseAction(const std::vector<std::string>& actionNames) {
+  return firstOf(actionNames,
+                 [](const std::string& name) { return name.starts_with("Name:Close") || name == "AXClose"; });
 }
 
 bool HLIsPressable(const std::vector<std::string>& actionNames) {

@@ -1,7 +1,8 @@
-// The words that mark notifications, close controls and their opposites.
+// The words by which notifications and the controls that close them are recognized: which list is for what. The lists
+// overlap on purpose ("unmute" beside "mute"): each is data with its own history, and not to be tidied.
 #pragma once
 
-#include <cstddef>
+#include <array>
 #include <optional>
 #include <span>
 #include <string>
@@ -10,27 +11,40 @@
 
 using HLWordList = std::span<const std::string_view>;
 
-// Whether the lower-cased text contains any of the (lower-case) words, anywhere.
+// Words are lower-case, and match anywhere in a lower-cased text.
+
+// In an action's name: the action closes the element that has it. In the words of an element and its ancestors: the
+// element is near a control that closes.
+inline constexpr std::array<std::string_view, 3> HLDismissWords = {"close", "dismiss", "clear"};
+// In an element's own words: the element is a control that closes.
+inline constexpr std::array<std::string_view, 4> HLOwnCloseWords = {"close", "dismiss", "clear", "xmark"};
+// In an action's name: the batch counts the action as clearing, any other one as closing.
+inline constexpr std::array<std::string_view, 1> HLClearWords = {"clear"};
+// In the words of an element and its ancestors: the element belongs to a notification.
+inline constexpr std::array<std::string_view, 6> HLNotificationWords = {
+    "notification", "axnotification", "stacked", "notification center", "from iphone", "axnotificationlistitems"};
+// In an element's own words: the element does something else than closing.
+inline constexpr std::array<std::string_view, 18> HLNegativeWords = {
+    "reply",  "open", "options", "show", "view",  "accept", "decline", "allow",      "later",
+    "snooze", "mute", "unmute",  "play", "pause", "call",   "manage",  "clear menu", "menu item"};
+// In an element's own words: the element is a button.
+inline constexpr std::array<std::string_view, 1> HLButtonWords = {"button"};
+// In a role or subrole, and in an element's structural words: the element is a part of a menu.
+inline constexpr std::array<std::string_view, 1> HLMenuRoleWords = {"menu"};
+inline constexpr std::array<std::string_view, 3> HLMenuStructureWords = {"menu item", "menu bar", "menubar"};
+
+// Whether the text, in any letter case, contains any of the words.
 [[nodiscard]] bool HLStringContainsAny(std::string_view text, HLWordList words);
 
-// The same of a text that is lower-cased already.
+// The same for a text that is lower-cased already.
 [[nodiscard]] bool HLLowercaseContainsAny(std::string_view text, HLWordList words);
 
-[[nodiscard]] bool HLIsNotificationContext(std::string_view text);
-
-// Whether the text, in any letter case, holds "close", "dismiss" or "clear": what action names are tested for.
-[[nodiscard]] bool HLContainsDismissWord(std::string_view text);
-
-// Whether the element's own words hold a word that marks a close control.
-[[nodiscard]] bool HLHasOwnCloseWord(std::string_view own);
-
-// What a context, which is lower-cased already, is searched for. None of the words is longer than that, in bytes.
-[[nodiscard]] bool HLContextHoldsNotificationWord(std::string_view context);
-[[nodiscard]] bool HLContextHoldsCloseWord(std::string_view context);
-inline constexpr std::size_t HLLongestContextWord = 23;
-
-// The first action, unchanged, whose name in any letter case says that it closes, dismisses or clears.
+// Returns the first action, unchanged, whose name contains a dismiss word.
 [[nodiscard]] std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames);
+
+// Returns the first action that closes a banner of an automation: one that begins with "Name:Close", or "AXClose". The
+// auto-closer acts on its own, and so trusts fewer names than a dismissal that the user asked for.
+[[nodiscard]] std::optional<std::string> HLCloseAction(const std::vector<std::string>& actionNames);
 
 // Whether a plain press is among the actions.
 [[nodiscard]] bool HLIsPressable(const std::vector<std::string>& actionNames);

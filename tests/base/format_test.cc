@@ -59,6 +59,8 @@ TEST(Format, NegativeZeroKeepsItsSign) {
   EXPECT_EQ(HLFormat("%.1f", 0.0), "0.0");
 }
 
+TEST(Format, WritesBooleansAsTrueAndFalse) { EXPECT_EQ(HLFormat("%@ %s", true, false), "true false"); }
+
 TEST(Format, TwoPercentSignsAreOne) { EXPECT_EQ(HLFormat("%% %d%% %%", 5), "% 5% %"); }
 
 TEST(Format, PlaceholdersMayTouch) {

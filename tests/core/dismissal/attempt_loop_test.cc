@@ -248,6 +248,7 @@ TEST(AlertAppName, IsTheDescriptionBeforeTheFirstCommaAndBlank) {
   EXPECT_EQ(HLAlertAppName(described(std::string(" Mail , x"))), " Mail ");
   EXPECT_EQ(HLAlertAppName(described(std::string(""))), "");
   EXPECT_EQ(HLAlertAppName(described(std::int64_t{7})), "7");
+  EXPECT_EQ(HLAlertAppName({nullptr, "Close", {}, 120, "", ""}), "");
   EXPECT_EQ(HLAlertAppName(described(HLArray{})), "");
   EXPECT_EQ(HLAlertAppName(described({})), "");
 }

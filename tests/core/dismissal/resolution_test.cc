@@ -94,6 +94,10 @@ TEST(Resolution, ElseTheTargetItself) {
   EXPECT_EQ(Group(R"(, "children": [{"title": "hello"}])").resolved(), "AXPress 70 (0,0,360,80) [as found] as scored");
 }
 
+TEST(Resolution, KeepsATargetWithoutAnElement) {
+  EXPECT_EQ(Describe(HLResolvedTarget(pressOf(nullptr, kLarge))), "AXPress 70 (0,0,360,80) [as found] as scored");
+}
+
 TEST(Resolution, AVanishedElementIsPressedAsItIs) {
   EXPECT_EQ(Describe(HLResolvedTarget(pressOf(std::make_shared<FakeElement>(), kLarge))),
             "AXPress 70 (0,0,360,80) [as found] as scored");

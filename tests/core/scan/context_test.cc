@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/text.h"
+
 namespace {
 
 // What the flags mean, said the slow way.
@@ -64,6 +66,21 @@ TEST(Context, OtherWordsAreNone) {
     EXPECT_FALSE(HLContext(word).isNotification()) << word;
     EXPECT_FALSE(HLContext(word).hasCloseWord()) << word;
   }
+}
+
+TEST(Context, BeginsWithTheFirstUnitsOfItsText) {
+  const std::string pair = "\U0001F600";  // two UTF-16 units
+  for (const std::string& piece :
+       {std::string("word"), std::string("gr\u00F6\u00DFe"), pair, "a" + pair + pair, std::string("\x80\xFF")}) {
+    HLContext context;
+    for (int depth = 0; depth < 6; ++depth) {
+      context = context.extendedBy(piece + std::to_string(depth));
+      for (std::size_t units = 0; units < 30; ++units) {
+        ASSERT_EQ(context.beginning(units), HLUtf16Prefix(context.text(), units)) << context.text() << " " << units;
+      }
+    }
+  }
+  EXPECT_EQ(HLContext().beginning(180), "");
 }
 
 TEST(Context, WhatWasFoundStaysFoundBelow) {

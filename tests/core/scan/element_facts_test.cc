@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/scan/element_access.h"
@@ -121,7 +123,8 @@ TEST_F(ElementFacts, OneBatchTellsTheSameAsSingleReads) {
     EXPECT_EQ(facts.value, text("AXValue")) << id;
     EXPECT_EQ(facts.identifier, text("AXIdentifier")) << id;
     EXPECT_EQ(facts.actionNames, HLActionNames(*element)) << id;
-    EXPECT_EQ(facts.frame, HLFrameForElement(*element)) << id;
+    const HLPoint position = HLPointAttribute(*element, "AXPosition");
+    EXPECT_EQ(facts.frame, HLFrameFromPointAndSize(position, HLSizeAttribute(*element, "AXSize"))) << id;
     std::vector<HLElementRef> children;
     for (const char* list : {"AXChildren", "AXRows", "AXVisibleChildren"}) {
       for (const HLElementRef& member : HLElementsFromAttribute(element->copyAttributeValue(list))) {
@@ -130,6 +133,26 @@ TEST_F(ElementFacts, OneBatchTellsTheSameAsSingleReads) {
     }
     EXPECT_EQ(facts.children, children) << id;
   }
+}
+
+// Returns fewer attributes than it is asked for.
+class ShortElement : public FakeElement {
+ public:
+  [[nodiscard]] std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override {
+    return FakeElement::copyAttributeValues(names.first(3));
+  }
+};
+
+TEST_F(ElementFacts, TreatAttributesThatAreNotReturnedAsMissing) {
+  ShortElement element;
+  for (const char* name : {"AXRole", "AXTitle", "AXIdentifier"}) {
+    element.attributes[name] = {HLAXErrorSuccess, std::string(name)};
+  }
+  element.attributes["AXChildren"] = {HLAXErrorSuccess, HLArray{std::make_shared<FakeElement>()}};
+  const HLElementFacts facts = HLReadElementFacts(element);
+  EXPECT_EQ(HLSearchableContext(facts), "axrole");
+  EXPECT_TRUE(facts.frame.isNull());
+  EXPECT_TRUE(facts.children.empty());
 }
 
 TEST_F(ElementFacts, AnElementThatCannotBeReadHasNone) {

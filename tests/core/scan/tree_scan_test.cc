@@ -229,18 +229,24 @@ TEST(TreeScan, EachCallIsIndependent) {
   EXPECT_EQ(desktop.diagnostics(), (Lines{"scan root=r visited=1 candidates=1", "scan root=r visited=1 candidates=1"}));
 }
 
+TEST(TreeScan, FindsNothingAtAMissingRoot) {
+  SimulatedDesktop desktop("{}");
+  EXPECT_TRUE(HLTargetsInRoot(nullptr, "none").empty());
+  EXPECT_EQ(desktop.diagnostics(), Lines{"scan root=none visited=0 candidates=0"});
+}
+
 TEST(ChildQueueItems, AreTheChildrenInTheirOrderWithTheGivenContext) {
   HLElementFacts facts;
   const auto a = std::make_shared<FakeElement>();
   const auto b = std::make_shared<FakeElement>();
   facts.children = {b, a, b};
-  const auto context = std::make_shared<const HLContext>("axgroup");
+  const HLContext context("axgroup");
   const std::vector<HLQueueItem> items = HLChildQueueItems(facts, context);
   ASSERT_EQ(items.size(), 3U);
   EXPECT_EQ(items[0].element, b);
   EXPECT_EQ(items[1].element, a);
   EXPECT_EQ(items[2].element, b);
-  for (const HLQueueItem& item : items) EXPECT_EQ(item.context, context);
+  for (const HLQueueItem& item : items) EXPECT_EQ(item.context.text(), "axgroup");
   EXPECT_TRUE(HLChildQueueItems(HLElementFacts(), context).empty());
 }
 
