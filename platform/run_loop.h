@@ -56,8 +56,8 @@ class HLRunLoop {
   // Sleeps the calling thread; a time of 0 or less returns at once. Any thread.
   virtual void sleep(double seconds) = 0;
 
-  // Runs the main thread's loop for that many seconds, delivering what is due; it does not return early after an event.
-  // Main thread.
+  // Runs the main run loop for `seconds` and does not return early. What is due by then is delivered, even late. Main
+  // thread.
   virtual void runFor(double seconds) = 0;
 
   // Has this run on the main thread while its loop runs, after all that was posted before. Any thread.

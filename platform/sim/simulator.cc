@@ -35,23 +35,25 @@ class Simulator : public HLSimulator {
     desktop_.scene = std::move(scene);
     desktop_.world = std::make_unique<HLSimWorld>(
         *desktop_.scene, [this](HLSimNode& node) { return HLMakeSimElement(desktop_, node); },
-        [this](const std::shared_ptr<HLSimRegistrations>& observer, HLElementRef element, const std::string& name) {
-          runLoop_.post([observer, element = std::move(element), name] {
+        [this](const std::shared_ptr<HLSimRegistrations>& observer, HLElementRef element, const std::string& name,
+               HLMicroseconds now) {
+          runLoop_.post(now, [observer, element = std::move(element), name] {
             if (!observer->attached) return;
             const HLObserverCallback callback = observer->callback;
             callback(element, name);
           });
         },
-        [this](const HLSceneUserEvent& event) { interface_.application.userEvent(event); });
-    HLSimWorldTime time = {[this] {
-                             desktop_.clock->assertHeld();
-                             return desktop_.world->nextDue();
-                           },
-                           [this](HLSimMoment now) {
-                             desktop_.clock->assertHeld();
-                             desktop_.world->advanceTo(now);
-                           }};
-    desktop_.clock = desktop_.scene->realClock ? HLMakeRealClock(std::move(time)) : HLMakeVirtualClock(std::move(time));
+        [this](const HLSceneUserEvent& event, HLMicroseconds now) { interface_.application.userEvent(event, now); });
+    HLSimEvents events = {[this] {
+                            desktop_.clock->assertHeld();
+                            return desktop_.world->nextDue();
+                          },
+                          [this](HLMicroseconds now) {
+                            desktop_.clock->assertHeld();
+                            desktop_.world->advanceTo(now);
+                          }};
+    desktop_.clock =
+        desktop_.scene->realClock ? HLMakeRealClock(std::move(events)) : HLMakeVirtualClock(std::move(events));
     if (endsProcess_) {
       desktop_.endProcess = [this](int code) {
         end();

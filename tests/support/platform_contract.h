@@ -324,6 +324,28 @@ TEST_P(PlatformContract, TheRunLoopRunsForAsLongAsItIsTold) {
   EXPECT_LT(runLoop().now() - between, 1);
 }
 
+TEST_P(PlatformContract, KeepsStepsDelayedForCenturies) {
+  bool ran = false;
+  for (const double seconds : {9.3e9, 1e18, 1e300}) {
+    runLoop().postToMainQueueAfter(seconds, [&ran] { ran = true; });
+    const auto timer = runLoop().scheduleTimer(seconds, [&ran] { ran = true; });
+    runLoop().runFor(0.01);
+    EXPECT_FALSE(ran) << seconds;
+  }
+}
+
+TEST_P(PlatformContract, WaitsCenturiesForASignal) {
+  for (const double seconds : {9.3e9, 1e18, 1e300}) {
+    const auto semaphore = runLoop().makeSemaphore();
+    const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
+    queue->addOperation([&] {
+      runLoop().sleep(0.01);
+      semaphore->signal();
+    });
+    EXPECT_TRUE(semaphore->wait(seconds)) << seconds;
+  }
+}
+
 TEST_P(PlatformContract, WaitingForAQueueMeansThatAllIsDone) {
   std::atomic<int> done = 0;
   const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 3);

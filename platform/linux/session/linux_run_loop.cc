@@ -95,9 +95,8 @@ class Semaphore : public HLSemaphore {
 
   bool wait(double seconds) override {
     const HLLock lock(mutex_);
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::nanoseconds>(
-                                                                 std::chrono::duration<double>(std::max(seconds, 0.0)));
-    while (count_ == 0 && std::chrono::steady_clock::now() < deadline) signaled_.waitUntil(mutex_, deadline);
+    const HLMicroseconds end = HLTimeAfter(HLSteadyNow(), seconds);
+    while (count_ == 0 && HLSteadyNow() < end) signaled_.waitUntil(mutex_, HLSteadyTime(end));
     if (count_ == 0) return false;
     --count_;
     return true;
@@ -116,7 +115,7 @@ double HLLinuxRunLoop::now() {
 }
 
 void HLLinuxRunLoop::sleep(double seconds) {
-  if (seconds > 0) std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+  std::this_thread::sleep_for(std::chrono::microseconds(HLMicrosecondsFromSeconds(seconds)));
 }
 
 HLLinuxRunLoop::HLLinuxRunLoop()
@@ -135,15 +134,13 @@ HLLinuxRunLoop::~HLLinuxRunLoop() {
 }
 
 void HLLinuxRunLoop::runFor(double seconds) {
-  const Clock::time_point end =
-      Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::max(seconds, 0.0)));
+  const HLMicroseconds end = HLTimeAfter(HLSteadyNow(), seconds);
   for (;;) {
     serve();  // first: what has arrived may have been taken off the descriptor already
-    const Clock::duration left = end - Clock::now();
-    if (left <= Clock::duration::zero()) return;
-    const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
+    const HLMicroseconds left = end - HLSteadyNow();
+    if (left <= 0) return;
     epoll_event event{};
-    epoll_wait(poll_, &event, 1, static_cast<int>(std::min<std::int64_t>(milliseconds, kLongestWait)));
+    epoll_wait(poll_, &event, 1, static_cast<int>(std::min((left + 999) / 1000, kLongestWait)));
   }
 }
 
@@ -151,8 +148,8 @@ void HLLinuxRunLoop::serve() {
   std::uint64_t count = 0;
   for (int descriptor : {waker_, alarm_}) (void)!read(descriptor, &count, sizeof count);
   serveSources();
-  // One at a time: a step may run a loop of its own, which is then to find the others.
-  while (const std::function<void()> step = takeDue()) step();
+  // Dequeue one at a time: a step may run a nested loop, which must see the rest.
+  while (const HLDueQueue::Step step = takeDue()) step();
 }
 
 int HLLinuxRunLoop::addSource(Source source) {
@@ -186,55 +183,39 @@ void HLLinuxRunLoop::wake() {
   (void)!write(waker_, &one, sizeof one);
 }
 
-// What is posted and what is due
+// Steps
 
-void HLLinuxRunLoop::postToMainQueue(std::function<void()> step) {
-  {
-    const HLLock lock(mutex_);
-    posted_.push_back(std::move(step));
-  }
-  wake();
-}
+void HLLinuxRunLoop::postToMainQueue(std::function<void()> step) { schedule(HLSteadyNow(), std::move(step)); }
 
 void HLLinuxRunLoop::postToMainQueueAfter(double seconds, std::function<void()> step) {
-  const auto delay = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::max(seconds, 0.0)));
-  (void)schedule(Clock::now() + delay, std::move(step));
+  schedule(HLTimeAfter(HLSteadyNow(), seconds), std::move(step));
 }
 
-std::function<void()> HLLinuxRunLoop::takeDue() {
+HLDueQueue::Step HLLinuxRunLoop::takeDue() {
   const HLLock lock(mutex_);
-  std::function<void()> step;
-  if (!posted_.empty()) {
-    step = std::move(posted_.front());
-    posted_.pop_front();
-  } else if (!due_.empty() && due_.begin()->first.first <= Clock::now()) {
-    step = std::move(due_.extract(due_.begin()).mapped());
-    armAlarm();
-  }
+  HLDueQueue::Step step = due_.take(HLSteadyNow());
+  armAlarm();
   return step;
 }
 
-HLLinuxRunLoop::DueKey HLLinuxRunLoop::schedule(Clock::time_point moment, std::function<void()> action) {
+HLDueQueue::Key HLLinuxRunLoop::schedule(HLMicroseconds time, HLDueQueue::Step step) {
   const HLLock lock(mutex_);
-  const DueKey key = {moment, dueNumber_++};
-  due_.emplace(key, std::move(action));
+  const HLDueQueue::Key key = due_.schedule(time, std::move(step));
   armAlarm();
   return key;
 }
 
-void HLLinuxRunLoop::unschedule(const DueKey& key) {
+void HLLinuxRunLoop::cancel(const HLDueQueue::Key& key) {
   const HLLock lock(mutex_);
-  due_.erase(key);
+  due_.cancel(key);
   armAlarm();
 }
 
 void HLLinuxRunLoop::armAlarm() {
   itimerspec setting{};
-  if (!due_.empty()) {
-    const auto moment = due_.begin()->first.first.time_since_epoch();
-    const auto nanoseconds = std::max<std::int64_t>(std::chrono::nanoseconds(moment).count(), 1);  // 0 would disarm it
-    setting.it_value.tv_sec = static_cast<std::time_t>(nanoseconds / 1'000'000'000);
-    setting.it_value.tv_nsec = static_cast<long>(nanoseconds % 1'000'000'000);
+  if (const HLMicroseconds next = due_.next(); next != HLNever) {
+    setting.it_value.tv_sec = static_cast<std::time_t>(next / 1'000'000);
+    setting.it_value.tv_nsec = static_cast<long>(next % 1'000'000 * 1000);
   }
   timerfd_settime(alarm_, TFD_TIMER_ABSTIME, &setting, nullptr);
 }
@@ -243,32 +224,27 @@ class HLLinuxRunLoop::Timer : public HLTimer {
  public:
   Timer(HLLinuxRunLoop& loop, double interval, std::function<void()> action)
       : loop_(loop),
-        interval_(std::max(std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(interval)),
-                           Clock::duration(1))),
+        interval_(std::max<HLMicroseconds>(HLMicrosecondsFromSeconds(interval), 1)),
         action_(std::move(action)) {
-    scheduleAfter(Clock::now());
+    scheduleAfter(HLSteadyNow());
   }
-  ~Timer() override { loop_.unschedule(key_); }
+  ~Timer() override { loop_.cancel(key_); }
 
  private:
-  // Turns that have been missed are not made up for.
-  void scheduleAfter(Clock::time_point last) {
-    Clock::time_point next = last + interval_;
-    const Clock::time_point now = Clock::now();
-    if (next <= now) next += (now - next) / interval_ * interval_ + interval_;
-    key_ = loop_.schedule(next, [this] { fire(); });
+  void scheduleAfter(HLMicroseconds due) {
+    key_ = loop_.schedule(HLNextTick(due, interval_, HLSteadyNow()), [this] { fire(); });
   }
 
   void fire() {
-    scheduleAfter(key_.first);
-    const std::function<void()> action = action_;  // it may end the timer
+    scheduleAfter(key_.time);
+    const std::function<void()> action = action_;  // the action may destroy the timer
     action();
   }
 
   HLLinuxRunLoop& loop_;
-  const Clock::duration interval_;
+  const HLMicroseconds interval_;
   const std::function<void()> action_;
-  DueKey key_;
+  HLDueQueue::Key key_;
 };
 
 std::unique_ptr<HLTimer> HLLinuxRunLoop::scheduleTimer(double interval, std::function<void()> action) {

@@ -1,15 +1,12 @@
 // Real time and real threads.
 #pragma once
 
-#include <chrono>
-#include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
 
+#include "platform/due_queue.h"
 #include "platform/run_loop.h"
 #include "platform/thread_safety.h"
 
@@ -47,26 +44,21 @@ class HLLinuxRunLoop : public HLRunLoop {
 
  private:
   class Timer;
-  using Clock = std::chrono::steady_clock;
-  // The order of one moment is that in which it was asked for.
-  using DueKey = std::pair<Clock::time_point, std::int64_t>;
 
   void serveSources();
-  DueKey schedule(Clock::time_point moment, std::function<void()> action);
-  void unschedule(const DueKey& key);
+  HLDueQueue::Key schedule(HLMicroseconds time, HLDueQueue::Step step);
+  void cancel(const HLDueQueue::Key& key);
   void armAlarm() HL_REQUIRES(mutex_);
-  [[nodiscard]] std::function<void()> takeDue();
+  [[nodiscard]] HLDueQueue::Step takeDue();
   void wake();
 
   int poll_;   // the sources and the two below
-  int waker_;  // readable when something has been posted
-  int alarm_;  // readable when something of due_ is due
+  int waker_;  // readable once after a source was added
+  int alarm_;  // readable when a step is due
   std::map<int, Source> sources_;
   int nextNumber_ = 0;
 
   HLMutex mutex_;
-  std::deque<std::function<void()>> posted_ HL_GUARDED_BY(mutex_);
-  std::map<DueKey, std::function<void()>> due_ HL_GUARDED_BY(mutex_);
-  std::int64_t dueNumber_ HL_GUARDED_BY(mutex_) = 0;
+  HLDueQueue due_ HL_GUARDED_BY(mutex_);
   std::unique_ptr<HLOperationQueue> global_ HL_GUARDED_BY(mutex_);  // made when first needed
 };

@@ -7,13 +7,13 @@
 #include <memory>
 #include <thread>
 
-#include "platform/sim/scene/scene.h"
+#include "platform/due_queue.h"
 #include "platform/thread_safety.h"
 
-// The world's side of time. The clock calls both with its mutex held.
-struct HLSimWorldTime {
-  std::function<HLSimMoment()> nextDue;
-  std::function<void(HLSimMoment)> advanceTo;
+// The events that the world has scheduled. The clock calls both with its mutex held.
+struct HLSimEvents {
+  std::function<HLMicroseconds()> nextDue;
+  std::function<void(HLMicroseconds)> advanceTo;
 };
 
 // A condition that one thread at a time waits for, with a deadline. The clock's mutex guards it.
@@ -39,17 +39,17 @@ class HL_CAPABILITY("clock") HLSimClock : public HLMutex {
     HLMutex::lock();
     catchUp();
   }
-  [[nodiscard]] virtual HLSimMoment now() const HL_REQUIRES(this) = 0;
+  [[nodiscard]] virtual HLMicroseconds now() const HL_REQUIRES(this) = 0;
 
   // These release the mutex while they wait.
-  virtual void sleepUntil(HLSimMoment moment) HL_REQUIRES(this) = 0;
-  // Waits until the signal is given or the moment has come, and resets the signal.
-  virtual void waitFor(HLSimSignal& signal, HLSimMoment moment) HL_REQUIRES(this) = 0;
+  virtual void sleepUntil(HLMicroseconds time) HL_REQUIRES(this) = 0;
+  // Waits for the signal, and consumes it, but no longer than until `time`.
+  virtual void waitFor(HLSimSignal& signal, HLMicroseconds time) HL_REQUIRES(this) = 0;
   // Lets the other threads that can run go first.
   virtual void yield() HL_REQUIRES(this) = 0;
 
   virtual void give(HLSimSignal& signal) HL_REQUIRES(this) = 0;
-  // The world may have something new due.
+  // To be called when the world may have scheduled an earlier event.
   virtual void dueChanged() HL_REQUIRES(this) = 0;
 
   // Starts a thread that may call all of this, with the mutex held. `work` must outlive the thread.
@@ -62,5 +62,5 @@ class HL_CAPABILITY("clock") HLSimClock : public HLMutex {
 using HLSimLock = HLLock<HLSimClock>;
 
 // The calling thread is the main thread and runs first.
-[[nodiscard]] std::unique_ptr<HLSimClock> HLMakeVirtualClock(HLSimWorldTime world);
-[[nodiscard]] std::unique_ptr<HLSimClock> HLMakeRealClock(HLSimWorldTime world);
+[[nodiscard]] std::unique_ptr<HLSimClock> HLMakeVirtualClock(HLSimEvents events);
+[[nodiscard]] std::unique_ptr<HLSimClock> HLMakeRealClock(HLSimEvents events);

@@ -1,31 +1,26 @@
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include "platform/sim/desktop/clock.h"
 
 namespace {
 
-using Steady = std::chrono::steady_clock;
-
-// Brings the world up to date only when a thread takes the mutex: no thread can tell the difference.
+// Applies the world's events that are due whenever a thread takes the mutex: no thread can see the world without it.
 class RealClock : public HLSimClock {
  public:
-  explicit RealClock(HLSimWorldTime world) : world_(std::move(world)) {}
+  explicit RealClock(HLSimEvents events) : events_(std::move(events)) {}
 
-  HLSimMoment now() const override HL_REQUIRES(this) {
-    return std::chrono::duration_cast<std::chrono::microseconds>(Steady::now() - start_).count();
-  }
+  HLMicroseconds now() const override HL_REQUIRES(this) { return HLSteadyNow() - start_; }
 
-  void sleepUntil(HLSimMoment moment) override HL_REQUIRES(this) {
+  void sleepUntil(HLMicroseconds moment) override HL_REQUIRES(this) {
     unlock();
-    std::this_thread::sleep_until(timeOf(moment));
+    std::this_thread::sleep_until(steadyTime(moment));
     lock();
   }
 
-  void waitFor(HLSimSignal& signal, HLSimMoment moment) override HL_REQUIRES(this) {
+  void waitFor(HLSimSignal& signal, HLMicroseconds moment) override HL_REQUIRES(this) {
     while (!signal.given && now() < moment) {
-      changed_.waitUntil(*this, timeOf(std::min(moment, world_.nextDue())));
+      changed_.waitUntil(*this, steadyTime(std::min(moment, events_.nextDue())));
       catchUp();
     }
     signal.given = false;
@@ -48,20 +43,19 @@ class RealClock : public HLSimClock {
   }
 
  private:
-  void catchUp() override HL_REQUIRES(this) { world_.advanceTo(now()); }
+  void catchUp() override HL_REQUIRES(this) { events_.advanceTo(now()); }
 
-  [[nodiscard]] Steady::time_point timeOf(HLSimMoment moment) const {
-    constexpr HLSimMoment kYears = 1'000'000'000'000'000;  // about thirty; steady_clock counts 292 in nanoseconds
-    return start_ + std::chrono::microseconds(std::min(moment, kYears));
+  [[nodiscard]] std::chrono::steady_clock::time_point steadyTime(HLMicroseconds time) const {
+    return HLSteadyTime(start_ + std::min(time, HLNever - start_));
   }
 
-  const HLSimWorldTime world_;
+  const HLSimEvents events_;
   HLCondition changed_;
-  const Steady::time_point start_ = Steady::now();
+  const HLMicroseconds start_ = HLSteadyNow();
 };
 
 }  // namespace
 
-std::unique_ptr<HLSimClock> HLMakeRealClock(HLSimWorldTime world) {
-  return std::make_unique<RealClock>(std::move(world));
+std::unique_ptr<HLSimClock> HLMakeRealClock(HLSimEvents events) {
+  return std::make_unique<RealClock>(std::move(events));
 }

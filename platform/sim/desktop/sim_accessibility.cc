@@ -28,7 +28,7 @@ class Element : public HLElement {
 
   HLAXError performAction(std::string_view action) const override {
     const HLSimLock lock(*desktop_.clock);
-    const HLSimMoment now = desktop_.clock->now();
+    const HLMicroseconds now = desktop_.clock->now();
     const HLSimWorld::Answer answer = desktop_.world->perform(node_, action, now);
     desktop_.clock->dueChanged();
     if (answer.at > now) desktop_.clock->sleepUntil(answer.at);

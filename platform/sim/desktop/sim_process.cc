@@ -27,9 +27,10 @@ std::optional<HLRunningApplication> HLSimRunningApplications::find(std::int32_t 
 
 void HLSimRunningApplications::observeLaunches(std::function<void(const HLRunningApplication&)> observer) {
   const HLSimLock lock(*desktop_.clock);
-  desktop_.world->observeLaunches([this, observer = std::move(observer)](const HLRunningApplication& application) {
-    runLoop_.post([observer, application] { observer(application); });
-  });
+  desktop_.world->observeLaunches(
+      [this, observer = std::move(observer)](const HLRunningApplication& application, HLMicroseconds now) {
+        runLoop_.post(now, [observer, application] { observer(application); });
+      });
 }
 
 HLSignalOutcome HLSimRunningApplications::sendSignal(std::int32_t pid, int signal) {

@@ -31,7 +31,7 @@ class OperationQueue : public HLOperationQueue {
 
   void waitUntilAllOperationsAreFinished() override {
     const HLSimLock lock(*desktop_.clock);
-    while (workers_ > 0) desktop_.clock->waitFor(idle_, HLSimNever);
+    while (workers_ > 0) desktop_.clock->waitFor(idle_, HLNever);
   }
 
  private:
@@ -72,7 +72,7 @@ class Semaphore : public HLSemaphore {
 
   bool wait(double seconds) override {
     const HLSimLock lock(*desktop_.clock);
-    const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
+    const HLMicroseconds end = HLTimeAfter(desktop_.clock->now(), seconds);
     while (count_ == 0 && desktop_.clock->now() < end) desktop_.clock->waitFor(given_, end);
     if (count_ == 0) return false;
     --count_;
@@ -101,15 +101,17 @@ double HLSimRunLoop::now() {
 void HLSimRunLoop::sleep(double seconds) {
   if (!(seconds > 0)) return;
   const HLSimLock lock(*desktop_.clock);
-  desktop_.clock->sleepUntil(desktop_.clock->now() + HLSimMomentFromSeconds(seconds));
+  desktop_.clock->sleepUntil(HLTimeAfter(desktop_.clock->now(), seconds));
 }
 
-// The main thread's own dues
+// The main thread's steps
 
 class HLSimRunLoop::Timer : public HLTimer {
  public:
   Timer(HLSimRunLoop& loop, double interval, std::function<void()> action)
-      : loop_(loop), interval_(std::max<HLSimMoment>(HLSimMomentFromSeconds(interval), 1)), action_(std::move(action)) {
+      : loop_(loop),
+        interval_(std::max<HLMicroseconds>(HLMicrosecondsFromSeconds(interval), 1)),
+        action_(std::move(action)) {
     const HLSimLock lock(*loop_.desktop_.clock);
     ++loop_.timers_;
     scheduleAfter(loop_.desktop_.clock->now());
@@ -117,38 +119,38 @@ class HLSimRunLoop::Timer : public HLTimer {
   ~Timer() override {
     const HLSimLock lock(*loop_.desktop_.clock);
     --loop_.timers_;
-    loop_.due_.erase(key_);
+    loop_.due_.cancel(key_);
   }
 
  private:
-  // Turns that have been missed are not made up for.
-  void scheduleAfter(HLSimMoment last) HL_REQUIRES(loop_.desktop_.clock) {
-    HLSimMoment next = last + interval_;
-    const HLSimMoment now = loop_.desktop_.clock->now();
-    if (next <= now) next += (now - next) / interval_ * interval_ + interval_;
-    key_ = loop_.schedule(next, [this] { fire(); });
+  void scheduleAfter(HLMicroseconds due) HL_REQUIRES(loop_.desktop_.clock) {
+    key_ = loop_.schedule(HLNextTick(due, interval_, loop_.desktop_.clock->now()), [this] { fire(); });
   }
 
   void fire() {
     {
       const HLSimLock lock(*loop_.desktop_.clock);
-      scheduleAfter(key_.first);
+      scheduleAfter(key_.time);
     }
-    const std::function<void()> action = action_;  // it may end the timer
+    const std::function<void()> action = action_;  // the action may destroy the timer
     action();
   }
 
   HLSimRunLoop& loop_;
-  const HLSimMoment interval_;
+  const HLMicroseconds interval_;
   const std::function<void()> action_;
-  DueKey key_;
+  HLDueQueue::Key key_;
 };
 
-HLSimRunLoop::DueKey HLSimRunLoop::schedule(HLSimMoment moment, std::function<void()> action) {
-  const DueKey key = {moment, dueNumber_++};
-  due_.emplace(key, std::move(action));
-  desktop_.clock->give(posted_);
-  return key;
+void HLSimRunLoop::post(HLMicroseconds time, HLDueQueue::Step step) {
+  desktop_.clock->assertHeld();
+  posted_.schedule(time, std::move(step));
+  desktop_.clock->give(changed_);
+}
+
+HLDueQueue::Key HLSimRunLoop::schedule(HLMicroseconds time, HLDueQueue::Step step) {
+  desktop_.clock->give(changed_);
+  return due_.schedule(time, std::move(step));
 }
 
 std::unique_ptr<HLTimer> HLSimRunLoop::scheduleTimer(double interval, std::function<void()> action) {
@@ -157,24 +159,21 @@ std::unique_ptr<HLTimer> HLSimRunLoop::scheduleTimer(double interval, std::funct
 
 void HLSimRunLoop::postToMainQueue(std::function<void()> step) {
   const HLSimLock lock(*desktop_.clock);
-  post(std::move(step));
+  post(desktop_.clock->now(), std::move(step));
 }
 
 void HLSimRunLoop::postToMainQueueAfter(double seconds, std::function<void()> step) {
   const HLSimLock lock(*desktop_.clock);
-  (void)schedule(desktop_.clock->now() + HLSimMomentFromSeconds(std::max(seconds, 0.0)), std::move(step));
+  schedule(HLTimeAfter(desktop_.clock->now(), seconds), std::move(step));
 }
 
 // Running
 
-bool HLSimRunLoop::runNext() {
-  std::function<void()> next;
-  if (!deliveries_.empty()) {
-    next = std::move(deliveries_.front());
-    deliveries_.pop_front();
-  } else if (!due_.empty() && due_.begin()->first.first <= desktop_.clock->now()) {
-    next = std::move(due_.extract(due_.begin()).mapped());
-  } else {
+bool HLSimRunLoop::runNext(HLMicroseconds limit) {
+  limit = std::min(limit, desktop_.clock->now());
+  HLDueQueue::Step next = posted_.take(limit);
+  if (!next) next = due_.take(limit);
+  if (!next) {
     if (std::exchange(desktop_.promptPending, false)) desktop_.world->setTrusted(true);
     return false;
   }
@@ -187,38 +186,36 @@ bool HLSimRunLoop::runNext() {
 
 void HLSimRunLoop::runFor(double seconds) {
   const HLSimLock lock(*desktop_.clock);
-  const HLSimMoment end = desktop_.clock->now() + (seconds > 0 ? HLSimMomentFromSeconds(seconds) : 0);
+  const HLMicroseconds end = HLTimeAfter(desktop_.clock->now(), seconds);
   for (;;) {
-    while (runNext()) {
+    while (runNext(end)) {
     }
-    const HLSimMoment now = desktop_.clock->now();
-    if (now >= end && desktop_.world->nextDue() > now) return;
-    const HLSimMoment next = due_.empty() ? HLSimNever : due_.begin()->first.first;
-    desktop_.clock->waitFor(posted_, std::max(now, std::min(next, end)));
+    const HLMicroseconds now = desktop_.clock->now();
+    if (now >= end && desktop_.world->nextDue() > end) return;
+    desktop_.clock->waitFor(changed_, std::max(now, std::min(due_.next(), end)));
   }
 }
 
 void HLSimRunLoop::runEventLoop() {
   const HLSimLock lock(*desktop_.clock);
   while (!stopped_) {
-    if (runNext()) continue;
+    if (runNext(HLNever)) continue;
     if (onlyTimersAreDue()) return;
-    // What happens on the desktop may leave nothing due.
-    const HLSimMoment own = due_.empty() ? HLSimNever : due_.begin()->first.first;
-    desktop_.clock->waitFor(posted_, std::min(own, desktop_.world->nextDue()));
+    // Also wakes for the scene's events: after one, nothing may be due any more.
+    desktop_.clock->waitFor(changed_, std::min(due_.next(), desktop_.world->nextDue()));
   }
 }
 
 void HLSimRunLoop::forgetSteps() {
-  std::deque<std::function<void()>> deliveries;
-  std::map<DueKey, std::function<void()>> due;
+  HLDueQueue posted;  // both are destroyed after the lock is released
+  HLDueQueue due;
   const HLSimLock lock(*desktop_.clock);
-  deliveries.swap(deliveries_);
-  due.swap(due_);
+  std::swap(posted, posted_);
+  std::swap(due, due_);
 }
 
 bool HLSimRunLoop::onlyTimersAreDue() const {
-  return due_.size() == timers_ && working_ == 0 && desktop_.world->nextDue() == HLSimNever;
+  return due_.size() == timers_ && working_ == 0 && desktop_.world->nextDue() == HLNever;
 }
 
 // Queues
@@ -240,7 +237,7 @@ void HLSimRunLoop::perform(std::function<void()> work) {
   desktop_.clock->lock();
   --working_;
   desktop_.clock->give(idle_);
-  desktop_.clock->give(posted_);
+  desktop_.clock->give(changed_);
 }
 
 bool HLSimRunLoop::isWorking() {
@@ -251,19 +248,13 @@ bool HLSimRunLoop::isWorking() {
 void HLSimRunLoop::finishGlobalQueue() {
   {
     const HLSimLock lock(*desktop_.clock);
-    while (working_ > 0) desktop_.clock->waitFor(idle_, HLSimNever);
+    while (working_ > 0) desktop_.clock->waitFor(idle_, HLNever);
   }
   for (std::thread& thread : threads_) thread.join();
   threads_.clear();
 }
 
 HLSimRunLoop::~HLSimRunLoop() { finishGlobalQueue(); }
-
-void HLSimRunLoop::post(std::function<void()> delivery) {
-  desktop_.clock->assertHeld();
-  deliveries_.push_back(std::move(delivery));
-  desktop_.clock->give(posted_);
-}
 
 std::unique_ptr<HLOperationQueue> HLSimRunLoop::makeOperationQueue(const std::string&, HLQualityOfService,
                                                                    int maxConcurrentOperations) {

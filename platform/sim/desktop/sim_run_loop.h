@@ -4,13 +4,12 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
+#include "platform/due_queue.h"
 #include "platform/run_loop.h"
 #include "platform/sim/desktop/desktop.h"
 
@@ -43,26 +42,24 @@ class HLSimRunLoop : public HLRunLoop {
   void forgetSteps();
   [[nodiscard]] std::size_t timers() const { return timers_; }
 
-  // Has this run on the main thread, when its loop runs. With the lock held.
-  void post(std::function<void()> delivery);
+  // Queues `step` for the main run loop. `time`, now or earlier, is when its cause was due. With the lock held.
+  void post(HLMicroseconds time, HLDueQueue::Step step);
 
  private:
   class Timer;
-  // The order of one moment is that in which it was asked for.
-  using DueKey = std::pair<HLSimMoment, std::int64_t>;
 
-  DueKey schedule(HLSimMoment moment, std::function<void()> action) HL_REQUIRES(desktop_.clock);
-  // Runs the next step that is due. Returns false if none is: the loop is idle.
-  bool runNext() HL_REQUIRES(desktop_.clock);
+  HLDueQueue::Key schedule(HLMicroseconds time, HLDueQueue::Step step) HL_REQUIRES(desktop_.clock);
+  // Runs the next step that is due by now and by `limit`. False if there is none: the loop is idle.
+  bool runNext(HLMicroseconds limit) HL_REQUIRES(desktop_.clock);
   void perform(std::function<void()> work) HL_REQUIRES(desktop_.clock);
   [[nodiscard]] bool onlyTimersAreDue() const HL_REQUIRES(desktop_.clock);
 
   HLSimDesktop& desktop_;
   double start_;  // the wall clock at the desktop's beginning
-  std::deque<std::function<void()>> deliveries_ HL_GUARDED_BY(desktop_.clock);
-  std::map<DueKey, std::function<void()>> due_ HL_GUARDED_BY(desktop_.clock);  // repeating timers included
-  std::int64_t dueNumber_ HL_GUARDED_BY(desktop_.clock) = 0;
-  HLSimSignal posted_ HL_GUARDED_BY(desktop_.clock);
+  // Runs before due_, so that what the scene has due precedes the program's own steps.
+  HLDueQueue posted_ HL_GUARDED_BY(desktop_.clock);
+  HLDueQueue due_ HL_GUARDED_BY(desktop_.clock);       // delayed steps and repeating timers
+  HLSimSignal changed_ HL_GUARDED_BY(desktop_.clock);  // given when a step is queued
   std::size_t working_ HL_GUARDED_BY(desktop_.clock) = 0;
   HLSimSignal idle_ HL_GUARDED_BY(desktop_.clock);
   // The main thread's.

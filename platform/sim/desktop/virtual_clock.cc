@@ -13,26 +13,26 @@ namespace {
 struct Thread {
   HLCondition turn;
   bool running = false;
-  HLSimMoment due = HLSimNever;  // while it sleeps
+  HLMicroseconds due = HLNever;  // while it sleeps
   HLSimSignal* signal = nullptr;
   HLSimWork* work = nullptr;
 };
 
 class VirtualClock : public HLSimClock {
  public:
-  explicit VirtualClock(HLSimWorldTime world) : world_(std::move(world)) {
+  explicit VirtualClock(HLSimEvents events) : events_(std::move(events)) {
     main_.running = true;
     threads_[std::this_thread::get_id()] = &main_;
   }
 
-  HLSimMoment now() const override HL_REQUIRES(this) { return now_; }
+  HLMicroseconds now() const override HL_REQUIRES(this) { return now_; }
 
-  void sleepUntil(HLSimMoment moment) override HL_REQUIRES(this) {
+  void sleepUntil(HLMicroseconds moment) override HL_REQUIRES(this) {
     const Turn turn(*this);
     sleep(turn.thread(), moment);
   }
 
-  void waitFor(HLSimSignal& signal, HLSimMoment moment) override HL_REQUIRES(this) {
+  void waitFor(HLSimSignal& signal, HLMicroseconds moment) override HL_REQUIRES(this) {
     const Turn turn(*this);
     if (!signal.given) {
       turn.thread().signal = &signal;
@@ -102,7 +102,7 @@ class VirtualClock : public HLSimClock {
     return found == threads_.end() ? nullptr : found->second;
   }
 
-  void sleep(Thread& thread, HLSimMoment moment) HL_REQUIRES(this) {
+  void sleep(Thread& thread, HLMicroseconds moment) HL_REQUIRES(this) {
     thread.due = std::max(moment, now_);
     sleepers_.push_back(&thread);
     giveUpTurn(thread);
@@ -128,14 +128,14 @@ class VirtualClock : public HLSimClock {
 
   // Advances to the next moment at which something is due; the world's events come before the sleepers.
   void jump() HL_REQUIRES(this) {
-    HLSimMoment moment = world_.nextDue();
+    HLMicroseconds moment = events_.nextDue();
     for (const Thread* sleeper : sleepers_) moment = std::min(moment, sleeper->due);
-    if (moment == HLSimNever) {
+    if (moment == HLNever) {
       std::fputs("simulator: every thread waits for another one\n", stderr);
       std::abort();
     }
     now_ = std::max(now_, moment);
-    world_.advanceTo(now_);
+    events_.advanceTo(now_);
     wakeSleepers();
   }
 
@@ -166,8 +166,8 @@ class VirtualClock : public HLSimClock {
     }
   }
 
-  const HLSimWorldTime world_;
-  HLSimMoment now_ HL_GUARDED_BY(this) = 0;
+  const HLSimEvents events_;
+  HLMicroseconds now_ HL_GUARDED_BY(this) = 0;
   Thread main_ HL_GUARDED_BY(this);
   std::map<std::thread::id, Thread*> threads_ HL_GUARDED_BY(this);
   std::deque<Thread*> ready_ HL_GUARDED_BY(this);      // in the order in which they became able to run
@@ -176,6 +176,6 @@ class VirtualClock : public HLSimClock {
 
 }  // namespace
 
-std::unique_ptr<HLSimClock> HLMakeVirtualClock(HLSimWorldTime world) {
-  return std::make_unique<VirtualClock>(std::move(world));
+std::unique_ptr<HLSimClock> HLMakeVirtualClock(HLSimEvents events) {
+  return std::make_unique<VirtualClock>(std::move(events));
 }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kWindows = "AXWindows";
 constexpr std::array<std::string_view, 3> kLists = {"AXChildren", "AXRows", "AXVisibleChildren"};
-constexpr HLSimMoment kCloseDelay = 50'000;
+constexpr double kCloseDelay = 0.05;  // seconds
 
 using Items = std::vector<HLSimItem>;
 
@@ -85,9 +85,9 @@ HLSimWorld::HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deli
       userEvent_(std::move(userEvent)),
       trusted_(scene.trusted),
       newest_(scene.ids.size(), nullptr) {
-  for (const HLSceneApplication* application : scene.applications) launch(*application);
+  for (const HLSceneApplication* application : scene.applications) launch(*application, 0);
   for (const HLSceneTimelineEvent& entry : scene.timeline) {
-    schedule(entry.at, [this, &entry](HLSimMoment now) { apply(entry.event, now); });
+    due_.schedule(entry.at, [this, &entry] { apply(entry.event, entry.at); });
   }
   advanceTo(0);
 }
@@ -96,34 +96,27 @@ HLSimWorld::~HLSimWorld() = default;
 
 // Time
 
-void HLSimWorld::schedule(HLSimMoment moment, Happening happening) {
-  due_.emplace(Due{moment, dueNumber_++}, std::move(happening));
+void HLSimWorld::advanceTo(HLMicroseconds now) {
+  while (const HLDueQueue::Step event = due_.take(now)) event();
 }
 
-void HLSimWorld::advanceTo(HLSimMoment now) {
-  while (nextDue() <= now) {
-    auto next = due_.extract(due_.begin());
-    next.mapped()(next.key().moment);
-  }
-}
-
-void HLSimWorld::apply(const HLSceneEvent& event, HLSimMoment now) {
+void HLSimWorld::apply(const HLSceneEvent& event, HLMicroseconds now) {
   if (const auto* addition = std::get_if<HLSceneAdd>(&event)) add(*addition);
   if (const auto* removal = std::get_if<HLSceneRemove>(&event)) remove(removal->element);
   if (const auto* change = std::get_if<HLSceneSet>(&event)) set(*change);
   if (const auto* change = std::get_if<HLSceneSetActions>(&event)) {
     if (HLSimNode* node = living(change->element)) node->actions = change->actions;
   }
-  if (const auto* notification = std::get_if<HLSceneNotify>(&event)) notify(*notification);
-  if (const auto* start = std::get_if<HLSceneLaunch>(&event)) launch(*start->application);
+  if (const auto* notification = std::get_if<HLSceneNotify>(&event)) notify(*notification, now);
+  if (const auto* start = std::get_if<HLSceneLaunch>(&event)) launch(*start->application, now);
   if (const auto* quit = std::get_if<HLSceneQuit>(&event)) kill(applicationWithPid(quit->pid), now);
   if (const auto* trust = std::get_if<HLSceneTrust>(&event)) trusted_ = trust->trusted;
-  if (const auto* user = std::get_if<HLSceneUserEvent>(&event)) userEvent_(*user);
+  if (const auto* user = std::get_if<HLSceneUserEvent>(&event)) userEvent_(*user, now);
 }
 
 // Applications
 
-void HLSimWorld::launch(const HLSceneApplication& application) {
+void HLSimWorld::launch(const HLSceneApplication& application, HLMicroseconds now) {
   HLSimApplication& made = processes_.emplace_back();
   made.origin = &application;
   made.record = {application.pid, application.bundleIdentifier, application.name, application.terminated};
@@ -133,25 +126,24 @@ void HLSimWorld::launch(const HLSceneApplication& application) {
   }
   fillNewNodes();
   listed_.push_back(&made);
-  for (const LaunchObserver& observer : launchObservers_) observer(made.record);
+  for (const LaunchObserver& observer : launchObservers_) observer(made.record, now);
 }
 
 void HLSimWorld::observeLaunches(LaunchObserver observer) { launchObservers_.push_back(std::move(observer)); }
 
-void HLSimWorld::kill(HLSimApplication& application, HLSimMoment now) {
+void HLSimWorld::kill(HLSimApplication& application, HLMicroseconds now) {
   if (application.record.terminated) return;
   application.record.terminated = true;
   const HLSceneApplication& origin = *application.origin;
-  const HLSimMoment lingers = HLSimMomentFromSeconds(origin.lingers);
-  const auto leave = [this, &application](HLSimMoment) { std::erase(listed_, &application); };
-  if (lingers > 0) {
-    schedule(now + lingers, leave);
+  const auto leave = [this, &application] { std::erase(listed_, &application); };
+  if (const HLMicroseconds end = HLTimeAfter(now, origin.lingers); end > now) {
+    due_.schedule(end, leave);
   } else {
-    leave(now);
+    leave();
   }
   if (origin.relaunch) {
-    schedule(now + HLSimMomentFromSeconds(origin.relaunch->after),
-             [this, next = origin.relaunch->application](HLSimMoment) { launch(*next); });
+    const HLMicroseconds start = HLTimeAfter(now, origin.relaunch->after);
+    due_.schedule(start, [this, start, next = origin.relaunch->application] { launch(*next, start); });
   }
 }
 
@@ -184,7 +176,7 @@ HLSimApplication& HLSimWorld::applicationWithPid(std::int32_t pid) {
   return stranger;
 }
 
-void HLSimWorld::sendSignal(std::int32_t pid, int signal, HLSimMoment now) {
+void HLSimWorld::sendSignal(std::int32_t pid, int signal, HLMicroseconds now) {
   HLSimApplication& application = applicationWithPid(pid);
   if (application.record.terminated) return;
   if (signal == SIGKILL || (signal == SIGTERM && !application.origin->ignoresTerminate)) kill(application, now);
@@ -378,7 +370,7 @@ bool HLSimWorld::closesBy(const HLSimNode& node, std::string_view action) const 
   return action == "AXPress" && std::none_of(node.actions.begin(), node.actions.end(), namesDismissal);
 }
 
-HLSimWorld::Answer HLSimWorld::perform(const HLSimNode& node, std::string_view action, HLSimMoment now) {
+HLSimWorld::Answer HLSimWorld::perform(const HLSimNode& node, std::string_view action, HLMicroseconds now) {
   Answer answer{HLAXErrorSuccess, now};
   const HLSceneReaction* reaction = nullptr;
   if (!trusted_) {
@@ -389,13 +381,13 @@ HLSimWorld::Answer HLSimWorld::perform(const HLSimNode& node, std::string_view a
     answer.code = HLAXErrorActionUnsupported;
   } else if ((reaction = reactionOf(node, action)) != nullptr) {
     answer.code = reaction->error;
-    answer.at = now + HLSimMomentFromSeconds(reaction->seconds);
-    const HLSimMoment effects = now + HLSimMomentFromSeconds(reaction->seconds + reaction->after);
-    schedule(effects, [this, reaction](HLSimMoment moment) {
-      for (const HLSceneEvent& event : reaction->effects) apply(event, moment);
+    answer.at = HLTimeAfter(now, reaction->seconds);
+    const HLMicroseconds start = HLTimeAfter(now, reaction->seconds + reaction->after);
+    due_.schedule(start, [this, start, reaction] {
+      for (const HLSceneEvent& event : reaction->effects) apply(event, start);
     });
   } else if (closesBy(node, action)) {
-    schedule(now + kCloseDelay, [this, id = *node.origin->closes](HLSimMoment) { remove(id); });
+    due_.schedule(HLTimeAfter(now, kCloseDelay), [this, id = *node.origin->closes] { remove(id); });
   }
   std::optional<std::string> id;
   if (node.origin != nullptr && node.origin->id) id = scene_.ids[static_cast<std::size_t>(*node.origin->id)];
@@ -427,7 +419,7 @@ std::vector<std::shared_ptr<const HLSimRegistrations>> HLSimWorld::observers() c
   return alive;
 }
 
-void HLSimWorld::notify(const HLSceneNotify& event) {
+void HLSimWorld::notify(const HLSceneNotify& event, HLMicroseconds now) {
   HLSimNode* node = newest_[static_cast<std::size_t>(event.element)];
   if (!trusted_ || node == nullptr) return;
   std::erase_if(observers_, [](const auto& observer) { return observer.expired(); });
@@ -439,6 +431,6 @@ void HLSimWorld::notify(const HLSceneNotify& event) {
       return registered.first == event.notification &&
              std::find(path.begin(), path.end(), registered.second) != path.end();
     });
-    if (asked) deliver_(observer, handle(*node), event.notification);
+    if (asked) deliver_(observer, handle(*node), event.notification, now);
   }
 }

@@ -1,11 +1,10 @@
-// The living desktop: what there is now, and what is still to happen. It knows no threads and no clock: whoever owns it
-// lets one caller in at a time and says how late it is.
+// Live state and pending events of the simulated desktop. No threads or clock: the owner serializes calls and passes
+// the time.
 #pragma once
 
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "platform/accessibility.h"
+#include "platform/due_queue.h"
 #include "platform/running_applications.h"
 #include "platform/sim/desktop/simulation.h"
 #include "platform/sim/scene/scene.h"
@@ -57,20 +57,22 @@ struct HLSimRegistrations {
 class HLSimWorld {
  public:
   using MakeHandle = std::function<HLElementRef(HLSimNode&)>;
-  using Deliver =
-      std::function<void(const std::shared_ptr<HLSimRegistrations>&, HLElementRef element, const std::string& name)>;
-  using UserEvent = std::function<void(const HLSceneUserEvent&)>;
-  using LaunchObserver = std::function<void(const HLRunningApplication&)>;
+  using Deliver = std::function<void(const std::shared_ptr<HLSimRegistrations>&, HLElementRef element,
+                                     const std::string& name, HLMicroseconds now)>;
+  using UserEvent = std::function<void(const HLSceneUserEvent&, HLMicroseconds now)>;
+  using LaunchObserver = std::function<void(const HLRunningApplication&, HLMicroseconds now)>;
 
-  // What the timeline has at 0 has then happened. What a user does to the program's own interface is handed on.
+  // Applies the timeline's events at 0. Passes user events to `userEvent`. Callbacks get the time at which they are
+  // due.
   HLSimWorld(const HLScene& scene, MakeHandle makeHandle, Deliver deliver, UserEvent userEvent);
   HLSimWorld(const HLSimWorld&) = delete;
   HLSimWorld& operator=(const HLSimWorld&) = delete;
   ~HLSimWorld();
 
   // Time.
-  [[nodiscard]] HLSimMoment nextDue() const { return due_.empty() ? HLSimNever : due_.begin()->first.moment; }
-  void advanceTo(HLSimMoment now);
+  [[nodiscard]] HLMicroseconds nextDue() const { return due_.next(); }
+  // Applies the events due by `now`, in order.
+  void advanceTo(HLMicroseconds now);
 
   // Trust.
   [[nodiscard]] bool isTrusted() const { return trusted_; }
@@ -81,7 +83,7 @@ class HLSimWorld {
   // The living one of several with one pid; any process can be asked for.
   [[nodiscard]] HLSimApplication& applicationWithPid(std::int32_t pid);
   [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) const;
-  void sendSignal(std::int32_t pid, int signal, HLSimMoment now);
+  void sendSignal(std::int32_t pid, int signal, HLMicroseconds now);
   void observeLaunches(LaunchObserver observer);
   [[nodiscard]] std::vector<LaunchObserver> takeLaunchObservers() { return std::exchange(launchObservers_, {}); }
 
@@ -91,9 +93,9 @@ class HLSimWorld {
   [[nodiscard]] HLActionList actionNames(const HLSimNode& node) const;
   struct Answer {
     HLAXError code = HLAXErrorSuccess;
-    HLSimMoment at = 0;  // when the call returns
+    HLMicroseconds at = 0;  // when the call returns
   };
-  [[nodiscard]] Answer perform(const HLSimNode& node, std::string_view action, HLSimMoment now);
+  [[nodiscard]] Answer perform(const HLSimNode& node, std::string_view action, HLMicroseconds now);
   [[nodiscard]] bool isGone(const HLSimNode& node) const;
 
   // Observers.
@@ -112,22 +114,14 @@ class HLSimWorld {
   [[nodiscard]] std::vector<HLSimNode*> members(const HLSimNode& node) const;
 
  private:
-  struct Due {
-    HLSimMoment moment = 0;
-    std::int64_t number = 0;  // the order of one moment: the timeline has the first ones
-    auto operator<=>(const Due&) const = default;
-  };
-  using Happening = std::function<void(HLSimMoment)>;
-
-  void schedule(HLSimMoment moment, Happening happening);
-  void apply(const HLSceneEvent& event, HLSimMoment now);
+  void apply(const HLSceneEvent& event, HLMicroseconds now);
   void add(const HLSceneAdd& event);
   void remove(HLSceneId id);
   void removeTree(HLSimNode& node);
   void set(const HLSceneSet& event);
-  void notify(const HLSceneNotify& event);
-  void launch(const HLSceneApplication& application);
-  void kill(HLSimApplication& application, HLSimMoment now);
+  void notify(const HLSceneNotify& event, HLMicroseconds now);
+  void launch(const HLSceneApplication& application, HLMicroseconds now);
+  void kill(HLSimApplication& application, HLMicroseconds now);
 
   [[nodiscard]] HLSimNode* living(HLSceneId id);
   [[nodiscard]] HLSimItem itemFrom(const HLSceneValue& value, HLSimApplication& application, HLSimNode* owner);
@@ -147,8 +141,7 @@ class HLSimWorld {
   std::vector<HLSimApplication*> listed_;   // in the platform's order
   std::vector<HLSimNode*> newest_;          // by id
   std::vector<HLSimNode*> unfilled_;
-  std::map<Due, Happening> due_;
-  std::int64_t dueNumber_ = 0;
+  HLDueQueue due_;  // the timeline is scheduled first and so precedes effects of the same time
   std::vector<std::weak_ptr<HLSimRegistrations>> observers_;
   std::vector<LaunchObserver> launchObservers_;
   std::vector<HLSimulatedAction> actions_;

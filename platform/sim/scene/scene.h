@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -15,14 +14,8 @@
 #include "platform/application/events.h"
 #include "platform/application/hot_keys.h"
 #include "platform/application/http_client.h"
+#include "platform/due_queue.h"
 #include "platform/value.h"
-
-// Microseconds since the program's start.
-using HLSimMoment = std::int64_t;
-inline constexpr HLSimMoment HLSimNever = std::numeric_limits<HLSimMoment>::max();
-
-// The nearest whole microsecond; clamped to what leaves room for adding moments.
-[[nodiscard]] HLSimMoment HLSimMomentFromSeconds(double seconds);
 
 // An id of the scene: its place in HLScene::ids.
 using HLSceneId = std::int32_t;
@@ -151,7 +144,7 @@ struct HLSceneApplication {
 };
 
 struct HLSceneTimelineEvent {
-  HLSimMoment at = 0;
+  HLMicroseconds at = 0;  // from the program's start
   HLSceneEvent event;
 };
 

@@ -62,7 +62,7 @@ HLSceneTimelineEvent HLSceneBuilder::timelineEvent(const HLSceneSpot& spot) {
   HLSceneTimelineEvent made;
   if (!spot.json->is_object()) source_.fail(spot, "expected an object");
   if (source_.failed()) return made;
-  made.at = HLSimMomentFromSeconds(source_.seconds(source_.require(spot, "at")));
+  made.at = HLTimeAfter(0, source_.seconds(source_.require(spot, "at")));
   made.event = event(spot, true);
   return made;
 }

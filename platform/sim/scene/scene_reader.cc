@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdio>
 #include <set>
 
@@ -80,11 +79,6 @@ std::string HLOneLine(std::string_view text) {
     }
   }
   return line;
-}
-
-HLSimMoment HLSimMomentFromSeconds(double seconds) {
-  constexpr double kMost = 1e17;  // some three thousand years
-  return std::llround(std::clamp(seconds * 1e6, -kMost, kMost));
 }
 
 std::int32_t HLScene::unusedPid(std::int32_t first) const {

@@ -37,7 +37,7 @@ int HLSimMenuBarApplication::run(HLApplicationHandlers handlers) {
   {
     const HLSimLock lock(*desktop_.clock);
     launched_ = true;
-    for (const HLSceneUserEvent* event : std::exchange(waiting_, {})) userEvent(*event);
+    for (const HLSceneUserEvent* event : std::exchange(waiting_, {})) userEvent(*event, desktop_.clock->now());
   }
   runLoop_.runEventLoop();
   // As on a real desktop, nobody waits for threads that are still at work. On the virtual clock they do nothing more:
@@ -51,9 +51,9 @@ std::unique_ptr<HLKeyMonitor> HLSimMenuBarApplication::addKeyMonitor(std::functi
   return std::make_unique<KeyMonitor>(*this, std::move(handler));
 }
 
-void HLSimMenuBarApplication::userEvent(const HLSceneUserEvent& event) {
+void HLSimMenuBarApplication::userEvent(const HLSceneUserEvent& event, HLMicroseconds now) {
   if (!launched_) return waiting_.push_back(&event);
-  runLoop_.post([this, &event] { perform(event); });
+  runLoop_.post(now, [this, &event] { perform(event); });
 }
 
 void HLSimMenuBarApplication::fail(const std::string& what) {

@@ -27,8 +27,9 @@ class HLSimMenuBarApplication : public HLApplication {
   [[nodiscard]] std::optional<HLEvent> currentEvent() override { return currentEvent_; }
   [[nodiscard]] std::unique_ptr<HLKeyMonitor> addKeyMonitor(std::function<void(const HLKeyEvent&)> handler) override;
 
-  // Happens in its turn once the launch has finished; without an application, never. With the desktop's lock held.
-  void userEvent(const HLSceneUserEvent& event);
+  // Queues the event, due at `now`, for the main run loop. Before the launch has finished the event waits for that.
+  // With the desktop's lock held.
+  void userEvent(const HLSceneUserEvent& event, HLMicroseconds now);
 
   // Ends the program with the code 2: the scene asks for something that is not there.
   void fail(const std::string& what);

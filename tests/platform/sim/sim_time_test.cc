@@ -84,6 +84,16 @@ TEST_F(VirtualTime, OfDaysIsOverAtOnce) {
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
 }
 
+TEST_F(VirtualTime, StopsAtTheClocksEnd) {
+  makeDesktop("{}");
+  for (int i = 0; i < 100; ++i) {
+    const double before = desktop_->simulator().elapsed();
+    sleep(1e300);
+    desktop_->runLoop().runFor(1e300);
+    ASSERT_GE(desktop_->simulator().elapsed(), before);
+  }
+}
+
 TEST_F(VirtualTime, IsCountedInWholeMicrosecondsTheNearest) {
   makeDesktop("{}");
   sleep(0.0000014);
@@ -275,6 +285,30 @@ TEST_F(Notified, LateWhenACallbackBeforeTookItsTime) {
   desktop_->runLoop().runFor(3);
   EXPECT_THAT(journal_->entries(), ElementsAre("AXCreated@1000", "AXCreated@6000"));
   EXPECT_EQ(desktop_->simulator().elapsed(), 11);
+}
+
+// The callback at 0.5 lasts until 2.5. The event at 1 was due by the end, the later ones were not.
+TEST_F(Notified, LeavesEventsDueAfterTheEnd) {
+  watch({0.5, 1, 1.000001, 2, 2.5}, R"({"seconds": 2})");
+  onNotified_ = [&] { EXPECT_EQ(desktop_->press("w"), HLAXErrorSuccess); };
+  desktop_->runLoop().runFor(1);
+  EXPECT_THAT(journal_->entries(), ElementsAre("AXCreated@500", "AXCreated@2500"));
+  EXPECT_EQ(desktop_->simulator().elapsed(), 4.5);
+}
+
+TEST_F(Notified, LeavesStepsDueAfterTheEnd) {
+  watch({0.5}, R"({"seconds": 2})");
+  onNotified_ = [&] {
+    desktop_->runLoop().postToMainQueueAfter(0.5, [this] { note("at the end"); });
+    desktop_->runLoop().postToMainQueueAfter(0.6, [this] { note("after the end"); });
+    EXPECT_EQ(desktop_->press("w"), HLAXErrorSuccess);
+    desktop_->runLoop().postToMainQueue([this] { note("posted after the end"); });
+  };
+  desktop_->runLoop().runFor(1);
+  EXPECT_THAT(journal_->entries(), ElementsAre("AXCreated@500", "at the end@2500"));
+  desktop_->runLoop().runFor(0);
+  EXPECT_THAT(journal_->entries(),
+              ElementsAre("AXCreated@500", "at the end@2500", "posted after the end@2500", "after the end@2500"));
 }
 
 // The real clock
