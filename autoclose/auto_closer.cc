@@ -58,7 +58,7 @@ void HLAutoCloser::handleEvent(const HLElement& element) {
   if (HLStringAttribute(element, "AXSubrole") != "AXNotificationCenterAlert") return;
   const std::string description = HLStringAttribute(element, "AXDescription").value_or("");
   if (!HLAlertDescriptionMatchesAutoClose(description, rules_)) return;
-  // An alert is laid out many times while it moves and stays: what it says is acted upon once, whatever comes of it.
+  // An alert is laid out many times while it moves: act on each description once, whether closing succeeds or not.
   if (!handled_.insert(description).second) return;
   if (handled_.size() > kHandledLimit) handled_.clear();
 

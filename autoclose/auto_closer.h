@@ -10,8 +10,8 @@
 #include "autoclose/rules.h"
 #include "platform/accessibility.h"
 
-// Watches one Notification Center process. It does not notice that the process has gone: its owner starts it again when
-// another one is launched. Main thread only.
+// Watches one Notification Center process. Does not notice that the process exits: its owner restarts it when another
+// one is launched. Main thread only.
 class HLAutoCloser {
  public:
   HLAutoCloser() = default;
@@ -28,7 +28,7 @@ class HLAutoCloser {
 
   [[nodiscard]] std::int32_t pid() const { return pid_; }        // 0 when not watching
   [[nodiscard]] std::int64_t closed() const { return closed_; }  // since construction
-  // Descriptions of alerts that have been acted upon; each is acted upon once.
+  // Descriptions of the alerts that it acted on; it acts on each once.
   [[nodiscard]] const std::set<std::string>& handled() const { return handled_; }
 
  private:
@@ -42,6 +42,6 @@ class HLAutoCloser {
   std::set<std::string> handled_;
 };
 
-// Runs an auto-closer with the built-in rule, and that of the environment's "HL_AUTO_CLOSE_TEST_RULE", for so many
-// seconds, and prints how many banners it closed. Returns 1 when it could not start, else 0.
+// Runs an auto-closer for `seconds` with the built-in rule and that of the environment variable
+// "HL_AUTO_CLOSE_TEST_RULE". Prints the number of closed banners. Returns 1 when it cannot start, else 0.
 [[nodiscard]] int HLRunAutoCloseProbe(double seconds, std::ostream& out);

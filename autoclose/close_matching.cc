@@ -17,7 +17,7 @@ namespace {
 constexpr int kPasses = 5;
 constexpr double kPauseSeconds = 0.4;
 
-// How many alerts took the press.
+// Returns the number of accepted presses.
 std::int64_t closeOnce(const HLElement& application, const std::string& text) {
   std::int64_t closed = 0;
   for (const HLDismissTarget& target : HLCurrentTargets(application)) {

@@ -1,9 +1,10 @@
-// Closing, once, every alert that says something.
+// Closes the alerts whose description contains a text.
 #pragma once
 
 #include <iosfwd>
 #include <string>
 
-// Presses every target whose description holds the text in any letter case, in up to five passes 0.4 s apart, and
-// prints how many presses were taken. Returns 1 and prints nothing without a text or a Notification Center, else 0.
+// Presses every target whose description contains the text in any letter case, in up to five passes 0.4 s apart. Prints
+// the number of accepted presses. Returns 1 without printing when the text is empty or Notification Center does not
+// run, else 0.
 [[nodiscard]] int HLCloseMatchingAlerts(const std::string& text, std::ostream& out);

@@ -1,4 +1,4 @@
-// Which banners say that an automation is running, in every language the system speaks.
+// Recognizes the banners of running automations in every language of the system.
 #pragma once
 
 #include <iosfwd>
@@ -16,15 +16,15 @@ struct HLAutoCloseRule {
 
 using HLAutoCloseRuleList = std::vector<HLAutoCloseRule>;
 
-// The text under the key in each language of a localization table, and the fallback. A table that is missing or
-// malformed leaves the fallback alone.
+// Returns the text of the key in each language of a localization table, and the fallback; only the fallback when the
+// table is missing or malformed.
 [[nodiscard]] std::set<std::string> HLLocalizedForms(const std::string& path, std::string_view key,
                                                      std::string_view fallback);
 
-// The built-in rule, whose tables are read once per process, and the test rule if it is "APPLICATION|PHRASE". Any
-// thread.
+// Returns the built-in rule, whose tables are read once per process, and the test rule if it is "APPLICATION|PHRASE".
+// Any thread.
 [[nodiscard]] HLAutoCloseRuleList HLAutoCloseRules(const std::optional<std::string>& testRule);
 
-// Whether the description's part before the first ", " is the name of a rule's application, and the rest holds one of
-// that rule's phrases. Touches no file.
+// Whether the description's application is that of a rule, and the rest of it contains one of that rule's phrases.
+// Reads no file.
 [[nodiscard]] bool HLAlertDescriptionMatchesAutoClose(std::string_view description, const HLAutoCloseRuleList& rules);

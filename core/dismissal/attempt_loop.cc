@@ -20,8 +20,8 @@ std::int64_t signedCount(const std::vector<HLDismissTarget>& targets) {
   return static_cast<std::int64_t>(targets.size());
 }
 
-// What a batch is counted for: the larger of what was seen to vanish and the drop in number. Both are unsigned on
-// purpose: when more is there than before, the drop wraps, is the larger one, and takes the newcomers off the total.
+// Returns the larger of the removed targets and the drop in their number. Unsigned on purpose: if targets increased,
+// before - after wraps, wins max(), and adding it subtracts the net increase from the total.
 std::uint64_t gained(std::int64_t removed, std::size_t before, std::size_t after) {
   return std::max(static_cast<std::uint64_t>(removed), static_cast<std::uint64_t>(before) - after);
 }

@@ -1,4 +1,4 @@
-// Pressing until nothing is left, nothing helps, or the limit is reached.
+// Presses until no target is left, no press helps or the limit of iterations is reached.
 #pragma once
 
 #include <cstdint>
@@ -11,18 +11,18 @@
 
 inline constexpr std::int64_t HLAttemptLimit = 64;
 
-// Blocks until done. maxAlertsPerApp, where given, receives the largest number of alerts of one application at the
-// start.
+// Dismisses what the application shows. Stores in maxAlertsPerApp, unless it is nullptr, the largest number of alerts
+// of one application at the start. Blocks.
 [[nodiscard]] HLDismissResult HLRunDirectDismiss(const HLElement& application, std::int64_t* maxAlertsPerApp = nullptr);
 
-// 0 for no targets.
+// Returns the largest number of alerts of one application, 0 without targets, and logs the number of each.
 [[nodiscard]] std::int64_t HLMaxAlertsPerApp(const std::vector<HLDismissTarget>& targets);
 
-// The part of the alert's description before the first ", ", or all of it.
+// Returns the alert's description up to the first ", ", or all of it; "" without a description or an element.
 [[nodiscard]] std::string HLAlertAppName(const HLDismissTarget& target);
 
 [[nodiscard]] std::vector<HLDismissTarget> HLTargetsExcludingKeys(const std::vector<HLDismissTarget>& targets,
                                                                   const HLKeySet& keys);
 
-// The first six targets, for the log.
+// Describes the first six targets for the log.
 [[nodiscard]] std::string HLTopCandidateSummary(const std::vector<HLDismissTarget>& targets);

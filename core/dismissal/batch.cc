@@ -26,7 +26,7 @@ struct Free {
 template <class T>
 using ZeroedArray = std::unique_ptr<T[], Free>;
 
-// Empty when there is no memory.
+// Returns nullptr when there is no memory.
 template <class T>
 ZeroedArray<T> makeZeroedArray(std::size_t count) {
   return ZeroedArray<T>(static_cast<T*>(std::calloc(std::max<std::size_t>(count, 1), sizeof(T))));
@@ -34,7 +34,7 @@ ZeroedArray<T> makeZeroedArray(std::size_t count) {
 
 std::int64_t milliseconds(double seconds) { return std::llround(seconds * 1000); }
 
-// The targets of a batch with the controls that they resolved to, entry by entry.
+// The targets of a batch, and at the same index the control that each resolved to.
 struct PreparedBatch {
   std::vector<HLDismissTarget> prepared;
   std::vector<HLDismissTarget> resolved;
@@ -49,17 +49,17 @@ PreparedBatch prepare(const std::vector<HLDismissTarget>& eligible) {
     HLDismissTarget control = HLResolvedTarget(target);
     batch.resolutionSeconds += clock.now() - start;
     if (control.element == nullptr) continue;
-    const bool taken =
+    const bool duplicate =
         std::any_of(batch.resolved.begin(), batch.resolved.end(),
                     [&control](const HLDismissTarget& earlier) { return control.element->isEqual(*earlier.element); });
-    if (taken) continue;
+    if (duplicate) continue;
     batch.prepared.push_back(target);
     batch.resolved.push_back(std::move(control));
   }
   return batch;
 }
 
-// Performs every action; the codes and durations (in seconds) have one entry each. Returns the wall time in seconds.
+// Performs every action and stores its code and duration in seconds. Returns the wall time in seconds.
 double perform(const std::vector<HLDismissTarget>& controls, HLAXError* codes, double* durations) {
   HLRunLoop& runLoop = HLCurrentPlatform().runLoop;
   const std::size_t count = controls.size();

@@ -1,4 +1,4 @@
-// Pressing a list of targets, and measuring what it did by what vanished.
+// Presses a list of targets, and measures progress by which of them disappeared.
 #pragma once
 
 #include <array>
@@ -9,23 +9,23 @@
 
 #include "core/scan/records.h"
 
-// Progress identity keys of controls that are not to be tried again in this run.
+// Progress identity keys of the controls that this run does not try again.
 using HLKeySet = std::set<std::string>;
 
 inline constexpr std::array<double, 2> HLBatchVerificationDelays = {0.08, 0.32};  // seconds
 
-// Action, "|", snapshot: recognizes a control with the same content across scans.
+// Returns action, "|" and snapshot, which recognize a control with the same content across scans.
 [[nodiscard]] std::string HLProgressIdentityKeyForTarget(const HLDismissTarget& target);
 
-// Resolves the targets and performs their actions, up to four at once, each control once. Returns those whose action
-// was accepted, in their order; adds to ineffective the keys of those that failed. Blocks until all are done.
+// Resolves each target and performs its action, at most four concurrently, each control once. Returns the eligible
+// targets whose action succeeded, in order; adds keys of failed ones to `ineffective`. Blocks.
 [[nodiscard]] std::vector<HLDismissTarget> HLRunDismissBatch(const std::vector<HLDismissTarget>& eligible,
                                                              HLKeySet& ineffective);
 
-// Gives the screen two short chances to change; returns the ordered targets that are then there.
+// Rescans after 0.08 s and, unless a target disappeared, 0.32 s later. Returns the last scan, sorted. Blocks.
 [[nodiscard]] std::vector<HLDismissTarget> HLWaitForBatchProgress(const HLElement& application,
                                                                   const std::vector<HLDismissTarget>& before);
 
-// How many targets of before are not among after. Keys are compared in lower case; equal ones count one by one.
+// Returns the size of the multiset difference before - after, by lower-cased key.
 [[nodiscard]] std::int64_t HLRemovedTargetCount(const std::vector<HLDismissTarget>& before,
                                                 const std::vector<HLDismissTarget>& after);

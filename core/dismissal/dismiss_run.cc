@@ -24,8 +24,8 @@ constexpr int kKillPoll = 25;
 constexpr int kPresentedPolls = 16;
 constexpr double kPresentedPollSeconds = 0.3;
 
-// Restarts Notification Center, clears what it had held back, and merges that into the result. It is done once in a
-// dismissal, however much comes back.
+// Restarts Notification Center, dismisses what it had held back, and merges that into the result. Called once per
+// dismissal, even if more alerts are held back afterwards.
 void drainOverflow(std::int32_t oldPid, HLDismissResult& result) {
   constexpr std::int64_t kDrain = 0;
   const std::int32_t newPid = HLRestartNotificationCenter(oldPid);

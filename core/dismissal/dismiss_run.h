@@ -1,4 +1,4 @@
-// The entry of the engine: every dismissal, whatever asked for it, is one call of HLDismissNotificationsNow.
+// The entry of the engine: every dismissal is one call of HLDismissNotificationsNow.
 #pragma once
 
 #include <cstdint>
@@ -6,11 +6,12 @@
 #include "core/dismissal/result.h"
 #include "platform/accessibility.h"
 
-// Blocks until done; keeps nothing between calls. One call at a time.
+// Dismisses all notifications. Keeps no state between calls. Any thread, one call at a time; blocks.
 [[nodiscard]] HLDismissResult HLDismissNotificationsNow();
 
-// Ends the process and waits for its successor: its process identifier, or 0 when none came.
+// Ends the process and waits for its successor. Returns the successor's process identifier, or 0 when none started.
+// Blocks.
 [[nodiscard]] std::int32_t HLRestartNotificationCenter(std::int32_t oldPid);
 
-// Waits until the number of targets holds still, and returns it.
+// Waits until two scans find the same number of targets, and returns that number; after 16 scans the last one. Blocks.
 [[nodiscard]] std::int64_t HLWaitForRepresentedAlerts(const HLElement& application);

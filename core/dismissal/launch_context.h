@@ -1,7 +1,8 @@
-// Which process this is and what started it, for the logs.
+// Names this process and its parent for the logs.
 #pragma once
 
 #include <string>
 
-// "pid=%d ppid=%d parentBundle=%@ parentName=%@" of this process; "none" where the parent is no running application.
+// Returns "pid=%d ppid=%d parentBundle=%@ parentName=%@" of this process; "none" unless the parent is a running
+// application with bundle identifier and name.
 [[nodiscard]] std::string HLLaunchContextSummary();

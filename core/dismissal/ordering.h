@@ -5,8 +5,8 @@
 
 #include "core/scan/records.h"
 
-// Negative: a comes first; positive: b does; 0: they are equal. A target without a frame comes after all framed ones of
-// its score. Where a coordinate is NaN, b comes first either way round.
+// Returns a negative number when a comes first, a positive one when b does, and 0 when they are equal. Targets without
+// a frame come after those of the same score with one. When a coordinate is NaN, b comes first.
 [[nodiscard]] int HLCompareTargets(const HLDismissTarget& a, const HLDismissTarget& b);
 
 [[nodiscard]] std::vector<HLDismissTarget> HLSortedTargets(std::vector<HLDismissTarget> targets);

@@ -39,7 +39,7 @@ bool isSmallControl(const HLRect& frame) {
   return !frame.isNull() && frame.width <= kSmallControl && frame.height <= kSmallControl;
 }
 
-// An explicit dismiss action, or else a plain press.
+// Returns an explicit dismiss action, or else a plain press.
 std::optional<std::string> dismissOrPressAction(const std::vector<std::string>& actionNames) {
   std::optional<std::string> action = HLExplicitDismissAction(actionNames);
   if (!action && HLIsPressable(actionNames)) action = "AXPress";
@@ -114,7 +114,8 @@ std::optional<HLDismissTarget> HLFocusedDismissControlInSubtree(const HLElementR
   std::optional<HLDismissTarget> best;
   const auto look = [&best, &rootFacts](const HLVisit& visit) {
     std::optional<HLDismissTarget> control = focusedControl(visit, rootFacts.frame);
-    // Of equal ones the first stays: it is nearer to the root.
+    // Of equal scores the first stays: its element is nearer to the root. Only the best control gets a snapshot, since
+    // the text of a context may be long.
     if (control && (!best || control->score > best->score)) {
       best = std::move(control);
       best->snapshot = visit.own.empty() ? visit.context.text() : visit.own;

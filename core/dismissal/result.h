@@ -1,4 +1,4 @@
-// What a dismissal hands outward: one result record, and progress counts while it runs.
+// The result of a dismissal, and the progress counts that it reports.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-// Unscoped and wide on purpose: values beyond the names can be held, and read as failed.
+// Unscoped with a fixed underlying type on purpose: other values must be representable, and read as failed.
 enum HLDismissStatus : std::int64_t {
   HLDismissStatusSuccess = 0,
   HLDismissStatusNothing = 1,
@@ -24,18 +24,19 @@ struct HLDismissResult {
 
 [[nodiscard]] std::string_view HLStatusString(HLDismissStatus status);
 
-// "success|3|0": the daemon's reply and the command line's result, without a line feed.
+// Returns "success|3|0", which the daemon replies and the command line prints, without a line feed.
 [[nodiscard]] std::string HLResultWireString(const HLDismissResult& result);
 
-// False, and the record untouched, unless the text has three fields and begins with a status word.
+// Parses the text form. Returns false and leaves the record as it is unless the text has three fields and begins with a
+// status word.
 [[nodiscard]] bool HLParseResultString(std::string_view text, HLDismissResult& result);
 
-// Takes the number of items left. Called from any thread, several at once, in no certain order.
+// Receives the number of items left. Called from any thread, concurrently, in no fixed order.
 using HLProgressCallback = std::function<void(std::int64_t)>;
 
-// The one slot of the process: whoever wants to follow a dismissal puts a handler in and takes it out again. Any
-// thread; a handler that is replaced while it runs lives until it returns.
+// Sets the one progress handler of the process; nullptr removes it. Thread-safe; a handler that is replaced while it
+// runs lives until it returns.
 void HLSetProgressHandler(HLProgressCallback handler);
 
-// Reports a count, a negative one as 0.
+// Calls the handler with the count, at least 0.
 void HLReportProgress(std::int64_t count);

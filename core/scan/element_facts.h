@@ -1,4 +1,4 @@
-// What one visit of an element needs, read once. Everything derived from it is a pure function.
+// The attributes that one visit of an element needs, read once. Everything derived from them is a pure function.
 #pragma once
 
 #include <string>
@@ -18,16 +18,16 @@ struct HLElementFacts {
   std::string identifier;
   std::vector<std::string> actionNames;
   HLRect frame;
-  // "AXChildren", "AXRows" and "AXVisibleChildren" one after the other; a child listed twice stands here twice.
+  // "AXChildren", then "AXRows", then "AXVisibleChildren"; a child in two of them is here twice.
   std::vector<HLElementRef> children;
 };
 
 [[nodiscard]] HLElementFacts HLReadElementFacts(const HLElement& element);
 
-// The frame among them.
+// Returns the frame of these attributes.
 [[nodiscard]] HLRect HLFrameForElement(const HLElement& element);
 
-// The element's own words: its seven texts, lower-cased and compacted, the non-empty ones joined by blanks.
+// Returns the element's own words: its seven texts, lower-cased and compacted, the non-empty ones joined by spaces.
 [[nodiscard]] std::string HLSearchableContext(const HLElementFacts& facts);
 
 // The same of role, subrole, role description and identifier only.

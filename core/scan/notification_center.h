@@ -1,4 +1,4 @@
-// Finding the process that shows notifications, and everything in it that can be dismissed now. Nothing is cached.
+// Finds the process that shows notifications, and what can be dismissed in it. Nothing is cached.
 #pragma once
 
 #include <cstdint>
@@ -12,13 +12,13 @@
 
 inline constexpr std::string_view HLNotificationCenterBundleIdentifier = "com.apple.notificationcenterui";
 
-// The first running one, in the platform's order.
+// Returns the first running one, in the platform's order.
 [[nodiscard]] std::optional<HLRunningApplication> HLNotificationCenterApplication();
 
-// The root element of a Notification Center process; nullptr when it cannot be made.
+// Returns the root element of a Notification Center process, or nullptr when it cannot be made.
 [[nodiscard]] HLElementRef HLNotificationCenterElement(std::int32_t pid);
 
 [[nodiscard]] std::vector<HLElementRef> HLNotificationWindows(const HLElement& application);
 
-// The targets of all windows, unsorted; of several with one key the first.
+// Returns the targets of all windows, unsorted; of several with equal keys the first.
 [[nodiscard]] std::vector<HLDismissTarget> HLCurrentTargets(const HLElement& application);

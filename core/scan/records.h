@@ -1,4 +1,4 @@
-// What a scan carries: the queue of elements to visit and the controls that it found.
+// The records of a scan: elements to visit, and controls that it found.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ struct HLQueueItem {
   HLContext context;  // of its parent; empty for the root
 };
 
-// A control that is believed to dismiss a notification.
+// A control that probably dismisses a notification.
 struct HLDismissTarget {
   HLElementRef element;
   std::string action;  // as the element reports it
@@ -27,8 +27,8 @@ struct HLDismissTarget {
 
 inline constexpr std::size_t HLSnapshotLimit = 180;  // UTF-16 code units
 
-// Words separated by exactly one blank, none at the ends, no line breaks; letter case is kept.
+// Returns the words separated by one space, without white space at the ends. Keeps letter case.
 [[nodiscard]] std::string HLCompactSnapshot(std::string_view text);
 
-// Equal keys within one scan mean the same control.
+// Within one scan, targets with equal keys are the same control.
 [[nodiscard]] std::string HLDeduplicationKeyForTarget(const HLDismissTarget& target);

@@ -40,8 +40,7 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
                                                      const HLContext& context, const std::string& own) {
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
 
-  // Notification Center's own items come before the menu veto, and whatever words the notification holds: what it says
-  // must not keep it on screen.
+  // Before the menu veto and whatever the words: the text of a notification must not keep it on screen.
   if (explicitAction && HLIsNotificationBannerSubrole(facts.subrole)) {
     return HLDismissTarget{element,
                            *explicitAction,

@@ -11,7 +11,8 @@
 // Whether role, subrole or structural words mark a part of a menu.
 [[nodiscard]] bool HLIsMenuLike(const HLElementFacts& facts);
 
-// The target that the element is, or nothing. The context is that of the element itself, own its own words.
+// Returns the element as a target, or nullopt when it dismisses nothing. `own` are its searchable words, which end
+// `context`.
 [[nodiscard]] std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element,
                                                                    const HLElementFacts& facts,
                                                                    const HLContext& context, const std::string& own);

@@ -1,4 +1,4 @@
-// Finding everything in one window that can be dismissed.
+// Finds what can be dismissed in one window.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,8 @@
 
 inline constexpr std::size_t HLScanLimit = 1400;  // elements visited per root
 
-// The targets at and below the root, in the order found, the first of each key. The label names the root in the log.
+// Returns the targets at and below the root, breadth-first, the first of each key. The label names the root in the log.
 [[nodiscard]] std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::string_view label);
 
-// Whether the target is so clearly a single control that what lies below it is not worth a look.
+// Whether the target is so clearly a single control that the scan leaves out its descendants.
 [[nodiscard]] bool HLShouldPruneDescendantsAfterCandidate(const HLDismissTarget& target);

@@ -6,7 +6,7 @@
 
 std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit, const std::function<bool(const HLVisit&)>& visit) {
   std::deque<HLQueueItem> queue = {root};
-  // Holds the handles themselves: an address that was given back and used again would hide a node.
+  // Owns handles, so a freed address cannot be reused and mistaken for a visited element.
   std::unordered_set<HLElementRef> visited;
   while (!queue.empty() && visited.size() < limit) {
     const HLQueueItem item = std::move(queue.front());

@@ -1,4 +1,4 @@
-// Walking a tree of elements breadth first, each handle once.
+// Walks a tree of elements breadth-first, each handle once.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 #include "core/scan/element_facts.h"
 #include "core/scan/records.h"
 
-// What is known of an element when it is its turn.
+// An element that is visited.
 struct HLVisit {
   const HLElementRef& element;
   const HLElementFacts& facts;
@@ -18,9 +18,9 @@ struct HLVisit {
   const HLContext& context;  // its own words behind those of its ancestors
 };
 
-// Visits the root and what lies below it, at most so many elements; what lies below one for which visit answers false
-// is left out. Returns how many were visited.
+// Visits at most `limit` elements breadth-first, each handle once. Returning false from `visit` prunes that subtree.
+// Returns the visited count.
 std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit, const std::function<bool(const HLVisit&)>& visit);
 
-// The children of an element whose context this is, in their order; one that is listed twice comes twice.
+// Returns the children in order, repetitions included, each with its parent's context.
 [[nodiscard]] std::vector<HLQueueItem> HLChildQueueItems(const HLElementFacts& facts, const HLContext& context);
