@@ -1,15 +1,17 @@
-# The commands of the house; CMakePresets.json holds what they configure. Each one installs what it needs and lacks.
+# The commands; CMakePresets.json holds what they configure. Each one installs the packages that it needs and that are missing.
 .PHONY: run package test fuzz sanitize bench coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
 
-# Builds the program and shows it clear an ordinary evening's notifications off a simulated screen.
+# Builds the simulator, shows it clear the notifications of an evening from a simulated screen, then builds the program.
 run:
 	@tools/install-packages build
 	@cmake --preset dev $(CONFIGURE_FLAGS) >build-run.log || { cat build-run.log; exit 1; }; rm -f build-run.log
-	@cmake --build --preset dev -j $(JOBS) --target hushlet hushlet-sim
+	@cmake --build --preset dev -j $(JOBS) --target hushlet-sim
 	@mkdir -p build/demo && HOME=$(CURDIR)/build/demo HUSHLET_PICTURE=1 build/bin/hushlet-sim --dismiss-now
+	@cmake --build --preset dev -j $(JOBS) --target hushlet
+	@echo "Built build/bin/hushlet, the program itself."
 
 # The Debian package.
 package:

@@ -16,6 +16,9 @@ struct ApplicationScene {
   bool hasNotificationCenter = true;
 };
 
+// A further key: the process is not trusted.
+inline constexpr const char* Untrusted = R"(, "trusted": false)";
+
 struct ApplicationRun {
   int exitCode = 0;
   std::string out;  // dumps apart

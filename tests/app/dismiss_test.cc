@@ -14,8 +14,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 
-constexpr const char* kUntrusted = R"(, "trusted": false)";
-
 // A banner whose close action takes so long, and that then goes.
 std::string slowBanner(const std::string& id, double seconds) {
   return R"({"id": ")" + id +
@@ -111,7 +109,7 @@ TEST(AccessDenied, OpensTheSetupWindowOnceInAProcess) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), DumpAt(1.5), At(2, kCloseSetup),
                                    At(3, R"("click": "left")"), DumpAt(4)},
-                      .further = kUntrusted});
+                      .further = Untrusted});
   EXPECT_EQ(MessagesOf(run, "accessibility unavailable from running app; showing setup").size(), 1U);
   EXPECT_THAT(MessagesOf(run, "dismissNotifications outcome"),
               testing::Each(MatchesRegex(
@@ -125,7 +123,7 @@ TEST(AccessDenied, RefreshesTheButtonEachTimeItHappens) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), At(1.5, kCloseSetup),
                                    At(2, R"("click": "left")"), At(2.5, R"("terminate": true)")},
-                      .further = kUntrusted});
+                      .further = Untrusted});
   ASSERT_GE(run.log.size(), 2U);
   EXPECT_THAT(run.log.end()[-2], testing::StartsWith("dismissNotifications outcome status=accessDenied "));
   EXPECT_EQ(run.log.end()[-1], "refreshStatusItem available=false visible=true");
@@ -134,7 +132,7 @@ TEST(AccessDenied, RefreshesTheButtonEachTimeItHappens) {
 TEST(AccessDenied, RefreshesTheButtonTwice) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), At(1.5, R"("terminate": true)")},
-                      .further = kUntrusted});
+                      .further = Untrusted});
   const auto outcome = std::find_if(run.log.begin(), run.log.end(), [](const std::string& message) {
     return message.starts_with("dismissNotifications outcome");
   });

@@ -17,8 +17,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr const char* kUntrusted = R"(, "trusted": false)";
-
 std::vector<std::string> menuTitles(const json& dump) {
   std::vector<std::string> titles;
   for (const json& item : dump["menu"]) titles.push_back(item.value("separator", false) ? "-" : item["title"]);
@@ -50,13 +48,13 @@ TEST(Launch, WritesMissingPathsAsEmpty) {
 }
 
 TEST(Launch, OfTheProductFlavorWithoutTrustOpensTheSetupWindow) {
-  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}, .further = kUntrusted});
+  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}, .further = Untrusted});
   EXPECT_EQ(WindowOf(run.dumps.at(0), "Set Up Hushlet")["visible"], true);
   EXPECT_EQ(run.dumps.at(0)["statusItem"]["image"], "exclamationmark.triangle");
 }
 
 TEST(Launch, OfThePersonalFlavorNeverOpensTheSetupWindow) {
-  const ApplicationRun run = RunApplication({.isProduct = false, .timeline = {DumpAt(0)}, .further = kUntrusted});
+  const ApplicationRun run = RunApplication({.isProduct = false, .timeline = {DumpAt(0)}, .further = Untrusted});
   EXPECT_THAT(run.dumps.at(0)["windows"], IsEmpty());
   EXPECT_EQ(run.dumps.at(0)["statusItem"]["title"], "HL!");
 }
@@ -79,7 +77,7 @@ TEST(LaunchSwitches, SnapshotsAreTakenOfTheVisibleWindowsAfterASecondAndAHalf) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1.49, R"("choose": "Settings…")"), At(1.499, R"("closeWindow": "Set Up Hushlet")"),
                     At(1.501, R"("choose": "Set Up Accessibility…")")},
-       .further = kUntrusted},
+       .further = Untrusted},
       {"--snapshot-windows", pictures.path()});
   EXPECT_THAT(MessagesOf(run, "snapshot"), ElementsAre("snapshot window=Hushlet Settings size=420x280 wrote=1"));
   EXPECT_THAT(FileContent(pictures.path() + "/00-Hushlet Settings.png"), testing::StartsWith("\x89PNG\r\n\x1a\n"));
@@ -89,7 +87,7 @@ TEST(LaunchSwitches, SnapshotsAreTakenOfTheVisibleWindowsAfterASecondAndAHalf) {
 TEST(LaunchSwitches, SnapshotsAreNumberedInWindowOrder) {
   const TemporaryDirectory pictures;
   const ApplicationRun run =
-      RunApplication({.further = kUntrusted}, {"--open-settings", "--snapshot-windows", pictures.path()});
+      RunApplication({.further = Untrusted}, {"--open-settings", "--snapshot-windows", pictures.path()});
   EXPECT_EQ(MessagesOf(run, "snapshot").size(), 2U);
   EXPECT_TRUE(std::filesystem::exists(pictures.path() + "/00-Set Up Hushlet.png"));
   EXPECT_TRUE(std::filesystem::exists(pictures.path() + "/01-Hushlet Settings.png"));
@@ -146,7 +144,7 @@ TEST(Menu, SaysEachTimeItOpensWhetherAccessIsThere) {
       RunApplication({.isProduct = false,
                       .timeline = {At(1, R"("openMenu": true)"), DumpAt(1.1), At(2, R"("trust": true)"), DumpAt(2.1),
                                    At(3, R"("openMenu": true)"), DumpAt(3.1)},
-                      .further = kUntrusted});
+                      .further = Untrusted});
   const auto item = [&run](std::size_t dump) { return run.dumps.at(dump)["menu"][2]; };
   EXPECT_EQ(item(0)["title"], "Set Up Accessibility…");
   EXPECT_EQ(item(0)["state"], "off");

@@ -19,7 +19,7 @@ constexpr const char* kToggleAutoClose =
     R"("press": "Close Shortcuts Automation Banners", "window": "Hushlet Settings")";
 constexpr const char* kToggleOpenAtLogin = R"("press": "Open at Login", "window": "Hushlet Settings")";
 // A request with the prompt would be granted: nothing here makes one.
-constexpr const char* kUntrusted = R"(, "trusted": false, "services": {"grantOnPrompt": true})";
+constexpr const char* kGrantedOnPrompt = R"(, "trusted": false, "services": {"grantOnPrompt": true})";
 constexpr const char* kWanted = R"(, "defaults": {"HLAutoCloseAutomationBanners": true})";
 
 json settings(const json& dump) { return WindowOf(dump, "Hushlet Settings"); }
@@ -73,7 +73,7 @@ TEST(SettingsWindow, ShowsMissingAccessInOrangeAndDoesNotPoll) {
   const ApplicationRun run = RunApplication(
       {.isProduct = false,
        .timeline = {At(1, kOpen), At(1.5, kOpen), At(2, R"("trust": true)"), DumpAt(9), At(10, kOpen), DumpAt(11)},
-       .further = kUntrusted});
+       .further = kGrantedOnPrompt});
   const auto state = [&run](std::size_t dump) { return settings(run.dumps.at(dump))["content"][4]["row"][0]; };
   EXPECT_EQ(state(0)["label"], "Not allowed yet");
   EXPECT_EQ(state(0)["color"], "orange");
@@ -179,7 +179,7 @@ TEST(AutoClose, WithoutTrustIsStoredAndStartsWhenTrustHasCome) {
       RunApplication({.isProduct = false,
                       .timeline = {At(1, kOpen), At(2, kToggleAutoClose), At(2.5, kOpen), DumpAt(3),
                                    At(4, R"("trust": true)"), DumpAt(5), At(6, kOpen), DumpAt(7)},
-                      .further = kUntrusted});
+                      .further = kGrantedOnPrompt});
   EXPECT_EQ(run.dumps.at(0)["defaults"], (json{{"HLAutoCloseAutomationBanners", true}}));
   EXPECT_EQ(autoCloseBox(run.dumps.at(0))["on"], true);
   EXPECT_THAT(run.dumps.at(0)["observers"], IsEmpty());

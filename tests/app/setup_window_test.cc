@@ -13,7 +13,6 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kUntrusted = R"(, "trusted": false)";
 constexpr const char* kTitle = "Set Up Hushlet";
 constexpr const char* kNewPane =
     "x-apple.systempreferences:com.apple.settings.PrivacySecurity.extension?Privacy_Accessibility";
@@ -25,7 +24,7 @@ json statusLine(const json& dump) { return WindowOf(dump, kTitle)["content"][4];
 json primaryButton(const json& dump) { return WindowOf(dump, kTitle)["content"][5]; }
 
 TEST(SetupWindow, HoldsItsTextsInOneStack) {
-  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}, .further = kUntrusted});
+  const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}, .further = Untrusted});
   const json window = WindowOf(run.dumps.at(0), kTitle);
   EXPECT_EQ(window["width"], 460);
   EXPECT_EQ(window["height"], nullptr);
@@ -58,7 +57,7 @@ TEST(SetupWindow, HoldsItsTextsInOneStack) {
 
 TEST(SetupWindow, NoticesTheGrantWithinASecond) {
   const ApplicationRun run =
-      RunApplication({.timeline = {At(2.5, R"("trust": true)"), DumpAt(2.999), DumpAt(3.001)}, .further = kUntrusted});
+      RunApplication({.timeline = {At(2.5, R"("trust": true)"), DumpAt(2.999), DumpAt(3.001)}, .further = Untrusted});
   EXPECT_EQ(primaryButton(run.dumps.at(0))["button"], "Open Accessibility Settings");
   EXPECT_EQ(statusLine(run.dumps.at(1))["label"],
             "Allowed. Press ⌃⌥⌘N or click the menu bar icon to clear notifications.");
@@ -97,7 +96,7 @@ TEST(SetupWindow, PollsOnceHoweverOftenItIsShown) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(0.4, R"("choose": "Set Up Accessibility…")"), At(0.6, R"("choose": "Set Up Accessibility…")"),
                     DumpAt(0.7), DumpAt(1.5), At(1.7, R"("terminate": true)")},
-       .further = kUntrusted});
+       .further = Untrusted});
   EXPECT_EQ(run.dumps.at(0)["timers"], 1);
   EXPECT_EQ(run.dumps.at(0)["windows"].size(), 1U);
   // At the launch once for itself and once for the window; once for each showing; the poll begins anew with each, so
@@ -107,7 +106,7 @@ TEST(SetupWindow, PollsOnceHoweverOftenItIsShown) {
 
 TEST(SetupWindow, StopsPollingWhenItIsClosed) {
   const ApplicationRun byUser =
-      RunApplication({.timeline = {At(1, R"("closeWindow": "Set Up Hushlet")"), DumpAt(2)}, .further = kUntrusted});
+      RunApplication({.timeline = {At(1, R"("closeWindow": "Set Up Hushlet")"), DumpAt(2)}, .further = Untrusted});
   EXPECT_EQ(byUser.dumps.at(0)["timers"], 0);
   EXPECT_EQ(WindowOf(byUser.dumps.at(0), kTitle)["visible"], false);
   const ApplicationRun byButton = RunApplication(
@@ -120,20 +119,20 @@ TEST(SetupWindow, StopsPollingWhenItIsClosed) {
 TEST(SetupWindow, GoesOnPollingWhenTheSettingsAreClosed) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1, R"("choose": "Settings…")"), At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3)},
-       .further = kUntrusted});
+       .further = Untrusted});
   EXPECT_EQ(run.dumps.at(0)["timers"], 1);
   EXPECT_EQ(WindowOf(run.dumps.at(0), kTitle)["visible"], true);
 }
 
 TEST(SetupWindow, GoesOnPollingAfterTheGrant) {
   const ApplicationRun run =
-      RunApplication({.timeline = {At(1, R"("trust": true)"), DumpAt(30)}, .further = kUntrusted});
+      RunApplication({.timeline = {At(1, R"("trust": true)"), DumpAt(30)}, .further = Untrusted});
   EXPECT_EQ(run.dumps.at(0)["timers"], 1);
 }
 
 TEST(SetupWindow, IsClosedByReturnOnceAllowed) {
   const ApplicationRun run = RunApplication(
-      {.timeline = {At(1, R"("trust": true)"), At(3, R"("key": {"code": 36})"), DumpAt(4)}, .further = kUntrusted});
+      {.timeline = {At(1, R"("trust": true)"), At(3, R"("key": {"code": 36})"), DumpAt(4)}, .further = Untrusted});
   EXPECT_EQ(WindowOf(run.dumps.at(0), kTitle)["visible"], false);
   EXPECT_THAT(MessagesOf(run, "openAccessibilitySettings"), IsEmpty());
 }
@@ -169,7 +168,7 @@ TEST(SetupButton, SaysInTheLogWhenNoPaneOpens) {
 TEST(SetupButton, GoesByTheTrustOfTheMoment) {
   const ApplicationRun granted = RunApplication(
       {.timeline = {At(1.1, R"("trust": true)"), At(1.2, press("Open Accessibility Settings")), DumpAt(1.3)},
-       .further = kUntrusted});
+       .further = Untrusted});
   EXPECT_EQ(WindowOf(granted.dumps.at(0), kTitle)["visible"], false);
   EXPECT_THAT(granted.dumps.at(0)["openedAddresses"], IsEmpty());
   const ApplicationRun withdrawn =

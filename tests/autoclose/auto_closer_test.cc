@@ -19,8 +19,8 @@ constexpr const char* kBanner = "Shortcuts, Running your automation";
 // The product flavor keeps its status log in the home, where no other process writes.
 const std::string kProduct = R"(,"bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}})";
 
-std::string alert(const std::string& id, const std::string& description, const std::string& actions,
-                  const std::string& further = "", const std::string& subrole = "AXNotificationCenterAlert") {
+std::string banner(const std::string& id, const std::string& description, const std::string& actions,
+                   const std::string& further = "", const std::string& subrole = "AXNotificationCenterAlert") {
   return R"({"id": ")" + id + R"(", "role": "AXGroup", "subrole": ")" + subrole + R"(", "description": ")" +
          description + R"(", "actions": [)" + actions + "]" + further + "}";
 }
@@ -63,8 +63,8 @@ void watch(HLAutoCloser& closer, double seconds) {
 }
 
 TEST(AutoCloser, ClosesTheBannerOfAnAutomationAndLeavesTheOthers) {
-  SimulatedDesktop desktop(scene(alert("automation", kBanner, R"("AXPress", "Name:Close\nTarget:0x0")") + "," +
-                                     alert("mail", "Mail, hello", R"("AXPress", "Name:Close")"),
+  SimulatedDesktop desktop(scene(banner("automation", kBanner, R"("AXPress", "Name:Close\nTarget:0x0")") + "," +
+                                     banner("mail", "Mail, hello", R"("AXPress", "Name:Close")"),
                                  layoutChanges({"mail", "automation"})));
   HLAutoCloser closer;
   watch(closer, 2);
@@ -77,7 +77,7 @@ TEST(AutoCloser, ClosesTheBannerOfAnAutomationAndLeavesTheOthers) {
 
 TEST(AutoCloser, ActsOnADescriptionOnceHoweverOftenItIsLaidOut) {
   SimulatedDesktop desktop(
-      scene(alert("automation", kBanner, R"("Name:Close")"), layoutChanges({"automation", "automation"})));
+      scene(banner("automation", kBanner, R"("Name:Close")"), layoutChanges({"automation", "automation"})));
   HLAutoCloser closer;
   watch(closer, 2);
   EXPECT_EQ(presses(desktop).size(), 1U);
@@ -86,7 +86,7 @@ TEST(AutoCloser, ActsOnADescriptionOnceHoweverOftenItIsLaidOut) {
 
 TEST(AutoCloser, AFailedCloseIsLoggedAndNotTriedAgain) {
   SimulatedDesktop desktop(
-      scene(alert("automation", kBanner, R"("Name:Close")", R"(,"onAction": {"Name:Close": {"error": -25204}})"),
+      scene(banner("automation", kBanner, R"("Name:Close")", R"(,"onAction": {"Name:Close": {"error": -25204}})"),
             layoutChanges({"automation", "automation"})));
   HLAutoCloser closer;
   watch(closer, 2);
@@ -96,10 +96,10 @@ TEST(AutoCloser, AFailedCloseIsLoggedAndNotTriedAgain) {
 }
 
 TEST(AutoCloser, IgnoresEveryOtherSubrole) {
-  SimulatedDesktop desktop(scene(alert("stack", kBanner, R"("Name:Close")", "", "AXNotificationCenterAlertStack") +
+  SimulatedDesktop desktop(scene(banner("stack", kBanner, R"("Name:Close")", "", "AXNotificationCenterAlertStack") +
                                      "," +
-                                     alert("banner", kBanner, R"("Name:Close")", "", "AXNotificationCenterBanner") +
-                                     "," + alert("lower", kBanner, R"("Name:Close")", "", "axnotificationcenteralert"),
+                                     banner("banner", kBanner, R"("Name:Close")", "", "AXNotificationCenterBanner") +
+                                     "," + banner("lower", kBanner, R"("Name:Close")", "", "axnotificationcenteralert"),
                                  layoutChanges({"stack", "banner", "lower"})));
   HLAutoCloser closer;
   watch(closer, 3);
@@ -110,9 +110,9 @@ TEST(AutoCloser, IgnoresEveryOtherSubrole) {
 TEST(AutoCloser, TakesTheFirstCloseActionThatIsListed) {
   const std::string other = "Shortcuts, Running your automation, again";
   const std::string third = "Shortcuts, Running your automation, late";
-  SimulatedDesktop desktop(scene(alert("a", kBanner, R"("AXPress", "AXClose", "Name:Close")") + "," +
-                                     alert("b", other, R"("Name:Close Tab", "AXClose")") + "," +
-                                     alert("c", third, R"("xName:Close", "AXCloseAll", "name:close", "AXPress")"),
+  SimulatedDesktop desktop(scene(banner("a", kBanner, R"("AXPress", "AXClose", "Name:Close")") + "," +
+                                     banner("b", other, R"("Name:Close Tab", "AXClose")") + "," +
+                                     banner("c", third, R"("xName:Close", "AXCloseAll", "name:close", "AXPress")"),
                                  layoutChanges({"a", "b", "c", "c"})));
   HLAutoCloser closer;
   watch(closer, 3);
@@ -126,7 +126,7 @@ TEST(AutoCloser, ForgetsWhatItHandledAfterTwoHundredDescriptions) {
   std::vector<std::string> events;
   for (int i = 1; i <= 202; ++i) {
     const std::string id = "a" + std::to_string(i);
-    alerts += (i == 1 ? "" : ",") + alert(id, std::string(kBanner) + " " + std::to_string(i), R"("Name:Close")");
+    alerts += (i == 1 ? "" : ",") + banner(id, std::string(kBanner) + " " + std::to_string(i), R"("Name:Close")");
     events.push_back(id);
     if (i == 200) events.emplace_back("a1");  // still handled: nothing is forgotten yet
   }
@@ -140,7 +140,7 @@ TEST(AutoCloser, ForgetsWhatItHandledAfterTwoHundredDescriptions) {
 }
 
 TEST(AutoCloser, IsToldOfALaidOutElementBelowTheApplication) {
-  SimulatedDesktop desktop(scene(alert("a", kBanner, R"("Name:Close")"),
+  SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"),
                                  R"(,"timeline": [{"at": 0.5, "notify": "AXCreated", "element": "a"}])"));
   HLAutoCloser closer;
   watch(closer, 1);
@@ -148,7 +148,7 @@ TEST(AutoCloser, IsToldOfALaidOutElementBelowTheApplication) {
 }
 
 TEST(AutoCloser, WithoutRulesNothingMatches) {
-  SimulatedDesktop desktop(scene(alert("a", kBanner, R"("Name:Close")"), layoutChanges({"a"})));
+  SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"), layoutChanges({"a"})));
   HLAutoCloser closer;
   closer.startForCurrentNotificationCenter();
   HLCurrentPlatform().runLoop->runFor(2);
@@ -157,7 +157,7 @@ TEST(AutoCloser, WithoutRulesNothingMatches) {
 
 TEST(AutoCloser, StartedTwiceItWatchesOnce) {
   SimulatedDesktop desktop(
-      scene(alert("a", kBanner, R"("Name:Close")", R"(,"onAction": {"Name:Close": {"error": -25204}})"),
+      scene(banner("a", kBanner, R"("Name:Close")", R"(,"onAction": {"Name:Close": {"error": -25204}})"),
             layoutChanges({"a"})));
   HLAutoCloser closer;
   closer.startForCurrentNotificationCenter();
@@ -170,7 +170,7 @@ TEST(AutoCloser, StartedTwiceItWatchesOnce) {
 
 TEST(AutoCloser, StoppedItKeepsItsCountAndClosesNothing) {
   SimulatedDesktop desktop(
-      scene(alert("a", kBanner, R"("Name:Close")") + "," + alert("b", std::string(kBanner) + " b", R"("Name:Close")"),
+      scene(banner("a", kBanner, R"("Name:Close")") + "," + banner("b", std::string(kBanner) + " b", R"("Name:Close")"),
             layoutChanges({"a", "b"})));
   HLAutoCloser closer;
   watch(closer, 0.7);
@@ -213,7 +213,7 @@ TEST(AutoCloser, ARefusedRegistrationIsLoggedAndNotActedUpon) {
 
 TEST(AutoCloseProbe, WatchesForItsTimeAndPrintsHowManyItClosed) {
   const SimulatedDesktop desktop(
-      scene(alert("a", kBanner, R"("Name:Close")") + "," + alert("b", "Mail, Weekly Report", R"("Name:Close")"),
+      scene(banner("a", kBanner, R"("Name:Close")") + "," + banner("b", "Mail, Weekly Report", R"("Name:Close")"),
             layoutChanges({"a", "b"})),
       {{"hushlet-sim"}, {{"HL_AUTO_CLOSE_TEST_RULE", "Mail|weekly report"}}});
   std::ostringstream out;
@@ -224,7 +224,7 @@ TEST(AutoCloseProbe, WatchesForItsTimeAndPrintsHowManyItClosed) {
 
 TEST(AutoCloseProbe, WithoutATestRuleOnlyTheBuiltInOneHolds) {
   const SimulatedDesktop desktop(
-      scene(alert("a", kBanner, R"("Name:Close")") + "," + alert("b", "Mail, Weekly Report", R"("Name:Close")"),
+      scene(banner("a", kBanner, R"("Name:Close")") + "," + banner("b", "Mail, Weekly Report", R"("Name:Close")"),
             layoutChanges({"a", "b"})));
   std::ostringstream out;
   EXPECT_EQ(HLRunAutoCloseProbe(2.5, out), 0);

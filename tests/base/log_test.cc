@@ -23,15 +23,11 @@
 #include "tests/support/personal_log.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
 // The permissions of a file, 0 where there is none.
-unsigned modeOf(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
-}
-
 // The local time zone, and the file mode mask, for one test.
 class Log : public testing::Test {
  protected:
@@ -152,16 +148,16 @@ TEST_F(Log, WithoutAPathNothingHappens) { HLAppendLineToPath(std::nullopt, "mess
 TEST_F(Log, MissingDirectoriesAndTheFileAreMadeWithDefaultPermissions) {
   HLAppendLineToPath(path("a/b/c/log"), "message");
   EXPECT_EQ(LogMessages(content("a/b/c/log")), std::vector<std::string>{"message"});
-  EXPECT_EQ(modeOf(path("a")), 0755U);
-  EXPECT_EQ(modeOf(path("a/b/c")), 0755U);
-  EXPECT_EQ(modeOf(path("a/b/c/log")), 0644U);
+  EXPECT_EQ(FileMode(path("a")), 0755U);
+  EXPECT_EQ(FileMode(path("a/b/c")), 0755U);
+  EXPECT_EQ(FileMode(path("a/b/c/log")), 0644U);
 }
 
 TEST_F(Log, AFileThatIsThereKeepsItsPermissions) {
   std::ofstream(path("log")) << "";
   chmod(path("log").c_str(), 0600);
   HLAppendLineToPath(path("log"), "message");
-  EXPECT_EQ(modeOf(path("log")), 0600U);
+  EXPECT_EQ(FileMode(path("log")), 0600U);
 }
 
 TEST_F(Log, APathWithoutADirectoryIsAFileInTheCurrentOne) {

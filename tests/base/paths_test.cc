@@ -13,6 +13,7 @@
 #include "base/log.h"
 #include "tests/support/processes.h"
 #include "tests/support/simulated_desktop.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -34,11 +35,6 @@ std::string flavorWith(const std::string& bundle) {
 std::string productScene(const std::string& directory, std::string keys, const std::string& bundleKeys = "") {
   for (std::size_t at = 0; (at = keys.find('$', at)) != std::string::npos;) keys.replace(at, 1, directory);
   return R"({"bundle": {"info": {"HLProductFlavor": "product"})" + bundleKeys + "}" + keys + "}";
-}
-
-unsigned modeOf(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
 }
 
 TEST(Flavor, IsProductWhereTheInformationDictionarySaysExactlyThat) {
@@ -146,21 +142,21 @@ class StateDirectory : public testing::Test {
 
 TEST_F(StateDirectory, IsMadeForThisUserAlone) {
   HLEnsureStateDirectory();
-  EXPECT_EQ(modeOf(path_), 0700U);
+  EXPECT_EQ(FileMode(path_), 0700U);
 }
 
 TEST_F(StateDirectory, IsLeftAsItIsWhereItExists) {
   std::filesystem::create_directories(path_);
   chmod(path_.c_str(), 0755);
   HLEnsureStateDirectory();
-  EXPECT_EQ(modeOf(path_), 0755U);
+  EXPECT_EQ(FileMode(path_), 0755U);
 }
 
 TEST_F(StateDirectory, MadeByALogLineHasDefaultPermissions) {
   HLAppendDiagnostics("first line");
-  EXPECT_EQ(modeOf(path_), 0755U);
+  EXPECT_EQ(FileMode(path_), 0755U);
   HLEnsureStateDirectory();
-  EXPECT_EQ(modeOf(path_), 0755U);
+  EXPECT_EQ(FileMode(path_), 0755U);
 }
 
 TEST_F(StateDirectory, ThatCannotBeMadeIsNoError) {
@@ -172,8 +168,8 @@ TEST_F(StateDirectory, ThatCannotBeMadeIsNoError) {
 
 TEST_F(StateDirectory, DirectoriesAreMadeWithThoseAboveThem) {
   HLCreateDirectories(desktop_.home() + "/a/b/c");
-  EXPECT_EQ(modeOf(desktop_.home() + "/a"), 0755U);
-  EXPECT_EQ(modeOf(desktop_.home() + "/a/b/c"), 0755U);
+  EXPECT_EQ(FileMode(desktop_.home() + "/a"), 0755U);
+  EXPECT_EQ(FileMode(desktop_.home() + "/a/b/c"), 0755U);
   HLCreateDirectories(desktop_.home() + "/a/b/c");
   HLCreateDirectories("/dev/null/x");
   HLCreateDirectories("");

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <csignal>
 #include <filesystem>
@@ -15,12 +14,6 @@
 namespace {
 
 using Lines = std::vector<std::string>;
-
-mode_t permissionsOf(const std::string& path) {
-  struct stat status {};
-  EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
-  return status.st_mode & 07777U;
-}
 
 TEST_F(TrustedDaemon, AnswersEveryCommand) {
   RunningProgram& daemon = start(NotificationCenterScene(kThreeBanners));
@@ -130,8 +123,8 @@ TEST_F(TrustedDaemon, AnswersTenThousandOneAfterAnotherAndLeaksNothing) {
 
 TEST_F(TrustedDaemon, ItsSocketAndItsDirectoryAreForTheUserAlone) {
   start("{}");
-  EXPECT_EQ(permissionsOf(socketPath()), 0600U);
-  EXPECT_EQ(permissionsOf(home() + "/.local/state/hushlet"), 0700U);
+  EXPECT_EQ(FileMode(socketPath()), 0600U);
+  EXPECT_EQ(FileMode(home() + "/.local/state/hushlet"), 0700U);
 }
 
 TEST_F(TrustedDaemon, SaysInTheLogThatItStartsAndNothingOfRequests) {
@@ -182,7 +175,7 @@ TEST_F(TrustedDaemon, WithALongPathIsMetAtItsFirst103BytesAndLeavesThemBehind) {
   RunningProgram& daemon = launch(scene);
   ASSERT_TRUE(WaitFor([&] { return Client(path).ask("ping\n") == "nothing|0|0\n"; }));
   EXPECT_TRUE(std::filesystem::is_socket(cut));
-  EXPECT_NE(permissionsOf(cut), 0600U) << "the permissions go by the whole path";
+  EXPECT_NE(FileMode(cut), 0600U) << "the permissions go by the whole path";
   EXPECT_EQ(Client(path).ask("quit-daemon\n"), "success|0|0\n");
   EXPECT_EQ(ended(daemon), 0);
   EXPECT_TRUE(std::filesystem::is_socket(cut)) << "the removal too";

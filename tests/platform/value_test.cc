@@ -62,11 +62,11 @@ TEST(NumberText, IsNothingForWhatIsNoNumber) {
 }
 
 TEST(Rect, IsNullOnlyByItsOrigin) {
-  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double infinity = std::numeric_limits<double>::infinity();
   EXPECT_TRUE(HLRect().isNull());
   EXPECT_FALSE((HLRect{0, 0, 0, 0}).isNull());
-  EXPECT_FALSE((HLRect{kInfinity, 0, 0, 0}).isNull());
-  EXPECT_TRUE((HLRect{kInfinity, kInfinity, 5, 5}).isNull());
+  EXPECT_FALSE((HLRect{infinity, 0, 0, 0}).isNull());
+  EXPECT_TRUE((HLRect{infinity, infinity, 5, 5}).isNull());
   EXPECT_EQ((HLRect{-10, 0, 30, 5}).maxX(), 20);
 }
 

@@ -110,3 +110,11 @@ std::string InChildProcess(const std::function<std::string()>& function) {
   if (child < 0 || exitCodeOf(child) != 0) throw std::runtime_error("the child process failed");
   return answer;
 }
+
+std::string InUnprivilegedChildProcess(const std::function<std::string()>& function) {
+  return InChildProcess([&function]() -> std::string {
+    constexpr uid_t kNobody = 65534;
+    if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) return "cannot become nobody";
+    return function();
+  });
+}

@@ -39,3 +39,6 @@ class RunningProgram {
 // Runs the function in a child process and returns what it returned there. For what is decided once per process. Throws
 // when the child does not end well.
 [[nodiscard]] std::string InChildProcess(const std::function<std::string()>& function);
+
+// The same, in a child process that permissions bind: a test of root's becomes the user nobody there.
+[[nodiscard]] std::string InUnprivilegedChildProcess(const std::function<std::string()>& function);

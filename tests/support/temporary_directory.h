@@ -17,5 +17,8 @@ class TemporaryDirectory {
   std::string path_;
 };
 
+// The file's permission bits; 0 when there is no such file.
+[[nodiscard]] unsigned FileMode(const std::string& path);
+
 // The whole file; "" when there is none.
 [[nodiscard]] std::string FileContent(const std::string& path);

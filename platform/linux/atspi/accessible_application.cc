@@ -14,7 +14,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kRegistry = "org.a11y.atspi.Registry";
-constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 
 // Once an application has let a call time out, it is asked more briefly until it answers again.
 constexpr std::chrono::milliseconds kPatienceWithSilent{250};
@@ -26,7 +25,7 @@ constexpr std::chrono::milliseconds kStartupPoll{20};
 // The applications that have registered on the bus.
 std::vector<std::string> registeredNames(HLBus& bus) {
   std::vector<std::string> names;
-  const HLBusReply reply = bus.call({kRegistry, HLAccessibleRootPath, kAccessible, "GetChildren"});
+  const HLBusReply reply = bus.call({kRegistry, HLAccessibleRootPath, HLAccessibleInterface, "GetChildren"});
   if (!reply || sd_bus_message_enter_container(reply.message.get(), 'a', "(so)") <= 0) return names;
   const char* name = nullptr;
   const char* path = nullptr;

@@ -14,13 +14,13 @@
 
 #include "platform/linux/atspi/accessible_application.h"
 #include "platform/linux/atspi/atspi_observer.h"
+#include "platform/linux/session/bus.h"
 #include "platform/thread_safety.h"
 
 namespace {
 
 constexpr const char* kService = "org.a11y.Bus";
 constexpr const char* kServicePath = "/org/a11y/bus";
-constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 constexpr const char* kStatus = "org.a11y.Status";
 constexpr const char* kIsEnabled = "IsEnabled";
 // A service that has to be started first takes a while to answer.
@@ -285,7 +285,8 @@ std::shared_ptr<Source> connect(std::int32_t pid, HLRunningApplications& servers
 bool isTrusted() {
   const std::unique_ptr<HLBus> session = HLBus::openSession();
   if (session == nullptr) return false;
-  const HLBusReply reply = session->call({kService, kServicePath, kProperties, "Get"}, "ss", kStatus, kIsEnabled);
+  const HLBusReply reply =
+      session->call({kService, kServicePath, HLPropertiesInterface, "Get"}, "ss", kStatus, kIsEnabled);
   int enabled = 0;
   if (!reply || sd_bus_message_read(reply.message.get(), "v", "b", &enabled) <= 0 || enabled == 0) return false;
   const std::string address = HLAccessibilityBusAddress(*session);
@@ -298,7 +299,7 @@ bool switchOn() {
   (void)session->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "StartServiceByName"},
                       "su", kService, std::uint32_t{0});
   return static_cast<bool>(
-      session->call({kService, kServicePath, kProperties, "Set"}, "ssv", kStatus, kIsEnabled, "b", 1));
+      session->call({kService, kServicePath, HLPropertiesInterface, "Set"}, "ssv", kStatus, kIsEnabled, "b", 1));
 }
 
 }  // namespace

@@ -12,10 +12,8 @@
 
 namespace {
 
-constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 constexpr const char* kAction = "org.a11y.atspi.Action";
 constexpr const char* kComponent = "org.a11y.atspi.Component";
-constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 
 // The engine looks at so many elements of a window; a walk reads no more of one, and of three such windows in all.
 constexpr int kWindowLimit = 1400;
@@ -251,10 +249,10 @@ void Walk::adopt(std::vector<CacheItem>& items) {
 // Role and state first, since they tell what else is worth a round trip.
 void Walk::ask(int index) {
   const std::string path = pathOf(index);
-  bus_.start({application_, path, kAccessible, "GetRole"}, [this, index](const HLBusReply& reply) {
+  bus_.start({application_, path, HLAccessibleInterface, "GetRole"}, [this, index](const HLBusReply& reply) {
     if (reply) sd_bus_message_read_basic(reply.message.get(), 'u', &node(index).role);
   });
-  bus_.start({application_, path, kAccessible, "GetState"}, [this, index](const HLBusReply& reply) {
+  bus_.start({application_, path, HLAccessibleInterface, "GetState"}, [this, index](const HLBusReply& reply) {
     if (!reply) return;  // it has vanished
     node(index).states = readStates(reply.message.get());
     askForMore(index);
@@ -265,24 +263,24 @@ void Walk::askForMore(int index) {
   HLRawNode& known = node(index);
   known.hasExtents = true;
   known.hasActions = !isPassiveRole(known.role);
-  const HLBusCall property{application_, known.path, kProperties, "Get"};
+  const HLBusCall property{application_, known.path, HLPropertiesInterface, "Get"};
   if (!isContainerRole(known.role)) {
     const auto take = [this, index](const HLBusReply& reply) {
       if (reply) node(index).name = readPropertyText(reply.message.get());
     };
-    bus_.start(property, take, "ss", kAccessible, "Name");
+    bus_.start(property, take, "ss", HLAccessibleInterface, "Name");
   }
   if (!isContainerRole(known.role) && !isTextRole(known.role)) {
     const auto take = [this, index](const HLBusReply& reply) {
       if (reply) node(index).description = readPropertyText(reply.message.get());
     };
-    bus_.start(property, take, "ss", kAccessible, "Description");
+    bus_.start(property, take, "ss", HLAccessibleInterface, "Description");
   }
   if (wantsChildren(index) && !isLeafRole(known.role)) askForChildren(index);
 }
 
 void Walk::askForChildren(int index) {
-  const HLBusCall call{application_, pathOf(index), kAccessible, "GetChildren"};
+  const HLBusCall call{application_, pathOf(index), HLAccessibleInterface, "GetChildren"};
   bus_.start(call, [this, index](const HLBusReply& reply) {
     if (reply) takeChildren(index, reply.message.get());
   });

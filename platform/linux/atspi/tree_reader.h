@@ -7,6 +7,7 @@
 #include "platform/linux/atspi/raw_tree.h"
 #include "platform/linux/session/bus.h"
 
+inline constexpr const char* HLAccessibleInterface = "org.a11y.atspi.Accessible";
 inline constexpr const char* HLAccessibleRootPath = "/org/a11y/atspi/accessible/root";
 
 // Everything on screen but actions and extents; windows that are not showing are left out. Elements that vanish

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t kMostBytes = 1'000'000;
+constexpr std::size_t kMostFileBytes = 1'000'000;
 constexpr mode_t kDirectoryMode = 0700;  // as the XDG base directory rules have it
 
 int writeAll(int descriptor, std::string_view content) {
@@ -60,7 +60,7 @@ HLFileContent HLReadFile(const std::string& path) {
     if (count < 0) return {errno, ""};
     if (count == 0) return read;
     read.content.append(buffer.data(), static_cast<std::size_t>(count));
-    if (read.content.size() > kMostBytes) return {EFBIG, ""};
+    if (read.content.size() > kMostFileBytes) return {EFBIG, ""};
   }
 }
 

@@ -27,7 +27,7 @@ struct FreeXml {
 
 // Deeper values would cost the reader its stack, and are missing. The library's own stack is bounded by the size.
 constexpr int kDeepest = 500;
-constexpr std::size_t kMostBytes = 1'000'000;
+constexpr std::size_t kMostListBytes = 1'000'000;
 
 HLValue valueOf(plist_t node, int depth);
 
@@ -117,7 +117,7 @@ List listFromBinary(std::string_view bytes) {
 }  // namespace
 
 std::optional<HLValue> HLParsePropertyList(std::string_view bytes) {
-  if (bytes.size() > kMostBytes) return std::nullopt;
+  if (bytes.size() > kMostListBytes) return std::nullopt;
   const List list = bytes.starts_with("bplist00") ? listFromBinary(bytes) : listFromXml(bytes);
   if (list == nullptr) return std::nullopt;
   return valueOf(list.get(), 0);

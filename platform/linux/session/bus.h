@@ -11,6 +11,9 @@
 #include <optional>
 #include <string>
 
+inline constexpr const char* HLPropertiesInterface = "org.freedesktop.DBus.Properties";
+inline constexpr const char* HLNotificationService = "org.freedesktop.Notifications";
+
 // How long a peer may stay silent before a call is given up.
 inline constexpr std::chrono::milliseconds HLBusPatience{1000};
 

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr const char* kService = "org.freedesktop.Notifications";
 constexpr const char* kBundleIdentifier = "com.apple.notificationcenterui";
 
 HLBusCall toBus(const char* member) {
@@ -27,7 +26,7 @@ std::string executableOf(std::int32_t pid) {
 }
 
 std::optional<HLRunningApplication> owner(HLBus& session) {
-  const HLBusReply reply = session.call(toBus("GetConnectionUnixProcessID"), "s", kService);
+  const HLBusReply reply = session.call(toBus("GetConnectionUnixProcessID"), "s", HLNotificationService);
   std::uint32_t pid = 0;
   if (!reply || sd_bus_message_read_basic(reply.message.get(), 'u', &pid) <= 0) return std::nullopt;
   HLRunningApplication application;
@@ -43,7 +42,7 @@ bool isActivatable(HLBus& session) {
   if (!reply || sd_bus_message_enter_container(reply.message.get(), 'a', "s") <= 0) return false;
   const char* name = nullptr;
   while (sd_bus_message_read_basic(reply.message.get(), 's', &name) > 0) {
-    if (std::string_view(name) == kService) return true;
+    if (std::string_view(name) == HLNotificationService) return true;
   }
   return false;
 }
@@ -70,7 +69,8 @@ bool isSameServer(std::int32_t pid, const std::vector<std::string>& command) {
 // must: what ends may be the whole desktop, and what comes instead may be another's server.
 bool wouldComeBack(HLBus& session, std::int32_t pid) {
   if (!isActivatable(session)) return false;
-  const std::vector<std::vector<std::string>> commands = HLActivationCommands(HLServiceDirectories(), kService);
+  const std::vector<std::vector<std::string>> commands =
+      HLActivationCommands(HLServiceDirectories(), HLNotificationService);
   return !commands.empty() &&
          std::all_of(commands.begin(), commands.end(),
                      [pid](const std::vector<std::string>& command) { return isSameServer(pid, command); });
@@ -85,7 +85,7 @@ std::vector<HLRunningApplication> HLLinuxRunningApplications::list() {
   const HLLock lock(mutex_);
   if (!server && signalled_ != nullptr && signalled_->hasEnded()) {
     // The answer comes when the successor is up; where it takes longer, a later list() sees it.
-    (void)session->call(toBus("StartServiceByName"), "su", kService, 0U);
+    (void)session->call(toBus("StartServiceByName"), "su", HLNotificationService, 0U);
     signalled_ = nullptr;
     server = owner(*session);
   }
@@ -106,7 +106,7 @@ void HLLinuxRunningApplications::observeLaunches(std::function<void(const HLRunn
   if (events == nullptr || !events->watch(std::string("type='signal',sender='org.freedesktop.DBus',"
                                                       "interface='org.freedesktop.DBus',member='NameOwnerChanged',"
                                                       "arg0='") +
-                                          kService + "'")) {
+                                          HLNotificationService + "'")) {
     return;
   }
   const int descriptor = events->descriptor();

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr const char* kService = "org.freedesktop.Notifications";
 // A service that the bus has to start first takes a while to answer.
 constexpr std::chrono::seconds kStartPatience{10};
 
@@ -23,17 +22,17 @@ bool haveService(HLBus& bus) {
   const auto ask = [](const char* member) -> HLBusCall {
     return {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member};
   };
-  const HLBusReply owned = bus.call(ask("NameHasOwner"), "s", kService);
+  const HLBusReply owned = bus.call(ask("NameHasOwner"), "s", HLNotificationService);
   int isOwned = 0;
   if (owned && sd_bus_message_read_basic(owned.message.get(), 'b', &isOwned) > 0 && isOwned != 0) return true;
-  return static_cast<bool>(bus.call(ask("StartServiceByName"), "su", kService, std::uint32_t{0}));
+  return static_cast<bool>(bus.call(ask("StartServiceByName"), "su", HLNotificationService, std::uint32_t{0}));
 }
 
 void post(const HLUserNotification& notification) {
   const std::unique_ptr<HLBus> bus = HLBus::openSession(kStartPatience);
   if (bus == nullptr) return;
   if (!haveService(*bus)) return;
-  const HLBusCall notify{kService, "/org/freedesktop/Notifications", kService, "Notify"};
+  const HLBusCall notify{HLNotificationService, "/org/freedesktop/Notifications", HLNotificationService, "Notify"};
   const auto none = static_cast<unsigned>(0);
   const char* sound = notification.sound ? "message-new-instant" : "";
   (void)bus->call(notify, "susssasa{sv}i", "Hushlet", std::uint32_t{0}, "", notification.title.c_str(),

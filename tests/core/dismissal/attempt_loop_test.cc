@@ -19,8 +19,8 @@ using Lines = std::vector<std::string>;
 using Counts = std::vector<std::int64_t>;
 
 // One run over a window with these members, and everything that came of it.
-struct Dismissal {
-  explicit Dismissal(std::string_view members, std::string_view timeline = "")
+struct LoopRun {
+  explicit LoopRun(std::string_view members, std::string_view timeline = "")
       : desktop(NotificationCenterScene(R"({"id": "window", "children": [)" + std::string(members) + "]}",
                                         R"(, "timeline": [)" + std::string(timeline) + "]")) {
     HLSetProgressHandler([this](std::int64_t count) { counts.push_back(count); });
@@ -46,7 +46,7 @@ std::size_t countStarting(const Lines& log, std::string_view beginning) {
 }
 
 TEST(AttemptLoop, WithoutTargetsReportsZeroAndPressesNothing) {
-  const Dismissal run(R"({"title": "hello"})");
+  const LoopRun run(R"({"title": "hello"})");
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusNothing, 0, 0}));
   EXPECT_EQ(run.maxAlertsPerApp, 0);
   EXPECT_EQ(run.counts, Counts{0});
@@ -56,7 +56,7 @@ TEST(AttemptLoop, WithoutTargetsReportsZeroAndPressesNothing) {
 }
 
 TEST(AttemptLoop, TargetsThatAllGoAfterOneBatchAreASuccess) {
-  const Dismissal run(R"(
+  const LoopRun run(R"(
     {"id": "low", "title": "low", "description": "Mail, one", "actions": ["Name:Close"], "closes": "low",
      "frame": [0, 90, 9, 9]},
     {"id": "high", "title": "high", "description": "Mail, two", "actions": ["Name:Close"], "closes": "high",
@@ -81,7 +81,7 @@ TEST(AttemptLoop, TargetsThatAllGoAfterOneBatchAreASuccess) {
 }
 
 TEST(AttemptLoop, ATargetWhosePressRemovesNothingIsTriedOnce) {
-  const Dismissal run(R"({"id": "stuck", "title": "stuck", "actions": ["Name:Close"]})");
+  const LoopRun run(R"({"id": "stuck", "title": "stuck", "actions": ["Name:Close"]})");
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusFailed, 0, 1}));
   EXPECT_EQ(run.pressed, "stuck");
   EXPECT_EQ(run.counts, (Counts{1, 0}));
@@ -99,7 +99,7 @@ TEST(AttemptLoop, ATargetWhosePressRemovesNothingIsTriedOnce) {
 }
 
 TEST(AttemptLoop, WhenNoActionIsAcceptedTheRunHasFailed) {
-  const Dismissal run(
+  const LoopRun run(
       R"({"repeat": 2, "id": "deaf{n}", "title": "deaf{n}", "actions": ["Clear"],
           "onAction": {"Clear": {"error": -25204}}})",
       R"({"at": 0.05, "remove": "deaf1"})");
@@ -116,7 +116,7 @@ TEST(AttemptLoop, WhenNoActionIsAcceptedTheRunHasFailed) {
 }
 
 TEST(AttemptLoop, WhatIsLeftAfterAFailedBatchIsCountedAfresh) {
-  const Dismissal run(
+  const LoopRun run(
       R"({"id": "deaf", "title": "deaf", "actions": ["Clear"],
           "onAction": {"Clear": {"error": -25204, "seconds": 1}}})",
       R"({"at": 0.5, "add": {"title": "new", "actions": ["Clear"]}, "to": "window"})");
@@ -125,7 +125,7 @@ TEST(AttemptLoop, WhatIsLeftAfterAFailedBatchIsCountedAfresh) {
 }
 
 TEST(AttemptLoop, ATargetThatFailedIsNotTriedAgainBesideOthersThatWork) {
-  const Dismissal run(R"(
+  const LoopRun run(R"(
     {"id": "deaf", "title": "deaf", "actions": ["Close"], "onAction": {"Close": {"error": -25204}}},
     {"id": "good", "title": "good", "actions": ["Close"], "closes": "good"})");
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusFailed, 1, 1}));
@@ -134,7 +134,7 @@ TEST(AttemptLoop, ATargetThatFailedIsNotTriedAgainBesideOthersThatWork) {
 }
 
 TEST(AttemptLoop, OnlyTargetsWithoutEffectAreLeftOutOfTheNextBatch) {
-  const Dismissal run(R"(
+  const LoopRun run(R"(
     {"id": "stuck", "title": "stuck", "actions": ["Close"]},
     {"id": "good", "title": "good", "actions": ["Close"], "onAction": {"Close": {"effects": [{"remove": "good"},
       {"add": {"id": "next", "title": "next", "actions": ["Close"], "closes": "next"}, "to": "window"}]}}})");
@@ -147,7 +147,7 @@ TEST(AttemptLoop, OnlyTargetsWithoutEffectAreLeftOutOfTheNextBatch) {
 
 TEST(AttemptLoop, ATargetWithAnotherActionOrTextIsANewOne) {
   // That the letter case of the action changes is no progress, but another key.
-  const Dismissal run(R"({"id": "stuck", "title": "stuck", "actions": ["Name:Close", "Name:CLOSE"],
+  const LoopRun run(R"({"id": "stuck", "title": "stuck", "actions": ["Name:Close", "Name:CLOSE"],
       "onAction": {"Name:Close": {"effects": [{"set": "stuck", "attribute": "actions", "value": ["Name:CLOSE"]}]}}})");
   EXPECT_EQ(run.pressed, "stuck stuck");
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusFailed, 0, 1}));
@@ -155,8 +155,8 @@ TEST(AttemptLoop, ATargetWithAnotherActionOrTextIsANewOne) {
 }
 
 TEST(AttemptLoop, ATargetThatCameMeanwhileIsTriedAndTheIneffectiveOneIsNot) {
-  const Dismissal run(R"({"id": "stuck", "title": "stuck", "actions": ["Close"]})",
-                      R"({"at": 0.4, "add": {"id": "late", "title": "late one", "actions": ["Close"], "closes": "late"},
+  const LoopRun run(R"({"id": "stuck", "title": "stuck", "actions": ["Close"]})",
+                    R"({"at": 0.4, "add": {"id": "late", "title": "late one", "actions": ["Close"], "closes": "late"},
           "to": "window"})");
   EXPECT_EQ(run.pressed, "stuck late");
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusFailed, 1, 1}));
@@ -165,7 +165,7 @@ TEST(AttemptLoop, ATargetThatCameMeanwhileIsTriedAndTheIneffectiveOneIsNot) {
 
 TEST(AttemptLoop, TargetsOfADuplicateControlAreGoneWithIt) {
   // Both lead to one close button; pressing it once removes both.
-  const Dismissal run(R"({"id": "both", "children": [
+  const LoopRun run(R"({"id": "both", "children": [
       {"id": "a", "role": "AXGroup", "description": "stacked close a", "frame": [0, 0, 360, 80], "actions": ["AXPress"],
        "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["AXPress"], "closes": "both"}}}},
       {"id": "b", "role": "AXGroup", "description": "stacked close b", "frame": [0, 90, 360, 80],
@@ -177,7 +177,7 @@ TEST(AttemptLoop, TargetsOfADuplicateControlAreGoneWithIt) {
 
 TEST(AttemptLoop, NewAlertsMeanwhileLowerTheCount) {
   // One of five goes, three come: the difference of the unsigned counts wraps, and wins.
-  const Dismissal run(R"(
+  const LoopRun run(R"(
     {"repeat": 4, "id": "s{n}", "title": "stuck{n}", "actions": ["Close"]},
     {"id": "good", "title": "good", "actions": ["Close"], "onAction": {"Close": {"effects": [{"remove": "good"},
       {"add": {"title": "new1", "actions": ["Close"]}, "to": "window"},
@@ -188,7 +188,7 @@ TEST(AttemptLoop, NewAlertsMeanwhileLowerTheCount) {
 }
 
 TEST(AttemptLoop, OneReplacedByOneCountsAsOne) {
-  const Dismissal run(R"(
+  const LoopRun run(R"(
     {"id": "a", "title": "a", "actions": ["Close"], "onAction": {"Close": {"effects": [{"remove": "a"}, {"remove": "b"},
       {"add": {"id": "c", "title": "c", "actions": ["Close"], "closes": "c"}, "to": "window"}]}}},
     {"id": "b", "title": "b", "actions": ["Close"]})");
@@ -197,7 +197,7 @@ TEST(AttemptLoop, OneReplacedByOneCountsAsOne) {
 }
 
 TEST(AttemptLoop, StopsAfter64AttemptsAsASuccess) {
-  const Dismissal run(ChainOfControls(66, "Mail"));
+  const LoopRun run(ChainOfControls(66, "Mail"));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 64, 1}));
   EXPECT_EQ(countStarting(run.log, "attempt iteration="), 64U);
   EXPECT_EQ(countStarting(run.log, "attempt iteration=63 "), 1U);
@@ -208,17 +208,17 @@ TEST(AttemptLoop, StopsAfter64AttemptsAsASuccess) {
 }
 
 TEST(AttemptLoop, TheLimitComesBeforeTheQuestionWhetherAnythingIsLeft) {
-  const Dismissal run(ChainOfControls(64, "Mail"));
+  const LoopRun run(ChainOfControls(64, "Mail"));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 64, 0}));
   EXPECT_EQ(run.log.back(), "scan root=window-0 visited=1 candidates=0");
   EXPECT_EQ(run.log[run.log.size() - 2], "batch progress before=1 after=0 removed=1");
-  const Dismissal shorter(ChainOfControls(63, "Mail"));
+  const LoopRun shorter(ChainOfControls(63, "Mail"));
   EXPECT_EQ(shorter.result, (HLDismissResult{HLDismissStatusSuccess, 63, 0}));
   EXPECT_EQ(shorter.log.back(), "batch progress before=1 after=0 removed=1");
 }
 
 TEST(AttemptLoop, TheMaximumIsThatOfTheStart) {
-  const Dismissal run(
+  const LoopRun run(
       R"({"repeat": 3, "id": "b{n}", "title": "t{n}", "description": "Mail, {n}", "actions": ["Close"],
           "closes": "b{n}"})");
   EXPECT_EQ(run.maxAlertsPerApp, 3);

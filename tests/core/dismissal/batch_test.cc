@@ -26,7 +26,7 @@ using Lines = std::vector<std::string>;
 using Counts = std::vector<std::int64_t>;
 
 constexpr HLRect kSmall = {0, 0, 16, 16};
-constexpr HLRect kLarge = {0, 0, 360, 80};
+constexpr HLRect kLargeFrame = {0, 0, 360, 80};
 
 HLDismissTarget targetOf(HLElementRef element, std::string action, std::string snapshot, HLRect frame = kSmall) {
   return {std::move(element), std::move(action), frame, 70, std::move(snapshot), "reason"};
@@ -200,9 +200,9 @@ TEST(DismissBatch, EqualityIsThatOfTheResolvedElements) {
      "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["AXPress"]}}}},
     {"id": "b", "frame": [0, 0, 360, 80], "attributes": {"AXCloseButton": {"ref": "x"}}})"));
   HLKeySet ineffective;
-  const auto accepted = HLRunDismissBatch(
-      {targetOf(desktop.element("a"), "AXPress", "a", kLarge), targetOf(desktop.element("b"), "AXPress", "b", kLarge)},
-      ineffective);
+  const auto accepted = HLRunDismissBatch({targetOf(desktop.element("a"), "AXPress", "a", kLargeFrame),
+                                           targetOf(desktop.element("b"), "AXPress", "b", kLargeFrame)},
+                                          ineffective);
   EXPECT_EQ(snapshots(accepted), Lines{"a"});
   const auto actions = desktop.simulator().actions();
   ASSERT_EQ(actions.size(), 1U);
@@ -214,7 +214,7 @@ TEST(DismissBatch, PressesTheResolvedControlAndReturnsThePreparedTarget) {
       "actions": ["AXPress"], "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["Name:Clear"]}}}})"));
   HLKeySet ineffective;
   const auto accepted =
-      HLRunDismissBatch({targetOf(desktop.element("banner"), "AXPress", "mail", kLarge)}, ineffective);
+      HLRunDismissBatch({targetOf(desktop.element("banner"), "AXPress", "mail", kLargeFrame)}, ineffective);
   EXPECT_EQ(Describe(accepted), Lines{"AXPress 70 (0,0,360,80) [mail] reason"});
   const auto actions = desktop.simulator().actions();
   ASSERT_EQ(actions.size(), 1U);
@@ -230,7 +230,8 @@ TEST(DismissBatch, AFailedActionMarksThePreparedAndTheResolvedTarget) {
       "actions": ["AXPress"], "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["AXPress"],
         "onAction": {"AXPress": {"error": -25204}}}}}})"));
   HLKeySet ineffective = {"kept|from before"};
-  EXPECT_TRUE(HLRunDismissBatch({targetOf(desktop.element("banner"), "AXPress", "Mail", kLarge)}, ineffective).empty());
+  EXPECT_TRUE(
+      HLRunDismissBatch({targetOf(desktop.element("banner"), "AXPress", "Mail", kLargeFrame)}, ineffective).empty());
   EXPECT_EQ(ineffective, (HLKeySet{"AXPress|Mail", "AXPress|axclosebutton", "kept|from before"}));
   EXPECT_EQ(desktop.diagnostics(), Lines{"batch actions eligible=1 attempted=0 clear=0 close=0 failed=1 "
                                          "resolutionMs=0 actionWallMs=0 actionSumMs=0"});
@@ -285,7 +286,7 @@ TEST(DismissBatch, MeasuresTheTimeOfResolvingApartFromThatOfPressing) {
       HLCurrentPlatform().runLoop->sleep(0.1);
       return HLAXErrorSuccess;
     };
-    eligible.push_back(targetOf(slow, "AXPress", "slow", kLarge));
+    eligible.push_back(targetOf(slow, "AXPress", "slow", kLargeFrame));
   }
   HLKeySet ineffective;
   EXPECT_EQ(HLRunDismissBatch(eligible, ineffective).size(), 2U);
@@ -299,9 +300,9 @@ TEST(DismissBatch, AllTargetsAreResolvedBeforeTheFirstActionStarts) {
     {"id": "banner", "frame": [0, 0, 360, 80], "actions": ["AXPress"],
      "children": [{"id": "x", "title": "close", "frame": [0, 0, 16, 16], "actions": ["AXPress"]}]})"));
   HLKeySet ineffective;
-  (void)HLRunDismissBatch(
-      {targetOf(desktop.element("first"), "AXPress", "a"), targetOf(desktop.element("banner"), "AXPress", "b", kLarge)},
-      ineffective);
+  (void)HLRunDismissBatch({targetOf(desktop.element("first"), "AXPress", "a"),
+                           targetOf(desktop.element("banner"), "AXPress", "b", kLargeFrame)},
+                          ineffective);
   const auto actions = desktop.simulator().actions();
   ASSERT_EQ(actions.size(), 2U);
   EXPECT_EQ(actions[1].element, "x");

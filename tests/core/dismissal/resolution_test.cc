@@ -18,7 +18,7 @@ HLDismissTarget pressOf(HLElementRef element, HLRect frame, std::string action =
   return {std::move(element), std::move(action), frame, 70, "as found", "as scored"};
 }
 
-constexpr HLRect kLarge = {0, 0, 360, 80};
+constexpr HLRect kGroupFrame = {0, 0, 360, 80};
 
 // A large group with these further keys, and what the searches make of it.
 class Group {
@@ -26,7 +26,7 @@ class Group {
   explicit Group(std::string_view keys)
       : desktop_(NotificationCenterScene(R"({"id": "group", "frame": [0, 0, 360, 80])" + std::string(keys) + "}")) {}
 
-  std::string resolved() { return Describe(HLResolvedTarget(pressOf(desktop_.element("group"), kLarge))); }
+  std::string resolved() { return Describe(HLResolvedTarget(pressOf(desktop_.element("group"), kGroupFrame))); }
   std::string attributeTarget() { return Describe(HLCloseControlAttributeTarget(*desktop_.element("group"))); }
   std::string focused() { return Describe(HLFocusedDismissControlInSubtree(desktop_.element("group"))); }
   HLElementRef element(std::string_view id) { return desktop_.element(id); }
@@ -46,13 +46,13 @@ std::string focusedAlone(std::string_view member) {
 TEST(Resolution, ATargetWithADismissActionIsPressedAsItIsHoweverLarge) {
   Group group(R"(, "attributes": {"AXCloseButton": {"element": {"title": "x", "actions": ["AXPress"]}}})");
   for (const char* action : {"Name:Close", "CLOSE", "dismiss", "AXDismiss", "Clear All", "unclear"}) {
-    const HLDismissTarget target = pressOf(group.element("group"), kLarge, action);
+    const HLDismissTarget target = pressOf(group.element("group"), kGroupFrame, action);
     const HLDismissTarget same = HLResolvedTarget(target);
     EXPECT_EQ(Describe(same), Describe(target));
     EXPECT_EQ(same.element, target.element);
   }
   for (const char* action : {"AXPress", "xmark", "AXCancel", ""}) {
-    EXPECT_EQ(HLResolvedTarget(pressOf(group.element("group"), kLarge, action)).reason,
+    EXPECT_EQ(HLResolvedTarget(pressOf(group.element("group"), kGroupFrame, action)).reason,
               "attribute-control:AXCloseButton")
         << action;
   }
@@ -95,11 +95,11 @@ TEST(Resolution, ElseTheTargetItself) {
 }
 
 TEST(Resolution, KeepsATargetWithoutAnElement) {
-  EXPECT_EQ(Describe(HLResolvedTarget(pressOf(nullptr, kLarge))), "AXPress 70 (0,0,360,80) [as found] as scored");
+  EXPECT_EQ(Describe(HLResolvedTarget(pressOf(nullptr, kGroupFrame))), "AXPress 70 (0,0,360,80) [as found] as scored");
 }
 
 TEST(Resolution, AVanishedElementIsPressedAsItIs) {
-  EXPECT_EQ(Describe(HLResolvedTarget(pressOf(std::make_shared<FakeElement>(), kLarge))),
+  EXPECT_EQ(Describe(HLResolvedTarget(pressOf(std::make_shared<FakeElement>(), kGroupFrame))),
             "AXPress 70 (0,0,360,80) [as found] as scored");
 }
 

@@ -1,6 +1,10 @@
 // A simulated desktop as the platform's tests use it: a scene, and short ways to look at it.
 #pragma once
 
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -16,6 +20,13 @@
 #include "platform/run_loop.h"
 #include "platform/running_applications.h"
 #include "platform/sim/simulator.h"
+
+// A path for a file of this process's. No file is there.
+inline std::string FreshPath(const std::string& name) {
+  const std::string path = testing::TempDir() + "sim_test." + std::to_string(getpid()) + "." + name;
+  std::remove(path.c_str());
+  return path;
+}
 
 class Desktop {
  public:

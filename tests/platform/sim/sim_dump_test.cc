@@ -25,12 +25,6 @@ std::vector<std::string> linesOf(const std::string& path) {
   return lines;
 }
 
-std::string freshPath(const std::string& name) {
-  const std::string path = testing::TempDir() + "sim_dump_test." + std::to_string(getpid()) + "." + name;
-  std::remove(path.c_str());
-  return path;
-}
-
 TEST(Dump, OfAProgramThatHasDoneNothing) {
   MenuBar program("{}");
   EXPECT_EQ(program.dump(), json::parse(R"({"at": 0, "statusItem": {"title": "", "image": null, "template": false,
@@ -40,7 +34,7 @@ TEST(Dump, OfAProgramThatHasDoneNothing) {
 }
 
 TEST(Dump, IsOneLineThatIsAppendedInItsTurn) {
-  const std::string path = freshPath("dumps");
+  const std::string path = FreshPath("dumps");
   std::ofstream(path) << "before\n";
   MenuBar program(Timeline(R"({"at": 1.23456, "click": "left"}, {"at": 1.23456, "dump": ")" + path +
                            R"("}, {"at": 1.23456, "click": "left"}, {"at": 2, "dump": ")" + path + R"("})"));
@@ -152,7 +146,7 @@ TEST(Dump, ShowsObserversAndNotifications) {
 }
 
 TEST(Record, IsTheDumpWithActionsAndElements) {
-  const std::string path = freshPath("record");
+  const std::string path = FreshPath("record");
   {
     MenuBar program(Scene(R"({"id": "w", "actions": ["AXPress"]}, {"id": "v"})",
                           R"(, "record": ")" + path + R"(", "timeline": [{"at": 1, "remove": "v"}])"));

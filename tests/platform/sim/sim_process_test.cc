@@ -24,12 +24,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // A file's name in a place of the test's own, without the file.
-std::string freshPath(const std::string& name) {
-  const std::string path = testing::TempDir() + "sim_process_test." + std::to_string(getpid()) + "." + name;
-  std::remove(path.c_str());
-  return path;
-}
-
 std::string content(const std::string& path) {
   std::ostringstream text;
   text << std::ifstream(path).rdbuf();
@@ -144,7 +138,7 @@ TEST_F(SimulatedUserNotifications, AreKeptAndAnsweredAsTheSceneSays) {
 // The record
 
 TEST(Record, IsALineAddedToItsFileAtTheEnd) {
-  const std::string path = freshPath("record");
+  const std::string path = FreshPath("record");
   std::ofstream(path) << "before\n";
   {
     Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "children": [{"id": "a", "actions": ["Close\n"],
@@ -167,7 +161,7 @@ TEST(Record, IsALineAddedToItsFileAtTheEnd) {
 }
 
 TEST(Record, ListsTheObserversThatAreStillThere) {
-  const std::string path = freshPath("observers");
+  const std::string path = FreshPath("observers");
   const HLObserverCallback nothing = [](const HLElementRef&, std::string_view) {};
   std::unique_ptr<HLObserver> kept;
   {
@@ -184,7 +178,7 @@ TEST(Record, ListsTheObserversThatAreStillThere) {
 }
 
 TEST(Record, ListsTheNotificationsThatTheProgramPosted) {
-  const std::string path = freshPath("notifications");
+  const std::string path = FreshPath("notifications");
   {
     Desktop desktop(R"({"record": ")" + path + "\"}");
     desktop.simulator().platform().userNotifications->add({"id", "title", "body", 2, true}, [](const auto&) {});
@@ -235,7 +229,7 @@ TEST_F(Host, ShowsTheBuiltInEveningWhereNoSceneIsNamed) {
 }
 
 TEST_F(Host, ShowsTheSceneThatTheEnvironmentNames) {
-  const std::string path = freshPath("scene.json");
+  const std::string path = FreshPath("scene.json");
   std::ofstream(path) << R"({"applications": [{"pid": 77}]})";
   setenv("HUSHLET_SCENE", path.c_str(), 1);
   const auto made = make();
@@ -245,7 +239,7 @@ TEST_F(Host, ShowsTheSceneThatTheEnvironmentNames) {
 }
 
 TEST_F(Host, PrintsTheScreenAtTheStartAndAtTheEndWhereTheEnvironmentWantsIt) {
-  const std::string path = freshPath("scene.json");
+  const std::string path = FreshPath("scene.json");
   std::ofstream(path) << Scene(R"({"id": "w", "role": "AXWindow", "title": "Gone", "frame": [0, 0, 400, 100]})",
                                R"(, "timeline": [{"at": 1, "remove": "w"}])");
   setenv("HUSHLET_SCENE", path.c_str(), 1);
@@ -264,7 +258,7 @@ TEST_F(Host, PrintsTheScreenAtTheStartAndAtTheEndWhereTheEnvironmentWantsIt) {
 }
 
 TEST_F(Host, IsNotThereForASceneThatCannotBeRead) {
-  const std::string path = freshPath("bad.json");
+  const std::string path = FreshPath("bad.json");
   std::ofstream(path) << R"({"applications": [{"pid": 77, "windows": [{}, {"frame": [1]}]}]})";
   EXPECT_EQ(failureWith(path), path + ": applications[0].windows[1].frame: expected four numbers");
   std::ofstream(path) << "";

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr int kSizes[] = {16, 24, 32, 48, 64, 128};
-constexpr double kGrid = 128;
+constexpr int kIconSizes[] = {16, 24, 32, 48, 64, 128};
+constexpr double kIconGrid = 128;
 
 QLinearGradient downwards(double top, double bottom, const QColor& first, const QColor& last) {
   QLinearGradient gradient(0, top, 0, bottom);
@@ -27,7 +27,7 @@ QImage HLDrawApplicationIcon(int size) {
   image.fill(Qt::transparent);
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.scale(size / kGrid, size / kGrid);
+  painter.scale(size / kIconGrid, size / kIconGrid);
   painter.setPen(QPen(QColor(255, 255, 255, 46), 1));
   painter.setBrush(downwards(8, 120, QColor(0x4B, 0x5F, 0xC4), QColor(0x27, 0x30, 0x6E)));
   painter.drawRoundedRect(QRectF(8.5, 8.5, 111, 111), 25.5, 25.5);
@@ -43,6 +43,6 @@ QImage HLDrawApplicationIcon(int size) {
 
 QIcon HLApplicationIcon() {
   QIcon icon;
-  for (int size : kSizes) icon.addPixmap(QPixmap::fromImage(HLDrawApplicationIcon(size)));
+  for (int size : kIconSizes) icon.addPixmap(QPixmap::fromImage(HLDrawApplicationIcon(size)));
   return icon;
 }

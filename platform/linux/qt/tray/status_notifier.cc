@@ -20,7 +20,7 @@ namespace {
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
 constexpr const char* kItemPath = "/StatusNotifierItem";
-constexpr int kSizes[] = {16, 22, 24, 32, 44, 48, 64};
+constexpr int kPixmapSizes[] = {16, 22, 24, 32, 44, 48, 64};
 
 HLNotifierPicture pictureOf(QImage image) {
   image.convertTo(QImage::Format_ARGB32);
@@ -133,7 +133,7 @@ void HLStatusNotifier::click(std::int64_t type, QPoint place) {
 
 QList<HLNotifierPicture> HLStatusNotifierAdaptor::iconPixmap() const {
   QList<HLNotifierPicture> pictures;
-  for (int size : kSizes) pictures.append(pictureOf(owner_->item_.draw(size, HLTrayLightColor)));
+  for (int size : kPixmapSizes) pictures.append(pictureOf(owner_->item_.draw(size, HLTrayLightColor)));
   return pictures;
 }
 

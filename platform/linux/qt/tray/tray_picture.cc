@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr double kGrid = 16;
+constexpr double kPictureGrid = 16;
 constexpr double kContourWidth = 1.0;  // in pixels, on each side
 constexpr int kContourStrength = 120;
 constexpr double kGap = 1.1;         // between a number and the symbol behind it, on the grid
@@ -122,9 +122,9 @@ QPainterPath titlePath(const QString& title) {
 QPainterPath withNumber(const QPainterPath& symbol, const QString& number) {
   const QPainterPath digits = textPath(number);
   const QRectF bounds = digits.boundingRect();
-  const double scale = std::min(kNumberHeight / bounds.height(), kGrid / bounds.width());
+  const double scale = std::min(kNumberHeight / bounds.height(), kPictureGrid / bounds.width());
   QTransform corner;
-  corner.translate(kGrid - bounds.right() * scale, kGrid - bounds.bottom() * scale);
+  corner.translate(kPictureGrid - bounds.right() * scale, kPictureGrid - bounds.bottom() * scale);
   corner.scale(scale, scale);
   const QPainterPath placed = corner.map(digits);
   QTransform smaller;
@@ -161,7 +161,7 @@ QImage HLDrawTrayPicture(const HLTrayLook& look, int size, const QColor& color) 
   QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QTransform grid;
-  const double scale = (size - 2 * kContourWidth) / kGrid;
+  const double scale = (size - 2 * kContourWidth) / kPictureGrid;
   grid.translate(kContourWidth, kContourWidth);
   grid.scale(scale, scale);
   const QPainterPath path = grid.map(pathOf(look));

@@ -5,8 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -27,8 +25,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
-
-constexpr uid_t kNobody = 65534;
 
 class Preferences : public testing::Test {
  protected:
@@ -56,19 +52,11 @@ class Preferences : public testing::Test {
   // By a user whom permissions stop; returns what the action returned there.
   std::string withoutPrivileges(const std::function<std::string()>& action) {
     fs::permissions(directory_.path(), fs::perms::all);
-    return InChildProcess([&action]() -> std::string {
-      if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) return "cannot become nobody";
-      return action();
-    });
+    return InUnprivilegedChildProcess(action);
   }
 
   TemporaryDirectory directory_;
 };
-
-mode_t modeOf(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777U : 0;
-}
 
 TEST_F(Preferences, StandInTheConfigurationDirectory) {
   FakeProcess process("/home/ada");
@@ -113,11 +101,11 @@ TEST_F(Preferences, FallBackOnWhatIsRegisteredWhichIsNotStored) {
 TEST_F(Preferences, AreForTheirUserOnly) {
   HLLinuxUserDefaults defaults(file());
   defaults.setValue("code", std::int64_t{1});
-  EXPECT_EQ(modeOf(file()), 0600U);
-  EXPECT_EQ(modeOf(folder()), 0700U);
+  EXPECT_EQ(FileMode(file()), 0600U);
+  EXPECT_EQ(FileMode(folder()), 0700U);
   fs::permissions(file(), fs::perms::all);
   defaults.setValue("code", std::int64_t{2});
-  EXPECT_EQ(modeOf(file()), 0600U);
+  EXPECT_EQ(FileMode(file()), 0600U);
 }
 
 TEST_F(Preferences, OfOthersInTheFileStayAsTheyAre) {

@@ -1,7 +1,6 @@
 // Starting with the session.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -175,9 +174,7 @@ TEST_F(LoginItem, SaysWhyItCannotBeChanged) {
   fs::permissions(directory_.path() + "/.config", fs::perms::all);
   fs::permissions(folder,
                   fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read | fs::perms::others_exec);
-  const std::string said = InChildProcess([this]() -> std::string {
-    constexpr uid_t kNobody = 65534;
-    if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) return "cannot become nobody";
+  const std::string said = InUnprivilegedChildProcess([this]() -> std::string {
     std::string text;
     for (const HLLoginItemOutcome& outcome : {item_.registerItem(), item_.unregisterItem()}) {
       text += outcome.ok ? "ok\n" : outcome.error.value_or("no error") + "\n";

@@ -240,12 +240,12 @@ class WaylandHotKeys : public testing::Test {
   std::vector<std::uint32_t> fired_;
 };
 
-constexpr std::uint32_t kN = 45;
-constexpr std::uint32_t kThree = HLHotKeyCommand | HLHotKeyOption | HLHotKeyControl;
+constexpr std::uint32_t kKeyN = 45;
+constexpr std::uint32_t kThreeModifiers = HLHotKeyCommand | HLHotKeyOption | HLHotKeyControl;
 
 TEST_F(WaylandHotKeys, AreWishedForAndFireWhenThePortalSaysSo) {
   Portal portal(Manner::willing);
-  const HLHotKeyRegistration registration = add(kN, kThree, 7);
+  const HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers, 7);
   ASSERT_EQ(registration.status, 0);
   EXPECT_THAT(portal.bound(), ElementsAre("dismiss-CTRL+ALT+LOGO+n|CTRL+ALT+LOGO+n|Clear notifications"));
   const std::string session = portal.sessions().front();
@@ -260,19 +260,19 @@ TEST_F(WaylandHotKeys, AreKnownAgainAfterARestartByProgramAndCombination) {
   Portal portal(Manner::willing);
   const auto nameOfOne = [&](std::uint32_t code) {
     HLQtHotKeys keys(loop_, "com.example.the-program");
-    EXPECT_EQ(keys.registerHotKey(code, kThree, {"HLhk", 1}).status, 0);
+    EXPECT_EQ(keys.registerHotKey(code, kThreeModifiers, {"HLhk", 1}).status, 0);
     const std::string session = portal.sessions().back();
     const std::string shortcut = portal.bound().back();
     return session.substr(session.rfind('/') + 1) + " " + shortcut.substr(0, shortcut.find('|'));
   };
-  EXPECT_EQ(nameOfOne(kN), "com_example_the_program dismiss-CTRL+ALT+LOGO+n");
-  EXPECT_EQ(nameOfOne(kN), "com_example_the_program dismiss-CTRL+ALT+LOGO+n");
+  EXPECT_EQ(nameOfOne(kKeyN), "com_example_the_program dismiss-CTRL+ALT+LOGO+n");
+  EXPECT_EQ(nameOfOne(kKeyN), "com_example_the_program dismiss-CTRL+ALT+LOGO+n");
   EXPECT_EQ(nameOfOne(40), "com_example_the_program dismiss-CTRL+ALT+LOGO+k") << "with other keys it is another one";
 }
 
 TEST_F(WaylandHotKeys, AreNotAskedForAgainWhereTheSessionBindsThem) {
   Portal portal(Manner::early);
-  const HLHotKeyRegistration registration = add(kN, kThree, 7);
+  const HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers, 7);
   ASSERT_EQ(registration.status, 0);
   EXPECT_THAT(portal.bound(), ElementsAre("dismiss-CTRL+ALT+LOGO+n|CTRL+ALT+LOGO+n|Clear notifications"));
   portal.activate(portal.sessions().front(), "dismiss-CTRL+ALT+LOGO+n");
@@ -287,13 +287,13 @@ TEST_F(WaylandHotKeys, AreNamedAsThePortalNamesKeys) {
   kept.push_back(add(49, HLHotKeyControl));
   EXPECT_THAT(portal.bound(), ElementsAre(testing::HasSubstr("|F5|"), testing::HasSubstr("|SHIFT+LOGO+Escape|"),
                                           testing::HasSubstr("|CTRL+space|")));
-  EXPECT_EQ(add(0x7F, kThree).status, HLHotKeyFailed);
+  EXPECT_EQ(add(0x7F, kThreeModifiers).status, HLHotKeyFailed);
 }
 
 TEST_F(WaylandHotKeys, SucceedUnlessThePortalSaysThatItHasNotBoundThem) {
   const auto statusWith = [this](Manner manner) {
     Portal portal(manner);
-    return add(kN, kThree).status;
+    return add(kKeyN, kThreeModifiers).status;
   };
   EXPECT_EQ(statusWith(Manner::granting), 0);
   EXPECT_EQ(statusWith(Manner::asking), 0) << "the user may take any time";
@@ -303,7 +303,7 @@ TEST_F(WaylandHotKeys, SucceedUnlessThePortalSaysThatItHasNotBoundThem) {
 
 TEST_F(WaylandHotKeys, EndWithTheirConnection) {
   Portal portal(Manner::willing);
-  HLHotKeyRegistration registration = add(kN, kThree);
+  HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers);
   ASSERT_EQ(registration.status, 0);
   const std::string client = portal.clients().front();
   const std::unique_ptr<HLBus> bus = HLBus::openSession();
@@ -322,28 +322,28 @@ TEST_F(WaylandHotKeys, FailWithoutAPortalThatGrantsThem) {
   const auto reason = testing::Optional(
       std::string("This desktop gives apps no shortcuts. Set one of its own for the command: hushlet --dismiss-now"));
   EXPECT_EQ(keys_.whyNone(), std::nullopt) << "not asked yet";
-  EXPECT_EQ(add(kN, kThree).status, HLHotKeyFailed) << "no portal";
+  EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyFailed) << "no portal";
   EXPECT_THAT(keys_.whyNone(), reason);
   {
     Portal portal(Manner::withoutShortcuts);
-    EXPECT_EQ(add(kN, kThree).status, HLHotKeyFailed) << "a portal that does not know them";
+    EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyFailed) << "a portal that does not know them";
     EXPECT_THAT(keys_.whyNone(), reason);
   }
   {
     Portal portal(Manner::refusing);
-    EXPECT_EQ(add(kN, kThree).status, HLHotKeyFailed) << "it refuses";
+    EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyFailed) << "it refuses";
     EXPECT_EQ(keys_.whyNone(), std::nullopt);
     EXPECT_THAT(portal.bound(), IsEmpty());
   }
   Portal portal(Manner::silent);
   const Clock::time_point begin = Clock::now();
-  EXPECT_EQ(add(kN, kThree).status, HLHotKeyFailed) << "it does not answer";
+  EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyFailed) << "it does not answer";
   EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
 }
 
 TEST_F(WaylandHotKeys, OutliveTheirPortal) {
   auto portal = std::make_unique<Portal>(Manner::willing);
-  const HLHotKeyRegistration registration = add(kN, kThree);
+  const HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers);
   ASSERT_EQ(registration.status, 0);
   portal = nullptr;
   loop_.runFor(0.01);
