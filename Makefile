@@ -1,5 +1,5 @@
 # The commands; CMakePresets.json holds what they configure. Each one installs the packages that it needs and that are missing.
-.PHONY: run package test fuzz sanitize bench coverage macos mac-report lint tidy format clean
+.PHONY: run package test fuzz swarm sanitize bench coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
@@ -47,6 +47,14 @@ fuzz:
 	cmake --preset fuzz $(CONFIGURE_FLAGS)
 	cmake --build --preset fuzz -j $(JOBS)
 	tools/fuzz $(SECONDS)
+
+# Random desktops, faults and input for so many seconds; docs/swarm.md.
+swarm: SECONDS ?= 600
+swarm:
+	@tools/install-packages build test
+	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
+	cmake --build --preset dev -j $(JOBS) --target swarm
+	tools/swarm $(SECONDS)
 
 bench:
 	@tools/install-packages build bench

@@ -1,0 +1,169 @@
+#include "tests/swarm/calls.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+
+namespace {
+
+CallWatch* current = nullptr;
+
+constexpr const char* kFixedStatusLog = "/tmp/hushlet-status.log";
+
+bool isAt(const std::string& bytes, std::size_t at, std::string_view pattern) {
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const char byte = at + i < bytes.size() ? bytes[at + i] : '\0';
+    const bool fits = pattern[i] == '0'   ? byte >= '0' && byte <= '9'
+                      : pattern[i] == '+' ? byte == '+' || byte == '-'
+                                          : byte == pattern[i];
+    if (!fits) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+CallWatch::CallWatch(Watcher& watcher, const std::string& home)
+    : watcher_(watcher),
+      home_(home),
+      state_(home + (watcher.course.plan.isProduct ? "/.local/share/com.tessaly.hushlet" : "/.local/state/hushlet")) {
+  current = this;
+}
+
+CallWatch::~CallWatch() { current = nullptr; }
+
+void CallWatch::wrote(const std::string& path, bool makesDirectory) {
+  const bool isState = path == state_ || path.starts_with(state_ + "/");
+  const bool isAbove = makesDirectory && (state_.starts_with(path + "/") || path == "/tmp");
+  if (isState || isAbove || (path == kFixedStatusLog && !watcher_.course.plan.isProduct)) return;
+  watcher_.course.path = path;
+  watcher_.checker.check(When::write, watcher_.course);
+}
+
+std::string CallWatch::place(const std::string& path) const {
+  return path == kFixedStatusLog ? home_ + "/fixed-status.log" : path;
+}
+
+void CallWatch::opened(int file, const std::string& path) {
+  if (path.ends_with("status.log")) statusLog_ = file;
+  if (path.ends_with("hushlet_detailed_diagnostics.log")) diagnosticsLog_ = file;
+}
+
+void CallWatch::closed(int file) {
+  if (file == statusLog_) statusLog_ = -1;
+  if (file == diagnosticsLog_) diagnosticsLog_ = -1;
+}
+
+bool CallWatch::takes(int file, const std::string& bytes) {
+  if (file < 0 || (file != statusLog_ && file != diagnosticsLog_)) return false;
+  constexpr std::string_view kTime = "0000-00-00 00:00:00.000 +0000 ";
+  const bool isWhole = isAt(bytes, 0, kTime) && bytes.ends_with('\n');
+  const std::string message = isWhole ? bytes.substr(kTime.size(), bytes.size() - kTime.size() - 1) : bytes;
+  watcher_.course.recordIsWhole = isWhole && HasLogForm(message, file == statusLog_);
+  watcher_.course.record = message;
+  watcher_.checker.check(When::write, watcher_.course);
+  return true;
+}
+
+void CallWatch::logged(const std::string& message) {
+  watcher_.now();
+  watcher_.course.logged(message);
+  watcher_.checker.check(When::record, watcher_.course);
+}
+
+bool CallWatch::failsAllocation() { return ++allocations_ == watcher_.course.plan.failingAllocation; }
+
+// The linker's names for what is called instead, and for what it stands in place of.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" {
+
+int __real_open(const char* path, int flags, mode_t mode);
+int __wrap_open(const char* path, int flags, ...) {
+  mode_t mode = 0;
+  if ((flags & O_CREAT) != 0) {
+    va_list arguments;
+    va_start(arguments, flags);
+    mode = va_arg(arguments, mode_t);
+    va_end(arguments);
+  }
+  if (current == nullptr || (flags & O_ACCMODE) == O_RDONLY) return __real_open(path, flags, mode);
+  current->wrote(path, false);
+  const int file = __real_open(current->place(path).c_str(), flags, mode);
+  if (file >= 0) current->opened(file, path);
+  return file;
+}
+
+int __real_close(int file);
+int __wrap_close(int file) {
+  if (current != nullptr) current->closed(file);
+  return __real_close(file);
+}
+
+ssize_t __real_write(int file, const void* bytes, size_t size);
+ssize_t __wrap_write(int file, const void* bytes, size_t size) {
+  if (current != nullptr && current->takes(file, std::string(static_cast<const char*>(bytes), size))) {
+    return static_cast<ssize_t>(size);
+  }
+  return __real_write(file, bytes, size);
+}
+
+int __real_mkdir(const char* path, mode_t mode);
+int __wrap_mkdir(const char* path, mode_t mode) {
+  if (current != nullptr) current->wrote(path, true);
+  return __real_mkdir(path, mode);
+}
+
+int __real_unlink(const char* path);
+int __wrap_unlink(const char* path) {
+  if (current != nullptr) current->wrote(path, false);
+  return __real_unlink(path);
+}
+
+int __real_chmod(const char* path, mode_t mode);
+int __wrap_chmod(const char* path, mode_t mode) {
+  if (current != nullptr) current->wrote(path, false);
+  return __real_chmod(path, mode);
+}
+
+int __real_rename(const char* from, const char* to);
+int __wrap_rename(const char* from, const char* to) {
+  if (current != nullptr) current->wrote(to, false);
+  return __real_rename(from, to);
+}
+
+int __real_bind(int socket, const sockaddr* address, socklen_t length);
+int __wrap_bind(int socket, const sockaddr* address, socklen_t length) {
+  const auto* local = reinterpret_cast<const sockaddr_un*>(address);
+  if (current != nullptr && address->sa_family == AF_UNIX)
+    current->wrote(static_cast<const char*>(local->sun_path), false);
+  return __real_bind(socket, address, length);
+}
+
+void* __real_calloc(size_t count, size_t size);
+void* __wrap_calloc(size_t count, size_t size) {
+  if (current != nullptr && current->failsAllocation()) return nullptr;
+  return __real_calloc(count, size);
+}
+}
+
+// The appender of both logs: what it is given is known even where a text cannot be written.
+void RealAppend(const std::optional<std::string>& path, std::string_view message) asm(
+    "__real__Z18HLAppendLineToPathRKSt8optionalINSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEEESt17basic_string_"
+    "viewIcS3_E");
+void WrappedAppend(const std::optional<std::string>& path, std::string_view message) asm(
+    "__wrap__Z18HLAppendLineToPathRKSt8optionalINSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEEESt17basic_string_"
+    "viewIcS3_E");
+void WrappedAppend(const std::optional<std::string>& path, std::string_view message) {
+  if (current != nullptr) current->logged(std::string(message));
+  RealAppend(path, message);
+}
+// NOLINTEND(bugprone-reserved-identifier)

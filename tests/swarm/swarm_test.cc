@@ -1,0 +1,75 @@
+// The swarm's own parts: plans, log forms, the shrinker.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/support/temporary_directory.h"
+#include "tests/swarm/checks.h"
+#include "tests/swarm/plan.h"
+#include "tests/swarm/shrink.h"
+#include "tests/swarm/workers.h"
+
+namespace {
+
+TEST(MakePlan, GivesTheSamePlanForASeed) {
+  PlanShape shape;
+  EXPECT_EQ(MakePlan(7, shape).scene, MakePlan(7, shape).scene);
+  EXPECT_NE(MakePlan(7, shape).scene, MakePlan(8, shape).scene);
+}
+
+TEST(MakePlan, MakesEveryModeAndSize) {
+  std::set<Mode> modes;
+  int large = 0;
+  for (std::uint64_t seed = 0; seed < 500; ++seed) {
+    PlanShape shape;
+    modes.insert(MakePlan(seed, shape).mode);
+    if (shape.elements > 500) ++large;
+  }
+  EXPECT_EQ(modes.size(), static_cast<std::size_t>(ModeCount));
+  EXPECT_GT(large, 30);
+}
+
+TEST(LogForms, TakeWholeRecordsOnly) {
+  EXPECT_TRUE(HasLogForm("scan root=window-0 visited=3 candidates=1", false));
+  EXPECT_TRUE(HasLogForm("alerts per app a\nb=2 ?=1", false));
+  EXPECT_TRUE(HasLogForm("batch progress before=1 after=0 removed=-1", false));
+  EXPECT_FALSE(HasLogForm("scan root=window-0 visited=3 candidates=", false));
+  EXPECT_FALSE(HasLogForm("scan root=window-0 visited=3 candidates=1 ", false));
+  EXPECT_FALSE(HasLogForm("hotKey none", false));
+  EXPECT_TRUE(HasLogForm("hotKey none", true));
+  EXPECT_FALSE(HasLogForm("", true));
+}
+
+TEST(RunApart, ReportsAMistakeInTheScene) {
+  const TemporaryDirectory folder;
+  Plan plan;
+  plan.scene = "{";
+  const std::vector<Violation> violations = RunApart(plan, folder.path());
+  ASSERT_EQ(violations.size(), 1U);
+  EXPECT_EQ(violations[0].check, "reads the scene");
+}
+
+TEST(Shrinker, KeepsWhatTheViolationNeeds) {
+  const TemporaryDirectory folder;
+  Plan plan;
+  plan.callFaults = {{3, -25204}};
+  plan.scene = R"({"trusted": true, "applications": [{"pid": 1}, {"pid": 2, "wings": 2}, {"pid": 3}],
+    "timeline": [{"at": 1, "trust": false}]})";
+  const Plan shrunk = Shrunk(plan, folder.path());
+  EXPECT_TRUE(shrunk.callFaults.empty());
+  EXPECT_EQ(shrunk.scene.find("timeline"), std::string::npos);
+  EXPECT_LT(shrunk.scene.size(), 40U);
+  EXPECT_EQ(RunApart(shrunk, folder.path()).size(), 1U);
+}
+
+TEST(Shrinker, LeavesAPlanWithoutViolation) {
+  const TemporaryDirectory folder;
+  Plan plan;
+  plan.scene = "{}";
+  EXPECT_EQ(Shrunk(plan, folder.path()).scene, "{}");
+}
+
+}  // namespace
