@@ -1,8 +1,11 @@
 # The commands; CMakePresets.json holds what they configure. Each one installs the packages that it needs and that are missing.
-.PHONY: run package test fuzz swarm sanitize bench coverage macos mac-report lint tidy format clean
+.PHONY: run package release test fuzz swarm sanitize bench coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
+# Most tests wait for another process most of their time.
+TEST_JOBS ?= $(shell expr 3 \* $(JOBS))
+SANITIZER_TEST_JOBS ?= $(shell expr 2 \* $(JOBS))
 
 # Builds the simulator, shows it clear the notifications of an evening from a simulated screen, then builds the program.
 run:
@@ -20,6 +23,13 @@ package:
 	cmake --build --preset release -j $(JOBS)
 	cd build-release && cpack
 
+# The release, with each source compiled alone, and a short test of what it installs.
+release:
+	@tools/install-packages build test
+	cmake --preset release $(CONFIGURE_FLAGS)
+	cmake --build --preset release -j $(JOBS)
+	tests/packaging/install-test build-release
+
 # Every test, those on a real desktop included, after a short run of the fuzzers; then the macOS build, where a sysroot for it
 # is named.
 test:
@@ -29,7 +39,7 @@ test:
 	cmake --preset fuzz $(CONFIGURE_FLAGS)
 	cmake --build --preset fuzz -j $(JOBS)
 	tools/fuzz 5
-	ctest --preset dev -j $(JOBS)
+	ctest --preset dev -j $(TEST_JOBS)
 	tools/check-macos
 
 # The same tests under the address, undefined-behavior and thread sanitizers.
@@ -37,7 +47,7 @@ sanitize:
 	@tools/install-packages build test
 	for preset in asan tsan; do \
 	  cmake --preset $$preset $(CONFIGURE_FLAGS) && cmake --build --preset $$preset -j $(JOBS) && \
-	  ctest --preset $$preset -j $(JOBS) || exit 1; \
+	  ctest --preset $$preset -j $(SANITIZER_TEST_JOBS) || exit 1; \
 	done
 
 # Every fuzzer for so many seconds, going on from what was found before.

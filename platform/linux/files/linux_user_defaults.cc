@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -33,16 +34,16 @@ std::string withoutLinks(const std::string& path) {
   return file.string();
 }
 
-// Keeps other processes of this program from the directory between a reading and the writing that follows. One that
-// does not give way in five seconds is not waited for: the worst is that a change of another key is lost.
+// Keeps other processes of this program from the directory between a read and the write that follows. After the timeout
+// the write goes on without the lock: at worst, another process's change of another key is lost.
 class DirectoryLock {
  public:
-  explicit DirectoryLock(const std::string& file)
+  DirectoryLock(const std::string& file, std::chrono::milliseconds timeout)
       : directory_(open(std::filesystem::path(file).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     constexpr int kPause = 2;  // milliseconds
-    constexpr int kTries = 2500;
-    for (int i = 0; i < kTries && directory_.isOpen(); ++i) {
-      if (flock(directory_.number(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (directory_.isOpen() && flock(directory_.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
+           std::chrono::steady_clock::now() < deadline) {
       poll(nullptr, 0, kPause);
     }
   }
@@ -80,7 +81,7 @@ void HLLinuxUserDefaults::registerDefaults(const HLDictionary& defaults) {
 
 HLValue HLLinuxUserDefaults::value(std::string_view key) {
   if (!hasRead_) {
-    const DirectoryLock lock(withoutLinks(path_));
+    const DirectoryLock lock(withoutLinks(path_), lockTimeout_);
     (void)read();
   }
   for (const HLJsonDocument* document : {&unstored_, &stored_}) {
@@ -129,7 +130,7 @@ void HLLinuxUserDefaults::setAside(const std::string& file) {
 void HLLinuxUserDefaults::store() {
   const std::string file = withoutLinks(path_);
   (void)HLMakeDirectories(file);  // so that there is something to lock; what fails is told of by the writing
-  const DirectoryLock lock(file);
+  const DirectoryLock lock(file, lockTimeout_);
   if (!read()) return;
   HLJsonDocument document = stored_;
   document.update(unstored_);

@@ -1,6 +1,7 @@
 // The user's preferences in a JSON file.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -16,8 +17,10 @@
 // read or stored holds for this process. Either is told on standard error, once.
 class HLLinuxUserDefaults : public HLUserDefaults {
  public:
-  // The file may be a link, which stays one. Neither it nor its directories need exist.
-  explicit HLLinuxUserDefaults(std::string path) : path_(std::move(path)) {}
+  // The file may be a link, which stays one. Neither it nor its directories need exist. A change waits up to
+  // `lockTimeout` for another process that is changing the file.
+  explicit HLLinuxUserDefaults(std::string path, std::chrono::milliseconds lockTimeout = std::chrono::seconds(5))
+      : path_(std::move(path)), lockTimeout_(lockTimeout) {}
 
   void registerDefaults(const HLDictionary& defaults) override;
   [[nodiscard]] HLValue value(std::string_view key) override;
@@ -31,6 +34,7 @@ class HLLinuxUserDefaults : public HLUserDefaults {
   void complain(const std::string& problem);
 
   const std::string path_;
+  const std::chrono::milliseconds lockTimeout_;
   HLDictionary registered_;
   bool hasRead_ = false;
   HLJsonDocument stored_ = HLJsonDocument::object();

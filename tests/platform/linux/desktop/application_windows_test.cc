@@ -126,33 +126,36 @@ TEST_F(ApplicationWindows, WithoutADisplayItSaysSoAndEnds) {
   EXPECT_THAT(program.output(), MatchesRegex("hushlet: [^\n]+\n"));
 }
 
-TEST_F(ApplicationWindows, ArePhotographed) {
-  for (const bool dark : {false, true}) {
-    beginDesktop();
-    const std::string directory = session_->directory() + "/snapshots";
-    std::filesystem::create_directory(directory);
-    std::vector<std::string> arguments = {"--open-settings", "--snapshot-windows", directory};
-    if (dark) arguments.insert(arguments.begin(), "--appearance-dark");
-    startApplication(arguments);
-    waitForLogged("snapshot window=Hushlet Settings size=420x280 wrote=1");
-    keepPicture(dark ? "dark" : "light");
-    std::vector<std::string> names;
-    for (const auto& file : std::filesystem::directory_iterator(directory)) names.push_back(file.path().filename());
-    EXPECT_THAT(names, ElementsAre("00-Hushlet Settings.png"));
-    // How light it is, of 255.
-    const auto measure = session_->start(
-        {"convert", directory + "/00-Hushlet Settings.png", "-format", "%wx%h %[fx:int(255*mean)]", "info:"});
-    ASSERT_EQ(measure->wait(kPatience), 0) << measure->output();
-    int width = 0;
-    int height = 0;
-    int lightness = 0;
-    ASSERT_EQ(std::sscanf(measure->output().c_str(), "%dx%d %d", &width, &height, &lightness), 3);
-    EXPECT_EQ(width, 420);
-    EXPECT_EQ(height, 280);
-    EXPECT_EQ(lightness < 128, dark) << lightness;
-    TearDown();
-  }
+class ApplicationWindowsInMode : public ApplicationWindows, public testing::WithParamInterface<bool> {};
+
+TEST_P(ApplicationWindowsInMode, ArePhotographed) {
+  const bool dark = GetParam();
+  beginDesktop();
+  const std::string directory = session_->directory() + "/snapshots";
+  std::filesystem::create_directory(directory);
+  std::vector<std::string> arguments = {"--open-settings", "--snapshot-windows", directory};
+  if (dark) arguments.insert(arguments.begin(), "--appearance-dark");
+  startApplication(arguments);
+  waitForLogged("snapshot window=Hushlet Settings size=420x280 wrote=1");
+  keepPicture(dark ? "dark" : "light");
+  std::vector<std::string> names;
+  for (const auto& file : std::filesystem::directory_iterator(directory)) names.push_back(file.path().filename());
+  EXPECT_THAT(names, ElementsAre("00-Hushlet Settings.png"));
+  // How light it is, of 255.
+  const auto measure = session_->start(
+      {"convert", directory + "/00-Hushlet Settings.png", "-format", "%wx%h %[fx:int(255*mean)]", "info:"});
+  ASSERT_EQ(measure->wait(kPatience), 0) << measure->output();
+  int width = 0;
+  int height = 0;
+  int lightness = 0;
+  ASSERT_EQ(std::sscanf(measure->output().c_str(), "%dx%d %d", &width, &height, &lightness), 3);
+  EXPECT_EQ(width, 420);
+  EXPECT_EQ(height, 280);
+  EXPECT_EQ(lightness < 128, dark) << lightness;
 }
+
+INSTANTIATE_TEST_SUITE_P(Real, ApplicationWindowsInMode, testing::Bool(),
+                         [](const auto& mode) { return mode.param ? "dark" : "light"; });
 
 // Its bus is there and accessibility is off, as on most desktops.
 class ApplicationSetup : public ApplicationWindows, public testing::WithParamInterface<Server> {

@@ -61,6 +61,11 @@ class RealTools : public RealDesktop {
   }
 };
 
+class RealToolsWithServer : public RealTools, public testing::WithParamInterface<Server> {};
+
+INSTANTIATE_TEST_SUITE_P(Servers, RealToolsWithServer, testing::Values(kMate, kLxqt),
+                         [](const auto& server) { return server.param.name; });
+
 TEST_F(RealTools, TheAutoCloserClosesTheBannerOfItsRuleAndLeavesTheOthers) {
   beginWith(kLxqt);
   const std::vector<std::string> probe = {"/usr/bin/env", "HL_AUTO_CLOSE_TEST_RULE=Mail|weekly report", HL_PROGRAM,
@@ -79,29 +84,25 @@ TEST_F(RealTools, TheAutoCloserClosesTheBannerOfItsRuleAndLeavesTheOthers) {
   EXPECT_TRUE(sender_->waitUntilClosed({other, last}, seconds(10)));
 }
 
-TEST_F(RealTools, TheObserverPrintsABannersComingAndGoingAsItHappens) {
-  for (const Server& server : {kMate, kLxqt}) {
-    SCOPED_TRACE(server.name);
-    beginWith(server);
-    const std::unique_ptr<ChildProcess> observer =
-        startUntil({"--observe-nc", "4"}, "register AXAnnouncementRequested -> 0\n");
-    const std::uint32_t id = sender_->send("Mail", "Lunch", "at noon");
-    EXPECT_TRUE(Eventually(
-        [&] {
-          return observer->output().find(" AXLayoutChanged role=AXGroup subrole=AXNotificationCenterAlert") !=
-                 std::string::npos;
-        },
-        seconds(3)))
-        << observer->output();
-    EXPECT_THAT(observer->output(), HasSubstr(", Lunch, at noon\n"));
-    EXPECT_THAT(observer->output(), HasSubstr(" AXCreated role=AXGroup subrole=AXNotificationCenterAlert"));
-    sender_->close(id);
-    EXPECT_TRUE(
-        Eventually([&] { return observer->output().find(" AXUIElementDestroyed ") != std::string::npos; }, seconds(3)))
-        << observer->output();
-    EXPECT_EQ(observer->wait(seconds(10)), 0);
-    TearDown();
-  }
+TEST_P(RealToolsWithServer, ObserverPrintsChangesAsTheyHappen) {
+  beginWith(GetParam());
+  const std::unique_ptr<ChildProcess> observer =
+      startUntil({"--observe-nc", "4"}, "register AXAnnouncementRequested -> 0\n");
+  const std::uint32_t id = sender_->send("Mail", "Lunch", "at noon");
+  EXPECT_TRUE(Eventually(
+      [&] {
+        return observer->output().find(" AXLayoutChanged role=AXGroup subrole=AXNotificationCenterAlert") !=
+               std::string::npos;
+      },
+      seconds(3)))
+      << observer->output();
+  EXPECT_THAT(observer->output(), HasSubstr(", Lunch, at noon\n"));
+  EXPECT_THAT(observer->output(), HasSubstr(" AXCreated role=AXGroup subrole=AXNotificationCenterAlert"));
+  sender_->close(id);
+  EXPECT_TRUE(
+      Eventually([&] { return observer->output().find(" AXUIElementDestroyed ") != std::string::npos; }, seconds(3)))
+      << observer->output();
+  EXPECT_EQ(observer->wait(seconds(10)), 0);
 }
 
 TEST_F(RealTools, CloseByTextClosesOnlyWhatSaysIt) {
@@ -172,18 +173,14 @@ TEST_F(RealTools, RequestingAccessibilityIsOverSoonWhenTheServiceIsSilent) {
   kill(service, SIGCONT);
 }
 
-TEST_F(RealTools, ThreeTestNotificationsComeAndAreDismissed) {
-  for (const Server& server : {kMate, kLxqt}) {
-    SCOPED_TRACE(server.name);
-    beginWith(server);
-    const std::unique_ptr<ChildProcess> program = start({"--send-test-notifications"});
-    EXPECT_EQ(program->wait(seconds(1)), 0) << "it does not wait for them to be shown";
-    EXPECT_EQ(program->output(), "");
-    waitForTargets(3);
-    EXPECT_EQ(dismiss(), "success|3|0\n");
-    waitForTargets(0);
-    TearDown();
-  }
+TEST_P(RealToolsWithServer, ThreeTestNotificationsComeAndAreDismissed) {
+  beginWith(GetParam());
+  const std::unique_ptr<ChildProcess> program = start({"--send-test-notifications"});
+  EXPECT_EQ(program->wait(seconds(1)), 0) << "it does not wait for them to be shown";
+  EXPECT_EQ(program->output(), "");
+  waitForTargets(3);
+  EXPECT_EQ(dismiss(), "success|3|0\n");
+  waitForTargets(0);
 }
 
 TEST_F(RealTools, NoCommandLineModeLoadsAWindowToolkit) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/file.h>
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -169,8 +170,11 @@ TEST_F(Preferences, AProcessThatKeepsTheDirectoryLockedHoldsUpNobodyForLong) {
   fs::create_directories(folder());
   const int lock = open(folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   ASSERT_EQ(flock(lock, LOCK_EX), 0);
-  HLLinuxUserDefaults defaults(file());
+  constexpr std::chrono::milliseconds kTimeout{100};
+  HLLinuxUserDefaults defaults(file(), kTimeout);
+  const auto began = std::chrono::steady_clock::now();
   defaults.setValue("code", std::int64_t{1});
+  EXPECT_GE(std::chrono::steady_clock::now() - began, kTimeout);
   close(lock);
   EXPECT_THAT(FileContent(file()), HasSubstr("\"code\": 1"));
 }
