@@ -55,8 +55,8 @@ std::string chainWindow(int elements, const std::string& title = "") {
 // A window with a title of that many bytes over 699 elements.
 std::string titledWindow(int bytes) {
   std::string window = R"({"id": "window", "role": "AXWindow", "title": ")";
-  while (window.size() < static_cast<std::size_t>(bytes)) window += "Lunch on Friday at the usual place? ";
-  window += R"(", "children": [)";
+  while (window.size() < static_cast<std::size_t>(bytes)) window += "Lunch on Friday at the usual place, ";
+  window += R"(or not", "children": [)";
   for (int i = 0; i < 699; ++i) {
     window += i == 0 ? "" : ",";
     window += R"({"role": "AXGroup", "value": "Level )" + std::to_string(i) + R"(", "frame": [0, 0, 400, 400]})";
@@ -135,7 +135,13 @@ void scanTitledChain(benchmark::State& state) {
 }
 BENCHMARK(scanTitledChain)->Arg(350)->Arg(700)->Arg(1400)->Unit(benchmark::kMillisecond);
 
-// What the text costs over the same tree without it: at most as much again.
+void floorTitled(benchmark::State& state) {
+  const Desktop desktop(titledWindow(static_cast<int>(state.range(0))));
+  for (auto _ : state) readFacts(desktop.window());
+}
+BENCHMARK(floorTitled)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
+// The cost of the text is the difference to the same tree without it.
 void scanTitled(benchmark::State& state) {
   const Desktop desktop(titledWindow(static_cast<int>(state.range(0))));
   for (auto _ : state) benchmark::DoNotOptimize(HLTargetsInRoot(desktop.window(), "window-0").data());

@@ -20,7 +20,9 @@ constexpr std::size_t kFirstChildList = 9;
 std::string joinedWords(std::initializer_list<std::string_view> texts) {
   std::string joined;
   for (std::string_view text : texts) {
-    if (!text.empty()) joined.append(text).append(" ");
+    if (text.empty()) continue;
+    if (!joined.empty()) joined += ' ';
+    joined += text;
   }
   return HLCompactSnapshot(HLLowercase(joined));
 }

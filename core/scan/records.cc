@@ -5,7 +5,24 @@
 #include "base/format.h"
 #include "platform/text.h"
 
+namespace {
+
+// Whether the text is ASCII and compact already. Looks at every byte, which is quicker than stopping at the first one
+// that is not.
+bool isCompactAscii(std::string_view text) {
+  if (text.starts_with(' ') || text.ends_with(' ')) return false;
+  bool other = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    other |= byte >= 0x80 || (byte >= 0x09 && byte <= 0x0D) || (byte == ' ' && text[i - 1] == ' ');
+  }
+  return !other;
+}
+
+}  // namespace
+
 std::string HLCompactSnapshot(std::string_view text) {
+  if (isCompactAscii(text)) return std::string(text);
   std::string compact;
   compact.reserve(text.size());
   std::size_t word = 0;

@@ -1,10 +1,19 @@
 #include "core/scan/words.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "platform/text.h"
 
 namespace {
+
+constexpr std::size_t kLongText = 500;  // bytes
+
+// memmem skips by the length of the word, which makes up for its preparation in long texts only.
+bool contains(std::string_view text, std::string_view word) {
+  if (text.size() < kLongText) return text.find(word) != std::string_view::npos;
+  return memmem(text.data(), text.size(), word.data(), word.size()) != nullptr;
+}
 
 std::optional<std::string> firstOf(const std::vector<std::string>& actionNames, bool (*matches)(const std::string&)) {
   const auto found = std::find_if(actionNames.begin(), actionNames.end(), matches);
@@ -18,8 +27,7 @@ bool HLStringContainsAny(std::string_view text, HLWordList words) {
 }
 
 bool HLLowercaseContainsAny(std::string_view text, HLWordList words) {
-  return std::any_of(words.begin(), words.end(),
-                     [text](std::string_view word) { return text.find(word) != std::string_view::npos; });
+  return std::any_of(words.begin(), words.end(), [text](std::string_view word) { return contains(text, word); });
 }
 
 std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames) {

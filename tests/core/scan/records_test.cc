@@ -18,6 +18,11 @@ TEST(CompactSnapshot, WordsAreSeparatedByOneBlankAndNothingElse) {
   EXPECT_EQ(HLCompactSnapshot("a\r\nb \t c"), "a b c");
 }
 
+TEST(CompactSnapshot, TrimsEitherEndAlone) {
+  for (const std::string text : {" a b", "a b ", "\ta b", "a b\n", "a b\u00A0"})
+    EXPECT_EQ(HLCompactSnapshot(text), "a b") << text;
+}
+
 TEST(CompactSnapshot, BlankTextsAreEmpty) {
   EXPECT_EQ(HLCompactSnapshot(""), "");
   EXPECT_EQ(HLCompactSnapshot("\n\t \n  \t"), "");

@@ -25,7 +25,7 @@ struct Counted {
 };
 Counted counted;
 
-constexpr std::size_t kHeader = alignof(std::max_align_t);
+constexpr std::size_t kHeader = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
 }  // namespace
 

@@ -79,6 +79,18 @@ TEST(WordMatching, LowerCasesAllOfUnicodeButNotTheWords) {
   EXPECT_FALSE(HLStringContainsAny("VIEW view", upper));
 }
 
+TEST(StringContainsAny, FindsWordsAnywhereInLongTexts) {
+  const std::array<std::string_view, 2> words = {"xmark", "close"};
+  for (const std::size_t length : {499U, 500U, 501U, 20'000U}) {
+    const std::string text(length, 'o');
+    EXPECT_FALSE(HLStringContainsAny(text, words)) << length;
+    EXPECT_FALSE(HLStringContainsAny("lose" + text + "clos", words)) << length;
+    EXPECT_TRUE(HLStringContainsAny("Close" + text, words)) << length;
+    EXPECT_TRUE(HLStringContainsAny(text + "Close", words)) << length;
+    EXPECT_TRUE(HLStringContainsAny(text + "close" + text, words)) << length;
+  }
+}
+
 TEST(NotificationContext, IsSaidByAnyOfItsWordsInAnyLetterCase) {
   for (const std::string_view text :
        {"notification", "axnotification", "stacked", "notification center", "from iphone", "axnotificationlistitems",
