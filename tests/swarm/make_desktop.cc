@@ -204,6 +204,17 @@ std::string DesktopMaker::repeated(std::int64_t& budget) {
   return keys + "}";
 }
 
+std::string DesktopMaker::automation(std::string& id) {
+  static constexpr std::array kDescriptions = {"Shortcuts, Running your automation"sv,
+                                               "SHORTCUTS, now: running YOUR automation"sv,
+                                               "Shortcuts,Running your automation"sv, "Mail, Running your automation"sv,
+                                               "Shortcuts, a, Running your automation"sv};
+  id = newId();
+  return R"({"id": ")" + id + R"(", "role": "AXGroup")" +
+         key("subrole", Quoted(random_.chance(85) ? "AXNotificationCenterAlert" : SubroleName(random_))) +
+         key("description", Quoted(random_.pick(kDescriptions))) + actions(true) + reactions(id) + errors() + "}";
+}
+
 std::string DesktopMaker::lateMember() {
   std::int64_t budget = 2;
   return random_.chance(70) ? alert() : element(budget, kDeepest);

@@ -5,9 +5,9 @@
 
 namespace {
 
-// A tenth of the desktops is large, some of those larger than a scan reads.
+// More than a tenth of the desktops is large, some of those larger than a scan reads.
 std::int64_t sizeOf(Random& random) {
-  if (random.chance(10)) return random.between(501, random.chance(20) ? 1600 : 800);
+  if (random.chance(13)) return random.between(501, random.chance(20) ? 1600 : 800);
   return random.chance(80) ? random.between(0, 25) : random.between(25, 120);
 }
 
@@ -56,6 +56,10 @@ Plan MakePlan(std::uint64_t seed, PlanShape& shape) {
                (random.chance(plan.mode == Mode::application ? 15 : 2) ? R"(, "trusted": false)" : "");
   std::vector<std::string> events = faults.events(seconds);
   std::vector<std::string> input;
+  if (plan.mode == Mode::autoClose || random.chance(10)) {
+    const std::vector<std::string> more = faults.automations(seconds);
+    events.insert(events.end(), more.begin(), more.end());
+  }
   if (plan.mode == Mode::application) {
     input = MakeInput(random, plan.isProduct, seconds);
     plan.scene += MakeSurroundings(random, plan.isProduct);
