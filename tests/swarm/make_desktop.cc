@@ -94,6 +94,13 @@ std::string DesktopMaker::reactions(const std::string& id) {
   std::string effects;
   if (random_.chance(50)) effects = R"({"remove": ")" + id + "\"}";
   while (random_.chance(40)) effects += (effects.empty() ? "" : ", ") + effect(id);
+  if (random_.chance(15)) {  // it multiplies
+    const std::string to = random_.pick(ids_);
+    for (std::size_t count = 2 + random_.below(3); count > 0; --count) {
+      effects +=
+          (effects.empty() ? "" : ", ") + std::string(R"({"add": )") + lateMember() + R"(, "to": ")" + to + "\"}";
+    }
+  }
   std::string reaction = R"({"effects": [)" + effects + "]";
   if (random_.chance(30)) reaction += key("error", random_.pick(kCodes));
   if (random_.chance(40)) reaction += key("seconds", random_.pick(kSeconds));

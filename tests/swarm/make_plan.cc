@@ -1,3 +1,4 @@
+#include "tests/swarm/daemon_double.h"
 #include "tests/swarm/make_desktop.h"
 #include "tests/swarm/make_faults.h"
 #include "tests/swarm/make_input.h"
@@ -53,7 +54,7 @@ Plan MakePlan(std::uint64_t seed, PlanShape& shape) {
   const double seconds = plan.mode == Mode::dismissal || plan.mode == Mode::daemon ? 2 : 12;
 
   plan.scene = "{" + bundle(plan.isProduct) + R"(, "applications": [)" + faults.applications(sizeOf(random)) + "]" +
-               (random.chance(plan.mode == Mode::application ? 15 : 2) ? R"(, "trusted": false)" : "");
+               (random.chance(plan.mode == Mode::application ? 25 : 2) ? R"(, "trusted": false)" : "");
   std::vector<std::string> events = faults.events(seconds);
   std::vector<std::string> input;
   if (plan.mode == Mode::autoClose || random.chance(10)) {
@@ -64,6 +65,9 @@ Plan MakePlan(std::uint64_t seed, PlanShape& shape) {
     input = MakeInput(random, plan.isProduct, seconds);
     plan.scene += MakeSurroundings(random, plan.isProduct);
     if (random.chance(20)) plan.arguments.emplace_back("--open-settings");
+    for (std::size_t count = random.chance(20) ? 1 + random.below(4) : 0; count > 0; --count) {
+      plan.daemonReplies.push_back(random.below(DaemonReplyCount()));
+    }
   }
   if (plan.mode == Mode::daemon) plan.callers = MakeCallers(random);
   faults.addTo(plan);
