@@ -291,7 +291,9 @@ void Course::followApplication(const std::string& message) {
     (void)HLParseResultString(
         status + "|" + std::to_string(Field(message, "dismissed")) + "|" + std::to_string(Field(message, "remaining")),
         result);
-    outcome = {result, {HLDismissStatusAccessDenied, 0, 0}, 0, true, 0, 0};
+    HLDismissResult elsewhere{HLDismissStatusAccessDenied, 0, 0};
+    if (daemonAnswer && dismissals_.empty()) (void)HLParseResultString(daemonAnswer(), elsewhere);
+    outcome = {result, elsewhere, 0, true, 0, 0};
     dismissalEnds(result, now);
   }
   if (message.starts_with("refreshStatusItem available=")) {

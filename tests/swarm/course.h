@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <map>
 #include <optional>
@@ -116,6 +117,9 @@ class Course {
 
   std::int64_t callFaults = 0;  // that have struck
   std::int64_t presses = 0;
+
+  // What the next dismissal in the daemon beside comes to; "" where its answer could not be read. None without one.
+  std::function<std::string()> daemonAnswer;
 
   // What the watched platform notices. All in turn, never two at once.
   void windowsRead(const std::vector<Seen*>& windows);

@@ -30,6 +30,7 @@ void print(const Plan& plan) {
   for (const Caller& caller : plan.callers) {
     std::cout << "caller of manner " << static_cast<int>(caller.manner) << ", " << caller.request.size() << " bytes\n";
   }
+  for (const std::size_t reply : plan.daemonReplies) std::cout << "a daemon beside gives reply " << reply << '\n';
 }
 
 int finish(const Plan& plan, const std::vector<Violation>& violations, const std::string& file) {

@@ -94,6 +94,13 @@ std::string DesktopMaker::reactions(const std::string& id) {
   std::string effects;
   if (random_.chance(50)) effects = R"({"remove": ")" + id + "\"}";
   while (random_.chance(40)) effects += (effects.empty() ? "" : ", ") + effect(id);
+  if (random_.chance(15)) {  // it multiplies
+    const std::string to = random_.pick(ids_);
+    for (std::size_t count = 2 + random_.below(3); count > 0; --count) {
+      effects +=
+          (effects.empty() ? "" : ", ") + std::string(R"({"add": )") + lateMember() + R"(, "to": ")" + to + "\"}";
+    }
+  }
   std::string reaction = R"({"effects": [)" + effects + "]";
   if (random_.chance(30)) reaction += key("error", random_.pick(kCodes));
   if (random_.chance(40)) reaction += key("seconds", random_.pick(kSeconds));
@@ -202,6 +209,17 @@ std::string DesktopMaker::repeated(std::int64_t& budget) {
   ids_.pop_back();  // the copies have ids of their own
   ids_.push_back(id.substr(0, id.size() - 3) + "1");
   return keys + "}";
+}
+
+std::string DesktopMaker::automation(std::string& id) {
+  static constexpr std::array kDescriptions = {"Shortcuts, Running your automation"sv,
+                                               "SHORTCUTS, now: running YOUR automation"sv,
+                                               "Shortcuts,Running your automation"sv, "Mail, Running your automation"sv,
+                                               "Shortcuts, a, Running your automation"sv};
+  id = newId();
+  return R"({"id": ")" + id + R"(", "role": "AXGroup")" +
+         key("subrole", Quoted(random_.chance(85) ? "AXNotificationCenterAlert" : SubroleName(random_))) +
+         key("description", Quoted(random_.pick(kDescriptions))) + actions(true) + reactions(id) + errors() + "}";
 }
 
 std::string DesktopMaker::lateMember() {

@@ -16,6 +16,9 @@ class DesktopMaker {
   // One banner or control with what it is made of, for a tree that is there already.
   [[nodiscard]] std::string lateMember();
 
+  // A banner that the auto-closer closes, or nearly one; its id.
+  [[nodiscard]] std::string automation(std::string& id);
+
   // The ids given so far.
   [[nodiscard]] const std::vector<std::string>& ids() const { return ids_; }
   [[nodiscard]] std::int64_t elements() const { return elements_; }

@@ -84,6 +84,21 @@ std::vector<std::string> FaultMaker::events(double seconds) {
   return events;
 }
 
+std::vector<std::string> FaultMaker::automations(double seconds) {
+  std::vector<std::string> events;
+  if (desktop_.ids().empty()) return events;
+  for (std::size_t count = 1 + random_.below(4); count > 0; --count) {
+    const std::string window = random_.pick(desktop_.ids());
+    std::string id;
+    const std::string banner = desktop_.automation(id);
+    events.push_back("{" + Moment(random_, seconds) + R"(, "add": )" + banner + R"(, "to": ")" + window + "\"}");
+    for (std::size_t layouts = random_.below(5); layouts > 0; --layouts) {
+      events.push_back("{" + Moment(random_, seconds) + R"(, "notify": "AXLayoutChanged", "element": ")" + id + "\"}");
+    }
+  }
+  return events;
+}
+
 void FaultMaker::addTo(Plan& plan) {
   static constexpr std::array<HLAXError, 5> kCodes = {HLAXErrorCannotComplete, HLAXErrorInvalidElement,
                                                       HLAXErrorAPIDisabled, HLAXErrorFailure, 17};

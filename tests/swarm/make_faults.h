@@ -17,6 +17,8 @@ class FaultMaker {
   [[nodiscard]] std::string applications(std::int64_t elements);
   // Events of the timeline within so many seconds.
   [[nodiscard]] std::vector<std::string> events(double seconds);
+  // Banners of automations that come and are laid out again and again.
+  [[nodiscard]] std::vector<std::string> automations(double seconds);
   // What no scene can express.
   void addTo(Plan& plan);
 

@@ -1,3 +1,4 @@
+#include "tests/swarm/daemon_double.h"
 #include "tests/swarm/make_desktop.h"
 #include "tests/swarm/make_faults.h"
 #include "tests/swarm/make_input.h"
@@ -5,9 +6,9 @@
 
 namespace {
 
-// A tenth of the desktops is large, some of those larger than a scan reads.
+// More than a tenth of the desktops is large, some of those larger than a scan reads.
 std::int64_t sizeOf(Random& random) {
-  if (random.chance(10)) return random.between(501, random.chance(20) ? 1600 : 800);
+  if (random.chance(13)) return random.between(501, random.chance(20) ? 1600 : 800);
   return random.chance(80) ? random.between(0, 25) : random.between(25, 120);
 }
 
@@ -53,13 +54,20 @@ Plan MakePlan(std::uint64_t seed, PlanShape& shape) {
   const double seconds = plan.mode == Mode::dismissal || plan.mode == Mode::daemon ? 2 : 12;
 
   plan.scene = "{" + bundle(plan.isProduct) + R"(, "applications": [)" + faults.applications(sizeOf(random)) + "]" +
-               (random.chance(plan.mode == Mode::application ? 15 : 2) ? R"(, "trusted": false)" : "");
+               (random.chance(plan.mode == Mode::application ? 25 : 2) ? R"(, "trusted": false)" : "");
   std::vector<std::string> events = faults.events(seconds);
   std::vector<std::string> input;
+  if (plan.mode == Mode::autoClose || random.chance(10)) {
+    const std::vector<std::string> more = faults.automations(seconds);
+    events.insert(events.end(), more.begin(), more.end());
+  }
   if (plan.mode == Mode::application) {
     input = MakeInput(random, plan.isProduct, seconds);
     plan.scene += MakeSurroundings(random, plan.isProduct);
     if (random.chance(20)) plan.arguments.emplace_back("--open-settings");
+    for (std::size_t count = random.chance(20) ? 1 + random.below(4) : 0; count > 0; --count) {
+      plan.daemonReplies.push_back(random.below(DaemonReplyCount()));
+    }
   }
   if (plan.mode == Mode::daemon) plan.callers = MakeCallers(random);
   faults.addTo(plan);

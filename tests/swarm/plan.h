@@ -1,6 +1,7 @@
 // What one seed runs: a scene, and what no scene can express.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -46,6 +47,8 @@ struct Plan {
   std::vector<ClockJump> clockJumps;
   std::int64_t failingAllocation = 0;  // of a batch's arrays, 1 first; 0 for none
   std::vector<Caller> callers;         // of the daemon, which is told to quit behind them
+  // Of a daemon beside the application, by their kinds in turn; empty where there is none.
+  std::vector<std::size_t> daemonReplies;
 };
 
 struct PlanShape {

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <thread>
 #include <variant>
@@ -18,6 +19,7 @@
 #include "platform/sim/simulator.h"
 #include "tests/swarm/callers.h"
 #include "tests/swarm/calls.h"
+#include "tests/swarm/daemon_double.h"
 #include "tests/swarm/watch.h"
 #include "tests/swarm/watch_application.h"
 
@@ -84,7 +86,14 @@ class Run {
   }
 
   std::string runApplication() {
+    std::optional<DaemonDouble> daemon;
+    if (!course_.plan.daemonReplies.empty()) {
+      HLEnsureStateDirectory();
+      daemon.emplace(*HLLocalSocketPath(), course_.plan.daemonReplies);
+      course_.daemonAnswer = [&daemon] { return daemon->nextAnswer(); };
+    }
     course_.exitCode = HLRunApplication(out_);
+    course_.daemonAnswer = nullptr;
     checker_.check(When::idle, course_);
     return course_.exitCode == 0 ? "ran" : "named what was not there";
   }

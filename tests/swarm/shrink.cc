@@ -22,7 +22,8 @@ class Shrinker {
     scene_ = Json::parse(plan_.scene);
     bool smaller = true;
     while (smaller) {
-      smaller = shorten(plan_.callFaults) | shorten(plan_.clockJumps) | shorten(plan_.callers);
+      smaller =
+          shorten(plan_.callFaults) | shorten(plan_.clockJumps) | shorten(plan_.callers) | shorten(plan_.daemonReplies);
       smaller = dropAllocation() | thin(Pointer()) | smaller;
       std::cerr << tries_ << " tries, " << plan_.scene.size() << " bytes\n";
     }
