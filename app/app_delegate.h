@@ -1,5 +1,5 @@
-// The menu-bar application. Its methods stand in seven sources: launch.cc, status_item.cc, dismiss_action.cc,
-// setup_window.cc, shortcut.cc, settings_window.cc and update_check.cc.
+// The application delegate. Its methods are defined in launch.cc, status_button.cc, dismiss_action.cc, setup_window.cc,
+// shortcut.cc, settings_window.cc and update_check.cc.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@
 #include "platform/run_loop.h"
 #include "platform/value.h"
 
-// Made before the run loop starts and kept until the process ends, by a shared_ptr. Main thread only; the one thing
-// that leaves it is the dismissal itself. There is no tear-down: quitting ends the process.
+// Created in a shared_ptr before the run loop starts; lives until the process exits, without teardown. Main thread
+// only; the dismissal itself runs on a background queue.
 class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
  public:
   // The platform must outlive the delegate.
@@ -38,26 +38,26 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void runSelfCheckFromMenu();
 
   // Dismissing
-  void dismissNotifications();  // one request at a time: during one, another is dropped
+  void dismissNotifications();  // ignored while a request is in flight
   void dismissNotificationsFromMenu() { dismissNotifications(); }
 
-  // The setup window. It asks each second whether the grant has come, for as long as it is open.
+  // The setup window. Polls for the permission once a second while open.
   void showSetupWindow();
   void updateSetupState();
   void setupPrimaryAction();
   void openAccessibilitySettings();
 
   // The global shortcut
-  [[nodiscard]] std::int64_t storedKeyCode() const;  // negative for none
+  [[nodiscard]] std::int64_t storedKeyCode() const;  // negative without a shortcut
   [[nodiscard]] std::uint64_t storedModifiers() const;
   [[nodiscard]] std::string storedShortcutLabel() const;
-  std::int32_t applyStoredHotKey();  // the host's status; 0 too where there is no shortcut
+  HLHotKeyStatus applyStoredHotKey();  // success too if no shortcut is stored
   void toggleRecording();
   void recordEvent(const HLKeyEvent& event);
-  void stopRecording();  // does not register the stored shortcut again
+  void stopRecording();  // leaves the hot key unregistered
   void clearShortcut();
 
-  // The settings window. It shows what was so when it was last refreshed; it does not poll.
+  // The settings window. Refreshed by these calls only; it does not poll.
   void showSettingsWindow();
   void updateSettingsState();
   void toggleAutoClose(bool on);
@@ -95,14 +95,15 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   bool dismissInFlight_ = false;
   bool promptedAccessibilityThisRun_ = false;
   std::unique_ptr<HLHotKey> hotKeyRef_;
-  std::unique_ptr<HLKeyMonitor> recordMonitor_;  // there while a shortcut is recorded
+  std::unique_ptr<HLKeyMonitor> recordMonitor_;  // non-null while recording
   std::unique_ptr<HLAutoCloser> autoCloser_;
 
-  // Made when they are first shown.
+  // Created when first shown.
   std::unique_ptr<HLWindow> setupWindow_;
   std::unique_ptr<HLTimer> trustPollTimer_;  // while the setup window is open
   std::unique_ptr<HLWindow> settingsWindow_;
 };
 
-// Runs the application until the user quits; the exit code. Where the host cannot show one, 1 and a line on err.
+// Runs the application until the user quits. Returns the exit code: 1, with a line on `err`, if the host cannot show
+// windows.
 [[nodiscard]] int HLRunApplication(std::ostream& err);

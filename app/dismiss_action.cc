@@ -33,7 +33,7 @@ void HLAppDelegate::dismissNotifications() {
 }
 
 void HLAppDelegate::showProgress(std::int64_t count) {
-  if (!dismissInFlight_) return;  // it comes late, and the button has been restored
+  if (!dismissInFlight_) return;  // late progress: finishDismissal() has already restored the button
   host_.statusItem->setTitle(HLProgressTitle(HLIsProductFlavor(), count));
 }
 

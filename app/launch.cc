@@ -22,9 +22,9 @@
 
 namespace {
 
-constexpr double kSnapshotDelay = 1.5;  // seconds; by then the windows have been drawn
+constexpr double kSnapshotDelay = 1.5;  // seconds, for the windows to be drawn
 
-// All of it or nothing: the file takes its name when it is whole.
+// Writes a temporary file and renames it, so that `path` never holds partial content.
 bool writeAtomically(const std::string& path, const std::string& content) {
   const std::string unfinished = path + ".part";
   std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);

@@ -39,8 +39,8 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
   window.stack = {
       {HLLabel{"", "Shortcut", 13, HLFontWeight::semibold}, 8, false},
       {shortcut, 8, false},
-      {HLLabel{kShortcutNoteLabel, host_.hotKeys->whyNone().value_or(kShortcutNote), 12, HLFontWeight::regular,
-               HLTextColor::secondary},
+      {HLLabel{kShortcutNoteLabel, host_.hotKeys->unsupportedReason().value_or(kShortcutNote), 12,
+               HLFontWeight::regular, HLTextColor::secondary},
        18, true},
       {HLLabel{"", "Accessibility", 13, HLFontWeight::semibold}, 8, false},
       {accessibility, 18, false},
@@ -94,7 +94,7 @@ void HLAppDelegate::toggleAutoClose(bool on) {
 }
 
 void HLAppDelegate::updateAutoCloser() {
-  // The auto-closer presses for itself: a trusted daemon is of no use to it.
+  // The auto-closer presses in this process and cannot use a trusted daemon.
   const bool want = HLBooleanDefault(host_.userDefaults, kAutoClose) && HLIsAccessibilityTrusted(false);
   if (!want) {
     autoCloser_ = nullptr;

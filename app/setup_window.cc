@@ -58,13 +58,13 @@ void HLAppDelegate::showSetupWindow() {
 }
 
 void HLAppDelegate::updateSetupState() {
-  // A trusted daemon does not count: the grant that this window waits for is this process's own.
+  // A trusted daemon does not count: this window waits for the permission of this process.
   if (!HLIsAccessibilityTrusted(false)) {
     setupWindow_->setLabel(kStatusLabel, "Waiting for Accessibility access…", HLTextColor::secondary);
     setupWindow_->setButtonTitle(kPrimaryButton, kOpenSettings);
   } else {
     const std::string hint =
-        storedKeyCode() >= 0 && !host_.hotKeys->whyNone()
+        storedKeyCode() >= 0 && !host_.hotKeys->unsupportedReason()
             ? HLFormat("Press %@ or click the menu bar icon to clear notifications.", storedShortcutLabel())
             : "Click the menu bar icon to clear notifications.";
     setupWindow_->setLabel(kStatusLabel, HLFormat("Allowed. %@", hint), HLTextColor::green);

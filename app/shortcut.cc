@@ -18,14 +18,14 @@ constexpr std::int64_t kNoKey = -1;
 
 const HLHotKeyIdentity kIdentity = {"HLhk", 1};
 
-std::int32_t HLHotKeyPressed(const std::optional<HLHotKeyIdentity>& identity,
-                             const std::shared_ptr<HLAppDelegate>& delegate) {
-  if (identity != kIdentity) return HLHotKeyNotHandled;
+HLHotKeyStatus HLHotKeyPressed(const std::optional<HLHotKeyIdentity>& identity,
+                               const std::shared_ptr<HLAppDelegate>& delegate) {
+  if (identity != kIdentity) return HLHotKeyStatus::notHandled;
   HLCurrentPlatform().runLoop->postToMainQueue([delegate] {
     HLAppendLog("hotKeyPressed");
     delegate->dismissNotifications();
   });
-  return HLHotKeyHandled;
+  return HLHotKeyStatus::success;
 }
 
 }  // namespace
@@ -70,17 +70,18 @@ void HLAppDelegate::installHotKeyHandler() {
   });
 }
 
-std::int32_t HLAppDelegate::applyStoredHotKey() {
+HLHotKeyStatus HLAppDelegate::applyStoredHotKey() {
   unregisterHotKey();
   const std::int64_t code = storedKeyCode();
   if (code < 0) {
     HLAppendLog("hotKey none");
-    return 0;
+    return HLHotKeyStatus::success;
   }
   HLHotKeyRegistration registration =
       host_.hotKeys->registerHotKey(static_cast<std::uint32_t>(code), HLCarbonModifiers(storedModifiers()), kIdentity);
-  if (registration.status == 0) hotKeyRef_ = std::move(registration.hotKey);
-  HLAppendLog("hotKey register label=%@ status=%d", storedShortcutLabel(), registration.status);
+  if (registration.status == HLHotKeyStatus::success) hotKeyRef_ = std::move(registration.hotKey);
+  HLAppendLog("hotKey register label=%@ status=%d", storedShortcutLabel(),
+              static_cast<std::int32_t>(registration.status));
   return registration.status;
 }
 
@@ -118,7 +119,7 @@ void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   const std::optional<std::string> oldLabel = storedKeyLabel();
   storeShortcut(event.code, flags, HLKeyLabelForEvent(event));
   stopRecording();
-  if (applyStoredHotKey() == 0) {
+  if (applyStoredHotKey() == HLHotKeyStatus::success) {
     updateSettingsState();
     setShortcutNote("Saved. Works from any app.", HLTextColor::secondary);
     return;
@@ -128,7 +129,7 @@ void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   applyStoredHotKey();
   updateSettingsState();
   const std::string taken = HLFormat("%@ is already used by another app. Try a different one.", refused);
-  setShortcutNote(host_.hotKeys->whyNone().value_or(taken), HLTextColor::orange);
+  setShortcutNote(host_.hotKeys->unsupportedReason().value_or(taken), HLTextColor::orange);
 }
 
 void HLAppDelegate::stopRecording() {

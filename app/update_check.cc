@@ -28,7 +28,7 @@ std::int64_t installedBuild(const HLDictionary& information) {
 }  // namespace
 
 void HLAppDelegate::checkForUpdates() {
-  // As they are now: the bundle may have been replaced by the time the answer is there.
+  // Read now: the bundle may have been replaced by the time the response arrives.
   const HLDictionary information = HLCurrentPlatform().process->informationDictionary();
   host_.httpClient->get(QLMUpdateFeedURL(), kTimeout, [self = shared_from_this(), information](HLHTTPAnswer answer) {
     HLCurrentPlatform().runLoop->postToMainQueue(
@@ -40,8 +40,8 @@ void HLAppDelegate::showUpdateVerdict(const HLHTTPAnswer& answer, const HLDictio
   const std::int64_t build = installedBuild(information);
   const QLMUpdateVerdict verdict =
       QLMReadUpdateFeed(answer.status == kOK ? answer.body : std::nullopt, installedVersion(information), build);
-  HLAppendLog("update check status=%ld kind=%ld feedBuild=%ld build=%ld", answer.status, verdict.kind, verdict.build,
-              build);
+  HLAppendLog("update check status=%ld kind=%ld feedBuild=%ld build=%ld", answer.status,
+              static_cast<std::int64_t>(verdict.kind), verdict.build, build);
   host_.application->activate();
   const std::size_t chosen = host_.alerts->runModal(
       {verdict.title, verdict.message,

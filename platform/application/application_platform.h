@@ -1,4 +1,4 @@
-// What only the menu-bar application asks of its host. The command-line modes do without, and load none of it.
+// The host interfaces that only the application uses. Command-line modes do not load them.
 #pragma once
 
 #include <optional>
@@ -16,8 +16,7 @@ class HLUserDefaults;
 class HLWindows;
 class HLWorkspace;
 
-// How the user gives access to the screen, where that differs from the home platform's way. "%@" in them stands for the
-// application's name.
+// Texts of the setup window for hosts other than macOS. "%@" stands for the application's name.
 struct HLAccessGuide {
   std::string explanation;
   std::string steps;

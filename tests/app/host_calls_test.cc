@@ -207,7 +207,7 @@ std::set<std::string> filesIn(const std::string& directory) {
 TEST(AHostWithoutHotKeys, SaysSoInsteadOfBlamingAnotherProgram) {
   Application application;
   SpyHost& host = application.host;
-  host.hotKeys.status = HLHotKeyFailed;
+  host.hotKeys.status = HLHotKeyStatus::failed;
   host.hotKeys.reason = "None here.";
   application.delegate->showSettingsWindow();
   const auto isTheNote = [](const HLStackItem& item) {

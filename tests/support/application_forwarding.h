@@ -106,7 +106,7 @@ class ForwardingHotKeys : public HLHotKeys {
                                                     const HLHotKeyIdentity& identity) override {
     return inner_.registerHotKey(code, modifiers, identity);
   }
-  [[nodiscard]] std::optional<std::string> whyNone() const override { return inner_.whyNone(); }
+  [[nodiscard]] std::optional<std::string> unsupportedReason() const override { return inner_.unsupportedReason(); }
 
  private:
   HLHotKeys& inner_;

@@ -115,9 +115,9 @@ class SpyHotKeys : public HLHotKeys {
     calls_.emplace_back("register hot key");
     return {status, nullptr};
   }
-  [[nodiscard]] std::optional<std::string> whyNone() const override { return reason; }
+  [[nodiscard]] std::optional<std::string> unsupportedReason() const override { return reason; }
 
-  std::int32_t status = 0;
+  HLHotKeyStatus status = HLHotKeyStatus::success;
   std::optional<std::string> reason;
 
  private:

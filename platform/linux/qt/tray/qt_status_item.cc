@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int kFrame = 16;  // milliseconds; as often as a screen shows a new picture
+constexpr int kFrame = 16;  // milliseconds, at 60 frames per second
 
 }  // namespace
 
@@ -35,8 +35,7 @@ void HLQtStatusItem::install(HLStatusItemDescription description) {
   const auto changed = [this](bool hasTray) {
     if (notifier_ != nullptr) notifier_->setWanted(!hasTray);
   };
-  // A tray of the X server first: it brings every click with its modifiers, where one on the bus may draw a menu of its
-  // own or none at all.
+  // Prefer an X11 tray: its clicks carry modifiers. A StatusNotifier tray may show its own menu or none.
   if (QGuiApplication::platformName() == "xcb") embedded_ = HLEmbeddedIcon::open(item_, changed);
   if (embedded_ == nullptr) changed(false);
 }

@@ -1,4 +1,4 @@
-// The item in whatever tray there is, and its menu.
+// The status item and its menu, in an X11 or StatusNotifier tray.
 #pragma once
 
 #include <QMenu>
@@ -27,7 +27,7 @@ class HLQtStatusItem : public HLStatusItem {
   void popUpMenu() override;
 
  private:
-  // Soon: what changes many times in a moment, as a count does, is drawn once.
+  // Coalesces changes: redraws at most once per frame.
   void redraw();
   void click(const HLTrayClick& click);
 
@@ -35,7 +35,7 @@ class HLQtStatusItem : public HLStatusItem {
   HLStatusItemDescription description_;
   HLTrayItem item_;
   HLTrayLook look_;
-  QRect place_;  // of the item, at the last click
+  QRect place_;  // of the item at the latest click
   std::unique_ptr<HLTrayMenu> menu_;
   std::unique_ptr<HLEmbeddedIcon> embedded_;
   std::unique_ptr<HLStatusNotifier> notifier_;

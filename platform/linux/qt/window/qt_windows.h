@@ -1,4 +1,4 @@
-// Windows of the toolkit's controls, made from their descriptions.
+// Windows of Qt widgets, built from their descriptions.
 #pragma once
 
 #include <QCloseEvent>
@@ -51,7 +51,7 @@ class HLQtWindow : public QWidget, public HLWindow {
 class HLQtWindows : public HLWindows {
  public:
   [[nodiscard]] std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) override;
-  // In the order in which they were made, then what the toolkit has made of itself.
+  // In order of creation, then dialogs that Qt created itself.
   [[nodiscard]] std::vector<HLWindowView> views() override;
 
  private:
