@@ -12,11 +12,16 @@
 #include "core/dismissal/result.h"
 #include "platform/application/application.h"
 #include "platform/application/application_platform.h"
+#include "platform/application/conventions.h"
 #include "platform/application/hot_keys.h"
-#include "platform/application/http_client.h"
 #include "platform/application/windows.h"
 #include "platform/run_loop.h"
-#include "platform/value.h"
+
+// The line under the shortcut in the settings window.
+struct HLShortcutNote {
+  std::string text;
+  HLTextColor color = HLTextColor::secondary;
+};
 
 // Created in a shared_ptr before the run loop starts; lives until the process exits, without teardown. Main thread
 // only; the dismissal itself runs on a background queue.
@@ -71,7 +76,6 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void installStatusItem();
   void observeRelaunches();
   void followLaunchSwitches();
-  void writeWindowSnapshots(const std::string& directory);
 
   void showProgress(std::int64_t count);
   void finishDismissal(const HLDismissResult& result, std::int64_t elapsedMilliseconds);
@@ -79,16 +83,16 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
 
   [[nodiscard]] HLWindowDescription setupWindowDescription();
   [[nodiscard]] HLWindowDescription settingsWindowDescription();
+  void bringToFront(HLWindow& window);
+  [[nodiscard]] const HLConventions& conventions() const;
 
   void registerDefaultShortcut();
   void installHotKeyHandler();
   void unregisterHotKey() { hotKeyRef_ = nullptr; }
-  [[nodiscard]] std::optional<std::string> storedKeyLabel() const;
-  void storeShortcut(std::int64_t code, std::uint64_t modifiers, const std::optional<std::string>& label);
-  void setShortcutNote(const std::string& text, HLTextColor color);
+  [[nodiscard]] std::string shownShortcut() const;  // storedShortcutLabel() as users of this host write it
+  [[nodiscard]] std::string dismissHint() const;    // tells the user how to clear notifications
+  void setShortcutNote(const HLShortcutNote& note);
   void setRecordButtonTitle(const std::string& title);
-
-  void showUpdateVerdict(const HLHTTPAnswer& answer, const HLDictionary& information);
 
   const HLApplicationPlatform& host_;
 
@@ -96,7 +100,10 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   bool promptedAccessibilityThisRun_ = false;
   std::unique_ptr<HLHotKey> hotKeyRef_;
   std::unique_ptr<HLKeyMonitor> recordMonitor_;  // non-null while recording
+  HLShortcutNote shortcutNote_;
+  HLShortcutNote noteBeforeRecording_;
   std::unique_ptr<HLAutoCloser> autoCloser_;
+  std::optional<bool> loggedAvailability_;  // the latest in the log
 
   // Created when first shown.
   std::unique_ptr<HLWindow> setupWindow_;

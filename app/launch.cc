@@ -1,15 +1,13 @@
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <ostream>
 #include <variant>
 #include <vector>
 
 #include "app/access.h"
 #include "app/app_delegate.h"
-#include "base/format.h"
+#include "app/conventions.h"
+#include "app/window_snapshots.h"
 #include "base/log.h"
 #include "base/paths.h"
 #include "core/dismissal/launch_context.h"
@@ -23,17 +21,6 @@
 namespace {
 
 constexpr double kSnapshotDelay = 1.5;  // seconds, for the windows to be drawn
-
-// Writes a temporary file and renames it, so that `path` never holds partial content.
-bool writeAtomically(const std::string& path, const std::string& content) {
-  const std::string unfinished = path + ".part";
-  std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-  file << content;
-  file.close();
-  if (file && std::rename(unfinished.c_str(), path.c_str()) == 0) return true;
-  std::remove(unfinished.c_str());
-  return false;
-}
 
 }  // namespace
 
@@ -70,20 +57,18 @@ void HLAppDelegate::followLaunchSwitches() {
   const auto snapshots = find("--snapshot-windows");
   if (snapshots == arguments.end() || snapshots + 1 == arguments.end()) return;
   HLCurrentPlatform().runLoop->postToMainQueueAfter(
-      kSnapshotDelay, [self = shared_from_this(), directory = snapshots[1]] { self->writeWindowSnapshots(directory); });
+      kSnapshotDelay,
+      [&windows = host_.windows, directory = snapshots[1]] { HLWriteWindowSnapshots(windows, directory); });
 }
 
-void HLAppDelegate::writeWindowSnapshots(const std::string& directory) {
-  std::int64_t counter = 0;
-  for (const HLWindowView& view : host_.windows->views()) {
-    if (!view.visible || !(view.width > 0) || !(view.height > 0)) continue;
-    const std::string name = view.title.empty() ? HLFormat("window-%ld", counter) : view.title;
-    const std::filesystem::path path = std::filesystem::path(directory) / HLFormat("%02ld-%@.png", counter, name);
-    const std::optional<std::string> png = view.png();
-    const bool wrote = png && writeAtomically(path.string(), *png);
-    HLAppendLog("snapshot window=%@ size=%.0fx%.0f wrote=%d", name, view.width, view.height, wrote ? 1 : 0);
-    ++counter;
-  }
+const HLConventions& HLAppDelegate::conventions() const {
+  return host_.conventions ? *host_.conventions : HLMacConventions();
+}
+
+void HLAppDelegate::bringToFront(HLWindow& window) {
+  window.center();
+  host_.application->activate();
+  window.makeKeyAndOrderFront();
 }
 
 void HLAppDelegate::quit() { host_.application->terminate(); }

@@ -1,5 +1,6 @@
 #include "app/access.h"
 #include "app/app_delegate.h"
+#include "app/window_parts.h"
 #include "autoclose/rules.h"
 #include "base/format.h"
 #include "base/log.h"
@@ -20,15 +21,17 @@ constexpr const char* kAccessibilityLabel = "settingsAccessibilityLabel";
 constexpr const char* kAutoCloseCheckbox = "autoCloseCheckbox";
 constexpr const char* kOpenAtLoginCheckbox = "openAtLoginCheckbox";
 
-constexpr const char* kShortcutNote =
-    "Works from any app. Needs at least one of Command, Option or Control, or an F key.";
-
 constexpr double kRowSpacing = 10;
+
+HLStackItem heading(const char* text) { return {HLLabel{"", text, 13, HLFontWeight::semibold}, 8, false}; }
 
 }  // namespace
 
 HLWindowDescription HLAppDelegate::settingsWindowDescription() {
-  HLWindowDescription window{HLFormat("%@ Settings", HLAppDisplayName()), 420, 280, 24, 22, {}, {}};
+  HLWindowDescription window = HLEmptyWindow(HLFormat("%@ Settings", HLAppDisplayName()), 420, 280);
+  const std::string need =
+      HLFormat("Works from any app. Needs at least one of %@, or an F key.", conventions().modifierChoice);
+  shortcutNote_ = {host_.hotKeys->unsupportedReason().value_or(need), HLTextColor::secondary};
   const HLRow shortcut = {{HLLabel{kShortcutValueLabel, "", 15, HLFontWeight::medium},
                            HLButton{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }},
                            HLButton{"", "Clear", "", [this] { clearShortcut(); }}},
@@ -37,16 +40,17 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
       {HLLabel{kAccessibilityLabel, "", 13}, HLButton{"", "Set Up Accessibility", "", [this] { showSetupWindow(); }}},
       kRowSpacing};
   window.stack = {
-      {HLLabel{"", "Shortcut", 13, HLFontWeight::semibold}, 8, false},
+      heading("Shortcut"),
       {shortcut, 8, false},
-      {HLLabel{kShortcutNoteLabel, host_.hotKeys->unsupportedReason().value_or(kShortcutNote), 12,
-               HLFontWeight::regular, HLTextColor::secondary},
-       18, true},
-      {HLLabel{"", "Accessibility", 13, HLFontWeight::semibold}, 8, false},
+      {HLLabel{kShortcutNoteLabel, shortcutNote_.text, 12, HLFontWeight::regular, shortcutNote_.color}, 18, true},
+      heading("Accessibility"),
       {accessibility, 18, false},
-      {HLCheckBox{kAutoCloseCheckbox, "Close Shortcuts Automation Banners", [this](bool on) { toggleAutoClose(on); }},
-       8, false},
   };
+  if (conventions().offersAutoClose) {
+    window.stack.push_back(
+        {HLCheckBox{kAutoCloseCheckbox, "Close Shortcuts Automation Banners", [this](bool on) { toggleAutoClose(on); }},
+         8, false});
+  }
   if (HLIsProductFlavor()) {
     window.stack.push_back(
         {HLCheckBox{kOpenAtLoginCheckbox, "Open at Login", [this](bool on) { toggleOpenAtLogin(on); }}, 8, false});
@@ -58,13 +62,11 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
 void HLAppDelegate::showSettingsWindow() {
   if (settingsWindow_ == nullptr) settingsWindow_ = host_.windows->makeWindow(settingsWindowDescription());
   updateSettingsState();
-  settingsWindow_->center();
-  host_.application->activate();
-  settingsWindow_->makeKeyAndOrderFront();
+  bringToFront(*settingsWindow_);
 }
 
 void HLAppDelegate::updateSettingsState() {
-  settingsWindow_->setLabel(kShortcutValueLabel, storedShortcutLabel(), HLTextColor::label);
+  settingsWindow_->setLabel(kShortcutValueLabel, shownShortcut(), HLTextColor::label);
   const bool trusted = HLIsAccessibilityTrusted(false);
   settingsWindow_->setLabel(kAccessibilityLabel, trusted ? "Allowed" : "Not allowed yet",
                             trusted ? HLTextColor::green : HLTextColor::orange);
@@ -77,8 +79,9 @@ void HLAppDelegate::updateSettingsState() {
   updateAutoCloser();
 }
 
-void HLAppDelegate::setShortcutNote(const std::string& text, HLTextColor color) {
-  settingsWindow_->setLabel(kShortcutNoteLabel, text, color);
+void HLAppDelegate::setShortcutNote(const HLShortcutNote& note) {
+  shortcutNote_ = note;
+  settingsWindow_->setLabel(kShortcutNoteLabel, note.text, note.color);
 }
 
 void HLAppDelegate::setRecordButtonTitle(const std::string& title) {

@@ -63,6 +63,9 @@ void HLAppDelegate::refreshStatusItem() {
   } else {
     host_.statusItem->setTitle(available ? "HL" : "HL!");
   }
+  const bool isPoll = trustPollTimer_ != nullptr;
+  const bool changed = std::exchange(loggedAvailability_, available) != available;
+  if (isPoll && !changed && !conventions().logsUnchangedPolls) return;
   HLAppendLog("refreshStatusItem available=%@ visible=true", available);
 }
 

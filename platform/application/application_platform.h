@@ -2,8 +2,8 @@
 #pragma once
 
 #include <optional>
-#include <string>
 
+#include "platform/application/conventions.h"
 #include "platform/reference.h"
 
 class HLAlerts;
@@ -16,13 +16,6 @@ class HLUserDefaults;
 class HLWindows;
 class HLWorkspace;
 
-// Texts of the setup window for hosts other than macOS. "%@" stands for the application's name.
-struct HLAccessGuide {
-  std::string explanation;
-  std::string steps;
-  std::string note;
-};
-
 struct HLApplicationPlatform {
   HLReference<HLApplication> application;
   HLReference<HLStatusItem> statusItem;
@@ -33,5 +26,5 @@ struct HLApplicationPlatform {
   HLReference<HLUserDefaults> userDefaults;
   HLReference<HLHTTPClient> httpClient;
   HLReference<HLWorkspace> workspace;
-  std::optional<HLAccessGuide> accessGuide;
+  std::optional<HLConventions> conventions;  // nullopt for those of macOS
 };

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -16,6 +17,7 @@
 
 #include "app/access.h"
 #include "app/app_delegate.h"
+#include "app/conventions.h"
 #include "platform/application/application_platform.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
@@ -141,7 +143,11 @@ TEST(SetupWindowCalls, DescribeItsSizeAndMargins) {
 
 TEST(SetupWindowCalls, SayTheHostsOwnWayToAccessWithTheApplicationsName) {
   Application application(R"("trusted": false)", "A%@");
-  application.host.platform.accessGuide = HLAccessGuide{"%@ explains %@.", "Steps", "A note on %@"};
+  HLConventions conventions = HLMacConventions();
+  conventions.accessExplanation = "%@ explains %@.";
+  conventions.accessSteps = "Steps";
+  conventions.accessNote = "A note on %@";
+  application.host.platform.conventions = conventions;
   application.delegate->showSetupWindow();
   std::vector<std::string> texts;
   for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
@@ -191,6 +197,109 @@ TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
     EXPECT_EQ(opened, opensMenu) << event.type << " " << event.modifiers;
     EXPECT_THAT(application.messages("handleClick"),
                 ElementsAre("handleClick type=" + std::to_string(event.type) + " modifiers=" + modifiers));
+  }
+}
+
+// The conventions of macOS with one member changed.
+template <class Value>
+HLConventions conventionsWith(Value HLConventions::*member, const Value& value) {
+  HLConventions conventions = HLMacConventions();
+  conventions.*member = value;
+  return conventions;
+}
+
+TEST(Conventions, WordTheShortcutNotes) {
+  Application application;
+  application.host.platform.conventions = conventionsWith(&HLConventions::modifierChoice, std::string("This or That"));
+  application.delegate->showSettingsWindow();
+  const auto* note = std::get_if<HLLabel>(&application.host.windows.made.at(0).stack.at(2).what);
+  ASSERT_NE(note, nullptr);
+  EXPECT_EQ(note->text, "Works from any app. Needs at least one of This or That, or an F key.");
+  application.delegate->recordEvent({45, HLModifierShift, "n"});
+  EXPECT_EQ(application.host.calls.back(), "label Add This or That, or use an F key.");
+}
+
+TEST(Conventions, FormatTheShortcutInWindowsButNotInTheLog) {
+  Application application;
+  HLConventions conventions = conventionsWith(&HLConventions::icon, std::string("icon"));
+  conventions.shortcutText = [](std::uint64_t modifiers, const std::optional<std::string>& label) {
+    return std::to_string(modifiers) + "+" + label.value_or("?");
+  };
+  application.host.platform.conventions = conventions;
+  application.delegate->applicationDidFinishLaunching();
+  application.delegate->showSettingsWindow();
+  application.delegate->showSetupWindow();
+  EXPECT_THAT(application.host.calls, testing::IsSupersetOf({"label 1835008+N",
+                                                             "label Allowed. Press 1835008+N or click the icon to "
+                                                             "clear notifications."}));
+  EXPECT_THAT(application.messages("hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=0"));
+  application.host.hotKeys.status = HLHotKeyStatus::taken;
+  application.delegate->recordEvent({45, HLModifierControl, "k"});
+  EXPECT_EQ(application.host.calls.back(), "label 262144+K is already used by another app. Try a different one.");
+  application.delegate->clearShortcut();
+  EXPECT_EQ(application.host.calls.back(), "label No shortcut. Click the icon to clear notifications.");
+}
+
+TEST(Conventions, NameTheSetupButton) {
+  Application application(R"("trusted": false)");
+  application.host.platform.conventions = conventionsWith(&HLConventions::accessButton, std::string("Do It"));
+  application.delegate->showSetupWindow();
+  const auto* button = std::get_if<HLButton>(&application.host.windows.made.at(0).stack.back().what);
+  ASSERT_NE(button, nullptr);
+  EXPECT_EQ(button->title, "Do It");
+}
+
+TEST(Conventions, HideTheAutoCloseCheckBox) {
+  for (const bool offered : {false, true}) {
+    Application application;
+    application.host.platform.conventions = conventionsWith(&HLConventions::offersAutoClose, offered);
+    application.delegate->showSettingsWindow();
+    std::vector<std::string> titles;
+    for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
+      if (const auto* box = std::get_if<HLCheckBox>(&item.what)) titles.push_back(box->title);
+    }
+    EXPECT_EQ(titles,
+              offered ? Calls({"Close Shortcuts Automation Banners", "Open at Login"}) : Calls({"Open at Login"}));
+  }
+}
+
+TEST(Conventions, RestoreTheNoteOfACanceledRecording) {
+  const auto cancelByEscape = [](HLAppDelegate& delegate, SpyHost&) { delegate.recordEvent({53, 0, ""}); };
+  const auto cancelByButton = [](HLAppDelegate& delegate, SpyHost&) { delegate.toggleRecording(); };
+  const auto closeWindow = [](HLAppDelegate&, SpyHost& host) { host.windows.made.at(0).willClose(); };
+  const std::vector<std::function<void(HLAppDelegate&, SpyHost&)>> cancellations = {cancelByEscape, cancelByButton,
+                                                                                    closeWindow};
+  const std::string note = "label No shortcut. Click the menu bar icon to clear notifications.";
+  for (const auto& cancel : cancellations) {
+    for (const bool restores : {false, true}) {
+      Application application;
+      application.host.platform.conventions = conventionsWith(&HLConventions::restoresShortcutNote, restores);
+      application.delegate->showSettingsWindow();
+      application.delegate->clearShortcut();
+      application.delegate->toggleRecording();
+      application.host.calls.clear();
+      cancel(*application.delegate, application.host);
+      EXPECT_EQ(std::count(application.host.calls.begin(), application.host.calls.end(), note), restores ? 1 : 0);
+      application.host.calls.clear();
+      application.delegate->stopRecording();
+      EXPECT_THAT(application.host.calls, testing::IsEmpty()) << "nothing is being recorded";
+    }
+  }
+}
+
+TEST(Conventions, LimitTheLogOfPolls) {
+  for (const bool logsAll : {false, true}) {
+    Application application(R"("trusted": false, "timeline": [{"at": 5.5, "trust": true}])");
+    application.host.platform.conventions = conventionsWith(&HLConventions::logsUnchangedPolls, logsAll);
+    application.delegate->refreshStatusItem();
+    application.delegate->refreshStatusItem();
+    EXPECT_EQ(application.messages("refreshStatusItem").size(), 2U) << "without a poll every refresh is logged";
+    application.delegate->showSetupWindow();
+    const std::size_t before = application.messages("refreshStatusItem").size();
+    application.desktop.platform().runLoop->runFor(10);
+    const std::size_t polls = application.messages("refreshStatusItem").size() - before;
+    EXPECT_EQ(polls, logsAll ? 10U : 1U);
+    EXPECT_EQ(application.messages("refreshStatusItem").back(), "refreshStatusItem available=true visible=true");
   }
 }
 

@@ -67,7 +67,7 @@ class SpyApplication : public HLApplication {
   void beep() override {}
   [[nodiscard]] std::optional<HLEvent> currentEvent() override { return event; }
   [[nodiscard]] std::unique_ptr<HLKeyMonitor> addKeyMonitor(std::function<void(const HLKeyEvent&)>) override {
-    return nullptr;
+    return std::make_unique<HLKeyMonitor>();
   }
 
  private:

@@ -37,18 +37,18 @@ TEST_F(ApplicationWindows, ANewShortcutIsRecordedByTypingItAndKept) {
   waitForWindow(kSettings);
   expectPlainFrame(kSettings);
   EXPECT_EQ(waitForPart(kSettings).role, HLRawRole::kDialog);
-  (void)waitForPart("⌃⌥⌘N");
+  (void)waitForPart("Ctrl+Alt+Super+N");
   clickPart("Record Shortcut");
   (void)waitForPart("Press the new shortcut. Escape cancels.");
   (void)waitForPart("Type Shortcut…");
   screen_->press({KEY_LEFTSHIFT, KEY_K});
-  (void)waitForPart("Add Command, Option or Control, or use an F key.");
+  (void)waitForPart("Add Super, Alt or Ctrl, or use an F key.");
   keepPicture("refused");
   (void)waitForPart("Type Shortcut…");
   EXPECT_EQ(defaultsFile(), "");
   screen_->press({KEY_LEFTCTRL, KEY_LEFTSHIFT, KEY_K});
   (void)waitForPart("Saved. Works from any app.");
-  (void)waitForPart("⌃⇧K");
+  (void)waitForPart("Ctrl+Shift+K");
   (void)waitForPart("Record Shortcut");
   keepPicture("saved");
   EXPECT_THAT(defaultsFile(), HasSubstr("\"HLHotKeyCode\": 40"));
@@ -184,9 +184,9 @@ TEST_P(ApplicationSetup, LeadsFromTheFirstStartToTheFirstClearedScreen) {
   keepPicture("waiting");
   EXPECT_FALSE(isAccessibilityEnabled()) << "nobody has asked for it yet";
 
-  clickPart("Open Accessibility Settings");
+  clickPart("Switch On Accessibility");
   (void)waitForPart("Done");
-  (void)waitForPart("Allowed. Press ⌃⌥⌘N or click the menu bar icon to clear notifications.");
+  (void)waitForPart("Allowed. Press Ctrl+Alt+Super+N or click the tray icon to clear notifications.");
   EXPECT_TRUE(isAccessibilityEnabled());
   waitForLogged("refreshStatusItem available=true visible=true");
   EXPECT_EQ(countLogged("requestAccessibility trusted=true "), 1);
