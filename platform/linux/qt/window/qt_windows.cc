@@ -190,11 +190,19 @@ void HLQtWindow::closeEvent(QCloseEvent* event) {
 }
 
 void HLQtWindow::keyPressEvent(QKeyEvent* event) {
-  const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (!isReturn || keyButton_ == nullptr || event->modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier)) {
-    return QWidget::keyPressEvent(event);
+  const int key = event->key();
+  const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
+  const bool isPlain = modifiers == Qt::NoModifier;
+  const bool withControl = modifiers == Qt::ControlModifier;
+  if (isPlain && (key == Qt::Key_Return || key == Qt::Key_Enter) && keyButton_ != nullptr) {
+    keyButton_->click();
+  } else if ((isPlain && key == Qt::Key_Escape) || (withControl && key == Qt::Key_W)) {
+    close();
+  } else if (withControl && key == Qt::Key_Q) {
+    QApplication::quit();
+  } else {
+    QWidget::keyPressEvent(event);
   }
-  keyButton_->click();
 }
 
 std::unique_ptr<HLWindow> HLQtWindows::makeWindow(HLWindowDescription description) {

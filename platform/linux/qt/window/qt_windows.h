@@ -16,6 +16,7 @@
 class QPushButton;
 class HLQtLabel;
 
+// Escape and Ctrl+W close the window, Ctrl+Q quits the application, Return clicks the button with that key.
 class HLQtWindow : public QWidget, public HLWindow {
  public:
   explicit HLQtWindow(HLWindowDescription description);

@@ -117,6 +117,35 @@ TEST_F(ApplicationWindows, ItIsQuitByItsMenu) {
   EXPECT_EQ(application_->output(), "");
 }
 
+TEST_F(ApplicationWindows, CloseOnEscapeAndQuitOnCtrlQ) {
+  beginDesktop();
+  startApplication({"--open-settings"});
+  waitForWindow(kSettings);
+  screen_->press({KEY_ESC});
+  waitUntilGone(kSettings);
+  startAgain();
+  waitForWindow(kSettings);
+  screen_->press({KEY_LEFTCTRL, KEY_W});
+  waitUntilGone(kSettings);
+  startAgain();
+  waitForWindow(kSettings);
+  screen_->press({KEY_LEFTCTRL, KEY_Q});
+  EXPECT_EQ(application_->wait(kPatience), 0) << application_->output();
+}
+
+TEST_F(ApplicationWindows, GiveTheNoteBackAfterACanceledRecording) {
+  beginDesktop();
+  startApplication({"--open-settings"});
+  waitForWindow(kSettings);
+  const std::string note = "Works from any app. Needs at least one of Super, Alt or Ctrl, or an F key.";
+  (void)waitForPart(note);
+  clickPart("Record Shortcut");
+  (void)waitForPart("Press the new shortcut. Escape cancels.");
+  screen_->press({KEY_ESC});
+  (void)waitForPart(note);
+  EXPECT_TRUE(screen_->findTitled(kSettings)) << "Escape ends the recording only";
+}
+
 TEST_F(ApplicationWindows, WithoutADisplayItSaysSoAndEnds) {
   begin();
   Environment without = session_->environment();

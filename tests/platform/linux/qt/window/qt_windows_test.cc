@@ -9,10 +9,12 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/application/application.h"
@@ -200,18 +202,52 @@ TEST_F(Windows, AssistiveTechnologiesFindAWindow) {
   EXPECT_GT(accessible->childCount(), 0);
 }
 
-TEST_F(Windows, ReturnPressesTheKeyButtonAndEscapeNothing) {
+TEST_F(Windows, ReturnPressesTheKeyButton) {
   int pressed = 0;
-  int closed = 0;
-  make(SetupWindow({.primary = [&] { ++pressed; }, .willClose = [&] { ++closed; }})).makeKeyAndOrderFront();
+  make(SetupWindow({.primary = [&] { ++pressed; }})).makeKeyAndOrderFront();
   press(Qt::Key_Return);
   EXPECT_EQ(pressed, 1);
   press(Qt::Key_Enter, Qt::KeypadModifier);
   EXPECT_EQ(pressed, 2);
-  press(Qt::Key_Escape);
+  press(Qt::Key_Return, Qt::ControlModifier);
   EXPECT_EQ(pressed, 2);
-  EXPECT_EQ(closed, 0);
   EXPECT_TRUE(widget().isVisible());
+}
+
+TEST_F(Windows, CloseOnEscapeAndCtrlW) {
+  int pressed = 0;
+  int closed = 0;
+  HLWindow& window = make(SetupWindow({.primary = [&] { ++pressed; }, .willClose = [&] { ++closed; }}));
+  for (const auto& [key, modifiers] :
+       {std::pair(Qt::Key_Escape, Qt::NoModifier), std::pair(Qt::Key_W, Qt::ControlModifier)}) {
+    closed = 0;
+    window.makeKeyAndOrderFront();
+    press(key, modifiers);
+    EXPECT_FALSE(widget().isVisible()) << key;
+    EXPECT_EQ(closed, 1) << key;
+  }
+  EXPECT_EQ(pressed, 0);
+}
+
+TEST_F(Windows, IgnoreEscapeAndLettersWithOtherModifiers) {
+  HLWindow& window = make(SetupWindow());
+  window.makeKeyAndOrderFront();
+  press(Qt::Key_Escape, Qt::ShiftModifier);
+  press(Qt::Key_W);
+  press(Qt::Key_Q);
+  press(Qt::Key_W, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_TRUE(widget().isVisible());
+}
+
+TEST_F(Windows, QuitTheApplicationOnCtrlQ) {
+  make(SetupWindow()).makeKeyAndOrderFront();
+  constexpr int kGaveUp = 9;
+  constexpr int kTimeout = 10'000;  // milliseconds
+  QTimer::singleShot(0, [this] { press(Qt::Key_Q, Qt::ControlModifier); });
+  QTimer timeout;
+  QObject::connect(&timeout, &QTimer::timeout, [] { QApplication::exit(kGaveUp); });
+  timeout.start(kTimeout);
+  EXPECT_EQ(QApplication::exec(), 0);
 }
 
 TEST_F(Windows, ButtonsAndCheckBoxesActWhenTheUserUsesThem) {
