@@ -74,11 +74,16 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
 
  private:
   void installStatusItem();
+  [[nodiscard]] static std::string toolTip();
+  void welcomeWithoutIcon();
   void observeRelaunches();
   void followLaunchSwitches();
 
   void showProgress(std::int64_t count);
-  void finishDismissal(const HLDismissResult& result, std::int64_t elapsedMilliseconds);
+  void finishDismissal(const HLDismissResult& result, std::int64_t elapsedMilliseconds, bool leftBanner);
+  void explainFailure(const std::string& reason);
+  void withdrawFailure();
+  void showFailureInSettings(const std::string& reason);
   void handleAccessDeniedIfNeeded();
 
   [[nodiscard]] HLWindowDescription setupWindowDescription();
@@ -103,6 +108,7 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   HLShortcutNote shortcutNote_;
   HLShortcutNote noteBeforeRecording_;
   std::unique_ptr<HLAutoCloser> autoCloser_;
+  std::unique_ptr<HLTimer> failureTimer_;   // while the status item explains a failure
   std::optional<bool> loggedAvailability_;  // the latest in the log
 
   // Created when first shown.

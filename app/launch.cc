@@ -14,12 +14,16 @@
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
 #include "daemon/self_check.h"
+#include "platform/application/status_item.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
 #include "platform/running_applications.h"
+#include "platform/user_defaults.h"
 
 namespace {
 
+constexpr const char* kWelcomed = "HLWelcomedWithoutIcon";
+constexpr double kTrayDelay = 3;        // seconds, for a tray to accept the icon
 constexpr double kSnapshotDelay = 1.5;  // seconds, for the windows to be drawn
 
 }  // namespace
@@ -40,6 +44,16 @@ void HLAppDelegate::applicationDidFinishLaunching() {
   refreshStatusItem();
   if (HLIsProductFlavor() && !trusted) showSetupWindow();
   followLaunchSwitches();
+  if (conventions().iconMayBeMissing) {
+    HLCurrentPlatform().runLoop->postToMainQueueAfter(kTrayDelay,
+                                                      [self = shared_from_this()] { self->welcomeWithoutIcon(); });
+  }
+}
+
+void HLAppDelegate::welcomeWithoutIcon() {
+  if (host_.statusItem->isVisible() || HLBooleanDefault(host_.userDefaults, kWelcomed)) return;
+  host_.userDefaults->setValue(kWelcomed, true);
+  showSettingsWindow();
 }
 
 void HLAppDelegate::observeRelaunches() {

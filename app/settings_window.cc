@@ -20,6 +20,7 @@ constexpr const char* kRecordButton = "recordButton";
 constexpr const char* kAccessibilityLabel = "settingsAccessibilityLabel";
 constexpr const char* kAutoCloseCheckbox = "autoCloseCheckbox";
 constexpr const char* kOpenAtLoginCheckbox = "openAtLoginCheckbox";
+constexpr const char* kFailureLabel = "failureLabel";
 
 constexpr double kRowSpacing = 10;
 
@@ -32,20 +33,25 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
   const std::string need =
       HLFormat("Works from any app. Needs at least one of %@, or an F key.", conventions().modifierChoice);
   shortcutNote_ = {host_.hotKeys->unsupportedReason().value_or(need), HLTextColor::secondary};
-  const HLRow shortcut = {{HLLabel{kShortcutValueLabel, "", 15, HLFontWeight::medium},
-                           HLButton{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }},
-                           HLButton{"", "Clear", "", [this] { clearShortcut(); }}},
-                          kRowSpacing};
+  const HLLabel shortcut{kShortcutValueLabel, "", 15, HLFontWeight::medium};
+  const HLButton record{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }};
+  const HLButton clear{"", "Clear", "", [this] { clearShortcut(); }};
   const HLRow accessibility = {
       {HLLabel{kAccessibilityLabel, "", 13}, HLButton{"", "Set Up Accessibility", "", [this] { showSetupWindow(); }}},
       kRowSpacing};
-  window.stack = {
-      heading("Shortcut"),
-      {shortcut, 8, false},
+  window.stack = {heading("Shortcut")};
+  if (conventions().spellsModifiers) {
+    window.stack.push_back({shortcut, 8, true});
+    window.stack.push_back({HLRow{{record, clear}, kRowSpacing}, 8, false});
+  } else {
+    window.stack.push_back({HLRow{{shortcut, record, clear}, kRowSpacing}, 8, false});
+  }
+  const std::vector<HLStackItem> rest = {
       {HLLabel{kShortcutNoteLabel, shortcutNote_.text, 12, HLFontWeight::regular, shortcutNote_.color}, 18, true},
       heading("Accessibility"),
       {accessibility, 18, false},
   };
+  window.stack.insert(window.stack.end(), rest.begin(), rest.end());
   if (conventions().offersAutoClose) {
     window.stack.push_back(
         {HLCheckBox{kAutoCloseCheckbox, "Close Shortcuts Automation Banners", [this](bool on) { toggleAutoClose(on); }},
@@ -55,7 +61,13 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
     window.stack.push_back(
         {HLCheckBox{kOpenAtLoginCheckbox, "Open at Login", [this](bool on) { toggleOpenAtLogin(on); }}, 8, false});
   }
-  window.willClose = [this] { stopRecording(); };
+  if (conventions().explainsFailures) {
+    window.stack.push_back({HLLabel{kFailureLabel, "", 12, HLFontWeight::regular, HLTextColor::orange}, 8, true});
+  }
+  window.willClose = [this] {
+    stopRecording();
+    showFailureInSettings("");
+  };
   return window;
 }
 
@@ -77,6 +89,10 @@ void HLAppDelegate::updateSettingsState() {
   settingsWindow_->setEnabled(kAutoCloseCheckbox, true);
   settingsWindow_->setCheckBox(kAutoCloseCheckbox, HLBooleanDefault(host_.userDefaults, kAutoClose));
   updateAutoCloser();
+}
+
+void HLAppDelegate::showFailureInSettings(const std::string& reason) {
+  if (conventions().explainsFailures) settingsWindow_->setLabel(kFailureLabel, reason, HLTextColor::orange);
 }
 
 void HLAppDelegate::setShortcutNote(const HLShortcutNote& note) {

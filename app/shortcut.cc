@@ -5,6 +5,7 @@
 #include "base/format.h"
 #include "base/log.h"
 #include "base/paths.h"
+#include "platform/application/status_item.h"
 #include "platform/platform.h"
 #include "platform/user_defaults.h"
 
@@ -76,9 +77,13 @@ std::string HLAppDelegate::shownShortcut() const {
 
 std::string HLAppDelegate::dismissHint() const {
   const bool hasShortcut = storedKeyCode() >= 0 && !host_.hotKeys->unsupportedReason();
+  const bool hasIcon = host_.statusItem->isVisible();
   const std::string& icon = conventions().icon;
-  if (hasShortcut) return HLFormat("Press %@ or click the %@ to clear notifications.", shownShortcut(), icon);
-  return HLFormat("Click the %@ to clear notifications.", icon);
+  if (hasShortcut && hasIcon) {
+    return HLFormat("Press %@ or click the %@ to clear notifications.", shownShortcut(), icon);
+  }
+  if (hasShortcut) return HLFormat("Press %@ to clear notifications.", shownShortcut());
+  return hasIcon ? HLFormat("Click the %@ to clear notifications.", icon) : conventions().fallbackHint;
 }
 
 // The hot key

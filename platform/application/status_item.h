@@ -47,6 +47,9 @@ class HLStatusItem {
   // Image and title are shown side by side.
   virtual void setTitle(const std::string& title) = 0;
   virtual void setImage(const HLSymbolImage& image) = 0;
+  virtual void setToolTip(const std::string& toolTip) = 0;
+  // Returns whether a menu bar or tray has the item now.
+  [[nodiscard]] virtual bool isVisible() = 0;
 
   virtual void setMenuItem(std::string_view name, const std::string& title, bool on) = 0;
   // Opens the menu below the item. Blocks in a nested main run loop until the menu closes.

@@ -48,8 +48,11 @@ HLConventions HLLinuxConventions() {
   conventions.fallbackHint = "Run \"hushlet --dismiss-now\" to clear notifications.";
   conventions.modifierChoice = "Super, Alt or Ctrl";
   conventions.shortcutText = shortcutText;
+  conventions.spellsModifiers = true;
   conventions.offersAutoClose = false;
   conventions.restoresShortcutNote = true;
   conventions.logsUnchangedPolls = false;
+  conventions.explainsFailures = true;
+  conventions.iconMayBeMissing = true;
   return conventions;
 }

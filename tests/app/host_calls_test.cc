@@ -21,7 +21,7 @@
 #include "platform/application/application_platform.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
-#include "tests/support/application_spies.h"
+#include "tests/app/spied_application.h"
 #include "tests/support/faults.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
@@ -30,51 +30,6 @@
 namespace {
 
 using testing::ElementsAre;
-
-// Notes the moment at which launches begin to be observed.
-class SpyLaunches : public SpyRunningApplications {
- public:
-  SpyLaunches(HLRunningApplications& inner, Calls& calls) : SpyRunningApplications(inner), calls_(calls) {}
-  void observeLaunches(std::function<void(const HLRunningApplication&)>) override {
-    calls_.emplace_back("observe launches");
-  }
-
- private:
-  Calls& calls_;
-};
-
-using FoundHost = std::variant<const HLApplicationPlatform*, std::string>;
-
-// The application of the product flavor on a host of spies. One call of the accessibility interface may fail.
-struct Application {
-  explicit Application(const std::string& scene = R"("trusted": true)", const std::string& name = "Hushlet",
-                       std::int64_t failingCall = 0)
-      : desktop("{" + scene + R"(, "bundle": {"info": {"HLProductFlavor": "product", "CFBundleDisplayName": ")" + name +
-                R"("}}})"),
-        faults(failingCall, HLAXErrorCannotComplete) {
-    platform.accessibility = accessibility;
-    platform.runningApplications = launches;
-    platform.applicationPlatform = [this] { return FoundHost(&host.platform); };
-    HLInstallPlatform(&platform);
-  }
-  Application(const Application&) = delete;
-  Application& operator=(const Application&) = delete;
-
-  // The messages of the status log that begin with the text.
-  [[nodiscard]] std::vector<std::string> messages(std::string_view beginning) const {
-    std::vector<std::string> found = LogMessages(FileContent(desktop.home() + "/.local/share/dismiss/status.log"));
-    std::erase_if(found, [beginning](const std::string& message) { return !message.starts_with(beginning); });
-    return found;
-  }
-
-  SimulatedDesktop desktop;
-  SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};
-  SpyLaunches launches{desktop.platform().runningApplications, host.calls};
-  Faults faults;
-  FaultyAccessibility accessibility{desktop.platform().accessibility, faults.plan()};
-  HLPlatform platform = desktop.platform();
-  const std::shared_ptr<HLAppDelegate> delegate = std::make_shared<HLAppDelegate>(host.platform);
-};
 
 TEST(RunningTheApplication, OpensTheSettingsWindowWhenTheProgramIsStartedAgain) {
   Application application;
@@ -197,109 +152,6 @@ TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
     EXPECT_EQ(opened, opensMenu) << event.type << " " << event.modifiers;
     EXPECT_THAT(application.messages("handleClick"),
                 ElementsAre("handleClick type=" + std::to_string(event.type) + " modifiers=" + modifiers));
-  }
-}
-
-// The conventions of macOS with one member changed.
-template <class Value>
-HLConventions conventionsWith(Value HLConventions::*member, const Value& value) {
-  HLConventions conventions = HLMacConventions();
-  conventions.*member = value;
-  return conventions;
-}
-
-TEST(Conventions, WordTheShortcutNotes) {
-  Application application;
-  application.host.platform.conventions = conventionsWith(&HLConventions::modifierChoice, std::string("This or That"));
-  application.delegate->showSettingsWindow();
-  const auto* note = std::get_if<HLLabel>(&application.host.windows.made.at(0).stack.at(2).what);
-  ASSERT_NE(note, nullptr);
-  EXPECT_EQ(note->text, "Works from any app. Needs at least one of This or That, or an F key.");
-  application.delegate->recordEvent({45, HLModifierShift, "n"});
-  EXPECT_EQ(application.host.calls.back(), "label Add This or That, or use an F key.");
-}
-
-TEST(Conventions, FormatTheShortcutInWindowsButNotInTheLog) {
-  Application application;
-  HLConventions conventions = conventionsWith(&HLConventions::icon, std::string("icon"));
-  conventions.shortcutText = [](std::uint64_t modifiers, const std::optional<std::string>& label) {
-    return std::to_string(modifiers) + "+" + label.value_or("?");
-  };
-  application.host.platform.conventions = conventions;
-  application.delegate->applicationDidFinishLaunching();
-  application.delegate->showSettingsWindow();
-  application.delegate->showSetupWindow();
-  EXPECT_THAT(application.host.calls, testing::IsSupersetOf({"label 1835008+N",
-                                                             "label Allowed. Press 1835008+N or click the icon to "
-                                                             "clear notifications."}));
-  EXPECT_THAT(application.messages("hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=0"));
-  application.host.hotKeys.status = HLHotKeyStatus::taken;
-  application.delegate->recordEvent({45, HLModifierControl, "k"});
-  EXPECT_EQ(application.host.calls.back(), "label 262144+K is already used by another app. Try a different one.");
-  application.delegate->clearShortcut();
-  EXPECT_EQ(application.host.calls.back(), "label No shortcut. Click the icon to clear notifications.");
-}
-
-TEST(Conventions, NameTheSetupButton) {
-  Application application(R"("trusted": false)");
-  application.host.platform.conventions = conventionsWith(&HLConventions::accessButton, std::string("Do It"));
-  application.delegate->showSetupWindow();
-  const auto* button = std::get_if<HLButton>(&application.host.windows.made.at(0).stack.back().what);
-  ASSERT_NE(button, nullptr);
-  EXPECT_EQ(button->title, "Do It");
-}
-
-TEST(Conventions, HideTheAutoCloseCheckBox) {
-  for (const bool offered : {false, true}) {
-    Application application;
-    application.host.platform.conventions = conventionsWith(&HLConventions::offersAutoClose, offered);
-    application.delegate->showSettingsWindow();
-    std::vector<std::string> titles;
-    for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
-      if (const auto* box = std::get_if<HLCheckBox>(&item.what)) titles.push_back(box->title);
-    }
-    EXPECT_EQ(titles,
-              offered ? Calls({"Close Shortcuts Automation Banners", "Open at Login"}) : Calls({"Open at Login"}));
-  }
-}
-
-TEST(Conventions, RestoreTheNoteOfACanceledRecording) {
-  const auto cancelByEscape = [](HLAppDelegate& delegate, SpyHost&) { delegate.recordEvent({53, 0, ""}); };
-  const auto cancelByButton = [](HLAppDelegate& delegate, SpyHost&) { delegate.toggleRecording(); };
-  const auto closeWindow = [](HLAppDelegate&, SpyHost& host) { host.windows.made.at(0).willClose(); };
-  const std::vector<std::function<void(HLAppDelegate&, SpyHost&)>> cancellations = {cancelByEscape, cancelByButton,
-                                                                                    closeWindow};
-  const std::string note = "label No shortcut. Click the menu bar icon to clear notifications.";
-  for (const auto& cancel : cancellations) {
-    for (const bool restores : {false, true}) {
-      Application application;
-      application.host.platform.conventions = conventionsWith(&HLConventions::restoresShortcutNote, restores);
-      application.delegate->showSettingsWindow();
-      application.delegate->clearShortcut();
-      application.delegate->toggleRecording();
-      application.host.calls.clear();
-      cancel(*application.delegate, application.host);
-      EXPECT_EQ(std::count(application.host.calls.begin(), application.host.calls.end(), note), restores ? 1 : 0);
-      application.host.calls.clear();
-      application.delegate->stopRecording();
-      EXPECT_THAT(application.host.calls, testing::IsEmpty()) << "nothing is being recorded";
-    }
-  }
-}
-
-TEST(Conventions, LimitTheLogOfPolls) {
-  for (const bool logsAll : {false, true}) {
-    Application application(R"("trusted": false, "timeline": [{"at": 5.5, "trust": true}])");
-    application.host.platform.conventions = conventionsWith(&HLConventions::logsUnchangedPolls, logsAll);
-    application.delegate->refreshStatusItem();
-    application.delegate->refreshStatusItem();
-    EXPECT_EQ(application.messages("refreshStatusItem").size(), 2U) << "without a poll every refresh is logged";
-    application.delegate->showSetupWindow();
-    const std::size_t before = application.messages("refreshStatusItem").size();
-    application.desktop.platform().runLoop->runFor(10);
-    const std::size_t polls = application.messages("refreshStatusItem").size() - before;
-    EXPECT_EQ(polls, logsAll ? 10U : 1U);
-    EXPECT_EQ(application.messages("refreshStatusItem").back(), "refreshStatusItem available=true visible=true");
   }
 }
 

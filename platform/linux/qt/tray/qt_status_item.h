@@ -23,6 +23,8 @@ class HLQtStatusItem : public HLStatusItem {
   void install(HLStatusItemDescription description) override;
   void setTitle(const std::string& title) override;
   void setImage(const HLSymbolImage& image) override;
+  void setToolTip(const std::string& toolTip) override;
+  [[nodiscard]] bool isVisible() override;
   void setMenuItem(std::string_view name, const std::string& title, bool on) override;
   void popUpMenu() override;
 
@@ -38,6 +40,7 @@ class HLQtStatusItem : public HLStatusItem {
   QRect place_;  // of the item at the latest click
   std::unique_ptr<HLTrayMenu> menu_;
   std::unique_ptr<HLEmbeddedIcon> embedded_;
+  bool isEmbedded_ = false;  // an X11 tray has the icon
   std::unique_ptr<HLStatusNotifier> notifier_;
   QTimer drawing_;
 };

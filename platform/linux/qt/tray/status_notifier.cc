@@ -109,6 +109,7 @@ void HLStatusNotifier::registerItem() {
   connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
     pending->deleteLater();
     --unanswered_;
+    registered_ = !pending->isError();
     if (!wanted_) withdraw();
   });
 }
@@ -116,13 +117,15 @@ void HLStatusNotifier::registerItem() {
 // Watchers remove an item when its bus name disappears, but observe the name only after replying to the registration.
 // Releasing the name earlier would leave a dead item in the tray.
 void HLStatusNotifier::withdraw() {
+  registered_ = false;
   if (unanswered_ == 0) QDBusConnection::sessionBus().unregisterService(service_);
 }
 
-void HLStatusNotifier::redraw() {
-  const auto* adaptor = findChild<HLStatusNotifierAdaptor*>();
-  Q_EMIT const_cast<HLStatusNotifierAdaptor*>(adaptor)->NewIcon();
-}
+HLStatusNotifierAdaptor& HLStatusNotifier::adaptor() { return *findChild<HLStatusNotifierAdaptor*>(); }
+
+void HLStatusNotifier::redraw() { Q_EMIT adaptor().NewIcon(); }
+
+void HLStatusNotifier::announceToolTip() { Q_EMIT adaptor().NewToolTip(); }
 
 void HLStatusNotifier::click(std::int64_t type, QPoint place) {
   // The call carries no modifiers, so query the keyboard now. Posted, so that the reply is sent first: the handler may

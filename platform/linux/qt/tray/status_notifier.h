@@ -28,6 +28,8 @@ struct HLNotifierToolTip {
 Q_DECLARE_METATYPE(HLNotifierPicture)
 Q_DECLARE_METATYPE(HLNotifierToolTip)
 
+class HLStatusNotifierAdaptor;
+
 // While wanted, registers with each StatusNotifierWatcher that has a host (a tray). Main thread only.
 class HLStatusNotifier : public QObject {
   Q_OBJECT
@@ -38,6 +40,9 @@ class HLStatusNotifier : public QObject {
 
   void setWanted(bool wanted);
   void redraw();
+  void announceToolTip();
+  // Returns whether a watcher with a host has accepted the item.
+  [[nodiscard]] bool isRegistered() const { return registered_; }
 
  private Q_SLOTS:
   void askWatcher();
@@ -45,6 +50,7 @@ class HLStatusNotifier : public QObject {
  private:
   friend class HLStatusNotifierAdaptor;
 
+  [[nodiscard]] HLStatusNotifierAdaptor& adaptor();
   void registerItem();
   void withdraw();
   void click(std::int64_t type, QPoint place);
@@ -53,6 +59,7 @@ class HLStatusNotifier : public QObject {
   const QString service_;
   QDBusServiceWatcher watcher_;
   bool wanted_ = false;
+  bool registered_ = false;
   int unanswered_ = 0;  // registrations in flight
 };
 

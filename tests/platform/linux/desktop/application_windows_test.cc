@@ -94,6 +94,46 @@ TEST_F(ApplicationWindows, WithoutATrayASecondStartIsTheWayIn) {
   waitForWindow(kSettings);
 }
 
+TEST_F(ApplicationWindows, OpenAtTheFirstStartWithoutATray) {
+  beginDesktop();
+  tray_ = nullptr;
+  application_ = session_->start(commandLine(kProduct));
+  waitForWindow(kSettings);
+  EXPECT_THAT(defaultsFile(), HasSubstr("\"HLWelcomedWithoutIcon\": true"));
+}
+
+constexpr const char* kNoServer = "Hushlet finds no program that shows notifications.";
+
+TEST_F(ApplicationWindows, ExplainAFailedDismissalWithoutATray) {
+  beginDesktop();
+  tray_ = nullptr;
+  storeDefaults(R"({"HLWelcomedWithoutIcon": true})");
+  application_ = session_->start(commandLine(kProduct));
+  waitForLogged("hotKey register ");
+  waitForLogged("refreshStatusItem ");
+  screen_->press(kDefaultShortcut);
+  waitForWindow(kSettings);
+  (void)waitForPart(kNoServer);
+  keepPicture("failed");
+  EXPECT_EQ(countLogged(std::string("dismissNotifications unfinished reason=") + kNoServer), 1);
+}
+
+TEST_F(ApplicationWindows, StayClosedWhileTheIconExplains) {
+  beginDesktop();
+  startApplication();
+  clickIcon(Screen::kLeftButton);
+  waitForLogged(std::string("dismissNotifications unfinished reason=") + kNoServer);
+  const ScreenWindow item = icon();
+  screen_->moveTo(item.x + 200, item.y + 200);
+  screen_->moveTo(item.x + item.width / 2, item.y + item.height / 2);
+  const auto hasToolTip = [&] {
+    return ownWindow([&item](const ScreenWindow& window) { return window.width > 4 * item.width; }).has_value();
+  };
+  require(hasToolTip, [] { return "no tool tip appears"; });
+  keepPicture("warning");
+  EXPECT_FALSE(screen_->findTitled(kSettings));
+}
+
 TEST_F(ApplicationWindows, APanelThatIsRestartedGetsTheIconBack) {
   beginDesktopWith(kMate);
   startApplication();
