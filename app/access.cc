@@ -11,7 +11,7 @@ std::string HLAppDisplayName() { return HLDisplayName(HLCurrentPlatform().proces
 bool HLAccessibilityAvailable() { return HLIsAccessibilityTrusted(false) || HLLocalDaemonReachable(); }
 
 bool HLOpenAccessibilitySettingsPane(HLWorkspace& workspace) {
-  // The newer system's address first; each opens on some systems only.
+  // Newest first; each address opens on some versions of macOS only.
   for (const char* address : {"x-apple.systempreferences:com.apple.settings.PrivacySecurity.extension"
                               "?Privacy_Accessibility",
                               "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"}) {

@@ -1,16 +1,16 @@
-// The application's name, and the way to the grant that it needs.
+// The application's name, and access to the accessibility interface.
 #pragma once
 
 #include <string>
 
 #include "platform/application/workspace.h"
 
-// What the bundle calls itself, "Hushlet" where it does not.
+// Returns the bundle's display name, or "Hushlet" without one.
 [[nodiscard]] std::string HLAppDisplayName();
 
-// Whether notifications can be cleared from here: this process is trusted, or a trusted daemon answers. The daemon is
-// asked only where this process is not, and for as long as it is busy the call blocks.
+// Returns whether this process is trusted or a trusted daemon replies. Queries the daemon only if this process is not
+// trusted; blocks while the daemon is busy.
 [[nodiscard]] bool HLAccessibilityAvailable();
 
-// Whether the system's own screen for the grant has opened.
+// Opens the system's accessibility settings. Returns whether one of their addresses opened.
 bool HLOpenAccessibilitySettingsPane(HLWorkspace& workspace);

@@ -1,5 +1,5 @@
-// The menu-bar application. Its methods stand in seven sources: launch.cc, status_item.cc, dismiss_action.cc,
-// setup_window.cc, shortcut.cc, settings_window.cc and update_check.cc.
+// The application delegate. Its methods are defined in launch.cc, status_button.cc, dismiss_action.cc, setup_window.cc,
+// shortcut.cc, settings_window.cc and update_check.cc.
 #pragma once
 
 #include <cstdint>
@@ -12,14 +12,19 @@
 #include "core/dismissal/result.h"
 #include "platform/application/application.h"
 #include "platform/application/application_platform.h"
+#include "platform/application/conventions.h"
 #include "platform/application/hot_keys.h"
-#include "platform/application/http_client.h"
 #include "platform/application/windows.h"
 #include "platform/run_loop.h"
-#include "platform/value.h"
 
-// Made before the run loop starts and kept until the process ends, by a shared_ptr. Main thread only; the one thing
-// that leaves it is the dismissal itself. There is no tear-down: quitting ends the process.
+// The line under the shortcut in the settings window.
+struct HLShortcutNote {
+  std::string text;
+  HLTextColor color = HLTextColor::secondary;
+};
+
+// Created in a shared_ptr before the run loop starts; lives until the process exits, without teardown. Main thread
+// only; the dismissal itself runs on a background queue.
 class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
  public:
   // The platform must outlive the delegate.
@@ -38,26 +43,26 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void runSelfCheckFromMenu();
 
   // Dismissing
-  void dismissNotifications();  // one request at a time: during one, another is dropped
+  void dismissNotifications();  // ignored while a request is in flight
   void dismissNotificationsFromMenu() { dismissNotifications(); }
 
-  // The setup window. It asks each second whether the grant has come, for as long as it is open.
+  // The setup window. Polls for the permission once a second while open.
   void showSetupWindow();
   void updateSetupState();
   void setupPrimaryAction();
   void openAccessibilitySettings();
 
   // The global shortcut
-  [[nodiscard]] std::int64_t storedKeyCode() const;  // negative for none
+  [[nodiscard]] std::int64_t storedKeyCode() const;  // negative without a shortcut
   [[nodiscard]] std::uint64_t storedModifiers() const;
   [[nodiscard]] std::string storedShortcutLabel() const;
-  std::int32_t applyStoredHotKey();  // the host's status; 0 too where there is no shortcut
+  HLHotKeyStatus applyStoredHotKey();  // success too if no shortcut is stored
   void toggleRecording();
   void recordEvent(const HLKeyEvent& event);
-  void stopRecording();  // does not register the stored shortcut again
+  void stopRecording();  // leaves the hot key unregistered
   void clearShortcut();
 
-  // The settings window. It shows what was so when it was last refreshed; it does not poll.
+  // The settings window. Refreshed by these calls only; it does not poll.
   void showSettingsWindow();
   void updateSettingsState();
   void toggleAutoClose(bool on);
@@ -69,40 +74,49 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
 
  private:
   void installStatusItem();
+  [[nodiscard]] static std::string toolTip();
+  void welcomeWithoutIcon();
   void observeRelaunches();
   void followLaunchSwitches();
-  void writeWindowSnapshots(const std::string& directory);
 
   void showProgress(std::int64_t count);
-  void finishDismissal(const HLDismissResult& result, std::int64_t elapsedMilliseconds);
+  void finishDismissal(const HLDismissResult& result, std::int64_t elapsedMilliseconds, bool leftBanner);
+  void explainFailure(const std::string& reason);
+  void withdrawFailure();
+  void showFailureInSettings(const std::string& reason);
   void handleAccessDeniedIfNeeded();
 
   [[nodiscard]] HLWindowDescription setupWindowDescription();
   [[nodiscard]] HLWindowDescription settingsWindowDescription();
+  void bringToFront(HLWindow& window);
+  [[nodiscard]] const HLConventions& conventions() const;
 
   void registerDefaultShortcut();
   void installHotKeyHandler();
   void unregisterHotKey() { hotKeyRef_ = nullptr; }
-  [[nodiscard]] std::optional<std::string> storedKeyLabel() const;
-  void storeShortcut(std::int64_t code, std::uint64_t modifiers, const std::optional<std::string>& label);
-  void setShortcutNote(const std::string& text, HLTextColor color);
+  [[nodiscard]] std::string shownShortcut() const;  // storedShortcutLabel() as users of this host write it
+  [[nodiscard]] std::string dismissHint() const;    // tells the user how to clear notifications
+  void setShortcutNote(const HLShortcutNote& note);
   void setRecordButtonTitle(const std::string& title);
-
-  void showUpdateVerdict(const HLHTTPAnswer& answer, const HLDictionary& information);
 
   const HLApplicationPlatform& host_;
 
   bool dismissInFlight_ = false;
   bool promptedAccessibilityThisRun_ = false;
   std::unique_ptr<HLHotKey> hotKeyRef_;
-  std::unique_ptr<HLKeyMonitor> recordMonitor_;  // there while a shortcut is recorded
+  std::unique_ptr<HLKeyMonitor> recordMonitor_;  // non-null while recording
+  HLShortcutNote shortcutNote_;
+  HLShortcutNote noteBeforeRecording_;
   std::unique_ptr<HLAutoCloser> autoCloser_;
+  std::unique_ptr<HLTimer> failureTimer_;   // while the status item explains a failure
+  std::optional<bool> loggedAvailability_;  // the latest in the log
 
-  // Made when they are first shown.
+  // Created when first shown.
   std::unique_ptr<HLWindow> setupWindow_;
   std::unique_ptr<HLTimer> trustPollTimer_;  // while the setup window is open
   std::unique_ptr<HLWindow> settingsWindow_;
 };
 
-// Runs the application until the user quits; the exit code. Where the host cannot show one, 1 and a line on err.
+// Runs the application until the user quits. Returns the exit code: 1, with a line on `err`, if the host cannot show
+// windows.
 [[nodiscard]] int HLRunApplication(std::ostream& err);

@@ -1,14 +1,14 @@
-// What the status button says while a dismissal runs. Pure; any thread.
+// Titles of the status button during a dismissal. Pure; thread-safe.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-// "HL…" in the personal flavor; nothing in the product flavor, which has its image.
+// Returns "HL…" in the personal flavor, "" in the product flavor, which shows an image.
 [[nodiscard]] std::string HLBusyTitle(bool isProductFlavor);
 
-// "HL 5" or "5"; the busy title for a count below 1.
+// Returns "HL 5" or "5"; the busy title for a count below 1.
 [[nodiscard]] std::string HLProgressTitle(bool isProductFlavor, std::int64_t count);
 
-// To the nearest one, halves away from 0.
+// Rounds to the nearest integer, halves away from zero.
 [[nodiscard]] std::int64_t HLElapsedMilliseconds(double seconds);

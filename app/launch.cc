@@ -1,39 +1,30 @@
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <ostream>
 #include <variant>
 #include <vector>
 
 #include "app/access.h"
 #include "app/app_delegate.h"
-#include "base/format.h"
+#include "app/conventions.h"
+#include "app/window_snapshots.h"
 #include "base/log.h"
 #include "base/paths.h"
 #include "core/dismissal/launch_context.h"
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
 #include "daemon/self_check.h"
+#include "platform/application/status_item.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
 #include "platform/running_applications.h"
+#include "platform/user_defaults.h"
 
 namespace {
 
-constexpr double kSnapshotDelay = 1.5;  // seconds; by then the windows have been drawn
-
-// All of it or nothing: the file takes its name when it is whole.
-bool writeAtomically(const std::string& path, const std::string& content) {
-  const std::string unfinished = path + ".part";
-  std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-  file << content;
-  file.close();
-  if (file && std::rename(unfinished.c_str(), path.c_str()) == 0) return true;
-  std::remove(unfinished.c_str());
-  return false;
-}
+constexpr const char* kWelcomed = "HLWelcomedWithoutIcon";
+constexpr double kTrayDelay = 3;        // seconds, for a tray to accept the icon
+constexpr double kSnapshotDelay = 1.5;  // seconds, for the windows to be drawn
 
 }  // namespace
 
@@ -53,6 +44,16 @@ void HLAppDelegate::applicationDidFinishLaunching() {
   refreshStatusItem();
   if (HLIsProductFlavor() && !trusted) showSetupWindow();
   followLaunchSwitches();
+  if (conventions().iconMayBeMissing) {
+    HLCurrentPlatform().runLoop->postToMainQueueAfter(kTrayDelay,
+                                                      [self = shared_from_this()] { self->welcomeWithoutIcon(); });
+  }
+}
+
+void HLAppDelegate::welcomeWithoutIcon() {
+  if (host_.statusItem->isVisible() || HLBooleanDefault(host_.userDefaults, kWelcomed)) return;
+  host_.userDefaults->setValue(kWelcomed, true);
+  showSettingsWindow();
 }
 
 void HLAppDelegate::observeRelaunches() {
@@ -70,20 +71,18 @@ void HLAppDelegate::followLaunchSwitches() {
   const auto snapshots = find("--snapshot-windows");
   if (snapshots == arguments.end() || snapshots + 1 == arguments.end()) return;
   HLCurrentPlatform().runLoop->postToMainQueueAfter(
-      kSnapshotDelay, [self = shared_from_this(), directory = snapshots[1]] { self->writeWindowSnapshots(directory); });
+      kSnapshotDelay,
+      [&windows = host_.windows, directory = snapshots[1]] { HLWriteWindowSnapshots(windows, directory); });
 }
 
-void HLAppDelegate::writeWindowSnapshots(const std::string& directory) {
-  std::int64_t counter = 0;
-  for (const HLWindowView& view : host_.windows->views()) {
-    if (!view.visible || !(view.width > 0) || !(view.height > 0)) continue;
-    const std::string name = view.title.empty() ? HLFormat("window-%ld", counter) : view.title;
-    const std::filesystem::path path = std::filesystem::path(directory) / HLFormat("%02ld-%@.png", counter, name);
-    const std::optional<std::string> png = view.png();
-    const bool wrote = png && writeAtomically(path.string(), *png);
-    HLAppendLog("snapshot window=%@ size=%.0fx%.0f wrote=%d", name, view.width, view.height, wrote ? 1 : 0);
-    ++counter;
-  }
+const HLConventions& HLAppDelegate::conventions() const {
+  return host_.conventions ? *host_.conventions : HLMacConventions();
+}
+
+void HLAppDelegate::bringToFront(HLWindow& window) {
+  window.center();
+  host_.application->activate();
+  window.makeKeyAndOrderFront();
 }
 
 void HLAppDelegate::quit() { host_.application->terminate(); }

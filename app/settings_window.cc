@@ -1,5 +1,6 @@
 #include "app/access.h"
 #include "app/app_delegate.h"
+#include "app/window_parts.h"
 #include "autoclose/rules.h"
 #include "base/format.h"
 #include "base/log.h"
@@ -19,52 +20,65 @@ constexpr const char* kRecordButton = "recordButton";
 constexpr const char* kAccessibilityLabel = "settingsAccessibilityLabel";
 constexpr const char* kAutoCloseCheckbox = "autoCloseCheckbox";
 constexpr const char* kOpenAtLoginCheckbox = "openAtLoginCheckbox";
-
-constexpr const char* kShortcutNote =
-    "Works from any app. Needs at least one of Command, Option or Control, or an F key.";
+constexpr const char* kFailureLabel = "failureLabel";
 
 constexpr double kRowSpacing = 10;
+
+HLStackItem heading(const char* text) { return {HLLabel{"", text, 13, HLFontWeight::semibold}, 8, false}; }
 
 }  // namespace
 
 HLWindowDescription HLAppDelegate::settingsWindowDescription() {
-  HLWindowDescription window{HLFormat("%@ Settings", HLAppDisplayName()), 420, 280, 24, 22, {}, {}};
-  const HLRow shortcut = {{HLLabel{kShortcutValueLabel, "", 15, HLFontWeight::medium},
-                           HLButton{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }},
-                           HLButton{"", "Clear", "", [this] { clearShortcut(); }}},
-                          kRowSpacing};
+  HLWindowDescription window = HLEmptyWindow(HLFormat("%@ Settings", HLAppDisplayName()), 420, 280);
+  const std::string need =
+      HLFormat("Works from any app. Needs at least one of %@, or an F key.", conventions().modifierChoice);
+  shortcutNote_ = {host_.hotKeys->unsupportedReason().value_or(need), HLTextColor::secondary};
+  const HLLabel shortcut{kShortcutValueLabel, "", 15, HLFontWeight::medium};
+  const HLButton record{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }};
+  const HLButton clear{"", "Clear", "", [this] { clearShortcut(); }};
   const HLRow accessibility = {
       {HLLabel{kAccessibilityLabel, "", 13}, HLButton{"", "Set Up Accessibility", "", [this] { showSetupWindow(); }}},
       kRowSpacing};
-  window.stack = {
-      {HLLabel{"", "Shortcut", 13, HLFontWeight::semibold}, 8, false},
-      {shortcut, 8, false},
-      {HLLabel{kShortcutNoteLabel, host_.hotKeys->whyNone().value_or(kShortcutNote), 12, HLFontWeight::regular,
-               HLTextColor::secondary},
-       18, true},
-      {HLLabel{"", "Accessibility", 13, HLFontWeight::semibold}, 8, false},
+  window.stack = {heading("Shortcut")};
+  if (conventions().spellsModifiers) {
+    window.stack.push_back({shortcut, 8, true});
+    window.stack.push_back({HLRow{{record, clear}, kRowSpacing}, 8, false});
+  } else {
+    window.stack.push_back({HLRow{{shortcut, record, clear}, kRowSpacing}, 8, false});
+  }
+  const std::vector<HLStackItem> rest = {
+      {HLLabel{kShortcutNoteLabel, shortcutNote_.text, 12, HLFontWeight::regular, shortcutNote_.color}, 18, true},
+      heading("Accessibility"),
       {accessibility, 18, false},
-      {HLCheckBox{kAutoCloseCheckbox, "Close Shortcuts Automation Banners", [this](bool on) { toggleAutoClose(on); }},
-       8, false},
   };
+  window.stack.insert(window.stack.end(), rest.begin(), rest.end());
+  if (conventions().offersAutoClose) {
+    window.stack.push_back(
+        {HLCheckBox{kAutoCloseCheckbox, "Close Shortcuts Automation Banners", [this](bool on) { toggleAutoClose(on); }},
+         8, false});
+  }
   if (HLIsProductFlavor()) {
     window.stack.push_back(
         {HLCheckBox{kOpenAtLoginCheckbox, "Open at Login", [this](bool on) { toggleOpenAtLogin(on); }}, 8, false});
   }
-  window.willClose = [this] { stopRecording(); };
+  if (conventions().explainsFailures) {
+    window.stack.push_back({HLLabel{kFailureLabel, "", 12, HLFontWeight::regular, HLTextColor::orange}, 8, true});
+  }
+  window.willClose = [this] {
+    stopRecording();
+    showFailureInSettings("");
+  };
   return window;
 }
 
 void HLAppDelegate::showSettingsWindow() {
   if (settingsWindow_ == nullptr) settingsWindow_ = host_.windows->makeWindow(settingsWindowDescription());
   updateSettingsState();
-  settingsWindow_->center();
-  host_.application->activate();
-  settingsWindow_->makeKeyAndOrderFront();
+  bringToFront(*settingsWindow_);
 }
 
 void HLAppDelegate::updateSettingsState() {
-  settingsWindow_->setLabel(kShortcutValueLabel, storedShortcutLabel(), HLTextColor::label);
+  settingsWindow_->setLabel(kShortcutValueLabel, shownShortcut(), HLTextColor::label);
   const bool trusted = HLIsAccessibilityTrusted(false);
   settingsWindow_->setLabel(kAccessibilityLabel, trusted ? "Allowed" : "Not allowed yet",
                             trusted ? HLTextColor::green : HLTextColor::orange);
@@ -77,8 +91,13 @@ void HLAppDelegate::updateSettingsState() {
   updateAutoCloser();
 }
 
-void HLAppDelegate::setShortcutNote(const std::string& text, HLTextColor color) {
-  settingsWindow_->setLabel(kShortcutNoteLabel, text, color);
+void HLAppDelegate::showFailureInSettings(const std::string& reason) {
+  if (conventions().explainsFailures) settingsWindow_->setLabel(kFailureLabel, reason, HLTextColor::orange);
+}
+
+void HLAppDelegate::setShortcutNote(const HLShortcutNote& note) {
+  shortcutNote_ = note;
+  settingsWindow_->setLabel(kShortcutNoteLabel, note.text, note.color);
 }
 
 void HLAppDelegate::setRecordButtonTitle(const std::string& title) {
@@ -94,7 +113,7 @@ void HLAppDelegate::toggleAutoClose(bool on) {
 }
 
 void HLAppDelegate::updateAutoCloser() {
-  // The auto-closer presses for itself: a trusted daemon is of no use to it.
+  // The auto-closer presses in this process and cannot use a trusted daemon.
   const bool want = HLBooleanDefault(host_.userDefaults, kAutoClose) && HLIsAccessibilityTrusted(false);
   if (!want) {
     autoCloser_ = nullptr;

@@ -5,6 +5,7 @@
 #include "base/format.h"
 #include "base/log.h"
 #include "base/paths.h"
+#include "platform/application/status_item.h"
 #include "platform/platform.h"
 #include "platform/user_defaults.h"
 
@@ -18,19 +19,37 @@ constexpr std::int64_t kNoKey = -1;
 
 const HLHotKeyIdentity kIdentity = {"HLhk", 1};
 
-std::int32_t HLHotKeyPressed(const std::optional<HLHotKeyIdentity>& identity,
-                             const std::shared_ptr<HLAppDelegate>& delegate) {
-  if (identity != kIdentity) return HLHotKeyNotHandled;
+struct StoredShortcut {
+  std::int64_t code = kNoKey;
+  std::uint64_t modifiers = 0;
+  std::optional<std::string> label;
+};
+
+StoredShortcut readShortcut(HLUserDefaults& defaults) {
+  return {HLIntegerDefault(defaults, kCode), static_cast<std::uint64_t>(HLIntegerDefault(defaults, kModifiers)),
+          HLStringDefault(defaults, kKeyLabel)};
+}
+
+// Leaves the stored label unchanged if the shortcut has none.
+void storeShortcut(HLUserDefaults& defaults, const StoredShortcut& shortcut) {
+  defaults.setValue(kCode, shortcut.code);
+  defaults.setValue(kModifiers, static_cast<std::int64_t>(shortcut.modifiers));
+  if (shortcut.label) defaults.setValue(kKeyLabel, *shortcut.label);
+}
+
+HLHotKeyStatus HLHotKeyPressed(const std::optional<HLHotKeyIdentity>& identity,
+                               const std::shared_ptr<HLAppDelegate>& delegate) {
+  if (identity != kIdentity) return HLHotKeyStatus::notHandled;
   HLCurrentPlatform().runLoop->postToMainQueue([delegate] {
     HLAppendLog("hotKeyPressed");
     delegate->dismissNotifications();
   });
-  return HLHotKeyHandled;
+  return HLHotKeyStatus::success;
 }
 
 }  // namespace
 
-// What is stored
+// The stored shortcut
 
 void HLAppDelegate::registerDefaultShortcut() {
   if (HLIsProductFlavor()) {
@@ -42,24 +61,29 @@ void HLAppDelegate::registerDefaultShortcut() {
   }
 }
 
-std::int64_t HLAppDelegate::storedKeyCode() const { return HLIntegerDefault(host_.userDefaults, kCode); }
+std::int64_t HLAppDelegate::storedKeyCode() const { return readShortcut(host_.userDefaults).code; }
 
-std::uint64_t HLAppDelegate::storedModifiers() const {
-  return static_cast<std::uint64_t>(HLIntegerDefault(host_.userDefaults, kModifiers));
-}
-
-std::optional<std::string> HLAppDelegate::storedKeyLabel() const {
-  return HLStringDefault(host_.userDefaults, kKeyLabel);
-}
+std::uint64_t HLAppDelegate::storedModifiers() const { return readShortcut(host_.userDefaults).modifiers; }
 
 std::string HLAppDelegate::storedShortcutLabel() const {
-  return storedKeyCode() < 0 ? "None" : HLShortcutLabel(storedModifiers(), storedKeyLabel());
+  const StoredShortcut stored = readShortcut(host_.userDefaults);
+  return stored.code < 0 ? "None" : HLShortcutLabel(stored.modifiers, stored.label);
 }
 
-void HLAppDelegate::storeShortcut(std::int64_t code, std::uint64_t modifiers, const std::optional<std::string>& label) {
-  host_.userDefaults->setValue(kCode, code);
-  host_.userDefaults->setValue(kModifiers, static_cast<std::int64_t>(modifiers));
-  if (label) host_.userDefaults->setValue(kKeyLabel, *label);
+std::string HLAppDelegate::shownShortcut() const {
+  const StoredShortcut stored = readShortcut(host_.userDefaults);
+  return stored.code < 0 ? "None" : conventions().shortcutText(stored.modifiers, stored.label);
+}
+
+std::string HLAppDelegate::dismissHint() const {
+  const bool hasShortcut = storedKeyCode() >= 0 && !host_.hotKeys->unsupportedReason();
+  const bool hasIcon = host_.statusItem->isVisible();
+  const std::string& icon = conventions().icon;
+  if (hasShortcut && hasIcon) {
+    return HLFormat("Press %@ or click the %@ to clear notifications.", shownShortcut(), icon);
+  }
+  if (hasShortcut) return HLFormat("Press %@ to clear notifications.", shownShortcut());
+  return hasIcon ? HLFormat("Click the %@ to clear notifications.", icon) : conventions().fallbackHint;
 }
 
 // The hot key
@@ -70,17 +94,18 @@ void HLAppDelegate::installHotKeyHandler() {
   });
 }
 
-std::int32_t HLAppDelegate::applyStoredHotKey() {
+HLHotKeyStatus HLAppDelegate::applyStoredHotKey() {
   unregisterHotKey();
   const std::int64_t code = storedKeyCode();
   if (code < 0) {
     HLAppendLog("hotKey none");
-    return 0;
+    return HLHotKeyStatus::success;
   }
   HLHotKeyRegistration registration =
       host_.hotKeys->registerHotKey(static_cast<std::uint32_t>(code), HLCarbonModifiers(storedModifiers()), kIdentity);
-  if (registration.status == 0) hotKeyRef_ = std::move(registration.hotKey);
-  HLAppendLog("hotKey register label=%@ status=%d", storedShortcutLabel(), registration.status);
+  if (registration.status == HLHotKeyStatus::success) hotKeyRef_ = std::move(registration.hotKey);
+  HLAppendLog("hotKey register label=%@ status=%d", storedShortcutLabel(),
+              static_cast<std::int32_t>(registration.status));
   return registration.status;
 }
 
@@ -93,8 +118,9 @@ void HLAppDelegate::toggleRecording() {
     return;
   }
   unregisterHotKey();  // so that the current shortcut can be typed without firing
+  noteBeforeRecording_ = shortcutNote_;
   setRecordButtonTitle("Type Shortcut…");
-  setShortcutNote("Press the new shortcut. Escape cancels.", HLTextColor::secondary);
+  setShortcutNote({"Press the new shortcut. Escape cancels.", HLTextColor::secondary});
   recordMonitor_ = host_.application->addKeyMonitor([weak = weak_from_this()](const HLKeyEvent& event) {
     if (const auto self = weak.lock()) self->recordEvent(event);
   });
@@ -110,30 +136,29 @@ void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   }
   if ((flags & ~HLModifierShift) == 0 && !HLIsFunctionKey(event.code)) {
     host_.application->beep();
-    setShortcutNote("Add Command, Option or Control, or use an F key.", HLTextColor::orange);
+    setShortcutNote({HLFormat("Add %@, or use an F key.", conventions().modifierChoice), HLTextColor::orange});
     return;
   }
-  const std::int64_t oldCode = storedKeyCode();
-  const std::uint64_t oldModifiers = storedModifiers();
-  const std::optional<std::string> oldLabel = storedKeyLabel();
-  storeShortcut(event.code, flags, HLKeyLabelForEvent(event));
+  const StoredShortcut old = readShortcut(host_.userDefaults);
+  storeShortcut(host_.userDefaults, {event.code, flags, HLKeyLabelForEvent(event)});
   stopRecording();
-  if (applyStoredHotKey() == 0) {
+  if (applyStoredHotKey() == HLHotKeyStatus::success) {
     updateSettingsState();
-    setShortcutNote("Saved. Works from any app.", HLTextColor::secondary);
+    setShortcutNote({"Saved. Works from any app.", HLTextColor::secondary});
     return;
   }
-  const std::string refused = storedShortcutLabel();
-  storeShortcut(oldCode, oldModifiers, oldLabel);
+  const std::string refused = shownShortcut();
+  storeShortcut(host_.userDefaults, old);
   applyStoredHotKey();
   updateSettingsState();
   const std::string taken = HLFormat("%@ is already used by another app. Try a different one.", refused);
-  setShortcutNote(host_.hotKeys->whyNone().value_or(taken), HLTextColor::orange);
+  setShortcutNote({host_.hotKeys->unsupportedReason().value_or(taken), HLTextColor::orange});
 }
 
 void HLAppDelegate::stopRecording() {
-  recordMonitor_ = nullptr;
+  const bool wasRecording = std::exchange(recordMonitor_, nullptr) != nullptr;
   setRecordButtonTitle("Record Shortcut");
+  if (wasRecording && conventions().restoresShortcutNote) setShortcutNote(noteBeforeRecording_);
 }
 
 void HLAppDelegate::clearShortcut() {
@@ -141,5 +166,5 @@ void HLAppDelegate::clearShortcut() {
   host_.userDefaults->setValue(kCode, kNoKey);
   applyStoredHotKey();
   updateSettingsState();
-  setShortcutNote("No shortcut. Click the menu bar icon to clear notifications.", HLTextColor::secondary);
+  setShortcutNote({HLFormat("No shortcut. %@", dismissHint()), HLTextColor::secondary});
 }

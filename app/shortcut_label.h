@@ -1,4 +1,4 @@
-// A shortcut as text and as numbers. All functions are pure; any thread.
+// Converts shortcuts to text and to the hot-key service's numbers. Pure; thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -7,18 +7,18 @@
 
 #include "platform/application/events.h"
 
-// Those that a shortcut may have; Caps Lock, Fn and others do not count.
+// The modifiers that a shortcut can contain; Caps Lock, Fn and others are ignored.
 inline constexpr std::uint64_t HLShortcutModifiers =
     HLModifierShift | HLModifierControl | HLModifierOption | HLModifierCommand;
 
-// "⌃⌥⌘N"; "?" in place of a missing key label.
+// Returns, for example, "⌃⌥⌘N"; "?" replaces a missing key label.
 [[nodiscard]] std::string HLShortcutLabel(std::uint64_t modifiers, const std::optional<std::string>& keyLabel);
 
-// A sign or name where the key has one, else the character that it types, in upper case, else "Key 90".
+// Returns the key's symbol or name; else its upper-case character; else, for example, "Key 90".
 [[nodiscard]] std::string HLKeyLabelForEvent(const HLKeyEvent& event);
 
-// F1 to F12, which need no modifiers.
+// Returns true for F1 to F12, which need no modifiers.
 [[nodiscard]] bool HLIsFunctionKey(std::int64_t code);
 
-// The hot-key service's numbers for the same modifiers.
+// Converts event modifier flags to those of the hot-key service.
 [[nodiscard]] std::uint32_t HLCarbonModifiers(std::uint64_t modifiers);

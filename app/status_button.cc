@@ -34,8 +34,11 @@ void HLAppDelegate::installStatusItem() {
   }
   menu.items.push_back({});
   menu.items.push_back({"", HLFormat("Quit %@", name), "q", [this] { quit(); }});
-  host_.statusItem->install({HLFormat("%@: click to clear notifications, right-click for options", name),
-                             [this] { handleStatusItemClick(); }, std::move(menu)});
+  host_.statusItem->install({toolTip(), [this] { handleStatusItemClick(); }, std::move(menu)});
+}
+
+std::string HLAppDelegate::toolTip() {
+  return HLFormat("%@: click to clear notifications, right-click for options", HLAppDisplayName());
 }
 
 void HLAppDelegate::handleStatusItemClick() {
@@ -57,12 +60,16 @@ void HLAppDelegate::menuNeedsUpdate() {
 
 void HLAppDelegate::refreshStatusItem() {
   const bool available = HLAccessibilityAvailable();
+  const bool warns = !available || failureTimer_ != nullptr;
   if (HLIsProductFlavor()) {
-    host_.statusItem->setImage({available ? "bell.slash" : "exclamationmark.triangle", true, HLAppDisplayName()});
+    host_.statusItem->setImage({warns ? "exclamationmark.triangle" : "bell.slash", true, HLAppDisplayName()});
     host_.statusItem->setTitle("");
   } else {
-    host_.statusItem->setTitle(available ? "HL" : "HL!");
+    host_.statusItem->setTitle(warns ? "HL!" : "HL");
   }
+  const bool isPoll = trustPollTimer_ != nullptr;
+  const bool changed = std::exchange(loggedAvailability_, available) != available;
+  if (isPoll && !changed && !conventions().logsUnchangedPolls) return;
   HLAppendLog("refreshStatusItem available=%@ visible=true", available);
 }
 

@@ -2,6 +2,8 @@
 #include "app/update_feed.h"
 #include "base/log.h"
 #include "platform/application/alerts.h"
+#include "platform/application/application.h"
+#include "platform/application/http_client.h"
 #include "platform/application/workspace.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
@@ -25,26 +27,26 @@ std::int64_t installedBuild(const HLDictionary& information) {
   return HLLeadingInteger(HLNumberText(*value).value_or(""));
 }
 
-}  // namespace
-
-void HLAppDelegate::checkForUpdates() {
-  // As they are now: the bundle may have been replaced by the time the answer is there.
-  const HLDictionary information = HLCurrentPlatform().process->informationDictionary();
-  host_.httpClient->get(QLMUpdateFeedURL(), kTimeout, [self = shared_from_this(), information](HLHTTPAnswer answer) {
-    HLCurrentPlatform().runLoop->postToMainQueue(
-        [self, information, answer = std::move(answer)] { self->showUpdateVerdict(answer, information); });
-  });
-}
-
-void HLAppDelegate::showUpdateVerdict(const HLHTTPAnswer& answer, const HLDictionary& information) {
+void showVerdict(const HLApplicationPlatform& host, const HLHTTPAnswer& answer, const HLDictionary& information) {
   const std::int64_t build = installedBuild(information);
   const QLMUpdateVerdict verdict =
       QLMReadUpdateFeed(answer.status == kOK ? answer.body : std::nullopt, installedVersion(information), build);
-  HLAppendLog("update check status=%ld kind=%ld feedBuild=%ld build=%ld", answer.status, verdict.kind, verdict.build,
-              build);
-  host_.application->activate();
-  const std::size_t chosen = host_.alerts->runModal(
+  HLAppendLog("update check status=%ld kind=%ld feedBuild=%ld build=%ld", answer.status,
+              static_cast<std::int64_t>(verdict.kind), verdict.build, build);
+  host.application->activate();
+  const std::size_t chosen = host.alerts->runModal(
       {verdict.title, verdict.message,
        verdict.offersDownload() ? std::vector<std::string>{"Download", "Later"} : std::vector<std::string>{"OK"}});
-  if (chosen == 0 && verdict.offersDownload()) (void)host_.workspace->openAddress(QLMDownloadURL());
+  if (chosen == 0 && verdict.offersDownload()) (void)host.workspace->openAddress(QLMDownloadURL());
+}
+
+}  // namespace
+
+void HLAppDelegate::checkForUpdates() {
+  // Read now: the bundle may have been replaced by the time the response arrives.
+  const HLDictionary information = HLCurrentPlatform().process->informationDictionary();
+  host_.httpClient->get(QLMUpdateFeedURL(), kTimeout, [&host = host_, information](HLHTTPAnswer answer) {
+    HLCurrentPlatform().runLoop->postToMainQueue(
+        [&host, information, answer = std::move(answer)] { showVerdict(host, answer, information); });
+  });
 }

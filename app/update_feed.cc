@@ -23,7 +23,7 @@ struct Feed {
   std::int64_t build = 0;
 };
 
-// The integer part of a number that 64 bits hold; 0 for anything else.
+// Returns the integer part of a number in the 64-bit range; 0 for any other value.
 std::int64_t integerValue(const HLValue* value) {
   if (value == nullptr) return 0;
   if (const std::int64_t* integer = value->as<std::int64_t>()) return *integer;

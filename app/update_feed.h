@@ -1,16 +1,15 @@
-// Whether there is a newer build: what the update server's document says, and what the user is told of it.
+// Reads the update server's document, and words the result for the user.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
-inline constexpr std::int64_t QLMUpdateUpToDate = 0;
-inline constexpr std::int64_t QLMUpdateAvailable = 1;
-inline constexpr std::int64_t QLMUpdateFailed = 3;
+// The values are logged.
+enum QLMUpdateKind : std::int64_t { QLMUpdateUpToDate = 0, QLMUpdateAvailable = 1, QLMUpdateFailed = 3 };
 
 struct QLMUpdateVerdict {
-  std::int64_t kind = QLMUpdateFailed;
+  QLMUpdateKind kind = QLMUpdateFailed;
   std::string version;     // the newest; empty when the check failed
   std::int64_t build = 0;  // the newest; 0 when the check failed
   std::string title;
@@ -22,6 +21,7 @@ struct QLMUpdateVerdict {
 [[nodiscard]] std::string QLMUpdateFeedURL();
 [[nodiscard]] std::string QLMDownloadURL();
 
-// Judges the document, or the want of one. Build numbers are compared, versions only shown. Pure; any thread.
+// Compares the build in `data` with the installed one; versions are only shown. A missing or invalid document gives
+// QLMUpdateFailed. Pure; thread-safe.
 [[nodiscard]] QLMUpdateVerdict QLMReadUpdateFeed(const std::optional<std::string>& data,
                                                  const std::string& installedVersion, std::int64_t installedBuild);

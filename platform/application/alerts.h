@@ -1,4 +1,4 @@
-// Questions that hold up the application until they are answered.
+// Modal alerts.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 struct HLAlert {
   std::string title;
   std::string message;
-  std::vector<std::string> buttons;  // one at least; the first is the default
+  std::vector<std::string> buttons;  // at least one; the first is the default
 };
 
 class HLAlerts {
@@ -18,7 +18,7 @@ class HLAlerts {
   HLAlerts& operator=(const HLAlerts&) = delete;
   virtual ~HLAlerts() = default;
 
-  // The index of the button that was chosen; the last one's when the alert is dismissed without a choice. The main run
-  // loop goes on meanwhile. Main thread.
+  // Shows the alert and returns the index of the chosen button, or the last index if the alert was closed without a
+  // choice. Blocks in a nested main run loop. Main thread only.
   [[nodiscard]] virtual std::size_t runModal(const HLAlert& alert) = 0;
 };

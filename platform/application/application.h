@@ -1,4 +1,4 @@
-// The menu-bar application as a whole: its event loop, and its standing among other programs.
+// The application's event loop, activation and keyboard events.
 #pragma once
 
 #include <functional>
@@ -9,12 +9,11 @@
 
 struct HLApplicationHandlers {
   std::function<void()> didFinishLaunching;
-  // The user has started the program again while it runs.
+  // Called when the user starts the program while it is running.
   std::function<void()> didReopen;
 };
 
-// Sees the key presses in this application's windows, which then go no further. Destruction ends it, from within its
-// own handler too.
+// Consumes all key presses in this application's windows. Destroying it ends that, even inside its own handler.
 class HLKeyMonitor {
  public:
   HLKeyMonitor() = default;
@@ -31,18 +30,18 @@ class HLApplication {
   HLApplication& operator=(const HLApplication&) = delete;
   virtual ~HLApplication() = default;
 
-  // Becomes an application without a place in the Dock or task bar, calls didFinishLaunching and lives in the main run
-  // loop until it is terminated. Returns the process's exit code, or does not return. A program that the user started
-  // while another of its kind runs tells that one and returns 0 before launching.
+  // Runs as an application without an entry in the Dock or task bar: calls didFinishLaunching, then runs the main run
+  // loop until terminate(). Returns the process's exit code, or does not return. If another instance is running, calls
+  // that instance's didReopen and returns 0 without launching.
   [[nodiscard]] virtual int run(HLApplicationHandlers handlers) = 0;
   virtual void terminate() = 0;
 
-  // Brings the application before all others.
+  // Brings the application's windows to the front.
   virtual void activate() = 0;
   virtual void setDarkAppearance() = 0;
   virtual void beep() = 0;
 
-  // The event that is being handled, if there is one.
+  // Returns the event being handled; nullopt outside an event handler.
   [[nodiscard]] virtual std::optional<HLEvent> currentEvent() = 0;
   [[nodiscard]] virtual std::unique_ptr<HLKeyMonitor> addKeyMonitor(std::function<void(const HLKeyEvent&)> handler) = 0;
 };

@@ -1,9 +1,9 @@
-// What only the menu-bar application asks of its host. The command-line modes do without, and load none of it.
+// The host interfaces that only the application uses. Command-line modes do not load them.
 #pragma once
 
 #include <optional>
-#include <string>
 
+#include "platform/application/conventions.h"
 #include "platform/reference.h"
 
 class HLAlerts;
@@ -16,14 +16,6 @@ class HLUserDefaults;
 class HLWindows;
 class HLWorkspace;
 
-// How the user gives access to the screen, where that differs from the home platform's way. "%@" in them stands for the
-// application's name.
-struct HLAccessGuide {
-  std::string explanation;
-  std::string steps;
-  std::string note;
-};
-
 struct HLApplicationPlatform {
   HLReference<HLApplication> application;
   HLReference<HLStatusItem> statusItem;
@@ -34,5 +26,5 @@ struct HLApplicationPlatform {
   HLReference<HLUserDefaults> userDefaults;
   HLReference<HLHTTPClient> httpClient;
   HLReference<HLWorkspace> workspace;
-  std::optional<HLAccessGuide> accessGuide;
+  std::optional<HLConventions> conventions;  // nullopt for those of macOS
 };

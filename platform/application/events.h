@@ -1,4 +1,4 @@
-// What the user does with mouse and keyboard, in the home platform's numbers, which are also what is stored.
+// Mouse and keyboard events, in the numbers of macOS, which are also stored in the preferences and logged.
 #pragma once
 
 #include <cstdint>
@@ -14,10 +14,10 @@ inline constexpr std::uint64_t HLModifierFunction = 0x800000;
 inline constexpr std::int64_t HLEventLeftMouseUp = 2;
 inline constexpr std::int64_t HLEventRightMouseUp = 4;
 
-// The event that is being handled.
+// A mouse event.
 struct HLEvent {
   std::int64_t type = 0;
-  std::uint64_t modifiers = 0;  // a host may set further bits than those above
+  std::uint64_t modifiers = 0;  // a host may set other bits too
 };
 
 // A virtual key code of macOS: a position on the keyboard.

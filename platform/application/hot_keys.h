@@ -1,4 +1,4 @@
-// Key combinations that reach this program whatever program is in front.
+// System-wide key combinations: they reach this program while another one has the keyboard focus.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,15 @@
 #include <optional>
 #include <string>
 
-inline constexpr std::int32_t HLHotKeyHandled = 0;
-inline constexpr std::int32_t HLHotKeyNotHandled = -9874;
-inline constexpr std::int32_t HLHotKeyTaken = -9878;   // another program holds the combination
-inline constexpr std::int32_t HLHotKeyFailed = -9868;  // the host cannot, for another reason
+// The values of Carbon's event manager, which are also logged. A host may return others.
+enum class HLHotKeyStatus : std::int32_t {
+  success = 0,
+  notHandled = -9874,
+  taken = -9878,   // the combination is already registered (X11 and macOS also refuse our own duplicate)
+  failed = -9868,  // any other reason
+};
 
-// The hot-key service's own modifiers.
+// Modifier flags of Carbon's hot-key service.
 inline constexpr std::uint32_t HLHotKeyCommand = 0x100;
 inline constexpr std::uint32_t HLHotKeyShift = 0x200;
 inline constexpr std::uint32_t HLHotKeyOption = 0x800;
@@ -24,7 +27,7 @@ struct HLHotKeyIdentity {
   bool operator==(const HLHotKeyIdentity&) const = default;
 };
 
-// A registration; destruction gives the combination back.
+// A registered combination. Destroying it unregisters the combination.
 class HLHotKey {
  public:
   HLHotKey() = default;
@@ -34,8 +37,8 @@ class HLHotKey {
 };
 
 struct HLHotKeyRegistration {
-  std::int32_t status = 0;
-  std::unique_ptr<HLHotKey> hotKey;  // with status 0 only
+  HLHotKeyStatus status = HLHotKeyStatus::success;
+  std::unique_ptr<HLHotKey> hotKey;  // nullptr unless the status is success
 };
 
 // Main thread only.
@@ -46,15 +49,15 @@ class HLHotKeys {
   HLHotKeys& operator=(const HLHotKeys&) = delete;
   virtual ~HLHotKeys() = default;
 
-  // Takes the identity of the hot key that was pressed, or nothing when it cannot be read; answers HLHotKeyHandled or
-  // HLHotKeyNotHandled. Installed once.
-  using Handler = std::function<std::int32_t(const std::optional<HLHotKeyIdentity>& identity)>;
+  // Receives the identity of the pressed hot key, or nullopt if the host cannot read it. Returns success or notHandled.
+  using Handler = std::function<HLHotKeyStatus(const std::optional<HLHotKeyIdentity>& identity)>;
+  // Called at most once.
   virtual void installHandler(Handler handler) = 0;
 
-  // The code is the home platform's virtual key code.
+  // `code` is a virtual key code of macOS.
   [[nodiscard]] virtual HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                             const HLHotKeyIdentity& identity) = 0;
 
-  // A sentence for the user where a registration has failed since the host has no hot keys at all; else nothing.
-  [[nodiscard]] virtual std::optional<std::string> whyNone() const { return std::nullopt; }
+  // User-facing reason if registration failed because the host supports no hot keys; else nullopt.
+  [[nodiscard]] virtual std::optional<std::string> unsupportedReason() const { return std::nullopt; }
 };

@@ -1,4 +1,4 @@
-// Fetching one document over HTTP.
+// HTTP GET.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 #include <string>
 
 struct HLHTTPAnswer {
-  std::int64_t status = 0;          // 0 when no HTTP answer came
-  std::optional<std::string> body;  // nothing when the request failed, as by running out of time
+  std::int64_t status = 0;          // 0 without an HTTP response
+  std::optional<std::string> body;  // nullopt if the request failed, for example by the timeout
 };
 
 class HLHTTPClient {
@@ -18,7 +18,7 @@ class HLHTTPClient {
   HLHTTPClient& operator=(const HLHTTPClient&) = delete;
   virtual ~HLHTTPClient() = default;
 
-  // One GET in a session of its own: no cache, cookies or credentials are kept or used. Answers once, on any thread,
-  // after that many seconds at the latest. Several requests may be under way. Main thread.
+  // Starts one GET in its own session, without cache, cookies or credentials. Calls `answer` once, on any thread, after
+  // at most `timeout` seconds. Several requests may be in flight. Main thread only.
   virtual void get(const std::string& address, double timeout, std::function<void(HLHTTPAnswer)> answer) = 0;
 };

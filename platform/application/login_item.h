@@ -1,4 +1,4 @@
-// Whether the program is started when the user logs in.
+// Starts the program when the user logs in.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,10 @@ enum class HLLoginItemStatus : std::int64_t {
 
 struct HLLoginItemOutcome {
   bool ok = false;
-  std::optional<std::string> error;  // for the user to read
+  std::optional<std::string> error;  // user-facing; may be nullopt
 };
 
-// Main thread only. The system keeps the state; every call asks it anew.
+// Main thread only. Every call reads the state from the system; no state is cached.
 class HLLoginItem {
  public:
   HLLoginItem() = default;

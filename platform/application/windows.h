@@ -1,4 +1,4 @@
-// Windows as data: what they hold is described once and changed by name. Lengths are points.
+// Windows as data: described once, then changed by control name. Lengths are in points.
 #pragma once
 
 #include <functional>
@@ -12,9 +12,9 @@
 enum class HLFontWeight { regular, medium, semibold };
 enum class HLTextColor { label, secondary, green, orange };
 
-// Names are unique in a window; "" for what never changes.
+// Control names are unique in a window; "" for controls that never change.
 
-// Breaks its lines to fit its width; cannot be selected.
+// Wraps to its width; its text cannot be selected.
 struct HLLabel {
   std::string name;
   std::string text;
@@ -33,12 +33,12 @@ struct HLButton {
 struct HLCheckBox {
   std::string name;
   std::string title;
-  std::function<void(bool on)> action;  // after the user has changed it
+  std::function<void(bool on)> action;  // called after the user changes it
 };
 
 using HLControl = std::variant<HLLabel, HLButton, HLCheckBox>;
 
-// Side by side.
+// Controls side by side.
 struct HLRow {
   std::vector<HLControl> controls;
   double spacing = 0;
@@ -46,23 +46,23 @@ struct HLRow {
 
 struct HLStackItem {
   std::variant<HLLabel, HLButton, HLCheckBox, HLRow> what;
-  double after = 0;        // the spacing that follows
-  bool fullWidth = false;  // as wide as the stack, where it would be as wide as it likes
+  double after = 0;        // spacing below
+  bool fullWidth = false;  // as wide as the stack instead of its natural width
 };
 
 struct HLWindowDescription {
   std::string title;
-  double width = 0;  // of the content
+  double width = 0;  // of the content, like height
   double height = 0;
-  // Between the content's edges and the stack.
+  // Space between the content's edges and the stack.
   double sideMargin = 0;
-  double verticalMargin = 0;       // below the stack at least so much
-  std::vector<HLStackItem> stack;  // from the top down, aligned at the leading edge
+  double verticalMargin = 0;       // a minimum below the stack
+  std::vector<HLStackItem> stack;  // top to bottom, leading-aligned
   std::function<void()> willClose;
 };
 
-// Can be moved and closed, neither resized nor minimized. The user's closing hides it; it is kept and can be shown
-// again. Names that it does not have are ignored.
+// Movable and closable, not resizable or minimizable. Closing hides the window, which can be shown again. Unknown
+// control names are ignored.
 class HLWindow {
  public:
   HLWindow() = default;
@@ -75,21 +75,21 @@ class HLWindow {
   virtual void setCheckBox(std::string_view name, bool on) = 0;
   virtual void setEnabled(std::string_view name, bool enabled) = 0;
 
-  // Makes the content as high as its texts need.
+  // Sets the content's height to what its texts need.
   virtual void fitHeight() = 0;
   virtual void center() = 0;
   virtual void makeKeyAndOrderFront() = 0;
-  // Calls willClose, as the user's closing does.
+  // Calls willClose, then hides the window, like closing by the user.
   virtual void close() = 0;
 };
 
-// A window as it stands on screen, its frame and title bar included where the host draws them.
+// A window of this application, including its frame and title bar if the process draws them.
 struct HLWindowView {
   std::string title;
   bool visible = false;
   double width = 0;
   double height = 0;
-  std::function<std::optional<std::string>()> png;  // the picture, drawn when it is called; nothing when that fails
+  std::function<std::optional<std::string>()> png;  // draws the window when called; nullopt on failure
 };
 
 // Main thread only.
@@ -100,9 +100,9 @@ class HLWindows {
   HLWindows& operator=(const HLWindows&) = delete;
   virtual ~HLWindows() = default;
 
-  // Not yet on screen.
+  // Returns a hidden window.
   [[nodiscard]] virtual std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) = 0;
 
-  // All windows of the application in its window order, hidden ones and those of the host's own making included.
+  // Returns all windows in the application's window order, including hidden ones and those created by the host.
   [[nodiscard]] virtual std::vector<HLWindowView> views() = 0;
 };

@@ -1,4 +1,4 @@
-// The desktop around the application.
+// Opens addresses with the desktop's programs.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ class HLWorkspace {
   HLWorkspace& operator=(const HLWorkspace&) = delete;
   virtual ~HLWorkspace() = default;
 
-  // Whether the address was valid and something has opened it: a page in the browser, a pane of the system's settings.
-  // Main thread.
+  // Opens a web page or a pane of the system's settings. Returns whether the address was valid and a program accepted
+  // it. Main thread only.
   [[nodiscard]] virtual bool openAddress(const std::string& address) = 0;
 };

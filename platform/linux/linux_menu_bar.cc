@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "platform/display_name.h"
-#include "platform/linux/access_guide.h"
 #include "platform/linux/files/linux_login_item.h"
 #include "platform/linux/files/linux_user_defaults.h"
+#include "platform/linux/linux_conventions.h"
 #include "platform/linux/session/desktop_module.h"
 #include "platform/linux/session/linux_workspace.h"
 
@@ -39,7 +39,7 @@ struct HLLinuxMenuBar::Parts {
   const HLApplicationPlatform platform{desktop->application(), desktop->statusItem(), desktop->windows(),
                                        desktop->alerts(),      desktop->hotKeys(),    loginItem,
                                        userDefaults,           desktop->httpClient(), workspace,
-                                       HLLinuxAccessGuide()};
+                                       HLLinuxConventions()};
 };
 
 HLLinuxMenuBar::HLLinuxMenuBar(HLProcessInfo& process, HLLinuxRunLoop& runLoop)

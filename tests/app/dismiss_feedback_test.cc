@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "app/failure.h"
+
 namespace {
 
 TEST(BusyTitle, IsShownByTheFlavorWithoutAnImage) {
@@ -29,6 +31,22 @@ TEST(ElapsedMilliseconds, AreRoundedHalvesAwayFromZero) {
   EXPECT_EQ(HLElapsedMilliseconds(0), 0);
   EXPECT_EQ(HLElapsedMilliseconds(-0.0015), -2);
   EXPECT_EQ(HLElapsedMilliseconds(12.3456), 12346);
+}
+
+TEST(FailureReason, NamesTheCauseInOneSentence) {
+  const auto reason = [](HLDismissStatus status, std::int64_t remaining = 0, bool hasBanner = false) {
+    return HLFailureReason({status, 5, remaining}, hasBanner, "Name").value_or("none");
+  };
+  EXPECT_EQ(reason(HLDismissStatusSuccess, 3, true), "none");
+  EXPECT_EQ(reason(HLDismissStatusNothing), "none");
+  EXPECT_EQ(reason(HLDismissStatusNothing, 0, true),
+            "Name finds no close button on the notifications that your desktop shows.");
+  EXPECT_EQ(reason(HLDismissStatusAccessDenied), "Name cannot see your notifications, because accessibility is off.");
+  EXPECT_EQ(reason(HLDismissStatusNotificationCenterUnavailable), "Name finds no program that shows notifications.");
+  EXPECT_EQ(reason(HLDismissStatusFailed), "Some notifications could not be closed.");
+  EXPECT_EQ(reason(HLDismissStatusFailed, 1), "One notification could not be closed.");
+  EXPECT_EQ(reason(HLDismissStatusFailed, 2), "2 notifications could not be closed.");
+  EXPECT_EQ(reason(static_cast<HLDismissStatus>(9), 2), "2 notifications could not be closed.");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -16,10 +17,11 @@
 
 #include "app/access.h"
 #include "app/app_delegate.h"
+#include "app/conventions.h"
 #include "platform/application/application_platform.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
-#include "tests/support/application_spies.h"
+#include "tests/app/spied_application.h"
 #include "tests/support/faults.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
@@ -28,51 +30,6 @@
 namespace {
 
 using testing::ElementsAre;
-
-// Notes the moment at which launches begin to be observed.
-class SpyLaunches : public SpyRunningApplications {
- public:
-  SpyLaunches(HLRunningApplications& inner, Calls& calls) : SpyRunningApplications(inner), calls_(calls) {}
-  void observeLaunches(std::function<void(const HLRunningApplication&)>) override {
-    calls_.emplace_back("observe launches");
-  }
-
- private:
-  Calls& calls_;
-};
-
-using FoundHost = std::variant<const HLApplicationPlatform*, std::string>;
-
-// The application of the product flavor on a host of spies. One call of the accessibility interface may fail.
-struct Application {
-  explicit Application(const std::string& scene = R"("trusted": true)", const std::string& name = "Hushlet",
-                       std::int64_t failingCall = 0)
-      : desktop("{" + scene + R"(, "bundle": {"info": {"HLProductFlavor": "product", "CFBundleDisplayName": ")" + name +
-                R"("}}})"),
-        faults(failingCall, HLAXErrorCannotComplete) {
-    platform.accessibility = accessibility;
-    platform.runningApplications = launches;
-    platform.applicationPlatform = [this] { return FoundHost(&host.platform); };
-    HLInstallPlatform(&platform);
-  }
-  Application(const Application&) = delete;
-  Application& operator=(const Application&) = delete;
-
-  // The messages of the status log that begin with the text.
-  [[nodiscard]] std::vector<std::string> messages(std::string_view beginning) const {
-    std::vector<std::string> found = LogMessages(FileContent(desktop.home() + "/.local/share/dismiss/status.log"));
-    std::erase_if(found, [beginning](const std::string& message) { return !message.starts_with(beginning); });
-    return found;
-  }
-
-  SimulatedDesktop desktop;
-  SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};
-  SpyLaunches launches{desktop.platform().runningApplications, host.calls};
-  Faults faults;
-  FaultyAccessibility accessibility{desktop.platform().accessibility, faults.plan()};
-  HLPlatform platform = desktop.platform();
-  const std::shared_ptr<HLAppDelegate> delegate = std::make_shared<HLAppDelegate>(host.platform);
-};
 
 TEST(RunningTheApplication, OpensTheSettingsWindowWhenTheProgramIsStartedAgain) {
   Application application;
@@ -141,7 +98,11 @@ TEST(SetupWindowCalls, DescribeItsSizeAndMargins) {
 
 TEST(SetupWindowCalls, SayTheHostsOwnWayToAccessWithTheApplicationsName) {
   Application application(R"("trusted": false)", "A%@");
-  application.host.platform.accessGuide = HLAccessGuide{"%@ explains %@.", "Steps", "A note on %@"};
+  HLConventions conventions = HLMacConventions();
+  conventions.accessExplanation = "%@ explains %@.";
+  conventions.accessSteps = "Steps";
+  conventions.accessNote = "A note on %@";
+  application.host.platform.conventions = conventions;
   application.delegate->showSetupWindow();
   std::vector<std::string> texts;
   for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
@@ -207,7 +168,7 @@ std::set<std::string> filesIn(const std::string& directory) {
 TEST(AHostWithoutHotKeys, SaysSoInsteadOfBlamingAnotherProgram) {
   Application application;
   SpyHost& host = application.host;
-  host.hotKeys.status = HLHotKeyFailed;
+  host.hotKeys.status = HLHotKeyStatus::failed;
   host.hotKeys.reason = "None here.";
   application.delegate->showSettingsWindow();
   const auto isTheNote = [](const HLStackItem& item) {

@@ -46,6 +46,8 @@ class ForwardingStatusItem : public HLStatusItem {
   void install(HLStatusItemDescription description) override { inner_.install(std::move(description)); }
   void setTitle(const std::string& title) override { inner_.setTitle(title); }
   void setImage(const HLSymbolImage& image) override { inner_.setImage(image); }
+  void setToolTip(const std::string& toolTip) override { inner_.setToolTip(toolTip); }
+  [[nodiscard]] bool isVisible() override { return inner_.isVisible(); }
   void setMenuItem(std::string_view name, const std::string& title, bool on) override {
     inner_.setMenuItem(name, title, on);
   }
@@ -106,7 +108,7 @@ class ForwardingHotKeys : public HLHotKeys {
                                                     const HLHotKeyIdentity& identity) override {
     return inner_.registerHotKey(code, modifiers, identity);
   }
-  [[nodiscard]] std::optional<std::string> whyNone() const override { return inner_.whyNone(); }
+  [[nodiscard]] std::optional<std::string> unsupportedReason() const override { return inner_.unsupportedReason(); }
 
  private:
   HLHotKeys& inner_;

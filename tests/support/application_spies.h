@@ -67,7 +67,7 @@ class SpyApplication : public HLApplication {
   void beep() override {}
   [[nodiscard]] std::optional<HLEvent> currentEvent() override { return event; }
   [[nodiscard]] std::unique_ptr<HLKeyMonitor> addKeyMonitor(std::function<void(const HLKeyEvent&)>) override {
-    return nullptr;
+    return std::make_unique<HLKeyMonitor>();
   }
 
  private:
@@ -79,6 +79,7 @@ class SpyStatusItem : public HLStatusItem {
   explicit SpyStatusItem(Calls& calls) : calls_(calls) {}
 
   HLStatusItemDescription installed;
+  bool visible = true;
 
   void install(HLStatusItemDescription description) override {
     installed = std::move(description);
@@ -86,6 +87,8 @@ class SpyStatusItem : public HLStatusItem {
   }
   void setTitle(const std::string& title) override { calls_.push_back("title " + title); }
   void setImage(const HLSymbolImage& image) override { calls_.push_back("image " + image.name); }
+  void setToolTip(const std::string& toolTip) override { calls_.push_back("tool tip " + toolTip); }
+  [[nodiscard]] bool isVisible() override { return visible; }
   void setMenuItem(std::string_view, const std::string& title, bool) override { calls_.push_back("item " + title); }
   void popUpMenu() override { calls_.emplace_back("pop up menu"); }
 
@@ -115,9 +118,9 @@ class SpyHotKeys : public HLHotKeys {
     calls_.emplace_back("register hot key");
     return {status, nullptr};
   }
-  [[nodiscard]] std::optional<std::string> whyNone() const override { return reason; }
+  [[nodiscard]] std::optional<std::string> unsupportedReason() const override { return reason; }
 
-  std::int32_t status = 0;
+  HLHotKeyStatus status = HLHotKeyStatus::success;
   std::optional<std::string> reason;
 
  private:

@@ -150,7 +150,7 @@ class FaultyHotKeys : public Planned<ForwardingHotKeys> {
   using Planned::Planned;
   HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                       const HLHotKeyIdentity& identity) override {
-    if (fails("HLHotKeys::registerHotKey", std::to_string(code))) return {HLHotKeyFailed, nullptr};
+    if (fails("HLHotKeys::registerHotKey", std::to_string(code))) return {HLHotKeyStatus::failed, nullptr};
     return Planned::registerHotKey(code, modifiers, identity);
   }
 };

@@ -1,4 +1,4 @@
-// The module's one function, and the owner of what it gives.
+// HLMakeDesktop, the module's only exported function, and the object that owns the Qt backends.
 #include <QApplication>
 #include <array>
 #include <clocale>
@@ -19,7 +19,7 @@
 
 namespace {
 
-// The toolkit keeps references to the arguments. It gets none of the program's: it would take those that it knows.
+// QApplication keeps references to argc and argv. It gets no program arguments: it would consume those it recognizes.
 class Arguments {
  public:
   explicit Arguments(std::string platform) : platform_(std::move(platform)) {
@@ -50,7 +50,7 @@ class Desktop : public HLDesktop {
     QApplication::setDesktopFileName(QString::fromStdString(request.identifier));
     QApplication::setWindowIcon(HLApplicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
-    // The toolkit has taken the user's locale; numbers are read and written everywhere as in none.
+    // QApplication set the user's locale. Numbers are parsed and formatted in the C locale everywhere.
     std::setlocale(LC_NUMERIC, "C");
   }
 

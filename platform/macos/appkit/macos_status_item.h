@@ -22,6 +22,8 @@ class HLMacStatusItem : public HLStatusItem {
   void install(HLStatusItemDescription description) override;
   void setTitle(const std::string& title) override;
   void setImage(const HLSymbolImage& image) override;
+  void setToolTip(const std::string& toolTip) override;
+  [[nodiscard]] bool isVisible() override { return item_ != nullptr; }
   void setMenuItem(std::string_view name, const std::string& title, bool on) override;
   void popUpMenu() override;
 

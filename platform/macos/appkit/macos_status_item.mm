@@ -53,7 +53,7 @@ void HLMacStatusItem::install(HLStatusItemDescription description) {
   NSStatusBarButton* button = item_.button;
   button.target = target_;
   button.action = @selector(invoke:);
-  button.toolTip = HLMakeString(description.toolTip);
+  setToolTip(description.toolTip);
   [button sendActionOn:NSEventMaskLeftMouseUp | NSEventMaskRightMouseUp];
 }
 
@@ -82,6 +82,8 @@ void HLMacStatusItem::setImage(const HLSymbolImage& image) {
   item_.button.image = drawing;
   item_.button.imagePosition = NSImageLeading;
 }
+
+void HLMacStatusItem::setToolTip(const std::string& toolTip) { item_.button.toolTip = HLMakeString(toolTip); }
 
 void HLMacStatusItem::setMenuItem(std::string_view name, const std::string& title, bool on) {
   const auto found = menuItems_.find(name);

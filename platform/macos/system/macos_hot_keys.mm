@@ -6,10 +6,10 @@
 #include <string>
 #include <utility>
 
-static_assert(HLHotKeyHandled == noErr);
-static_assert(HLHotKeyNotHandled == eventNotHandledErr);
-static_assert(HLHotKeyTaken == eventHotKeyExistsErr);
-static_assert(HLHotKeyFailed == eventInternalErr);
+static_assert(HLHotKeyStatus::success == HLHotKeyStatus{noErr});
+static_assert(HLHotKeyStatus::notHandled == HLHotKeyStatus{eventNotHandledErr});
+static_assert(HLHotKeyStatus::taken == HLHotKeyStatus{eventHotKeyExistsErr});
+static_assert(HLHotKeyStatus::failed == HLHotKeyStatus{eventInternalErr});
 static_assert(HLHotKeyCommand == cmdKey);
 static_assert(HLHotKeyShift == shiftKey);
 static_assert(HLHotKeyOption == optionKey);
@@ -52,7 +52,7 @@ std::optional<HLHotKeyIdentity> identityOf(EventRef event) {
 }
 
 OSStatus pressed(EventHandlerCallRef, EventRef event, void* handler) {
-  return (*static_cast<const HLHotKeys::Handler*>(handler))(identityOf(event));
+  return static_cast<OSStatus>((*static_cast<const HLHotKeys::Handler*>(handler))(identityOf(event)));
 }
 
 }  // namespace
@@ -72,6 +72,6 @@ HLHotKeyRegistration HLMacHotKeys::registerHotKey(std::uint32_t code, std::uint3
   EventHotKeyRef hotKey = nullptr;
   const OSStatus status = RegisterEventHotKey(code, modifiers, {codeOf(identity.signature), identity.id},
                                               GetApplicationEventTarget(), 0, &hotKey);
-  if (status != noErr) return {status, nullptr};
-  return {status, std::make_unique<HotKey>(hotKey)};
+  if (status != noErr) return {HLHotKeyStatus{status}, nullptr};
+  return {HLHotKeyStatus::success, std::make_unique<HotKey>(hotKey)};
 }

@@ -52,9 +52,9 @@ HLHotKeyRegistration HLSimHotKeys::registerHotKey(std::uint32_t code, std::uint3
                                                   const HLHotKeyIdentity& identity) {
   for (const HLSceneRefusedHotKey& refused : desktop_.scene->services.refusedHotKeys) {
     if (refused.code != code || HLSimHotKeyModifiers(refused.modifiers) != modifiers) continue;
-    if (refused.status != 0) return {refused.status, nullptr};
+    if (refused.status != 0) return {HLHotKeyStatus{refused.status}, nullptr};
   }
-  return {0, std::make_unique<HLSimHotKey>(registered_, code, modifiers, identity)};
+  return {HLHotKeyStatus::success, std::make_unique<HLSimHotKey>(registered_, code, modifiers, identity)};
 }
 
 const HLSimHotKey* HLSimHotKeys::find(std::uint32_t code, std::uint32_t modifiers) const {

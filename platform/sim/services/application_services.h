@@ -74,13 +74,13 @@ class HLSimHotKeys : public HLHotKeys {
   [[nodiscard]] const HLSimHotKey* find(std::uint32_t code, std::uint32_t modifiers) const;
   // The last one; nullptr when there is none.
   [[nodiscard]] const HLSimHotKey* registered() const { return registered_.empty() ? nullptr : registered_.back(); }
-  [[nodiscard]] std::optional<std::int32_t> answer() const { return answer_; }
+  [[nodiscard]] std::optional<HLHotKeyStatus> answer() const { return answer_; }
 
  private:
   const HLSimDesktop& desktop_;
   std::vector<HLSimHotKey*> registered_;  // in the order in which they were
   Handler handler_;
-  std::optional<std::int32_t> answer_;
+  std::optional<HLHotKeyStatus> answer_;
 };
 
 class HLSimLoginItem : public HLLoginItem {

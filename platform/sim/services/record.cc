@@ -198,8 +198,8 @@ HLJson dump(const HLSimDesktop& desktop, HLSimUserInterface& interface) HL_REQUI
   made["alerts"] = alerts(interface.alerts);
   made["appearance"] = interface.application.isDark() ? "dark" : "system";
   made["hotKey"] = hotKey(interface.hotKeys);
-  const std::optional<std::int32_t> answer = interface.hotKeys.answer();
-  made["hotKeyAnswer"] = answer ? HLJson(*answer) : HLJson(nullptr);
+  const std::optional<HLHotKeyStatus> answer = interface.hotKeys.answer();
+  made["hotKeyAnswer"] = answer ? HLJson(static_cast<std::int32_t>(*answer)) : HLJson(nullptr);
   made["recording"] = interface.application.hasKeyMonitor();
   made["openedAddresses"] = interface.workspace.opened();
   made["loginItemStatus"] = static_cast<std::int64_t>(interface.loginItem.status());

@@ -14,6 +14,8 @@ class HLSimStatusItem : public HLStatusItem {
   void install(HLStatusItemDescription description) override;
   void setTitle(const std::string& title) override { title_ = title; }
   void setImage(const HLSymbolImage& image) override { image_ = image; }
+  void setToolTip(const std::string& toolTip) override { description_.toolTip = toolTip; }
+  [[nodiscard]] bool isVisible() override { return true; }
   void setMenuItem(std::string_view name, const std::string& title, bool on) override;
   void popUpMenu() override { openMenu(); }
 

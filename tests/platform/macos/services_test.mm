@@ -62,7 +62,7 @@ class HotKeys : public testing::Test {
 TEST_F(HotKeys, AreGivenBackWhenTheyEnd) {
   for (int round = 0; round < 2; ++round) {
     const HLHotKeyRegistration registration = hotKeys_.registerHotKey(kF19, kModifiers, identity_);
-    EXPECT_EQ(registration.status, 0);
+    EXPECT_EQ(registration.status, HLHotKeyStatus::success);
     EXPECT_NE(registration.hotKey, nullptr);
   }
 }
@@ -70,7 +70,7 @@ TEST_F(HotKeys, AreGivenBackWhenTheyEnd) {
 TEST_F(HotKeys, AreTakenWhileThisProgramHoldsThem) {
   const HLHotKeyRegistration first = hotKeys_.registerHotKey(kF19, kModifiers, identity_);
   const HLHotKeyRegistration second = hotKeys_.registerHotKey(kF19, kModifiers, {"HLhk", 2});
-  EXPECT_EQ(second.status, HLHotKeyTaken);
+  EXPECT_EQ(second.status, HLHotKeyStatus::taken);
   EXPECT_EQ(second.hotKey, nullptr);
 }
 
@@ -78,7 +78,7 @@ TEST_F(HotKeys, TellTheHandlerWhichOneWasPressed) {
   std::optional<HLHotKeyIdentity> pressed;
   hotKeys_.installHandler([&](const std::optional<HLHotKeyIdentity>& identity) {
     pressed = identity;
-    return identity == identity_ ? HLHotKeyHandled : HLHotKeyNotHandled;
+    return identity == identity_ ? HLHotKeyStatus::success : HLHotKeyStatus::notHandled;
   });
   const EventHotKeyID ours{'HLhk', 1};
   EXPECT_EQ(press(&ours), noErr);

@@ -182,7 +182,8 @@ TEST(Simulator, GoesAfterWhatItsCallbacksOwn) {
       owned->monitor = program->host().application->addKeyMonitor([](const HLKeyEvent&) {});
       owned->hotKey = program->host().hotKeys->registerHotKey(1, 0, {"HLhk", 1});
       if (keeper == 0) program->at(9, [owned] {});
-      if (keeper == 1) program->host().hotKeys->installHandler([owned](const auto&) { return 0; });
+      if (keeper == 1)
+        program->host().hotKeys->installHandler([owned](const auto&) { return HLHotKeyStatus::success; });
       if (keeper == 2) program->desktop().applications().observeLaunches([owned](const auto&) {});
       if (keeper == 3) program->host().httpClient->get("http://h/x", 15, [owned](const auto&) {});
     });

@@ -152,7 +152,7 @@ TEST(UserEvents, OfOneMomentComeInTheOrderInWhichTheyAreWritten) {
     program.host().statusItem->install({"", program.noting("click"), {"", {}, program.noting("menu")}});
     program.host().hotKeys->installHandler([&](const auto&) {
       program.note("hot key");
-      return 0;
+      return HLHotKeyStatus::success;
     });
   });
   EXPECT_THAT(program.entries(),

@@ -53,14 +53,14 @@ TEST(RefusedHotKeys, GiveTheirStatusAndRegisterNothing) {
     {"code": 46, "status": -9868}, {"code": 47, "modifiers": ["option"], "status": 0}])"));
   HLHotKeys& hotKeys = program.host().hotKeys;
   const HLHotKeyRegistration taken = hotKeys.registerHotKey(45, HLHotKeyShift | HLHotKeyCommand, {"HLhk", 1});
-  EXPECT_EQ(taken.status, HLHotKeyTaken);
+  EXPECT_EQ(taken.status, HLHotKeyStatus::taken);
   EXPECT_EQ(taken.hotKey, nullptr);
-  EXPECT_EQ(hotKeys.registerHotKey(46, 0, {"HLhk", 1}).status, HLHotKeyFailed);
+  EXPECT_EQ(hotKeys.registerHotKey(46, 0, {"HLhk", 1}).status, HLHotKeyStatus::failed);
   EXPECT_EQ(program.dump()["hotKey"], nullptr);
   for (const auto& [code, modifiers] : std::vector<std::pair<std::uint32_t, std::uint32_t>>{
            {45, HLHotKeyShift}, {45, HLHotKeyCommand}, {46, HLHotKeyCommand}, {47, HLHotKeyOption}}) {
     const HLHotKeyRegistration registration = hotKeys.registerHotKey(code, modifiers, {"HLhk", 1});
-    EXPECT_EQ(registration.status, 0);
+    EXPECT_EQ(registration.status, HLHotKeyStatus::success);
     EXPECT_NE(registration.hotKey, nullptr);
     EXPECT_EQ(program.dump()["hotKey"], (json{{"code", code}, {"modifiers", modifiers}}));
   }

@@ -282,7 +282,7 @@ TEST(Shortcut, FiresTheHotKeyThatIsRegisteredForIt) {
     HLHotKeys& hotKeys = program.host().hotKeys;
     hotKeys.installHandler([&](const std::optional<HLHotKeyIdentity>& identity) {
       program.note(identity->signature + " " + std::to_string(identity->id));
-      return identity->id == 1 ? HLHotKeyHandled : HLHotKeyNotHandled;
+      return identity->id == 1 ? HLHotKeyStatus::success : HLHotKeyStatus::notHandled;
     });
     first = hotKeys.registerHotKey(45, HLHotKeyCommand | HLHotKeyControl | HLHotKeyOption, {"HLhk", 1});
     second = hotKeys.registerHotKey(1, HLHotKeyShift, {"HLhk", 2});
@@ -305,7 +305,7 @@ TEST(HotKeyEvent, ArrivesWithTheIdentityThatTheSceneGives) {
   EXPECT_EQ(program.run([&] {
     program.host().hotKeys->installHandler([&](const std::optional<HLHotKeyIdentity>& identity) {
       program.note(identity ? identity->signature + " " + std::to_string(identity->id) : "none");
-      return identity ? HLHotKeyHandled : HLHotKeyNotHandled;
+      return identity ? HLHotKeyStatus::success : HLHotKeyStatus::notHandled;
     });
     program.dumpAt(1);
   }),

@@ -14,7 +14,7 @@ struct Key {
   std::uint16_t kernelKey;
 };
 
-// Each code stands here once on either side.
+// Each code appears once per column.
 constexpr Key kKeys[] = {
     {0x00, KEY_A},
     {0x01, KEY_S},
@@ -73,7 +73,7 @@ constexpr Key kKeys[] = {
     {0x41, KEY_KPDOT},
     {0x43, KEY_KPASTERISK},
     {0x45, KEY_KPPLUS},
-    {0x47, KEY_NUMLOCK},  // "clear" on the home platform's keypads
+    {0x47, KEY_NUMLOCK},  // "clear" on Apple keypads
     {0x48, KEY_VOLUMEUP},
     {0x49, KEY_VOLUMEDOWN},
     {0x4A, KEY_MUTE},
@@ -103,8 +103,8 @@ constexpr Key kKeys[] = {
     {0x63, KEY_F3},
     {0x64, KEY_F8},
     {0x65, KEY_F9},
-    {0x66, KEY_HANJA},  // the keys left and right of the space bar on Korean and Japanese
-                        // keyboards
+    {0x66, KEY_HANJA},  // left and right of the space bar,
+                        // on Korean and Japanese keyboards
     {0x67, KEY_F11},
     {0x68, KEY_HANGEUL},
     {0x69, KEY_F13},
@@ -114,7 +114,7 @@ constexpr Key kKeys[] = {
     {0x6E, KEY_COMPOSE},
     {0x6F, KEY_F12},
     {0x71, KEY_F15},
-    {0x72, KEY_INSERT},  // "help" on the home platform's keyboards
+    {0x72, KEY_INSERT},  // "help" on Apple keyboards
     {0x73, KEY_HOME},
     {0x74, KEY_PAGEUP},
     {0x75, KEY_DELETE},

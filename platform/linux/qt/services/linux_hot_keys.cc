@@ -11,8 +11,8 @@
 
 namespace {
 
-// On Wayland there may be an X server as well, which grants every grab and is told of the keys only while one of its
-// own windows has them. The type is that of the login: a compositor that was started from a console is still "tty".
+// XWayland grants every grab but receives keys only while one of its own windows has the focus, so it cannot serve hot
+// keys. XDG_SESSION_TYPE describes the login and stays "tty" for a compositor started from a console.
 bool isWaylandSession() {
   const char* type = std::getenv("XDG_SESSION_TYPE");
   return (type != nullptr && std::string_view(type) == "wayland") || HLReachWayland();
@@ -31,12 +31,12 @@ HLHotKeyRegistration HLQtHotKeys::registerHotKey(std::uint32_t code, std::uint32
       service_ = std::make_unique<HLX11HotKeys>(runLoop_);
     }
     service_->installHandler([handler = handler_](const std::optional<HLHotKeyIdentity>& pressed) {
-      return *handler ? (*handler)(pressed) : HLHotKeyNotHandled;
+      return *handler ? (*handler)(pressed) : HLHotKeyStatus::notHandled;
     });
   }
   return service_->registerHotKey(code, modifiers, identity);
 }
 
-std::optional<std::string> HLQtHotKeys::whyNone() const {
-  return service_ == nullptr ? std::nullopt : service_->whyNone();
+std::optional<std::string> HLQtHotKeys::unsupportedReason() const {
+  return service_ == nullptr ? std::nullopt : service_->unsupportedReason();
 }

@@ -1,4 +1,4 @@
-// Hot keys of the session: of its X server, or of a Wayland desktop through its portal.
+// Hot keys of the session, through the X server or, on Wayland, the desktop portal.
 #pragma once
 
 #include <cstdint>
@@ -10,19 +10,18 @@
 #include "platform/application/hot_keys.h"
 #include "platform/linux/session/linux_run_loop.h"
 
-// Keys are told by their position on the keyboard. Command is Super, and Option is Alt.
+// Keys are identified by position. Command maps to Super and Option to Alt.
 class HLQtHotKeys : public HLHotKeys {
  public:
-  // The run loop tells of presses. The identifier is the program's. The display is found when the first hot key is
-  // registered.
+  // `runLoop` delivers presses. `identifier` is the program's. The first registerHotKey() chooses the backend.
   HLQtHotKeys(HLLinuxRunLoop& runLoop, std::string identifier)
       : runLoop_(runLoop), identifier_(std::move(identifier)) {}
 
   void installHandler(Handler handler) override;
-  // A portal takes the combination as a wish: the user may change it, or refuse it later.
+  // A portal treats the combination as a proposal: the user may change or refuse it later.
   [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                     const HLHotKeyIdentity& identity) override;
-  [[nodiscard]] std::optional<std::string> whyNone() const override;
+  [[nodiscard]] std::optional<std::string> unsupportedReason() const override;
 
  private:
   HLLinuxRunLoop& runLoop_;

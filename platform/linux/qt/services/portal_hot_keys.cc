@@ -24,17 +24,17 @@ constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
 constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kShortcuts = "org.freedesktop.portal.GlobalShortcuts";
 constexpr const char* kDescription = "Clear notifications";
-constexpr std::chrono::milliseconds kPatience{3000};
-// A desktop that asks nobody has answered by then.
-constexpr std::chrono::milliseconds kPatienceWithUser{400};
+constexpr std::chrono::milliseconds kTimeout{3000};
+// A desktop that does not ask its user replies within this time.
+constexpr std::chrono::milliseconds kUserTimeout{400};
 
 struct KeyName {
   std::uint32_t code;
   const char* name;
 };
 
-// The keys of the home platform's ANSI keyboard by the names that the portal's triggers use. A trigger is about a
-// letter, not a position: on another layout the user is offered the key that bears it.
+// Names, in portal triggers, of the keys of Apple's ANSI keyboard. A trigger names a letter, not a position: on another
+// layout the desktop proposes the key with that letter.
 constexpr KeyName kKeyNames[] = {
     {0, "a"},        {1, "s"},           {2, "d"},
     {3, "f"},        {4, "h"},           {5, "g"},
@@ -63,7 +63,7 @@ constexpr KeyName kKeyNames[] = {
     {126, "Up"},
 };
 
-// Such as "CTRL+ALT+LOGO+n"; nothing for a key without a name.
+// Returns, for example, "CTRL+ALT+LOGO+n"; nullopt for a key without a name.
 std::optional<std::string> trigger(std::uint32_t code, std::uint32_t modifiers) {
   const auto* key = std::find_if(std::begin(kKeyNames), std::end(kKeyNames),
                                  [code](const KeyName& name) { return name.code == code; });
@@ -76,13 +76,13 @@ std::optional<std::string> trigger(std::uint32_t code, std::uint32_t modifiers) 
   return text + key->name;
 }
 
-// A token that no other request of this process has.
+// Returns a token unique in this process.
 std::string newToken() {
   static std::atomic<int> count = 0;
   return "hushlet_" + std::to_string(getpid()) + "_" + std::to_string(++count);
 }
 
-// A token that every session of the program has: some desktops keep the user's choice of keys under it.
+// Returns the token of all sessions of the program. Some desktops store the user's choice of keys under it.
 std::string sessionToken(const std::string& identifier) {
   std::string token = identifier;
   const auto isAllowed = [](unsigned char c) { return (c < 0x80 && std::isalnum(c) != 0) || c == '_'; };
@@ -90,15 +90,15 @@ std::string sessionToken(const std::string& identifier) {
   return token;
 }
 
-// What the answer to a request says of it.
+// The parsed Response signal of a request.
 struct Answer {
   bool granted = false;
   std::string session;
-  std::optional<bool> listsShortcut;  // nothing when it lists none at all
+  std::optional<bool> listsShortcut;  // nullopt without a list of shortcuts
 };
 
 void readSession(sd_bus_message* message, Answer& answer) {
-  // The handle is a text by an old mistake of the portal's; a path would be right, and may come some day.
+  // The portal sends the handle as a string instead of an object path. Accept both, in case it is corrected.
   char type = 0;
   const char* session = nullptr;
   if (sd_bus_message_peek_type(message, &type, nullptr) > 0 && (type == 's' || type == 'o') &&
@@ -150,7 +150,7 @@ Answer readAnswer(sd_bus_message* message, const std::string& wanted) {
 
 }  // namespace
 
-// One session of the portal with its one shortcut, on a bus connection of its own: all ends with it.
+// A portal session with one shortcut, on its own bus connection. Closing the connection ends both.
 class HLPortalHotKeys::HotKey : public HLHotKey {
  public:
   HotKey(HLLinuxRunLoop& runLoop, std::shared_ptr<Handler> handler, HLHotKeyIdentity identity, std::string wish)
@@ -158,31 +158,32 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
         handler_(std::move(handler)),
         identity_(std::move(identity)),
         trigger_(std::move(wish)),
-        // Desktops take an identifier that they know with the keys that it had; another wish needs another one.
+        // Desktops reuse stored keys for a known identifier, so each proposal needs its own identifier.
         shortcut_("dismiss-" + trigger_) {}
   ~HotKey() override {
     runLoop_.removeSource(source_);
     sd_bus_flush_close_unref(bus_);
   }
 
-  // Whether there is a portal with that service.
+  // Whether the portal offers GlobalShortcuts.
   [[nodiscard]] bool findsService() const { return findsService_; }
 
   [[nodiscard]] bool begin(const std::string& token) {
     if (sd_bus_open_user(&bus_) < 0) return false;
-    sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(kPatience).count());
+    sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(kTimeout).count());
     if (sd_bus_match_signal(bus_, nullptr, kPortal, kPortalPath, kShortcuts, "Activated", &HotKey::activated, this) <
             0 ||
         !createSession(token) || (!isBound_ && !bind())) {
       return false;
     }
     source_ = runLoop_.addSource({sd_bus_get_fd(bus_), [this] { return serve(); }});
-    runLoop_.postToMainQueue([] {});  // what came with the answers waits where no descriptor tells of it
+    // sd-bus may have queued messages along with the replies; the descriptor does not signal those.
+    runLoop_.postToMainQueue([] {});
     return true;
   }
 
  private:
-  // The first portals took the shortcut here and do nothing with it later; they list it in their answer.
+  // Early portals accept the shortcut in CreateSession only. They list it in their response.
   [[nodiscard]] bool createSession(const std::string& token) {
     const std::string request = expectAnswer();
     if (request.empty() ||
@@ -193,14 +194,14 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
       return false;
     }
     findsService_ = true;
-    const std::optional<Answer> answer = waitForAnswer(kPatience);
+    const std::optional<Answer> answer = waitForAnswer(kTimeout);
     if (!answer) return false;
     session_ = answer->session;
     isBound_ = answer->listsShortcut.value_or(false);
     return !session_.empty();
   }
 
-  // The desktop may ask its user, who may take any time: that answer is not waited for.
+  // Does not wait for the user, whom the desktop may ask.
   [[nodiscard]] bool bind() {
     const std::string request = expectAnswer();
     if (request.empty() || sd_bus_call_method(bus_, kPortal, kPortalPath, kShortcuts, "BindShortcuts", nullptr, nullptr,
@@ -209,12 +210,12 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
                                               trigger_.c_str(), "", 1, "handle_token", "s", request.c_str()) < 0) {
       return false;
     }
-    const std::optional<Answer> answer = waitForAnswer(kPatienceWithUser);
+    const std::optional<Answer> answer = waitForAnswer(kUserTimeout);
     return !answer || (answer->granted && answer->listsShortcut.value_or(true));
   }
 
-  // The token of the next request. The answer is a signal of an object whose path is known beforehand, so that it
-  // cannot be missed.
+  // Subscribes to the response of the next request and returns the request's token. The response is a signal of an
+  // object whose path follows from the token, so it cannot be missed.
   [[nodiscard]] std::string expectAnswer() {
     answer_ = std::nullopt;
     const char* name = nullptr;
@@ -230,8 +231,8 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
     return token;
   }
 
-  [[nodiscard]] std::optional<Answer> waitForAnswer(std::chrono::milliseconds patience) {
-    const Clock::time_point deadline = Clock::now() + patience;
+  [[nodiscard]] std::optional<Answer> waitForAnswer(std::chrono::milliseconds timeout) {
+    const Clock::time_point deadline = Clock::now() + timeout;
     while (!answer_ && Clock::now() < deadline) {
       const int processed = sd_bus_process(bus_, nullptr);
       if (processed < 0) return Answer{};
@@ -253,7 +254,7 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
     const char* shortcut = nullptr;
     if (sd_bus_message_read(message, "os", &session, &shortcut) <= 0) return 0;
     if (session == self.session_ && shortcut == self.shortcut_) {
-      // The handler may end this hot key.
+      // Posted because the handler may destroy this hot key.
       self.runLoop_.postToMainQueue([handler = self.handler_, identity = self.identity_] {
         if (*handler) (void)(*handler)(identity);
       });
@@ -278,7 +279,7 @@ class HLPortalHotKeys::HotKey : public HLHotKey {
   std::string session_;
   bool findsService_ = false;
   bool isBound_ = false;
-  std::optional<Answer> answer_;  // to the last request
+  std::optional<Answer> answer_;  // to the latest request
 };
 
 void HLPortalHotKeys::installHandler(Handler handler) { *handler_ = std::move(handler); }
@@ -286,15 +287,15 @@ void HLPortalHotKeys::installHandler(Handler handler) { *handler_ = std::move(ha
 HLHotKeyRegistration HLPortalHotKeys::registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                      const HLHotKeyIdentity& identity) {
   const std::optional<std::string> preferred = trigger(code, modifiers);
-  if (!preferred) return {HLHotKeyFailed, nullptr};
+  if (!preferred) return {HLHotKeyStatus::failed, nullptr};
   auto hotKey = std::make_unique<HotKey>(runLoop_, handler_, identity, *preferred);
   const bool begun = hotKey->begin(sessionToken(identifier_));
   isMissing_ = !hotKey->findsService();
-  if (!begun) return {HLHotKeyFailed, nullptr};
-  return {0, std::move(hotKey)};
+  if (!begun) return {HLHotKeyStatus::failed, nullptr};
+  return {HLHotKeyStatus::success, std::move(hotKey)};
 }
 
-std::optional<std::string> HLPortalHotKeys::whyNone() const {
+std::optional<std::string> HLPortalHotKeys::unsupportedReason() const {
   if (!isMissing_) return std::nullopt;
   return "This desktop gives apps no shortcuts. Set one of its own for the command: hushlet --dismiss-now";
 }

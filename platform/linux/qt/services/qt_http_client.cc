@@ -31,11 +31,11 @@ QNetworkRequest requestFor(const QUrl& url) {
   }
   request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
   request.setMaximumRedirectsAllowed(kMostRedirections);
-  request.setRawHeader("Accept-Encoding", "identity");  // so that the body is as long as the answer says
+  request.setRawHeader("Accept-Encoding", "identity");  // keeps Content-Length equal to the body's size
   return request;
 }
 
-// An answer such as 404 is one all the same; Qt counts it among the errors.
+// Qt reports statuses such as 404 as errors; those are valid answers.
 bool hasFailed(const QNetworkReply& reply, std::int64_t status) {
   const QNetworkReply::NetworkError error = reply.error();
   if (error == QNetworkReply::NoError) return false;
@@ -49,14 +49,14 @@ bool isWhole(const QNetworkReply& reply, const QByteArray& body) {
 
 }  // namespace
 
-// The parent of all that is under way.
+// Parent of all requests in flight.
 class HLQtHTTPClient::Requests : public QObject {
  public:
   void begin(const QUrl& url, double timeout, std::function<void(HLHTTPAnswer)> answer) {
     auto* manager = new QNetworkAccessManager(this);
     QNetworkReply* reply = manager->get(requestFor(url));
     reply->setParent(manager);
-    auto* timer = new QTimer(manager);  // of the whole request; Qt's own counts silence only
+    auto* timer = new QTimer(manager);  // for the whole request; Qt's own timeout restarts with each byte
     timer->setSingleShot(true);
     const auto body = std::make_shared<QByteArray>();
     const auto aborted = std::make_shared<bool>(false);
@@ -94,7 +94,7 @@ void HLQtHTTPClient::get(const std::string& address, double timeout, std::functi
   const bool isWebAddress =
       url.isValid() && (url.scheme() == "http" || url.scheme() == "https") && !url.host().isEmpty();
   if (!isWebAddress) {
-    // Qt would read files and resources just as well.
+    // Qt would also read files and resources.
     QTimer::singleShot(0, requests_.get(), [answer = std::move(answer)] { answer({}); });
     return;
   }

@@ -1,4 +1,4 @@
-// HTTP by Qt.
+// HTTP client on QNetworkAccessManager.
 #pragma once
 
 #include <functional>
@@ -7,9 +7,9 @@
 
 #include "platform/application/http_client.h"
 
-// Needs a QCoreApplication, whose loop serves it; answers on the main thread, never from within get(). A body of more
-// than 1 MiB, or one that is shorter than its Content-Length, is a failed request. Redirections are followed five
-// times, and never to an address that is less safe. Requests that are under way at the end are never answered.
+// Needs a running QCoreApplication. Calls `answer` on the main thread, never inside get(). A body over 1 MiB, or one
+// shorter than its Content-Length, fails the request. Follows up to five redirections, none to a less safe address.
+// Destroying the client drops requests in flight without an answer.
 class HLQtHTTPClient : public HLHTTPClient {
  public:
   HLQtHTTPClient();

@@ -1,5 +1,5 @@
 // The session's Wayland compositor.
 #pragma once
 
-// Whether one answers where WAYLAND_DISPLAY says. The name may have outlived its compositor.
+// Whether a compositor accepts connections at WAYLAND_DISPLAY. The variable may name one that has exited.
 [[nodiscard]] bool HLReachWayland();

@@ -30,7 +30,7 @@ constexpr xcb_keysym_t kSuperRight = 0xFFEC;
 constexpr std::uint16_t kAllModifiers = 0xFF;
 constexpr std::uint8_t kBadAccess = 10;
 
-// Which modifier bits the keyboard's keys have. 0 where it has no such key.
+// Modifier bits of the current keyboard map; 0 if no key has that modifier.
 struct Masks {
   std::uint16_t command = 0;
   std::uint16_t option = 0;
@@ -43,7 +43,7 @@ struct Masks {
   }
 
   void take(xcb_keysym_t symbol, std::uint16_t bit) {
-    // The first three modifiers have a meaning of their own, whatever key they are given.
+    // Shift, Lock and Control keep their meaning whatever keys are mapped to them.
     if (bit <= XCB_MOD_MASK_CONTROL) return;
     const auto add = [bit](std::uint16_t& mask) { mask = mask == 0 ? bit : mask; };
     if (symbol == kSuperLeft || symbol == kSuperRight) add(command);
@@ -69,7 +69,7 @@ Masks readMasks(xcb_connection_t* connection) {
   const int perModifier = modifiers->keycodes_per_modifier;
   const int perKey = symbols->keysyms_per_keycode;
   for (int i = 0; i < 8 * perModifier; ++i) {
-    if (codes[i] < setup.min_keycode) continue;  // an empty place
+    if (codes[i] < setup.min_keycode) continue;  // an unused entry
     const auto bit = static_cast<std::uint16_t>(1U << static_cast<unsigned>(i / perModifier));
     const xcb_keysym_t* ofKey = names + (codes[i] - setup.min_keycode) * perKey;
     for (int symbol = 0; symbol < perKey; ++symbol) masks.take(ofKey[symbol], bit);
@@ -77,7 +77,7 @@ Masks readMasks(xcb_connection_t* connection) {
   return masks;
 }
 
-// The modifiers in the server's terms; nothing when the keyboard lacks one of them.
+// Returns the X11 modifier mask; nullopt if the keyboard lacks one of the modifiers.
 std::optional<std::uint16_t> modifierMask(std::uint32_t modifiers, const Masks& masks) {
   std::uint16_t mask = 0;
   const std::array<std::pair<std::uint32_t, std::uint16_t>, 4> pairs = {{{HLHotKeyCommand, masks.command},
@@ -100,12 +100,12 @@ class HLX11HotKeys::HotKey : public HLHotKey {
   ~HotKey() override;
 
   [[nodiscard]] const HLHotKeyIdentity& identity() const { return identity_; }
-  [[nodiscard]] std::int32_t grab();
+  [[nodiscard]] HLHotKeyStatus grab();
   void ungrab();
   [[nodiscard]] bool isSame(xcb_keycode_t key, std::uint32_t modifiers) const {
     return key == key_ && modifiers == modifiers_;
   }
-  // Whether this press is one of the hot key; the repetition of one that is held down is none.
+  // Returns whether the event presses this hot key. False for auto-repeat.
   [[nodiscard]] bool takePress(const xcb_key_press_event_t& event);
   void takeRelease(const xcb_key_release_event_t& event);
 
@@ -114,7 +114,7 @@ class HLX11HotKeys::HotKey : public HLHotKey {
   const xcb_keycode_t key_;
   const std::uint32_t modifiers_;
   const HLHotKeyIdentity identity_;
-  std::optional<std::uint16_t> mask_;  // while it is grabbed
+  std::optional<std::uint16_t> mask_;  // set while grabbed
   std::uint16_t locks_ = 0;
   bool isDown_ = false;
   std::optional<xcb_timestamp_t> lastRelease_;
@@ -138,21 +138,22 @@ class HLX11HotKeys::Display {
   [[nodiscard]] bool works() const { return xcb_connection_has_error(connection_) == 0; }
   [[nodiscard]] const Masks& masks() const { return masks_; }
 
-  // The combination with each setting of the locks, on every screen: the server knows no "whatever". 0, or why not.
-  [[nodiscard]] std::int32_t grab(xcb_keycode_t key, std::uint16_t mask) {
+  // Grabs on every screen for every lock-modifier combination: X11 cannot ignore selected modifiers.
+  [[nodiscard]] HLHotKeyStatus grab(xcb_keycode_t key, std::uint16_t mask) {
     std::vector<xcb_void_cookie_t> asked;
     forEachGrab(mask, masks_.locks(), [&](xcb_window_t root, std::uint16_t modifiers) {
       asked.push_back(
           xcb_grab_key_checked(connection_, 0, root, modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     });
-    std::int32_t status = 0;
+    HLHotKeyStatus status = HLHotKeyStatus::success;
     for (const xcb_void_cookie_t& request : asked) {
       const Reply<xcb_generic_error_t> error(xcb_request_check(connection_, request));
-      if (error != nullptr) status = error->error_code == kBadAccess ? HLHotKeyTaken : HLHotKeyFailed;
+      if (error != nullptr) status = error->error_code == kBadAccess ? HLHotKeyStatus::taken : HLHotKeyStatus::failed;
     }
-    if (!works()) status = HLHotKeyFailed;
-    if (status != 0) ungrab(key, mask, masks_.locks());
-    runLoop_.postToMainQueue([] {});  // events that came with the answers wait where no descriptor tells of them
+    if (!works()) status = HLHotKeyStatus::failed;
+    if (status != HLHotKeyStatus::success) ungrab(key, mask, masks_.locks());
+    // xcb may have queued events along with the replies; the descriptor does not signal those.
+    runLoop_.postToMainQueue([] {});
     return status;
   }
 
@@ -160,7 +161,7 @@ class HLX11HotKeys::Display {
     forEachGrab(mask, locks,
                 [&](xcb_window_t root, std::uint16_t modifiers) { xcb_ungrab_key(connection_, key, root, modifiers); });
     xcb_flush(connection_);
-    // Before anybody is told that the combination is free, it is.
+    // A round trip: the server has released the combination when this returns.
     const Reply<xcb_get_input_focus_reply_t> passed(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     runLoop_.postToMainQueue([] {});
@@ -180,7 +181,7 @@ class HLX11HotKeys::Display {
   void forEachGrab(std::uint16_t mask, std::uint16_t locks, const Function& function) {
     for (xcb_screen_iterator_t screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)); screen.rem > 0;
          xcb_screen_next(&screen)) {
-      // Every subset of the locks, from all of them down to none.
+      // Enumerates every subset of the lock bits, from all of them to none.
       for (unsigned subset = locks;; subset = (subset - 1) & locks) {
         function(screen.data->root, static_cast<std::uint16_t>(mask | subset));
         if (subset == 0) break;
@@ -197,7 +198,7 @@ class HLX11HotKeys::Display {
     constexpr std::uint8_t kSentByAProgram = 0x80;
     const auto kind = static_cast<std::uint8_t>(event.response_type & ~kSentByAProgram);
     if (kind == XCB_MAPPING_NOTIFY) return takeNewMapping();
-    if ((event.response_type & kSentByAProgram) != 0) return;  // no key was pressed
+    if ((event.response_type & kSentByAProgram) != 0) return;  // sent by SendEvent: no key was pressed
     const std::vector<HotKey*> hotKeys = hotKeys_;
     for (HotKey* hotKey : hotKeys) {
       if (kind == XCB_KEY_RELEASE) hotKey->takeRelease(reinterpret_cast<const xcb_key_release_event_t&>(event));
@@ -207,7 +208,7 @@ class HLX11HotKeys::Display {
     }
   }
 
-  // After all that has arrived has been taken, since the handler may do as it likes with the hot keys.
+  // Posted, so that all received events are processed first: the handler may register or destroy hot keys.
   void pressed(const HLHotKeyIdentity& identity) {
     runLoop_.postToMainQueue([handler = handler_, identity] {
       if (*handler) (void)(*handler)(identity);
@@ -219,7 +220,7 @@ class HLX11HotKeys::Display {
     if (masks == masks_) return;
     for (HotKey* hotKey : hotKeys_) hotKey->ungrab();
     masks_ = masks;
-    for (HotKey* hotKey : hotKeys_) (void)hotKey->grab();  // one that is taken by now may be free after the next change
+    for (HotKey* hotKey : hotKeys_) (void)hotKey->grab();  // if taken now, the next change of the map retries
   }
 
   HLLinuxRunLoop& runLoop_;
@@ -241,11 +242,11 @@ HLX11HotKeys::HotKey::~HotKey() {
   ungrab();
 }
 
-std::int32_t HLX11HotKeys::HotKey::grab() {
+HLHotKeyStatus HLX11HotKeys::HotKey::grab() {
   const std::optional<std::uint16_t> mask = modifierMask(modifiers_, display_->masks());
-  if (!mask) return HLHotKeyFailed;
-  const std::int32_t status = display_->grab(key_, *mask);
-  if (status == 0) {
+  if (!mask) return HLHotKeyStatus::failed;
+  const HLHotKeyStatus status = display_->grab(key_, *mask);
+  if (status == HLHotKeyStatus::success) {
     mask_ = mask;
     locks_ = display_->masks().locks();
   }
@@ -258,7 +259,7 @@ void HLX11HotKeys::HotKey::ungrab() {
   isDown_ = false;
 }
 
-// The server repeats a key that is held down as a release and a press at one moment.
+// X11 auto-repeat sends a release and a press with the same timestamp.
 bool HLX11HotKeys::HotKey::takePress(const xcb_key_press_event_t& event) {
   if (!mask_ || event.detail != key_ || (event.state & kAllModifiers & ~locks_) != *mask_) return false;
   const bool repeats = isDown_ || event.time == lastRelease_;
@@ -280,13 +281,13 @@ void HLX11HotKeys::installHandler(Handler handler) { *handler_ = std::move(handl
 HLHotKeyRegistration HLX11HotKeys::registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                   const HLHotKeyIdentity& identity) {
   const std::optional<std::uint32_t> kernelKey = HLKernelKeyForVirtualKey(code);
-  if (!kernelKey || *kernelKey > 0xFF - HLKeycodeOffsetOfXKB) return {HLHotKeyFailed, nullptr};
+  if (!kernelKey || *kernelKey > 0xFF - HLKeycodeOffsetOfXKB) return {HLHotKeyStatus::failed, nullptr};
   const auto key = static_cast<xcb_keycode_t>(*kernelKey + HLKeycodeOffsetOfXKB);
   if (display_ == nullptr || !display_->works()) display_ = std::make_shared<Display>(runLoop_, handler_);
-  if (!display_->works()) return {HLHotKeyFailed, nullptr};
-  if (display_->has(key, modifiers)) return {HLHotKeyTaken, nullptr};
+  if (!display_->works()) return {HLHotKeyStatus::failed, nullptr};
+  if (display_->has(key, modifiers)) return {HLHotKeyStatus::taken, nullptr};
   auto hotKey = std::make_unique<HotKey>(display_, key, modifiers, identity);
-  const std::int32_t status = hotKey->grab();
-  if (status != 0) return {status, nullptr};
-  return {0, std::move(hotKey)};
+  const HLHotKeyStatus status = hotKey->grab();
+  if (status != HLHotKeyStatus::success) return {status, nullptr};
+  return {status, std::move(hotKey)};
 }

@@ -1,4 +1,4 @@
-// Hot keys of an X server.
+// Hot keys by X11 key grabs.
 #pragma once
 
 #include <cstdint>
@@ -7,15 +7,15 @@
 #include "platform/application/hot_keys.h"
 #include "platform/linux/session/linux_run_loop.h"
 
-// Passive grabs on the root windows, by a connection of its own, which is made for the first of them. The locks of the
-// keyboard make no difference. A key that is held down counts once.
+// Passive grabs on all root windows. The first registration opens the connection. Ignores Caps Lock, Num Lock and
+// Scroll Lock. Ignores auto-repeat.
 class HLX11HotKeys : public HLHotKeys {
  public:
   explicit HLX11HotKeys(HLLinuxRunLoop& runLoop);
   ~HLX11HotKeys() override;
 
   void installHandler(Handler handler) override;
-  // Failed without an X server, and for a key or a modifier that the keyboard lacks.
+  // Returns failed without an X server, and for a key or modifier that the keyboard lacks.
   [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                     const HLHotKeyIdentity& identity) override;
 

@@ -33,7 +33,7 @@ QImage HLDrawApplicationIcon(int size) {
   painter.drawRoundedRect(QRectF(8.5, 8.5, 111, 111), 25.5, 25.5);
 
   painter.translate(26, 23.5);
-  painter.scale(4.75, 4.75);  // to the symbol's grid
+  painter.scale(4.75, 4.75);  // scales to the symbol's grid
   painter.fillPath(HLTraySymbol("bell.slash"),
                    downwards(0.9, 15.4, QColor(0xFF, 0xFF, 0xFF), QColor(0xD5, 0xDC, 0xF7)));
   painter.setPen(QPen(QColor(0xFF, 0xB4, 0x54), 1.6, Qt::SolidLine, Qt::RoundCap));

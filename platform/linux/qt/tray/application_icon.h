@@ -1,10 +1,10 @@
-// What stands for the application in title bars and lists of windows.
+// The application icon of title bars and window lists.
 #pragma once
 
 #include <QIcon>
 #include <QImage>
 
-// The same drawing as the installed icon file, for which the toolkit may have no reader. Main thread.
+// Draws the same picture as the installed SVG file, which Qt can read only with its SVG plugin. Main thread only.
 [[nodiscard]] QImage HLDrawApplicationIcon(int size);
 
 [[nodiscard]] QIcon HLApplicationIcon();

@@ -14,10 +14,10 @@
 
 namespace {
 
-constexpr int kFirstSize = 22;            // in pixels, until the tray gives another
-constexpr int kToolTipDelay = 700;        // milliseconds, as is usual
+constexpr int kFirstSize = 22;            // in pixels, until the tray resizes the window
+constexpr int kToolTipDelay = 700;        // milliseconds; Qt's own delay
 constexpr int kButtons[] = {1, 3};        // left, right
-constexpr std::uint32_t kSizeHints = 18;  // words of that property, and what stands where
+constexpr std::uint32_t kSizeHints = 18;  // length of WM_NORMAL_HINTS in words, and indices of its fields
 constexpr std::uint32_t kLeastSizeFlag = 1U << 4U;
 constexpr std::size_t kLeastWidth = 5;
 constexpr std::size_t kLeastHeight = 6;
@@ -53,7 +53,7 @@ HLEmbeddedIcon::HLEmbeddedIcon(const HLTrayItem& item, std::function<void(bool)>
   toolTipDelay_.setSingleShot(true);
   connect(&toolTipDelay_, &QTimer::timeout, this, [this] { showToolTip(); });
   connect(&arrivals_, &QSocketNotifier::activated, this, [this] { handleEvents(); });
-  // A tray that comes says so to the root window's listeners.
+  // A new tray announces itself by a MANAGER message to the root window.
   const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   xcb_change_window_attributes(x_.get(), x_.screen().root, XCB_CW_EVENT_MASK, &mask);
   findTray();
@@ -63,7 +63,7 @@ HLEmbeddedIcon::~HLEmbeddedIcon() = default;
 
 void HLEmbeddedIcon::redraw() {
   draw();
-  // Events may have been read off the connection while an answer was waited for.
+  // Waiting for a reply may have queued events, which the descriptor does not signal.
   QTimer::singleShot(0, this, [this] { handleEvents(); });
 }
 
@@ -88,7 +88,7 @@ void HLEmbeddedIcon::handle(const xcb_generic_event_t& event) {
       break;
     }
     case XCB_REPARENT_NOTIFY: {
-      // Out of a tray that ends; a window left on its own would be shown on the desktop.
+      // A tray that exits reparents the window to the root, where the window manager would show it.
       const auto& reparented = *static_cast<const xcb_reparent_notify_event_t*>(any);
       if (reparented.window != window_) break;
       if (reparented.parent == x_.screen().root) {
@@ -133,7 +133,7 @@ void HLEmbeddedIcon::handleButton(const xcb_button_release_event_t& event) {
   if (!inside || std::find(std::begin(kButtons), std::end(kButtons), event.detail) == std::end(kButtons)) return;
   const std::int64_t type = event.detail == 1 ? HLEventLeftMouseUp : HLEventRightMouseUp;
   const HLTrayClick click{type, modifiersOf(event.state), geometry()};
-  // Afterwards: a menu that it opens runs a loop, in which further events are to be handled.
+  // Posted: the handler may open a menu, whose nested loop must be able to handle further events.
   QTimer::singleShot(0, this, [this, click] { item_.clicked(click); });
 }
 
@@ -197,8 +197,7 @@ void HLEmbeddedIcon::dock() {
   QTimer::singleShot(0, this, [this] { handleEvents(); });
 }
 
-// As wide as the tray is high. Trays ask for a window's least size, and some give it a single pixel where there is
-// none.
+// Asks for a square of the tray's height. Trays read the minimum size; some use a single pixel without one.
 void HLEmbeddedIcon::askForSize(int size) {
   if (std::exchange(asked_, size) == size) return;
   std::array<std::uint32_t, kSizeHints> hints{};

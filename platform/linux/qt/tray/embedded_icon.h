@@ -1,5 +1,5 @@
-// The item as a window in a tray of the X server (XEmbed). It has a connection to the server of its own: the tray's
-// windows come and go beneath it, and a click brings the modifiers of its moment.
+// The status item as a window in an X11 system tray (XEmbed). Uses its own X connection, because the tray destroys and
+// reparents the window at will, and because an X button event carries the modifiers at the time of the click.
 #pragma once
 
 #include <QObject>
@@ -12,11 +12,11 @@
 #include "platform/linux/qt/tray/tray.h"
 #include "platform/linux/qt/tray/x_connection.h"
 
-// Docks itself in each tray that comes. Nothing runs while nothing happens. Main thread.
+// Docks in each tray that appears. Event-driven: no polling. Main thread only.
 class HLEmbeddedIcon : public QObject {
  public:
-  // Tells whether there is a tray, at once and whenever that changes. nullptr without an X server. The item stays the
-  // caller's.
+  // Calls `changed` once before returning and on every change of the tray's presence. Returns nullptr without an X
+  // server. `item` must outlive the icon.
   [[nodiscard]] static std::unique_ptr<HLEmbeddedIcon> open(const HLTrayItem& item,
                                                             std::function<void(bool hasTray)> changed);
   ~HLEmbeddedIcon() override;

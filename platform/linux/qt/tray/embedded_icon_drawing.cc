@@ -1,4 +1,4 @@
-// How the item's window is drawn.
+// Draws the tray window.
 #include <QImage>
 #include <QPainter>
 #include <algorithm>
@@ -18,7 +18,8 @@ bool isDark(QImage image) {
 
 }  // namespace
 
-// What stands behind the item: nothing where the window has transparency, else what its parent has drawn there.
+// Returns the pixels behind the item: transparent if the window has an alpha channel, else its parent's drawing.
+// Returns a null image while the window is not on screen.
 QImage HLEmbeddedIcon::background() const {
   QImage image(width_, height_, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
@@ -32,8 +33,8 @@ QImage HLEmbeddedIcon::background() const {
   return behind.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-// What stands behind the item decides; where that is not known, the tray may say in which color it wants symbols. Some
-// say their theme's and are colored otherwise by the user.
+// Contrasts with the background if its pixels are known. Else uses the tray's _NET_SYSTEM_TRAY_COLORS, which is less
+// reliable: some trays report their theme's color although the user has set another background.
 QColor HLEmbeddedIcon::color(const QImage& background) const {
   if (visual_.depth == kDepthOfRGB) return isDark(background) ? HLTrayLightColor : HLTrayDarkColor;
   const std::vector<std::uint32_t> parts = x_.property(tray_, x_.atom("_NET_SYSTEM_TRAY_COLORS"), XCB_ATOM_CARDINAL);

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int kFrame = 16;  // milliseconds; as often as a screen shows a new picture
+constexpr int kFrame = 16;  // milliseconds, at 60 frames per second
 
 }  // namespace
 
@@ -24,7 +24,7 @@ HLQtStatusItem::HLQtStatusItem(HLQtApplication& application, std::string identif
 void HLQtStatusItem::install(HLStatusItemDescription description) {
   description_ = std::move(description);
   menu_ = std::make_unique<HLTrayMenu>(description_.menu);
-  item_.toolTip = QString::fromStdString(description_.toolTip);
+  setToolTip(description_.toolTip);
   item_.draw = [this](int size, const QColor& color) { return HLDrawTrayPicture(look_, size, color); };
   item_.clicked = [this](const HLTrayClick& click) { this->click(click); };
   if (QDBusConnection bus = QDBusConnection::sessionBus(); bus.isConnected()) {
@@ -33,10 +33,10 @@ void HLQtStatusItem::install(HLStatusItemDescription description) {
     notifier_ = std::make_unique<HLStatusNotifier>(item_);
   }
   const auto changed = [this](bool hasTray) {
+    isEmbedded_ = hasTray;
     if (notifier_ != nullptr) notifier_->setWanted(!hasTray);
   };
-  // A tray of the X server first: it brings every click with its modifiers, where one on the bus may draw a menu of its
-  // own or none at all.
+  // Prefer an X11 tray: its clicks carry modifiers. A StatusNotifier tray may show its own menu or none.
   if (QGuiApplication::platformName() == "xcb") embedded_ = HLEmbeddedIcon::open(item_, changed);
   if (embedded_ == nullptr) changed(false);
 }
@@ -48,6 +48,13 @@ void HLQtStatusItem::setTitle(const std::string& title) {
 void HLQtStatusItem::setImage(const HLSymbolImage& image) {
   if (std::exchange(look_.symbol, image.name) != image.name) redraw();
 }
+
+void HLQtStatusItem::setToolTip(const std::string& toolTip) {
+  item_.toolTip = QString::fromStdString(toolTip);
+  if (notifier_ != nullptr) notifier_->announceToolTip();
+}
+
+bool HLQtStatusItem::isVisible() { return isEmbedded_ || (notifier_ != nullptr && notifier_->isRegistered()); }
 
 void HLQtStatusItem::redraw() {
   if (!drawing_.isActive()) drawing_.start(kFrame);

@@ -1,4 +1,4 @@
-// The item in whatever tray there is, and its menu.
+// The status item and its menu, in an X11 or StatusNotifier tray.
 #pragma once
 
 #include <QMenu>
@@ -23,11 +23,13 @@ class HLQtStatusItem : public HLStatusItem {
   void install(HLStatusItemDescription description) override;
   void setTitle(const std::string& title) override;
   void setImage(const HLSymbolImage& image) override;
+  void setToolTip(const std::string& toolTip) override;
+  [[nodiscard]] bool isVisible() override;
   void setMenuItem(std::string_view name, const std::string& title, bool on) override;
   void popUpMenu() override;
 
  private:
-  // Soon: what changes many times in a moment, as a count does, is drawn once.
+  // Coalesces changes: redraws at most once per frame.
   void redraw();
   void click(const HLTrayClick& click);
 
@@ -35,9 +37,10 @@ class HLQtStatusItem : public HLStatusItem {
   HLStatusItemDescription description_;
   HLTrayItem item_;
   HLTrayLook look_;
-  QRect place_;  // of the item, at the last click
+  QRect place_;  // of the item at the latest click
   std::unique_ptr<HLTrayMenu> menu_;
   std::unique_ptr<HLEmbeddedIcon> embedded_;
+  bool isEmbedded_ = false;  // an X11 tray has the icon
   std::unique_ptr<HLStatusNotifier> notifier_;
   QTimer drawing_;
 };

@@ -66,7 +66,7 @@ HLStatusNotifier::HLStatusNotifier(const HLTrayItem& item)
   qDBusRegisterMetaType<HLNotifierPicture>();
   qDBusRegisterMetaType<QList<HLNotifierPicture>>();
   qDBusRegisterMetaType<HLNotifierToolTip>();
-  new HLStatusNotifierAdaptor(this);  // NOLINT: this owns it
+  new HLStatusNotifierAdaptor(this);  // NOLINT: this object owns it
   QDBusConnection bus = QDBusConnection::sessionBus();
   bus.registerObject(kItemPath, this);
   connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &HLStatusNotifier::askWatcher);
@@ -83,7 +83,7 @@ void HLStatusNotifier::setWanted(bool wanted) {
   }
 }
 
-// A watcher without a tray behind it keeps what is registered for one that may never come.
+// A watcher without a host accepts items for a tray that may never start; register only once it has one.
 void HLStatusNotifier::askWatcher() {
   if (!wanted_) return;
   QDBusMessage call = QDBusMessage::createMethodCall(kWatcher, kWatcherPath, "org.freedesktop.DBus.Properties", "Get");
@@ -109,24 +109,27 @@ void HLStatusNotifier::registerItem() {
   connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
     pending->deleteLater();
     --unanswered_;
+    registered_ = !pending->isError();
     if (!wanted_) withdraw();
   });
 }
 
-// Watchers forget an item when its name is gone. They look out for that from the moment they answer: a name that goes
-// earlier would leave a dead item in the tray.
+// Watchers remove an item when its bus name disappears, but observe the name only after replying to the registration.
+// Releasing the name earlier would leave a dead item in the tray.
 void HLStatusNotifier::withdraw() {
+  registered_ = false;
   if (unanswered_ == 0) QDBusConnection::sessionBus().unregisterService(service_);
 }
 
-void HLStatusNotifier::redraw() {
-  const auto* adaptor = findChild<HLStatusNotifierAdaptor*>();
-  Q_EMIT const_cast<HLStatusNotifierAdaptor*>(adaptor)->NewIcon();
-}
+HLStatusNotifierAdaptor& HLStatusNotifier::adaptor() { return *findChild<HLStatusNotifierAdaptor*>(); }
+
+void HLStatusNotifier::redraw() { Q_EMIT adaptor().NewIcon(); }
+
+void HLStatusNotifier::announceToolTip() { Q_EMIT adaptor().NewToolTip(); }
 
 void HLStatusNotifier::click(std::int64_t type, QPoint place) {
-  // The call does not say which keys are down; the keyboard is asked while they still are. The action comes after the
-  // answer, for it may open a menu, and the tray would wait for that to close.
+  // The call carries no modifiers, so query the keyboard now. Posted, so that the reply is sent first: the handler may
+  // open a menu, and the tray would wait until the menu closes.
   const HLTrayClick click{type, HLQtModifiers(QGuiApplication::queryKeyboardModifiers()), QRect(place, QSize())};
   QTimer::singleShot(0, this, [this, click] { item_.clicked(click); });
 }
@@ -145,7 +148,7 @@ HLNotifierToolTip HLStatusNotifierAdaptor::toolTip() const {
 
 void HLStatusNotifierAdaptor::Activate(int x, int y) { owner_->click(HLEventLeftMouseUp, {x, y}); }
 
-void HLStatusNotifierAdaptor::SecondaryActivate(int, int) {}  // the middle button, which does nothing
+void HLStatusNotifierAdaptor::SecondaryActivate(int, int) {}  // the middle button has no action
 
 void HLStatusNotifierAdaptor::ContextMenu(int x, int y) { owner_->click(HLEventRightMouseUp, {x, y}); }
 

@@ -1,4 +1,4 @@
-// The item on the session's bus, for trays that draw it themselves (StatusNotifierItem).
+// The status item on the session bus (StatusNotifierItem), drawn by the tray.
 #pragma once
 
 #include <QDBusAbstractAdaptor>
@@ -13,7 +13,7 @@
 #include "platform/linux/qt/tray/status_notifier_menu.h"
 #include "platform/linux/qt/tray/tray.h"
 
-// A picture as the bus carries it: rows of 32-bit pixels, alpha first.
+// Rows of 32-bit ARGB pixels, big-endian.
 struct HLNotifierPicture {
   int width = 0;
   int height = 0;
@@ -28,16 +28,21 @@ struct HLNotifierToolTip {
 Q_DECLARE_METATYPE(HLNotifierPicture)
 Q_DECLARE_METATYPE(HLNotifierToolTip)
 
-// While it is wanted, registers itself with each watcher that comes and has a tray behind it. Main thread.
+class HLStatusNotifierAdaptor;
+
+// While wanted, registers with each StatusNotifierWatcher that has a host (a tray). Main thread only.
 class HLStatusNotifier : public QObject {
   Q_OBJECT
 
  public:
-  // The item stays the caller's.
+  // `item` must outlive the notifier.
   explicit HLStatusNotifier(const HLTrayItem& item);
 
   void setWanted(bool wanted);
   void redraw();
+  void announceToolTip();
+  // Returns whether a watcher with a host has accepted the item.
+  [[nodiscard]] bool isRegistered() const { return registered_; }
 
  private Q_SLOTS:
   void askWatcher();
@@ -45,6 +50,7 @@ class HLStatusNotifier : public QObject {
  private:
   friend class HLStatusNotifierAdaptor;
 
+  [[nodiscard]] HLStatusNotifierAdaptor& adaptor();
   void registerItem();
   void withdraw();
   void click(std::int64_t type, QPoint place);
@@ -53,7 +59,8 @@ class HLStatusNotifier : public QObject {
   const QString service_;
   QDBusServiceWatcher watcher_;
   bool wanted_ = false;
-  int unanswered_ = 0;  // registrations on their way
+  bool registered_ = false;
+  int unanswered_ = 0;  // registrations in flight
 };
 
 class HLStatusNotifierAdaptor : public QDBusAbstractAdaptor {
@@ -89,7 +96,7 @@ class HLStatusNotifierAdaptor : public QDBusAbstractAdaptor {
   [[nodiscard]] QList<HLNotifierPicture> iconPixmap() const;
   [[nodiscard]] HLNotifierToolTip toolTip() const;
   [[nodiscard]] static bool itemIsMenu() { return false; }
-  // For trays that draw it themselves. Others ask for it by ContextMenu, and there the click can be told.
+  // For trays that draw the menu. Others call ContextMenu, which is reported as a click.
   [[nodiscard]] static QDBusObjectPath menu() { return QDBusObjectPath(HLStatusNotifierMenuPath); }
 
  public Q_SLOTS:

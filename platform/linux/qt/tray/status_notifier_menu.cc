@@ -29,19 +29,19 @@ const QDBusArgument& read(const QDBusArgument& argument, Fields&... fields) {
   return argument;
 }
 
-// Keys have the names of the X server's.
+// dbusmenu uses X11 keysym names.
 QList<QStringList> shortcutOf(const QString& character) {
   std::array<char, 64> name{};
   xkb_keysym_get_name(xkb_utf32_to_keysym(character.front().unicode()), name.data(), name.size());
   return {{QStringLiteral("Control"), QString::fromLatin1(name.data())}};
 }
 
-// What is as usual is left out.
+// Omits properties with their default value.
 QVariantMap propertiesOf(const QAction* action) {
   if (action == nullptr) return {{"children-display", "submenu"}};
   if (action->isSeparator()) return {{"type", "separator"}};
   QVariantMap properties;
-  // A single "_" would mark a letter.
+  // "_" marks a mnemonic.
   properties["label"] = HLTrayMenu::titleOf(*action).replace('_', "__");
   const QString key = HLTrayMenu::keyEquivalentOf(*action);
   if (!key.isEmpty()) properties["shortcut"] = QVariant::fromValue(shortcutOf(key));
@@ -62,7 +62,7 @@ QVariantMap only(const QStringList& names, const QVariantMap& properties) {
 }
 
 void answerWithError(const QDBusMessage& message, const QString& text) {
-  message.setDelayedReply(true);  // this is the reply
+  message.setDelayedReply(true);  // suppresses Qt's own reply
   QDBusConnection::sessionBus().send(message.createErrorReply(QDBusError::InvalidArgs, text));
 }
 
@@ -116,7 +116,7 @@ HLStatusNotifierMenu::HLStatusNotifierMenu(HLTrayMenu* menu) : QDBusAbstractAdap
   items_.push_back({kRoot, nullptr, propertiesOf(nullptr)});
   for (QAction* action : menu->actions()) {
     items_.push_back({++lastId_, action, propertiesOf(action)});
-    // What changes several times in a moment is told once.
+    // Coalesces several changes into one signal.
     connect(action, &QAction::changed, &changes_, [this] { changes_.start(0); });
   }
 }
@@ -134,7 +134,7 @@ bool HLStatusNotifierMenu::tellChanges() {
   for (Item& item : items_) {
     const QVariantMap now = propertiesOf(item.action);
     if (now == item.told) continue;
-    // Some trays ask only once whether an item has a check mark; it becomes another item to them.
+    // Some trays read an item's check mark only once, so a changed item gets a new id.
     if (now.contains("toggle-type") != item.told.contains("toggle-type")) {
       item.id = ++lastId_;
       relaid = true;
@@ -152,7 +152,7 @@ bool HLStatusNotifierMenu::handle(int id, const QString& type) const {
   const Item* item = find(id);
   if (item == nullptr) return false;
   if (item->action == nullptr || type != QLatin1String("clicked")) return true;
-  // After the answer: it may open a window that waits for the user, and the tray would wait too.
+  // Posted, so that the reply is sent first: the action may open a modal dialog, and the tray would wait for it.
   QTimer::singleShot(0, item->action, &QAction::trigger);
   return true;
 }

@@ -1,4 +1,4 @@
-// The item's menu on the session's bus, for trays that draw it themselves (com.canonical.dbusmenu).
+// The status item's menu on the session bus (com.canonical.dbusmenu), drawn by the tray.
 #pragma once
 
 #include <QAction>
@@ -42,8 +42,8 @@ Q_DECLARE_METATYPE(HLMenuEvent)
 
 inline constexpr const char* HLStatusNotifierMenuPath = "/MenuBar";
 
-// What it tells is what it has told last, so that a tray never sees an item that it has not heard of. Belongs to the
-// menu, which is the object on the bus. Main thread.
+// Answers from the state announced last, so that a tray never receives an item it was not notified about. Owned by the
+// menu, which is the object on the bus. Main thread only.
 class HLStatusNotifierMenu : public QDBusAbstractAdaptor {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
@@ -60,7 +60,7 @@ class HLStatusNotifierMenu : public QDBusAbstractAdaptor {
   [[nodiscard]] static QString status() { return QStringLiteral("normal"); }
   [[nodiscard]] static QStringList iconThemePath() { return {}; }
 
-  // Of the bus. Ids that there are not are answered with an error.
+  // D-Bus methods. Unknown ids are answered with an error.
  public Q_SLOTS:
   uint GetLayout(int parentId, int recursionDepth, const QStringList& names, const QDBusMessage& message,
                  HLMenuLayout& layout);
@@ -79,7 +79,7 @@ class HLStatusNotifierMenu : public QDBusAbstractAdaptor {
  private:
   struct Item {
     int id = 0;
-    QAction* action = nullptr;  // none for the menu as a whole
+    QAction* action = nullptr;  // nullptr for the root
     QVariantMap told;
   };
 
@@ -88,7 +88,7 @@ class HLStatusNotifierMenu : public QDBusAbstractAdaptor {
   [[nodiscard]] bool handle(int id, const QString& type) const;
 
   HLTrayMenu& menu_;
-  std::vector<Item> items_;  // the menu as a whole first
+  std::vector<Item> items_;  // the root first
   int lastId_ = 0;
   uint revision_ = 1;
   QTimer changes_;

@@ -1,4 +1,4 @@
-// What a tray of either kind shows, and what it tells of.
+// What the application provides to a tray of either kind, and the clicks it reports.
 #pragma once
 
 #include <QColor>
@@ -10,9 +10,9 @@
 #include <functional>
 
 struct HLTrayClick {
-  std::int64_t type = 0;  // of the event
+  std::int64_t type = 0;  // HLEventLeftMouseUp or HLEventRightMouseUp
   std::uint64_t modifiers = 0;
-  QRect item;  // on screen; empty where only its place is known
+  QRect item;  // in screen coordinates; empty if only the position is known
 };
 
 struct HLTrayItem {
@@ -23,6 +23,6 @@ struct HLTrayItem {
   std::function<void(const HLTrayClick& click)> clicked;
 };
 
-// On dark, and where a tray does not say what its background is: most are dark, and the picture has a contour.
+// For dark and unknown backgrounds: most trays are dark, and the contour keeps the picture legible on light ones.
 inline const QColor HLTrayLightColor(0xF4, 0xF4, 0xF4);
 inline const QColor HLTrayDarkColor(0x26, 0x26, 0x28);

@@ -16,14 +16,14 @@ namespace {
 constexpr const char* kTitle = "title";
 constexpr const char* kKeyEquivalent = "keyEquivalent";
 
-// What Command is on the home platform is Control here.
+// Key equivalents use Command on macOS and Ctrl here.
 QKeySequence keysOf(const QAction& item) {
   const QString key = HLTrayMenu::keyEquivalentOf(item);
   return key.isEmpty() ? QKeySequence() : QKeySequence("Ctrl+" + key.toUpper());
 }
 
-// Below a menu of the X server beside a Wayland compositor. The menu is told of the clicks on windows of that server
-// only, and would stay open; so one of them covers the screen, and nobody sees it.
+// A transparent window that covers the screen below the menu. Under XWayland the menu receives clicks on X11 windows
+// only and would stay open after a click on a Wayland window.
 class Backdrop : public QWidget {
  public:
   Backdrop() : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint) {
@@ -34,7 +34,7 @@ class Backdrop : public QWidget {
   }
 };
 
-// The keys as a text only: a shortcut of its own would work in every window.
+// Shows the keys as text only: QAction::setShortcut() would activate them in every window.
 void setItemTitle(QAction& item, const std::string& title) {
   item.setProperty(kTitle, QString::fromStdString(title));
   const QString keys = keysOf(item).toString(QKeySequence::NativeText);
@@ -59,7 +59,7 @@ void HLTrayMenu::addItem(const HLMenuItem& item) {
   action->setProperty(kKeyEquivalent, QString::fromStdString(item.keyEquivalent));
   setItemTitle(*action, item.title);
   connect(action, &QAction::triggered, [action, perform = item.action] {
-    action->setChecked(action->isCheckable());  // choosing it leaves its mark to the application
+    action->setChecked(action->isCheckable());  // undoes Qt's toggling: the application sets the mark
     perform();
   });
 }
@@ -94,14 +94,14 @@ void HLTrayMenu::open(const QRect& item) {
   if (QGuiApplication::platformName() == "xcb") {
     if (HLReachWayland()) backdrop.emplace();
   } else {
-    // A menu that belongs to no window is a window itself on Wayland: with a title, and tiled where its size can
-    // change.
+    // On Wayland a menu without a parent is a toplevel: it has a title, and tiling compositors resize it unless its
+    // size is fixed.
     setWindowTitle(title());
     setFixedSize(sizeHint());
   }
   QPoint corner(item.left(), item.top() + item.height());
   const QScreen* screen = QGuiApplication::screenAt(item.topLeft());
-  // From a panel at the bottom it opens upwards.
+  // Opens upwards from a panel at the bottom.
   if (screen != nullptr && item.center().y() > screen->geometry().center().y()) {
     corner.setY(item.top() - sizeHint().height());
   }

@@ -1,4 +1,4 @@
-// The menu of the tray's item.
+// The status item's menu.
 #pragma once
 
 #include <QAction>
@@ -16,17 +16,17 @@ class HLTrayMenu : public QMenu {
   explicit HLTrayMenu(HLMenu menu);
 
   void setItem(std::string_view name, const std::string& title, bool on);
-  // Lets the application bring its items up to date, as each time before it is shown by whomever.
+  // Calls the application's needsUpdate. Called before every showing, by Qt or by the tray.
   void refresh();
-  // Opens it beside the item and returns when it has been closed.
+  // Opens the menu beside the item. Blocks in a nested event loop until it closes.
   void open(const QRect& item);
 
-  // As the application has described them; the key is "" for none.
+  // As described by the application. "" without a key.
   [[nodiscard]] static QString titleOf(const QAction& item);
   [[nodiscard]] static QString keyEquivalentOf(const QAction& item);
 
  protected:
-  // A menu shows its items' keys and, while it is open, obeys them.
+  // Triggers the item whose key equivalent was pressed.
   void keyPressEvent(QKeyEvent* event) override;
 
  private:

@@ -13,10 +13,10 @@
 namespace {
 
 constexpr double kPictureGrid = 16;
-constexpr double kContourWidth = 1.0;  // in pixels, on each side
+constexpr double kContourWidth = 1.0;  // pixels on each side
 constexpr int kContourStrength = 120;
-constexpr double kGap = 1.1;         // between a number and the symbol behind it, on the grid
-constexpr double kNumberHeight = 9;  // of a digit, on the grid
+constexpr double kGap = 1.1;         // between the number and the symbol behind it, in grid units
+constexpr double kNumberHeight = 9;  // of a digit, in grid units
 const QRegularExpression kSecondLine("[ …]");
 
 QPainterPath stroked(const QPainterPath& path, double width) {
@@ -65,7 +65,7 @@ QPainterPath corners() {
   return path;
 }
 
-// Paths are joined and cut as polygons of steps that are small at this scale only.
+// QPainterPath flattens curves for boolean operations; scaling up first keeps the segments small.
 const QTransform kLarge = QTransform::fromScale(16, 16);
 
 QPainterPath joined(const QPainterPath& a, const QPainterPath& b) {
@@ -96,7 +96,7 @@ QPainterPath textPath(const QString& text) {
   return path;
 }
 
-// As large as fits the box, its height that of the reference, so that "…" stays on its line.
+// Scales `path` to fit `box`. Counts `reference` in the height, so that "…" stays on its baseline.
 QPainterPath fitted(const QPainterPath& path, const QRectF& reference, const QRectF& box) {
   const QRectF bounds =
       path.boundingRect().united(QRectF(path.boundingRect().left(), reference.top(), 0.1, reference.height()));
@@ -108,7 +108,7 @@ QPainterPath fitted(const QPainterPath& path, const QRectF& reference, const QRe
   return transform.map(path);
 }
 
-// A word in one line; a number or an ellipsis behind it in a second one.
+// Puts the word on one line, and a number or ellipsis after it on a second line.
 QPainterPath titlePath(const QString& title) {
   const QRectF capital = textPath("H").boundingRect();
   const qsizetype second = title.indexOf(kSecondLine);
@@ -118,7 +118,7 @@ QPainterPath titlePath(const QString& title) {
   return path;
 }
 
-// The number in the lower right corner, before the symbol.
+// Puts the number in the lower right corner, in front of the symbol.
 QPainterPath withNumber(const QPainterPath& symbol, const QString& number) {
   const QPainterPath digits = textPath(number);
   const QRectF bounds = digits.boundingRect();

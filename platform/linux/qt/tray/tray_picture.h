@@ -1,4 +1,4 @@
-// What stands in the tray: a symbol, a short title, or a symbol with a number.
+// Draws the tray picture: a symbol, a short title, or a symbol with a number.
 #pragma once
 
 #include <QColor>
@@ -12,11 +12,11 @@ struct HLTrayLook {
   bool operator==(const HLTrayLook&) const = default;
 };
 
-// On a grid of 16 by 16, from the top left corner. Empty for a name that is not known.
+// On a 16 x 16 grid with the origin at the top left. Empty for an unknown name.
 [[nodiscard]] QPainterPath HLTraySymbol(const std::string& name);
-// Without what is cut out of it and laid over it.
+// The symbol's outline, without the slash or the exclamation mark.
 [[nodiscard]] QPainterPath HLTraySymbolBody(const std::string& name);
 
-// A square in that color on nothing, within a faint contour of the opposite lightness, so that it can be read where the
-// color was a wrong guess. Main thread.
+// Draws a transparent square with the look in `color` and a faint contour of the opposite lightness, so that it stays
+// legible if `color` was guessed wrong. Main thread only.
 [[nodiscard]] QImage HLDrawTrayPicture(const HLTrayLook& look, int size, const QColor& color);

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr std::uint32_t kLongestProperty = 64;  // in 32-bit values
+constexpr std::uint32_t kLongestProperty = 64;  // 32-bit values
 
 const xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
   xcb_screen_iterator_t screen = xcb_setup_roots_iterator(xcb_get_setup(connection));

@@ -1,4 +1,4 @@
-// A connection to the X server, and the few things asked of it.
+// An X server connection with the queries that the tray icon needs.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -11,7 +11,7 @@
 #include <vector>
 
 struct HLXFree {
-  void operator()(void* reply) const { std::free(reply); }  // NOLINT: allocated by the library
+  void operator()(void* reply) const { std::free(reply); }  // NOLINT: allocated by xcb with malloc
 };
 template <class Reply>
 using HLXReply = std::unique_ptr<Reply, HLXFree>;
@@ -23,7 +23,7 @@ struct HLXVisual {
 
 class HLXConnection {
  public:
-  // Nothing when the server cannot be reached.
+  // Returns nullopt if the server cannot be reached.
   [[nodiscard]] static std::optional<HLXConnection> open();
 
   [[nodiscard]] xcb_connection_t* get() const { return connection_.get(); }
@@ -31,9 +31,9 @@ class HLXConnection {
   [[nodiscard]] int screenNumber() const { return screenNumber_; }
 
   [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
-  // The 32-bit values of a property; empty when it is not there or of another type.
+  // Returns the 32-bit values of a property; empty if it is missing or of another type.
   [[nodiscard]] std::vector<std::uint32_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
-  // Nothing for a visual that no screen depth has.
+  // Returns nullopt if no depth of the screen has the visual.
   [[nodiscard]] std::optional<HLXVisual> visual(xcb_visualid_t id) const;
 
  private:

@@ -32,7 +32,7 @@ QColor HLQtTextColor(HLTextColor color, const QPalette& palette) {
 
 QPalette HLQtDarkPalette() {
   const QColor window(0x26, 0x26, 0x28);
-  const QColor base(0x40, 0x40, 0x44);  // of a check box; darker than the window, it would not be seen
+  const QColor base(0x40, 0x40, 0x44);  // of check boxes; must be lighter than the window to be visible
   const QColor button(0x48, 0x48, 0x4C);
   const QColor text(0xF2, 0xF2, 0xF4);
   const QColor disabled(0x8A, 0x8A, 0x8E);

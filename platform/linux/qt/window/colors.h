@@ -1,4 +1,4 @@
-// The colors of texts, legible on light and on dark.
+// Text colors, legible on light and dark backgrounds.
 #pragma once
 
 #include <QColor>

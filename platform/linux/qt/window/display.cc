@@ -31,8 +31,8 @@ HLQtDisplay HLQtFindDisplay() {
   const bool any = wanted.isEmpty();
   const bool wantsX = any || wanted.startsWith("xcb");
   const bool wantsWayland = any || wanted.startsWith("wayland");
-  if (!wantsX && !wantsWayland) return {"", ""};  // one that needs no display
-  // X first, XWayland too: there a menu can be opened at the tray's icon and a window centered.
+  if (!wantsX && !wantsWayland) return {"", ""};  // a plugin that needs no display
+  // Prefer X11, XWayland included: Wayland clients can neither place a menu at the tray icon nor center a window.
   if (wantsX && reachX()) return {any ? "xcb" : "", ""};
   if (wantsWayland && hasWaylandPlugin() && HLReachWayland()) return {any ? "wayland" : "", ""};
   if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {

@@ -1,11 +1,11 @@
-// Which of the toolkit's platforms can be had. The toolkit itself ends the process where it finds none.
+// Chooses a Qt platform plugin. Qt itself ends the process if it finds none.
 #pragma once
 
 #include <string>
 
 struct HLQtDisplay {
-  std::string platform;  // the toolkit's name for it; "" leaves the choice to QT_QPA_PLATFORM
-  std::string failure;   // one line, where there is none
+  std::string platform;  // the plugin's name; "" leaves the choice to QT_QPA_PLATFORM
+  std::string failure;   // one line if no display can be reached; else ""
 };
 
 [[nodiscard]] HLQtDisplay HLQtFindDisplay();

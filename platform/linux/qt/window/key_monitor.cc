@@ -23,7 +23,7 @@ std::string characters(xcb_keysym_t symbol) {
   return xkb_keysym_to_utf8(symbol, buffer.data(), buffer.size()) > 0 ? buffer.data() : "";
 }
 
-// The keyboard's map, asked for anew: the user may change the layout at any time, and this is seldom needed.
+// Queries the keyboard map on every call: the user may change the layout at any time, and calls are rare.
 std::string charactersOnX(std::uint32_t keycode, std::uint32_t state) {
   const auto* x = qApp->nativeInterface<QNativeInterface::QX11Application>();
   if (x == nullptr || keycode > UINT8_MAX) return "";
@@ -32,7 +32,7 @@ std::string charactersOnX(std::uint32_t keycode, std::uint32_t state) {
   const std::unique_ptr<xcb_get_keyboard_mapping_reply_t, decltype(&std::free)> map(
       xcb_get_keyboard_mapping_reply(connection, cookie, nullptr), &std::free);
   if (map == nullptr || map->keysyms_per_keycode == 0) return "";
-  // Two symbols, plain and with Shift, for each of the first two groups (layouts).
+  // Each of the first two groups (layouts) has two symbols: plain and with Shift.
   const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(map.get());
   const std::uint32_t group = (state >> 13) & 3;
   const bool hasGroup = group == 1 && map->keysyms_per_keycode > 2 && symbols[2] != XCB_NO_SYMBOL;
@@ -41,7 +41,7 @@ std::string charactersOnX(std::uint32_t keycode, std::uint32_t state) {
 
 std::string charactersOf(const QKeyEvent& event) {
   if (onX()) return charactersOnX(event.nativeScanCode(), event.nativeModifiers());
-  // The toolkit names a key by its capital.
+  // Qt::Key uses the capital letter.
   const auto key = static_cast<char32_t>(event.key());
   if (key < Qt::Key_Escape && QChar::isPrint(key)) return QString::fromUcs4(&key, 1).toLower().toStdString();
   return "";
@@ -72,14 +72,14 @@ HLQtKeyMonitor::HLQtKeyMonitor(std::function<void(const HLKeyEvent&)> handler) :
 }
 
 bool HLQtKeyMonitor::eventFilter(QObject*, QEvent* event) {
-  // Accepted, the first says that no menu's or window's shortcut is to take the key.
+  // Accepting ShortcutOverride keeps menu and window shortcuts from consuming the key.
   if (event->type() == QEvent::ShortcutOverride) {
     event->accept();
     return true;
   }
   if (event->type() != QEvent::KeyPress) return false;
   if (const std::optional<HLKeyEvent> key = HLQtKeyEvent(*static_cast<QKeyEvent*>(event))) {
-    const auto handler = handler_;  // it may end the monitor
+    const auto handler = handler_;  // a copy: the handler may destroy the monitor
     handler(*key);
   }
   return true;

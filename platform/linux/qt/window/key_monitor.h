@@ -1,4 +1,4 @@
-// Key presses in this application's windows, in the home platform's numbers.
+// Key presses in this application's windows, in macOS key codes and modifier flags.
 #pragma once
 
 #include <QEvent>
@@ -12,7 +12,7 @@
 #include "platform/application/events.h"
 
 [[nodiscard]] std::uint64_t HLQtModifiers(Qt::KeyboardModifiers modifiers);
-// Nothing for keys that have no virtual key code, such as those that only modify others.
+// Returns nullopt for keys without a virtual key code, such as modifier keys.
 [[nodiscard]] std::optional<HLKeyEvent> HLQtKeyEvent(const QKeyEvent& event);
 
 class HLQtKeyMonitor : public QObject, public HLKeyMonitor {

@@ -52,7 +52,7 @@ void HLQtLabel::applyColor() {
   setPalette(own);
 }
 
-// Left to itself, a label that wraps asks for a width between its text's and a golden section.
+// QLabel's own hint for wrapped text is narrower than the text on one line, which would wrap short texts.
 QSize HLQtLabel::sizeHint() const {
   const QSize natural = fontMetrics().size(0, text());
   const int width = std::min(natural.width() + 1, widest_);

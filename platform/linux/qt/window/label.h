@@ -1,4 +1,4 @@
-// A text that breaks its lines to fit its width.
+// A label that wraps its text to its width.
 #pragma once
 
 #include <QEvent>
@@ -9,7 +9,7 @@
 
 class HLQtLabel : public QLabel {
  public:
-  // It asks to be as wide as its text is in one line, at most that wide.
+  // The size hint is the width of the text on one line, at most `widest`.
   HLQtLabel(const HLLabel& label, int widest, QWidget* parent);
 
   void setColor(HLTextColor color);

@@ -15,11 +15,11 @@ std::size_t HLQtAlerts::runModal(const HLAlert& alert) {
   box.setTextFormat(Qt::PlainText);
   box.setText(QString::fromStdString(alert.title));
   box.setInformativeText(QString::fromStdString(alert.message));
-  // The message has a label of its own, which the box's text format does not reach.
+  // setTextFormat() does not apply to the label of the informative text.
   if (auto* message = box.findChild<QLabel*>("qt_msgbox_informativelabel")) message->setTextFormat(Qt::PlainText);
 
   std::vector<const QAbstractButton*> buttons;
-  // One role for all, or the desktop's custom would order them.
+  // One role for all buttons: with different roles the desktop's style would reorder them.
   for (const std::string& title : alert.buttons) {
     buttons.push_back(box.addButton(HLQtPlain(title), QMessageBox::ActionRole));
   }

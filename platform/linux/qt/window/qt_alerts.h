@@ -1,4 +1,4 @@
-// Questions in a dialog of their own.
+// Alerts in a QMessageBox.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 class HLQtAlerts : public HLAlerts {
  public:
-  // The title is that of every alert's window.
+  // `title` is the window title of every alert.
   explicit HLQtAlerts(std::string title) : title_(std::move(title)) {}
 
   [[nodiscard]] std::size_t runModal(const HLAlert& alert) override;

@@ -16,7 +16,7 @@
 
 namespace {
 
-// No orderly end: threads may still be at work for the application with what returning from main would destroy.
+// Skips static destructors: background threads may still use objects that returning from main would destroy.
 [[noreturn]] void leave(int code) {
   std::fflush(nullptr);
   std::_Exit(code);
@@ -30,7 +30,7 @@ int HLQtApplication::run(HLApplicationHandlers handlers) {
 
   QSocketNotifier runLoop(request_.runLoop.descriptor(), QSocketNotifier::Read);
   QObject::connect(&runLoop, &QSocketNotifier::activated, [this] { request_.runLoop.serve(); });
-  // From within the loop, so that it can be ended by what this does.
+  // Posted to run inside the event loop: QApplication::quit() has no effect before exec().
   QTimer::singleShot(0, [&handlers] { handlers.didFinishLaunching(); });
   leave(QApplication::exec());
 }
@@ -46,7 +46,7 @@ void HLQtApplication::activate() {
 }
 
 void HLQtApplication::setDarkAppearance() {
-  // The desktop's own style may draw with its own colors.
+  // The desktop's style may ignore the palette.
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   QApplication::setPalette(HLQtDarkPalette());
 }

@@ -1,4 +1,4 @@
-// The application on the toolkit's event loop, which serves the main run loop too.
+// HLApplication on Qt's event loop, which also serves the main run loop.
 #pragma once
 
 #include <functional>
@@ -8,12 +8,12 @@
 #include "platform/application/application.h"
 #include "platform/linux/session/desktop_module.h"
 
-// Main thread only. There is a QApplication while it lives.
+// Main thread only. Needs a QApplication.
 class HLQtApplication : public HLApplication {
  public:
   explicit HLQtApplication(HLDesktopRequest request) : request_(std::move(request)) {}
 
-  // Does not return after launching.
+  // Does not return once launched: it ends the process.
   [[nodiscard]] int run(HLApplicationHandlers handlers) override;
   void terminate() override;
   void activate() override;
@@ -22,7 +22,7 @@ class HLQtApplication : public HLApplication {
   [[nodiscard]] std::optional<HLEvent> currentEvent() override { return event_; }
   [[nodiscard]] std::unique_ptr<HLKeyMonitor> addKeyMonitor(std::function<void(const HLKeyEvent&)> handler) override;
 
-  // Runs the action with this as the event that is being handled.
+  // Runs `action` with `event` as currentEvent().
   void perform(const HLEvent& event, const std::function<void()>& action);
 
  private:

@@ -1,10 +1,10 @@
-// Texts as the toolkit takes them.
+// Conversion of texts to Qt.
 #pragma once
 
 #include <QString>
 #include <string>
 
-// For buttons and menus, where a single "&" would mark a letter.
+// Escapes "&", which marks a mnemonic in buttons and menus.
 [[nodiscard]] inline QString HLQtPlain(const std::string& text) {
   return QString::fromStdString(text).replace('&', "&&");
 }

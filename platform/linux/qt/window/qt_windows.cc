@@ -26,7 +26,7 @@ namespace {
 constexpr Qt::WindowFlags kWindowFlags =
     Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
 
-constexpr int kButtonPadding = 16;  // more than the style's own, which lets a title touch the edges
+constexpr int kButtonPadding = 16;  // added to the style's own, which lets a title touch the edges
 constexpr int kButtonHeight = 24;
 
 int pixels(double points) { return static_cast<int>(std::lround(points)); }
@@ -56,17 +56,18 @@ HLWindowView viewOf(QWidget* widget) {
   return view;
 }
 
-// Assistive technologies would take a plain widget for a part of a window.
+// Qt reports a plain QWidget as a pane, not as a window, to assistive technologies.
 QAccessibleInterface* accessibleWindow(const QString&, QObject* object) {
   auto* window = dynamic_cast<HLQtWindow*>(object);
-  return window == nullptr ? nullptr : new QAccessibleWidget(window, QAccessible::Dialog);  // NOLINT: the toolkit's
+  return window == nullptr ? nullptr
+                           : new QAccessibleWidget(window, QAccessible::Dialog);  // NOLINT: Qt takes ownership
 }
 
 }  // namespace
 
 HLQtWindow::HLQtWindow(HLWindowDescription description)
     : QWidget(nullptr, kWindowFlags), description_(std::move(description)), stack_(new QVBoxLayout(this)) {
-  QAccessible::installFactory(accessibleWindow);  // once, however often it is called
+  QAccessible::installFactory(accessibleWindow);  // Qt ignores repeated calls with the same factory
   setWindowTitle(QString::fromStdString(description_.title));
   const int side = pixels(description_.sideMargin);
   const int vertical = pixels(description_.verticalMargin);
@@ -121,7 +122,7 @@ QWidget* HLQtWindow::makeControl(const HLControl& control) {
   } else if (const auto* box = std::get_if<HLCheckBox>(&control)) {
     auto* made = new QCheckBox(HLQtPlain(box->title), this);
     made->setObjectName(QString::fromStdString(box->name));
-    // "clicked" is the user's doing only.
+    // Unlike toggled(), clicked() is not emitted for setChecked().
     connect(made, &QCheckBox::clicked, [action = box->action](bool on) { action(on); });
     widget = made;
   }
@@ -161,7 +162,7 @@ int HLQtWindow::neededHeight() const {
 
 void HLQtWindow::fitHeight() { setFixedHeight(neededHeight()); }
 
-// A text that has become longer is never cut.
+// Grows so that a longer text is not cut off.
 void HLQtWindow::growToFit() { setFixedHeight(std::max(height(), neededHeight())); }
 
 void HLQtWindow::center() {
@@ -184,16 +185,24 @@ void HLQtWindow::close() {
 }
 
 void HLQtWindow::closeEvent(QCloseEvent* event) {
-  event->ignore();  // kept, only hidden
+  event->ignore();  // the window is hidden, not destroyed
   close();
 }
 
 void HLQtWindow::keyPressEvent(QKeyEvent* event) {
-  const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (!isReturn || keyButton_ == nullptr || event->modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier)) {
-    return QWidget::keyPressEvent(event);
+  const int key = event->key();
+  const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
+  const bool isPlain = modifiers == Qt::NoModifier;
+  const bool withControl = modifiers == Qt::ControlModifier;
+  if (isPlain && (key == Qt::Key_Return || key == Qt::Key_Enter) && keyButton_ != nullptr) {
+    keyButton_->click();
+  } else if ((isPlain && key == Qt::Key_Escape) || (withControl && key == Qt::Key_W)) {
+    close();
+  } else if (withControl && key == Qt::Key_Q) {
+    QApplication::quit();
+  } else {
+    QWidget::keyPressEvent(event);
   }
-  keyButton_->click();
 }
 
 std::unique_ptr<HLWindow> HLQtWindows::makeWindow(HLWindowDescription description) {

@@ -1,4 +1,4 @@
-// Windows of the toolkit's controls, made from their descriptions.
+// Windows of Qt widgets, built from their descriptions.
 #pragma once
 
 #include <QCloseEvent>
@@ -16,6 +16,7 @@
 class QPushButton;
 class HLQtLabel;
 
+// Escape and Ctrl+W close the window, Ctrl+Q quits the application, Return clicks the button with that key.
 class HLQtWindow : public QWidget, public HLWindow {
  public:
   explicit HLQtWindow(HLWindowDescription description);
@@ -51,7 +52,7 @@ class HLQtWindow : public QWidget, public HLWindow {
 class HLQtWindows : public HLWindows {
  public:
   [[nodiscard]] std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) override;
-  // In the order in which they were made, then what the toolkit has made of itself.
+  // In order of creation, then dialogs that Qt created itself.
   [[nodiscard]] std::vector<HLWindowView> views() override;
 
  private:

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kPatience = 5000;  // milliseconds
+constexpr int kTimeout = 5000;  // milliseconds
 
 }  // namespace
 
@@ -17,8 +17,8 @@ HLQtSingleInstance::HLQtSingleInstance(const std::string& identifier, std::funct
     : name_(QString::fromStdString(identifier)), path_("/" + QString(name_).replace('.', '/').replace('-', '_')) {
   QDBusConnection bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return;
-  new HLQtActivation(&object_, std::move(didReopen));  // NOLINT: the object owns it
-  bus.registerObject(path_, &object_);                 // before the name is there to be called
+  new HLQtActivation(&object_, std::move(didReopen));  // NOLINT: object_ owns it
+  bus.registerObject(path_, &object_);                 // before the name can be called
   const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
       bus.interface()->registerService(name_, QDBusConnectionInterface::DontQueueService);
   isOther_ = reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceNotRegistered;
@@ -28,12 +28,12 @@ bool HLQtSingleInstance::tellOther() const {
   if (!isOther_) return false;
   QDBusMessage call = QDBusMessage::createMethodCall(name_, path_, "org.freedesktop.Application", "Activate");
   call << QVariantMap();
-  // Waited for, or this process might end before the call has left it.
-  QDBusConnection::sessionBus().call(call, QDBus::Block, kPatience);
+  // Blocking: an asynchronous call might not be sent before this process exits.
+  QDBusConnection::sessionBus().call(call, QDBus::Block, kTimeout);
   return true;
 }
 
 void HLQtActivation::Activate(const QVariantMap&) {
-  // After the answer: what follows may ask the user something.
+  // Posted, so that the reply is sent first: the handler may run a modal dialog.
   QTimer::singleShot(0, this, [this] { activated_(); });
 }

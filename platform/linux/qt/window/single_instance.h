@@ -1,4 +1,4 @@
-// One program of a kind in a session, by a name on the session's bus.
+// Allows one instance per session by owning a name on the session bus.
 #pragma once
 
 #include <QDBusAbstractAdaptor>
@@ -8,13 +8,13 @@
 #include <functional>
 #include <string>
 
-// Without a session bus every program is the only one.
+// Without a session bus, every process counts as the first instance.
 class HLQtSingleInstance {
  public:
-  // Takes the name where it is free; from then on, the others tell this one.
+  // Takes the name if it is free; later instances then call `didReopen` here.
   HLQtSingleInstance(const std::string& identifier, std::function<void()> didReopen);
 
-  // Whether another has the name. It has then been told that the user has started the program again.
+  // Returns whether another instance has the name, after activating that instance. Blocks up to 5 s for its reply.
   [[nodiscard]] bool tellOther() const;
 
  private:
@@ -24,7 +24,7 @@ class HLQtSingleInstance {
   bool isOther_ = false;
 };
 
-// The desktop's own interface for that: launchers that know it need not start a process.
+// org.freedesktop.Application: launchers can activate the running instance without starting a process.
 class HLQtActivation : public QDBusAbstractAdaptor {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -197,8 +198,19 @@ class ApplicationDesktop : public RealDesktop {
     EXPECT_EQ(targets(), 0);
   }
 
+  std::string defaultsPath() {
+    return session_->environment().at("HOME") + "/.config/com.tessaly.hushlet/defaults.json";
+  }
+
+  // Ends the application, so that its next start reads the preferences.
+  void storeDefaults(const std::string& json) {
+    application_ = nullptr;
+    std::filesystem::create_directories(std::filesystem::path(defaultsPath()).parent_path());
+    std::ofstream(defaultsPath()) << json;
+  }
+
   std::string defaultsFile() {
-    std::ifstream file(session_->environment().at("HOME") + "/.config/com.tessaly.hushlet/defaults.json");
+    std::ifstream file(defaultsPath());
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   }
 

@@ -79,21 +79,19 @@ INSTANTIATE_TEST_SUITE_P(Real, ApplicationWithServer, testing::Values(kMate, kLx
 
 class Application : public ApplicationDesktop {};
 
-TEST_F(Application, AutomationBannersCloseByThemselvesOnceTheBoxIsChecked) {
+TEST_F(Application, ClosesAutomationBannersWhileThePreferenceIsSet) {
   beginDesktopWith(kLxqt);
-  startApplication({"--open-settings"});
-  waitForWindow(kSettings);
+  startApplication();
   const auto sendAutomation = [this](const std::string& name) {
     return sender_->send("Shortcuts", name, "Running your automation");
   };
   const std::uint32_t before = sendAutomation("Dawn");
   waitForTargets(1);
-  EXPECT_FALSE(waitForPart("Close Shortcuts Automation Banners").isChecked);
-  clickPart("Close Shortcuts Automation Banners");
-  waitForLogged("autoClose want=on");
-  EXPECT_TRUE(waitForPart("Close Shortcuts Automation Banners").isChecked);
-  EXPECT_THAT(defaultsFile(), HasSubstr("\"HLAutoCloseAutomationBanners\": true"));
+  EXPECT_EQ(countLogged("auto-close watching"), 0);
 
+  storeDefaults(R"({"HLAutoCloseAutomationBanners": true})");
+  startApplication();
+  waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
   const std::uint32_t ordinary = sender_->send("Mail", "Lunch", "Running your automation at noon");
   const std::vector<std::uint32_t> automations = {sendAutomation("Morning"), sendAutomation("Noon")};
   ASSERT_TRUE(sender_->waitUntilClosed(automations, kPatience));
@@ -101,15 +99,17 @@ TEST_F(Application, AutomationBannersCloseByThemselvesOnceTheBoxIsChecked) {
   EXPECT_EQ(sender_->closed(), (std::set<std::uint32_t>(automations.begin(), automations.end())));
   EXPECT_EQ(targets(), 2) << "the ordinary one, " << ordinary << ", and the one before, " << before;
 
-  // Also of the server that takes the place of this one.
+  // The application also watches the server's successor.
   server_->signal(SIGKILL);
   ASSERT_TRUE(server_->wait(kPatience));
   server_ = session_->startServer(kLxqt.command);
   waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
   ASSERT_TRUE(sender_->waitUntilClosed({sendAutomation("Evening")}, kPatience));
 
-  clickPart("Close Shortcuts Automation Banners");
-  waitForLogged("autoClose want=off");
+  storeDefaults(R"({"HLAutoCloseAutomationBanners": false})");
+  startApplication({"--open-settings"});
+  waitForWindow(kSettings);
+  EXPECT_FALSE(findPart("Close Shortcuts Automation Banners"));
   (void)sendAutomation("Night");
   waitForTargets(1);
 }

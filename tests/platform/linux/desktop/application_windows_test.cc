@@ -37,18 +37,18 @@ TEST_F(ApplicationWindows, ANewShortcutIsRecordedByTypingItAndKept) {
   waitForWindow(kSettings);
   expectPlainFrame(kSettings);
   EXPECT_EQ(waitForPart(kSettings).role, HLRawRole::kDialog);
-  (void)waitForPart("⌃⌥⌘N");
+  (void)waitForPart("Ctrl+Alt+Super+N");
   clickPart("Record Shortcut");
   (void)waitForPart("Press the new shortcut. Escape cancels.");
   (void)waitForPart("Type Shortcut…");
   screen_->press({KEY_LEFTSHIFT, KEY_K});
-  (void)waitForPart("Add Command, Option or Control, or use an F key.");
+  (void)waitForPart("Add Super, Alt or Ctrl, or use an F key.");
   keepPicture("refused");
   (void)waitForPart("Type Shortcut…");
   EXPECT_EQ(defaultsFile(), "");
   screen_->press({KEY_LEFTCTRL, KEY_LEFTSHIFT, KEY_K});
   (void)waitForPart("Saved. Works from any app.");
-  (void)waitForPart("⌃⇧K");
+  (void)waitForPart("Ctrl+Shift+K");
   (void)waitForPart("Record Shortcut");
   keepPicture("saved");
   EXPECT_THAT(defaultsFile(), HasSubstr("\"HLHotKeyCode\": 40"));
@@ -94,6 +94,46 @@ TEST_F(ApplicationWindows, WithoutATrayASecondStartIsTheWayIn) {
   waitForWindow(kSettings);
 }
 
+TEST_F(ApplicationWindows, OpenAtTheFirstStartWithoutATray) {
+  beginDesktop();
+  tray_ = nullptr;
+  application_ = session_->start(commandLine(kProduct));
+  waitForWindow(kSettings);
+  EXPECT_THAT(defaultsFile(), HasSubstr("\"HLWelcomedWithoutIcon\": true"));
+}
+
+constexpr const char* kNoServer = "Hushlet finds no program that shows notifications.";
+
+TEST_F(ApplicationWindows, ExplainAFailedDismissalWithoutATray) {
+  beginDesktop();
+  tray_ = nullptr;
+  storeDefaults(R"({"HLWelcomedWithoutIcon": true})");
+  application_ = session_->start(commandLine(kProduct));
+  waitForLogged("hotKey register ");
+  waitForLogged("refreshStatusItem ");
+  screen_->press(kDefaultShortcut);
+  waitForWindow(kSettings);
+  (void)waitForPart(kNoServer);
+  keepPicture("failed");
+  EXPECT_EQ(countLogged(std::string("dismissNotifications unfinished reason=") + kNoServer), 1);
+}
+
+TEST_F(ApplicationWindows, StayClosedWhileTheIconExplains) {
+  beginDesktop();
+  startApplication();
+  clickIcon(Screen::kLeftButton);
+  waitForLogged(std::string("dismissNotifications unfinished reason=") + kNoServer);
+  const ScreenWindow item = icon();
+  screen_->moveTo(item.x + 200, item.y + 200);
+  screen_->moveTo(item.x + item.width / 2, item.y + item.height / 2);
+  const auto hasToolTip = [&] {
+    return ownWindow([&item](const ScreenWindow& window) { return window.width > 4 * item.width; }).has_value();
+  };
+  require(hasToolTip, [] { return "no tool tip appears"; });
+  keepPicture("warning");
+  EXPECT_FALSE(screen_->findTitled(kSettings));
+}
+
 TEST_F(ApplicationWindows, APanelThatIsRestartedGetsTheIconBack) {
   beginDesktopWith(kMate);
   startApplication();
@@ -115,6 +155,35 @@ TEST_F(ApplicationWindows, ItIsQuitByItsMenu) {
   screen_->press({KEY_ENTER});
   EXPECT_EQ(application_->wait(kPatience), 0) << application_->output();
   EXPECT_EQ(application_->output(), "");
+}
+
+TEST_F(ApplicationWindows, CloseOnEscapeAndQuitOnCtrlQ) {
+  beginDesktop();
+  startApplication({"--open-settings"});
+  waitForWindow(kSettings);
+  screen_->press({KEY_ESC});
+  waitUntilGone(kSettings);
+  startAgain();
+  waitForWindow(kSettings);
+  screen_->press({KEY_LEFTCTRL, KEY_W});
+  waitUntilGone(kSettings);
+  startAgain();
+  waitForWindow(kSettings);
+  screen_->press({KEY_LEFTCTRL, KEY_Q});
+  EXPECT_EQ(application_->wait(kPatience), 0) << application_->output();
+}
+
+TEST_F(ApplicationWindows, GiveTheNoteBackAfterACanceledRecording) {
+  beginDesktop();
+  startApplication({"--open-settings"});
+  waitForWindow(kSettings);
+  const std::string note = "Works from any app. Needs at least one of Super, Alt or Ctrl, or an F key.";
+  (void)waitForPart(note);
+  clickPart("Record Shortcut");
+  (void)waitForPart("Press the new shortcut. Escape cancels.");
+  screen_->press({KEY_ESC});
+  (void)waitForPart(note);
+  EXPECT_TRUE(screen_->findTitled(kSettings)) << "Escape ends the recording only";
 }
 
 TEST_F(ApplicationWindows, WithoutADisplayItSaysSoAndEnds) {
@@ -187,9 +256,9 @@ TEST_P(ApplicationSetup, LeadsFromTheFirstStartToTheFirstClearedScreen) {
   keepPicture("waiting");
   EXPECT_FALSE(isAccessibilityEnabled()) << "nobody has asked for it yet";
 
-  clickPart("Open Accessibility Settings");
+  clickPart("Switch On Accessibility");
   (void)waitForPart("Done");
-  (void)waitForPart("Allowed. Press ⌃⌥⌘N or click the menu bar icon to clear notifications.");
+  (void)waitForPart("Allowed. Press Ctrl+Alt+Super+N or click the tray icon to clear notifications.");
   EXPECT_TRUE(isAccessibilityEnabled());
   waitForLogged("refreshStatusItem available=true visible=true");
   EXPECT_EQ(countLogged("requestAccessibility trusted=true "), 1);

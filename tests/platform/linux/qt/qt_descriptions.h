@@ -27,7 +27,7 @@ inline HLWindowDescription SetupWindow(WindowActions actions = {}) {
                "assistive technologies. It only looks at the notification service, and nothing leaves your computer."},
        12, true},
       {HLLabel{"steps",
-               "1. Click Open Accessibility Settings.\n2. Turn on assistive technologies.\n3. Come back here. This "
+               "1. Click Switch On Accessibility.\n2. Turn on assistive technologies.\n3. Come back here. This "
                "window updates by itself."},
        12, true},
       {HLLabel{"note",
@@ -37,7 +37,7 @@ inline HLWindowDescription SetupWindow(WindowActions actions = {}) {
        18, true},
       {HLLabel{"status", "Waiting for Accessibility access…", 13, HLFontWeight::medium, HLTextColor::secondary}, 12,
        true},
-      {HLButton{"primary", "Open Accessibility Settings", "\r", actions.primary}},
+      {HLButton{"primary", "Switch On Accessibility", "\r", actions.primary}},
   };
   window.willClose = actions.willClose;
   return window;
@@ -52,11 +52,9 @@ inline HLWindowDescription SettingsWindow(WindowActions actions = {}) {
   window.verticalMargin = 22;
   window.stack = {
       {HLLabel{"", "Shortcut", 13, HLFontWeight::semibold}, 8},
-      {HLRow{{HLLabel{"shortcut", "⌃⌥⌘N", 15, HLFontWeight::medium},
-              HLButton{"record", "Record Shortcut", "", actions.record}, HLButton{"", "Clear", "", [] {}}},
-             10},
-       8},
-      {HLLabel{"note", "Works from any app. Needs at least one of Command, Option or Control, or an F key.", 12,
+      {HLLabel{"shortcut", "Ctrl+Alt+Shift+Super+Backspace", 15, HLFontWeight::medium}, 8, true},
+      {HLRow{{HLButton{"record", "Record Shortcut", "", actions.record}, HLButton{"", "Clear", "", [] {}}}, 10}, 8},
+      {HLLabel{"note", "Works from any app. Needs at least one of Super, Alt or Ctrl, or an F key.", 12,
                HLFontWeight::regular, HLTextColor::secondary},
        18, true},
       {HLLabel{"", "Accessibility", 13, HLFontWeight::semibold}, 8},
@@ -64,8 +62,7 @@ inline HLWindowDescription SettingsWindow(WindowActions actions = {}) {
               HLButton{"setup", "Set Up Accessibility", "", [] {}}},
              10},
        18},
-      {HLCheckBox{"autoClose", "Close Shortcuts Automation Banners", actions.check}, 8},
-      {HLCheckBox{"openAtLogin", "Open at Login", [](bool) {}}},
+      {HLCheckBox{"openAtLogin", "Open at Login", actions.check}},
   };
   window.willClose = actions.willClose;
   return window;

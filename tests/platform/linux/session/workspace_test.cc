@@ -17,7 +17,6 @@
 #include <thread>
 #include <vector>
 
-#include "platform/linux/access_guide.h"
 #include "platform/linux/session/detached_program.h"
 #include "platform/linux/session/linux_workspace.h"
 #include "platform/thread_safety.h"
@@ -256,19 +255,6 @@ TEST_F(Workspace, DoesNotWaitForWhatItStarts) {
   const pid_t pid = std::stoi(reported());
   EXPECT_EQ(kill(pid, 0), 0);
   kill(pid, SIGKILL);
-}
-
-TEST(AccessGuide, HasThreeStepsAndNamesTheApplicationAndItsButton) {
-  const HLAccessGuide guide = HLLinuxAccessGuide();
-  EXPECT_EQ(std::count(guide.steps.begin(), guide.steps.end(), '\n'), 2);
-  EXPECT_THAT(guide.steps, HasSubstr("1. Click Open Accessibility Settings."));
-  EXPECT_THAT(guide.steps, HasSubstr("\n3. Come back here. This window updates by itself."));
-  for (const std::string& text : {guide.explanation, guide.note}) EXPECT_THAT(text, HasSubstr("%@"));
-  for (const std::string& text : {guide.explanation, guide.steps, guide.note}) {
-    EXPECT_EQ(text.find('%'), text.find("%@"));
-    EXPECT_EQ(text.find("macOS"), std::string::npos);
-    EXPECT_EQ(text.find("Mac"), std::string::npos);
-  }
 }
 
 TEST(DetachedProgram, ThatIsNotThereIsNotStarted) {

@@ -121,7 +121,7 @@ class HotKeys : public testing::Test {
     unsetenv("XDG_SESSION_TYPE");
     keys_->installHandler([this](const std::optional<HLHotKeyIdentity>& identity) {
       fired_.push_back(identity ? identity->id : 0);
-      return HLHotKeyHandled;
+      return HLHotKeyStatus::success;
     });
   }
 
@@ -142,7 +142,7 @@ class HotKeys : public testing::Test {
   std::vector<std::uint32_t> fired() {
     constexpr std::uint32_t kLast = 99;
     const HLHotKeyRegistration last = add(kF6, HLHotKeyShift, kLast);
-    EXPECT_EQ(last.status, 0);
+    EXPECT_EQ(last.status, HLHotKeyStatus::success);
     other_.press({KEY_LEFTSHIFT, KEY_F6});
     EXPECT_TRUE(runUntil([&] { return !fired_.empty() && fired_.back() == kLast; }));
     if (!fired_.empty()) fired_.pop_back();
@@ -161,7 +161,7 @@ const std::vector<int> kThreeAndN = {KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KE
 
 TEST_F(HotKeys, FireWhenTheirCombinationIsPressed) {
   const HLHotKeyRegistration registration = add(kN, kThree, 7);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   ASSERT_NE(registration.hotKey, nullptr);
   other_.press(kThreeAndN);
   EXPECT_THAT(fired(), ElementsAre(7));
@@ -172,7 +172,7 @@ TEST_F(HotKeys, FireWhenTheirCombinationIsPressed) {
 
 TEST_F(HotKeys, DoNotFireForOtherCombinations) {
   const HLHotKeyRegistration registration = add(kN, kThree);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   for (const std::vector<int>& keys :
        std::vector<std::vector<int>>{{KEY_N},
                                      {KEY_LEFTCTRL, KEY_LEFTALT, KEY_N},
@@ -187,7 +187,7 @@ TEST_F(HotKeys, DoNotFireForOtherCombinations) {
 
 TEST_F(HotKeys, FireWhateverTheLocks) {
   const HLHotKeyRegistration registration = add(kF5, 0);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   other_.press({KEY_NUMLOCK});
   other_.press({KEY_F5});
   EXPECT_THAT(fired(), ElementsAre(1)) << "Num Lock";
@@ -210,7 +210,7 @@ TEST_F(HotKeys, FireOnceAPressHoweverLongItIsHeld) {
   other_.up(KEY_F7);
 
   const HLHotKeyRegistration registration = add(kF5, 0);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   other_.down(KEY_F5);
   loop_.runFor(held.count() * 1.5);
   other_.up(KEY_F5);
@@ -222,22 +222,22 @@ TEST_F(HotKeys, FireOnceAPressHoweverLongItIsHeld) {
 TEST_F(HotKeys, ThatAnotherProgramHoldsAreTaken) {
   ASSERT_TRUE(other_.grab(KEY_F5, XCB_MOD_MASK_CONTROL));
   const HLHotKeyRegistration registration = add(kF5, HLHotKeyControl);
-  EXPECT_EQ(registration.status, HLHotKeyTaken);
+  EXPECT_EQ(registration.status, HLHotKeyStatus::taken);
   EXPECT_EQ(registration.hotKey, nullptr);
   other_.ungrab(KEY_F5, XCB_MOD_MASK_CONTROL);
-  EXPECT_EQ(add(kF5, HLHotKeyControl).status, 0);
+  EXPECT_EQ(add(kF5, HLHotKeyControl).status, HLHotKeyStatus::success);
 }
 
 TEST_F(HotKeys, OfWhichAnotherProgramHoldsPartAreLeftToItWhole) {
   ASSERT_TRUE(other_.grab(KEY_F5, XCB_MOD_MASK_LOCK));
-  EXPECT_EQ(add(kF5, 0).status, HLHotKeyTaken);
+  EXPECT_EQ(add(kF5, 0).status, HLHotKeyStatus::taken);
   EXPECT_TRUE(other_.canGrab(KEY_F5, 0));
   EXPECT_TRUE(other_.canGrab(KEY_F5, XCB_MOD_MASK_2));
 }
 
 TEST_F(HotKeys, AreGivenBackAtTheirEnd) {
   HLHotKeyRegistration registration = add(kF5, 0);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   constexpr std::uint16_t kBoth = XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2;
   for (std::uint16_t locks : std::vector<std::uint16_t>{0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2, kBoth}) {
     EXPECT_FALSE(other_.canGrab(KEY_F5, locks));
@@ -259,22 +259,22 @@ TEST_F(HotKeys, OfOneProgramAreToldApart) {
   other_.press({KEY_F5});
   other_.press({KEY_LEFTSHIFT, KEY_F5});
   EXPECT_THAT(fired(), ElementsAre(3, 1, 2));
-  EXPECT_EQ(add(kF5, 0).status, HLHotKeyTaken) << "it is held by this program itself";
+  EXPECT_EQ(add(kF5, 0).status, HLHotKeyStatus::taken) << "it is held by this program itself";
 }
 
 TEST_F(HotKeys, OfKeysThatThereAreNotFail) {
-  EXPECT_EQ(add(0xFFFF, kThree).status, HLHotKeyFailed);
-  EXPECT_EQ(add(0x7F, kThree).status, HLHotKeyFailed);
+  EXPECT_EQ(add(0xFFFF, kThree).status, HLHotKeyStatus::failed);
+  EXPECT_EQ(add(0x7F, kThree).status, HLHotKeyStatus::failed);
 }
 
 TEST_F(HotKeys, MayBeEndedAndMadeAnewByTheirHandler) {
   HLHotKeyRegistration registration = add(kF5, 0);
   keys_->installHandler([&](const std::optional<HLHotKeyIdentity>& identity) {
     fired_.push_back(identity.value_or(kNoIdentity).id);
-    if (identity.value_or(kNoIdentity).id != 1) return HLHotKeyHandled;
+    if (identity.value_or(kNoIdentity).id != 1) return HLHotKeyStatus::success;
     registration.hotKey = nullptr;
     registration = add(kF5, HLHotKeyShift, 2);
-    return HLHotKeyHandled;
+    return HLHotKeyStatus::success;
   });
   other_.press({KEY_F5});
   ASSERT_TRUE(runUntil([this] { return fired_.size() == 1; }));
@@ -287,7 +287,7 @@ TEST_F(HotKeys, FollowAChangeOfTheModifiers) {
   constexpr int kThird = 5;  // in the server's table: Shift, Lock, Control, then these by their numbers
   constexpr int kFourth = 6;
   const HLHotKeyRegistration registration = add(kN, HLHotKeyCommand);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   ASSERT_FALSE(other_.canGrab(KEY_N, XCB_MOD_MASK_4));
   ASSERT_TRUE(other_.canGrab(KEY_N, XCB_MOD_MASK_3));
   other_.swapModifiers(kThird, kFourth);
@@ -307,7 +307,8 @@ TEST_F(HotKeys, OutliveTheirMaker) {
 // The server grants the grab, and is never told of the key.
 TEST_F(HotKeys, AreNotAskedOfTheXServerOfAWaylandCompositor) {
   setenv("WAYLAND_DISPLAY", "wayland-7", 1);
-  EXPECT_EQ(HLQtHotKeys(loop_, "com.example.program").registerHotKey(kF5, 0, {"HLhk", 1}).status, 0)
+  EXPECT_EQ(HLQtHotKeys(loop_, "com.example.program").registerHotKey(kF5, 0, {"HLhk", 1}).status,
+            HLHotKeyStatus::success)
       << "the name has outlived its compositor";
 
   sockaddr_un address{};
@@ -319,7 +320,8 @@ TEST_F(HotKeys, AreNotAskedOfTheXServerOfAWaylandCompositor) {
   ASSERT_EQ(listen(compositor, 5), 0);
   for (const char* type : {"tty", "", "wayland"}) {
     setenv("XDG_SESSION_TYPE", type, 1);
-    EXPECT_EQ(HLQtHotKeys(loop_, "com.example.program").registerHotKey(kF5, 0, {"HLhk", 1}).status, HLHotKeyFailed)
+    EXPECT_EQ(HLQtHotKeys(loop_, "com.example.program").registerHotKey(kF5, 0, {"HLhk", 1}).status,
+              HLHotKeyStatus::failed)
         << "there is no portal; type " << type;
   }
   close(compositor);
@@ -327,12 +329,12 @@ TEST_F(HotKeys, AreNotAskedOfTheXServerOfAWaylandCompositor) {
 
 TEST_F(HotKeys, EndQuietlyWithTheirServer) {
   const HLHotKeyRegistration registration = add(kF5, 0);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   setenv("DISPLAY", ":54321", 1);
   HLQtHotKeys none(loop_, "com.example.program");
-  EXPECT_EQ(none.registerHotKey(kF5, 0, {"HLhk", 1}).status, HLHotKeyFailed) << "there is no such display";
+  EXPECT_EQ(none.registerHotKey(kF5, 0, {"HLhk", 1}).status, HLHotKeyStatus::failed) << "there is no such display";
   unsetenv("DISPLAY");
-  EXPECT_EQ(none.registerHotKey(kF5, 0, {"HLhk", 1}).status, HLHotKeyFailed);
+  EXPECT_EQ(none.registerHotKey(kF5, 0, {"HLhk", 1}).status, HLHotKeyStatus::failed);
   loop_.runFor(0.01);
 }
 

@@ -219,7 +219,7 @@ class WaylandHotKeys : public testing::Test {
   HLHotKeyRegistration add(std::uint32_t code, std::uint32_t modifiers, std::uint32_t id = 1) {
     keys_.installHandler([this](const std::optional<HLHotKeyIdentity>& identity) {
       fired_.push_back(identity ? identity->id : 0);
-      return HLHotKeyHandled;
+      return HLHotKeyStatus::success;
     });
     return keys_.registerHotKey(code, modifiers, {"HLhk", id});
   }
@@ -246,7 +246,7 @@ constexpr std::uint32_t kThreeModifiers = HLHotKeyCommand | HLHotKeyOption | HLH
 TEST_F(WaylandHotKeys, AreWishedForAndFireWhenThePortalSaysSo) {
   Portal portal(Manner::willing);
   const HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers, 7);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   EXPECT_THAT(portal.bound(), ElementsAre("dismiss-CTRL+ALT+LOGO+n|CTRL+ALT+LOGO+n|Clear notifications"));
   const std::string session = portal.sessions().front();
   portal.activate(session + "x", "dismiss-CTRL+ALT+LOGO+n");
@@ -260,7 +260,7 @@ TEST_F(WaylandHotKeys, AreKnownAgainAfterARestartByProgramAndCombination) {
   Portal portal(Manner::willing);
   const auto nameOfOne = [&](std::uint32_t code) {
     HLQtHotKeys keys(loop_, "com.example.the-program");
-    EXPECT_EQ(keys.registerHotKey(code, kThreeModifiers, {"HLhk", 1}).status, 0);
+    EXPECT_EQ(keys.registerHotKey(code, kThreeModifiers, {"HLhk", 1}).status, HLHotKeyStatus::success);
     const std::string session = portal.sessions().back();
     const std::string shortcut = portal.bound().back();
     return session.substr(session.rfind('/') + 1) + " " + shortcut.substr(0, shortcut.find('|'));
@@ -273,7 +273,7 @@ TEST_F(WaylandHotKeys, AreKnownAgainAfterARestartByProgramAndCombination) {
 TEST_F(WaylandHotKeys, AreNotAskedForAgainWhereTheSessionBindsThem) {
   Portal portal(Manner::early);
   const HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers, 7);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   EXPECT_THAT(portal.bound(), ElementsAre("dismiss-CTRL+ALT+LOGO+n|CTRL+ALT+LOGO+n|Clear notifications"));
   portal.activate(portal.sessions().front(), "dismiss-CTRL+ALT+LOGO+n");
   EXPECT_TRUE(runUntil([this] { return !fired_.empty(); }));
@@ -287,7 +287,7 @@ TEST_F(WaylandHotKeys, AreNamedAsThePortalNamesKeys) {
   kept.push_back(add(49, HLHotKeyControl));
   EXPECT_THAT(portal.bound(), ElementsAre(testing::HasSubstr("|F5|"), testing::HasSubstr("|SHIFT+LOGO+Escape|"),
                                           testing::HasSubstr("|CTRL+space|")));
-  EXPECT_EQ(add(0x7F, kThreeModifiers).status, HLHotKeyFailed);
+  EXPECT_EQ(add(0x7F, kThreeModifiers).status, HLHotKeyStatus::failed);
 }
 
 TEST_F(WaylandHotKeys, SucceedUnlessThePortalSaysThatItHasNotBoundThem) {
@@ -295,16 +295,16 @@ TEST_F(WaylandHotKeys, SucceedUnlessThePortalSaysThatItHasNotBoundThem) {
     Portal portal(manner);
     return add(kKeyN, kThreeModifiers).status;
   };
-  EXPECT_EQ(statusWith(Manner::granting), 0);
-  EXPECT_EQ(statusWith(Manner::asking), 0) << "the user may take any time";
-  EXPECT_EQ(statusWith(Manner::denying), HLHotKeyFailed);
-  EXPECT_EQ(statusWith(Manner::grantingNothing), HLHotKeyFailed);
+  EXPECT_EQ(statusWith(Manner::granting), HLHotKeyStatus::success);
+  EXPECT_EQ(statusWith(Manner::asking), HLHotKeyStatus::success) << "the user may take any time";
+  EXPECT_EQ(statusWith(Manner::denying), HLHotKeyStatus::failed);
+  EXPECT_EQ(statusWith(Manner::grantingNothing), HLHotKeyStatus::failed);
 }
 
 TEST_F(WaylandHotKeys, EndWithTheirConnection) {
   Portal portal(Manner::willing);
   HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   const std::string client = portal.clients().front();
   const std::unique_ptr<HLBus> bus = HLBus::openSession();
   const auto isThere = [&] {
@@ -321,30 +321,30 @@ TEST_F(WaylandHotKeys, EndWithTheirConnection) {
 TEST_F(WaylandHotKeys, FailWithoutAPortalThatGrantsThem) {
   const auto reason = testing::Optional(
       std::string("This desktop gives apps no shortcuts. Set one of its own for the command: hushlet --dismiss-now"));
-  EXPECT_EQ(keys_.whyNone(), std::nullopt) << "not asked yet";
-  EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyFailed) << "no portal";
-  EXPECT_THAT(keys_.whyNone(), reason);
+  EXPECT_EQ(keys_.unsupportedReason(), std::nullopt) << "not asked yet";
+  EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyStatus::failed) << "no portal";
+  EXPECT_THAT(keys_.unsupportedReason(), reason);
   {
     Portal portal(Manner::withoutShortcuts);
-    EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyFailed) << "a portal that does not know them";
-    EXPECT_THAT(keys_.whyNone(), reason);
+    EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyStatus::failed) << "a portal that does not know them";
+    EXPECT_THAT(keys_.unsupportedReason(), reason);
   }
   {
     Portal portal(Manner::refusing);
-    EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyFailed) << "it refuses";
-    EXPECT_EQ(keys_.whyNone(), std::nullopt);
+    EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyStatus::failed) << "it refuses";
+    EXPECT_EQ(keys_.unsupportedReason(), std::nullopt);
     EXPECT_THAT(portal.bound(), IsEmpty());
   }
   Portal portal(Manner::silent);
   const Clock::time_point begin = Clock::now();
-  EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyFailed) << "it does not answer";
+  EXPECT_EQ(add(kKeyN, kThreeModifiers).status, HLHotKeyStatus::failed) << "it does not answer";
   EXPECT_LT(Clock::now() - begin, std::chrono::seconds(10));
 }
 
 TEST_F(WaylandHotKeys, OutliveTheirPortal) {
   auto portal = std::make_unique<Portal>(Manner::willing);
   const HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers);
-  ASSERT_EQ(registration.status, 0);
+  ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   portal = nullptr;
   loop_.runFor(0.01);
   EXPECT_THAT(fired_, IsEmpty());

@@ -9,10 +9,12 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/application/application.h"
@@ -117,7 +119,7 @@ TEST_F(Windows, ItIsMadeAsHighAsItsTextsNeed) {
   const int height = widget().height();
   EXPECT_EQ(widget().width(), 460);
   window.setLabel("status",
-                  "Allowed. Press this or that, or the other thing, or click the menu bar icon to clear "
+                  "Allowed. Press this or that, or the other thing, or click the tray icon to clear "
                   "notifications, or what else stands there.",
                   HLTextColor::green);
   window.fitHeight();
@@ -127,11 +129,16 @@ TEST_F(Windows, ItIsMadeAsHighAsItsTextsNeed) {
   EXPECT_EQ(widget().height(), height);
 }
 
-TEST_F(Windows, NoTextIsCut) {
-  make(SetupWindow()).fitHeight();
-  window_->makeKeyAndOrderFront();
-  for (const auto* label : widget().findChildren<QLabel*>()) {
-    EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+TEST_F(Windows, ShowEveryTextWhole) {
+  for (const HLWindowDescription& description : {SetupWindow(), SettingsWindow()}) {
+    make(description).fitHeight();
+    window_->makeKeyAndOrderFront();
+    for (const auto* label : widget().findChildren<QLabel*>()) {
+      EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+      const QRect needed =
+          label->fontMetrics().boundingRect(QRect(0, 0, label->width(), 0), Qt::TextWordWrap, label->text());
+      EXPECT_GE(label->width(), needed.width()) << label->text().toStdString();
+    }
   }
 }
 
@@ -185,11 +192,10 @@ TEST_F(Windows, EveryControlTellsAssistiveTechnologiesItsText) {
     const QString name = accessible->text(QAccessible::Name);
     if (accessible->role() != QAccessible::Client) names.push_back(name.toStdString());
   }
-  EXPECT_THAT(names,
-              testing::UnorderedElementsAre(
-                  "Shortcut", "⌃⌥⌘N", "Record Shortcut", "Clear",
-                  "Works from any app. Needs at least one of Command, Option or Control, or an F key.", "Accessibility",
-                  "Not allowed yet", "Set Up Accessibility", "Close Shortcuts Automation Banners", "Open at Login"));
+  EXPECT_THAT(names, testing::UnorderedElementsAre(
+                         "Shortcut", "Ctrl+Alt+Shift+Super+Backspace", "Record Shortcut", "Clear",
+                         "Works from any app. Needs at least one of Super, Alt or Ctrl, or an F key.", "Accessibility",
+                         "Not allowed yet", "Set Up Accessibility", "Open at Login"));
 }
 
 TEST_F(Windows, AssistiveTechnologiesFindAWindow) {
@@ -200,18 +206,52 @@ TEST_F(Windows, AssistiveTechnologiesFindAWindow) {
   EXPECT_GT(accessible->childCount(), 0);
 }
 
-TEST_F(Windows, ReturnPressesTheKeyButtonAndEscapeNothing) {
+TEST_F(Windows, ReturnPressesTheKeyButton) {
   int pressed = 0;
-  int closed = 0;
-  make(SetupWindow({.primary = [&] { ++pressed; }, .willClose = [&] { ++closed; }})).makeKeyAndOrderFront();
+  make(SetupWindow({.primary = [&] { ++pressed; }})).makeKeyAndOrderFront();
   press(Qt::Key_Return);
   EXPECT_EQ(pressed, 1);
   press(Qt::Key_Enter, Qt::KeypadModifier);
   EXPECT_EQ(pressed, 2);
-  press(Qt::Key_Escape);
+  press(Qt::Key_Return, Qt::ControlModifier);
   EXPECT_EQ(pressed, 2);
-  EXPECT_EQ(closed, 0);
   EXPECT_TRUE(widget().isVisible());
+}
+
+TEST_F(Windows, CloseOnEscapeAndCtrlW) {
+  int pressed = 0;
+  int closed = 0;
+  HLWindow& window = make(SetupWindow({.primary = [&] { ++pressed; }, .willClose = [&] { ++closed; }}));
+  for (const auto& [key, modifiers] :
+       {std::pair(Qt::Key_Escape, Qt::NoModifier), std::pair(Qt::Key_W, Qt::ControlModifier)}) {
+    closed = 0;
+    window.makeKeyAndOrderFront();
+    press(key, modifiers);
+    EXPECT_FALSE(widget().isVisible()) << key;
+    EXPECT_EQ(closed, 1) << key;
+  }
+  EXPECT_EQ(pressed, 0);
+}
+
+TEST_F(Windows, IgnoreEscapeAndLettersWithOtherModifiers) {
+  HLWindow& window = make(SetupWindow());
+  window.makeKeyAndOrderFront();
+  press(Qt::Key_Escape, Qt::ShiftModifier);
+  press(Qt::Key_W);
+  press(Qt::Key_Q);
+  press(Qt::Key_W, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_TRUE(widget().isVisible());
+}
+
+TEST_F(Windows, QuitTheApplicationOnCtrlQ) {
+  make(SetupWindow()).makeKeyAndOrderFront();
+  constexpr int kGaveUp = 9;
+  constexpr int kTimeout = 10'000;  // milliseconds
+  QTimer::singleShot(0, [this] { press(Qt::Key_Q, Qt::ControlModifier); });
+  QTimer timeout;
+  QObject::connect(&timeout, &QTimer::timeout, [] { QApplication::exit(kGaveUp); });
+  timeout.start(kTimeout);
+  EXPECT_EQ(QApplication::exec(), 0);
 }
 
 TEST_F(Windows, ButtonsAndCheckBoxesActWhenTheUserUsesThem) {
@@ -221,14 +261,14 @@ TEST_F(Windows, ButtonsAndCheckBoxesActWhenTheUserUsesThem) {
       make(SettingsWindow({.record = [&] { ++recorded; }, .check = [&](bool on) { states.push_back(on); }}));
   find<QPushButton>("record").click();
   EXPECT_EQ(recorded, 1);
-  find<QCheckBox>("autoClose").click();
-  find<QCheckBox>("autoClose").click();
+  find<QCheckBox>("openAtLogin").click();
+  find<QCheckBox>("openAtLogin").click();
   EXPECT_THAT(states, ElementsAre(true, false));
-  window.setCheckBox("autoClose", true);
-  EXPECT_TRUE(find<QCheckBox>("autoClose").isChecked());
+  window.setCheckBox("openAtLogin", true);
+  EXPECT_TRUE(find<QCheckBox>("openAtLogin").isChecked());
   EXPECT_THAT(states, ElementsAre(true, false));
-  window.setEnabled("autoClose", false);
-  find<QCheckBox>("autoClose").click();
+  window.setEnabled("openAtLogin", false);
+  find<QCheckBox>("openAtLogin").click();
   EXPECT_THAT(states, ElementsAre(true, false));
 }
 
@@ -295,7 +335,7 @@ TEST_F(Windows, TheirPicturesAreKeptToBeLookedAt) {
     if (dark) Offscreen().application().setDarkAppearance();
     const std::unique_ptr<HLWindow> setup = windows_.makeWindow(SetupWindow());
     const std::unique_ptr<HLWindow> settings = windows_.makeWindow(SettingsWindow());
-    settings->setCheckBox("autoClose", true);
+    settings->setCheckBox("openAtLogin", true);
     setup->fitHeight();
     setup->makeKeyAndOrderFront();
     settings->makeKeyAndOrderFront();

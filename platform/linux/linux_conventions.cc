@@ -1,0 +1,58 @@
+#include "platform/linux/linux_conventions.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "platform/application/events.h"
+
+namespace {
+
+// Key labels are stored as the symbols of macOS keyboards.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kKeyNames = {
+    {{"↩", "Enter"}, {"⇥", "Tab"}, {"⌫", "Backspace"}, {"⎋", "Esc"}}};
+
+// Returns, for example, "Ctrl+Alt+Super+N".
+std::string shortcutText(std::uint64_t modifiers, const std::optional<std::string>& keyLabel) {
+  std::string text;
+  if ((modifiers & HLModifierControl) != 0) text += "Ctrl+";
+  if ((modifiers & HLModifierOption) != 0) text += "Alt+";
+  if ((modifiers & HLModifierShift) != 0) text += "Shift+";
+  if ((modifiers & HLModifierCommand) != 0) text += "Super+";
+  std::string_view key = keyLabel ? std::string_view(*keyLabel) : "?";
+  for (const auto& [symbol, name] : kKeyNames) {
+    if (key == symbol) key = name;
+  }
+  return text.append(key);
+}
+
+}  // namespace
+
+HLConventions HLLinuxConventions() {
+  HLConventions conventions;
+  conventions.accessExplanation =
+      "%@ clears notification banners by pressing their close buttons for you. It reaches them through your "
+      "desktop's accessibility interface. It only looks at the program that shows your notifications, and nothing "
+      "leaves your computer.";
+  conventions.accessSteps =
+      "1. Click Switch On Accessibility.\n"
+      "2. If your desktop shows its own settings, there is nothing to change in them.\n"
+      "3. Come back here. This window updates by itself.";
+  conventions.accessNote =
+      "From then on all programs of your desktop, not only %@, offer their windows to assistive programs. That may "
+      "make some of them a little slower. Programs that are running already may have to be started again before they "
+      "do: if banners stay, log out and in once. Accessibility stays on until you switch it off in your desktop's "
+      "settings; some desktops forget it when you log out.";
+  conventions.accessButton = "Switch On Accessibility";
+  conventions.icon = "tray icon";
+  conventions.fallbackHint = "Run \"hushlet --dismiss-now\" to clear notifications.";
+  conventions.modifierChoice = "Super, Alt or Ctrl";
+  conventions.shortcutText = shortcutText;
+  conventions.spellsModifiers = true;
+  conventions.offersAutoClose = false;
+  conventions.restoresShortcutNote = true;
+  conventions.logsUnchangedPolls = false;
+  conventions.explainsFailures = true;
+  conventions.iconMayBeMissing = true;
+  return conventions;
+}

@@ -1,0 +1,273 @@
+// What the application says and does differently on hosts with other conventions.
+#include "app/conventions.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "tests/app/spied_application.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+// The conventions of macOS with one member changed.
+template <class Value>
+HLConventions conventionsWith(Value HLConventions::*member, const Value& value) {
+  HLConventions conventions = HLMacConventions();
+  conventions.*member = value;
+  return conventions;
+}
+
+TEST(Conventions, WordTheShortcutNotes) {
+  Application application;
+  application.host.platform.conventions = conventionsWith(&HLConventions::modifierChoice, std::string("This or That"));
+  application.delegate->showSettingsWindow();
+  const auto* note = std::get_if<HLLabel>(&application.host.windows.made.at(0).stack.at(2).what);
+  ASSERT_NE(note, nullptr);
+  EXPECT_EQ(note->text, "Works from any app. Needs at least one of This or That, or an F key.");
+  application.delegate->recordEvent({45, HLModifierShift, "n"});
+  EXPECT_EQ(application.host.calls.back(), "label Add This or That, or use an F key.");
+}
+
+TEST(Conventions, FormatTheShortcutInWindowsButNotInTheLog) {
+  Application application;
+  HLConventions conventions = conventionsWith(&HLConventions::icon, std::string("icon"));
+  conventions.shortcutText = [](std::uint64_t modifiers, const std::optional<std::string>& label) {
+    return std::to_string(modifiers) + "+" + label.value_or("?");
+  };
+  application.host.platform.conventions = conventions;
+  application.delegate->applicationDidFinishLaunching();
+  application.delegate->showSettingsWindow();
+  application.delegate->showSetupWindow();
+  EXPECT_THAT(application.host.calls, testing::IsSupersetOf({"label 1835008+N",
+                                                             "label Allowed. Press 1835008+N or click the icon to "
+                                                             "clear notifications."}));
+  EXPECT_THAT(application.messages("hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=0"));
+  application.host.hotKeys.status = HLHotKeyStatus::taken;
+  application.delegate->recordEvent({45, HLModifierControl, "k"});
+  EXPECT_EQ(application.host.calls.back(), "label 262144+K is already used by another app. Try a different one.");
+  application.delegate->clearShortcut();
+  EXPECT_EQ(application.host.calls.back(), "label No shortcut. Click the icon to clear notifications.");
+}
+
+TEST(Conventions, NameTheSetupButton) {
+  Application application(R"("trusted": false)");
+  application.host.platform.conventions = conventionsWith(&HLConventions::accessButton, std::string("Do It"));
+  application.delegate->showSetupWindow();
+  const auto* button = std::get_if<HLButton>(&application.host.windows.made.at(0).stack.back().what);
+  ASSERT_NE(button, nullptr);
+  EXPECT_EQ(button->title, "Do It");
+}
+
+TEST(Conventions, GiveALongShortcutItsOwnLine) {
+  for (const bool spells : {false, true}) {
+    Application application;
+    application.host.platform.conventions = conventionsWith(&HLConventions::spellsModifiers, spells);
+    application.delegate->showSettingsWindow();
+    const std::vector<HLStackItem>& stack = application.host.windows.made.at(0).stack;
+    EXPECT_EQ(std::holds_alternative<HLLabel>(stack.at(1).what), spells);
+    EXPECT_EQ(std::get<HLRow>(stack.at(spells ? 2 : 1).what).controls.size(), spells ? 2U : 3U);
+  }
+}
+
+TEST(Conventions, HideTheAutoCloseCheckBox) {
+  for (const bool offered : {false, true}) {
+    Application application;
+    application.host.platform.conventions = conventionsWith(&HLConventions::offersAutoClose, offered);
+    application.delegate->showSettingsWindow();
+    std::vector<std::string> titles;
+    for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
+      if (const auto* box = std::get_if<HLCheckBox>(&item.what)) titles.push_back(box->title);
+    }
+    EXPECT_EQ(titles,
+              offered ? Calls({"Close Shortcuts Automation Banners", "Open at Login"}) : Calls({"Open at Login"}));
+  }
+}
+
+TEST(Conventions, RestoreTheNoteOfACanceledRecording) {
+  const auto cancelByEscape = [](HLAppDelegate& delegate, SpyHost&) { delegate.recordEvent({53, 0, ""}); };
+  const auto cancelByButton = [](HLAppDelegate& delegate, SpyHost&) { delegate.toggleRecording(); };
+  const auto closeWindow = [](HLAppDelegate&, SpyHost& host) { host.windows.made.at(0).willClose(); };
+  const std::vector<std::function<void(HLAppDelegate&, SpyHost&)>> cancellations = {cancelByEscape, cancelByButton,
+                                                                                    closeWindow};
+  const std::string note = "label No shortcut. Click the menu bar icon to clear notifications.";
+  for (const auto& cancel : cancellations) {
+    for (const bool restores : {false, true}) {
+      Application application;
+      application.host.platform.conventions = conventionsWith(&HLConventions::restoresShortcutNote, restores);
+      application.delegate->showSettingsWindow();
+      application.delegate->clearShortcut();
+      application.delegate->toggleRecording();
+      application.host.calls.clear();
+      cancel(*application.delegate, application.host);
+      EXPECT_EQ(std::count(application.host.calls.begin(), application.host.calls.end(), note), restores ? 1 : 0);
+      application.host.calls.clear();
+      application.delegate->stopRecording();
+      EXPECT_THAT(application.host.calls, IsEmpty()) << "nothing is being recorded";
+    }
+  }
+}
+
+TEST(Conventions, LimitTheLogOfPolls) {
+  for (const bool logsAll : {false, true}) {
+    Application application(R"("trusted": false, "timeline": [{"at": 5.5, "trust": true}])");
+    application.host.platform.conventions = conventionsWith(&HLConventions::logsUnchangedPolls, logsAll);
+    application.delegate->refreshStatusItem();
+    application.delegate->refreshStatusItem();
+    EXPECT_EQ(application.messages("refreshStatusItem").size(), 2U) << "without a poll every refresh is logged";
+    application.delegate->showSetupWindow();
+    const std::size_t before = application.messages("refreshStatusItem").size();
+    application.desktop.platform().runLoop->runFor(10);
+    const std::size_t polls = application.messages("refreshStatusItem").size() - before;
+    EXPECT_EQ(polls, logsAll ? 10U : 1U);
+    EXPECT_EQ(application.messages("refreshStatusItem").back(), "refreshStatusItem available=true visible=true");
+  }
+}
+
+// A banner that nothing can close.
+constexpr const char* kUnclosable = R"("trusted": true, "applications": [{"pid": 400,
+  "bundleIdentifier": "com.apple.notificationcenterui", "windows": [{"role": "AXWindow", "children": [
+    {"role": "AXGroup", "subrole": "AXNotificationCenterAlert", "description": "Mail, One, Two"}]}]}])";
+// Notification Center with an empty screen.
+constexpr const char* kEmptyScreen =
+    R"("trusted": true, "applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui"}])";
+constexpr const char* kNoButton = "Hushlet finds no close button on the notifications that your desktop shows.";
+constexpr const char* kToolTip = "tool tip Hushlet: click to clear notifications, right-click for options";
+
+// The application after one dismissal on a host that explains failures.
+struct Dismissal : Application {
+  explicit Dismissal(const std::string& scene, bool explains = true, bool hasIcon = true) : Application(scene) {
+    host.platform.conventions = conventionsWith(&HLConventions::explainsFailures, explains);
+    host.statusItem.visible = hasIcon;
+    dismiss();
+  }
+
+  void dismiss() {
+    delegate->dismissNotifications();
+    desktop.platform().runLoop->runFor(2);
+  }
+};
+
+TEST(Failure, ShowsOnTheIconForSomeSeconds) {
+  Dismissal dismissal(kUnclosable);
+  EXPECT_THAT(dismissal.host.calls, Contains(std::string("tool tip ") + kNoButton));
+  EXPECT_EQ(dismissal.host.calls.end()[-2], "image exclamationmark.triangle");
+  EXPECT_THAT(dismissal.messages("dismissNotifications unfinished"),
+              ElementsAre(std::string("dismissNotifications unfinished reason=") + kNoButton));
+  dismissal.delegate->refreshStatusItem();
+  EXPECT_EQ(dismissal.host.calls.end()[-2], "image exclamationmark.triangle") << "a refresh keeps the warning";
+  EXPECT_THAT(dismissal.host.calls, Not(Contains(kToolTip)));
+  dismissal.desktop.platform().runLoop->runFor(10);
+  EXPECT_EQ(dismissal.host.calls.end()[-3], kToolTip);
+  EXPECT_EQ(dismissal.host.calls.end()[-2], "image bell.slash");
+  EXPECT_THAT(dismissal.host.windows.made, IsEmpty());
+}
+
+TEST(Failure, EndsWithTheNextDismissal) {
+  Dismissal dismissal(kUnclosable);
+  dismissal.host.calls.clear();
+  dismissal.dismiss();
+  ASSERT_GE(dismissal.host.calls.size(), 2U);
+  EXPECT_EQ(dismissal.host.calls[0], kToolTip);
+  EXPECT_EQ(dismissal.host.calls[1], "image bell.slash");
+}
+
+TEST(Failure, OpensTheSettingsWithoutAnIcon) {
+  Dismissal dismissal(kUnclosable, true, false);
+  ASSERT_EQ(dismissal.host.windows.made.size(), 1U);
+  EXPECT_EQ(dismissal.host.windows.made[0].title, "Hushlet Settings");
+  const auto* last = std::get_if<HLLabel>(&dismissal.host.windows.made[0].stack.back().what);
+  ASSERT_NE(last, nullptr);
+  EXPECT_EQ(last->name, "failureLabel");
+  EXPECT_EQ(last->text, "");
+  EXPECT_EQ(dismissal.host.calls.back(), std::string("label ") + kNoButton);
+  EXPECT_THAT(dismissal.host.calls, Not(Contains(StartsWith("tool tip"))));
+  dismissal.host.windows.made[0].willClose();
+  EXPECT_EQ(dismissal.host.calls.back(), "label ");
+}
+
+TEST(Failure, NeedsABannerOnScreen) {
+  Dismissal dismissal(kEmptyScreen);
+  EXPECT_THAT(dismissal.host.calls, Not(Contains(StartsWith("tool tip"))));
+  EXPECT_THAT(dismissal.messages("dismissNotifications unfinished"), IsEmpty());
+}
+
+TEST(Failure, StaysSilentUnderTheConventionsOfMacOS) {
+  Dismissal dismissal(kUnclosable, false);
+  EXPECT_THAT(dismissal.host.calls, Not(Contains(StartsWith("tool tip"))));
+  EXPECT_THAT(dismissal.messages("dismissNotifications unfinished"), IsEmpty());
+  dismissal.delegate->showSettingsWindow();
+  EXPECT_THAT(dismissal.host.calls, Not(Contains("label ")));
+}
+
+TEST(Failure, ExplainsAMissingNotificationCenter) {
+  Dismissal dismissal(R"("trusted": true)");
+  EXPECT_THAT(dismissal.host.calls, Contains("tool tip Hushlet finds no program that shows notifications."));
+}
+
+// Starts the application under the conventions of a host whose icon may be missing.
+void launch(Application& application, bool hasIcon) {
+  application.host.platform.conventions = conventionsWith(&HLConventions::iconMayBeMissing, true);
+  application.host.statusItem.visible = hasIcon;
+  application.delegate->applicationDidFinishLaunching();
+  application.desktop.platform().runLoop->runFor(5);
+}
+
+TEST(FirstStart, OpensTheSettingsOnceWithoutAnIcon) {
+  Application application;
+  launch(application, false);
+  ASSERT_EQ(application.host.windows.made.size(), 1U);
+  EXPECT_EQ(application.host.windows.made[0].title, "Hushlet Settings");
+  application.host.calls.clear();
+  launch(application, false);
+  EXPECT_THAT(application.host.calls, Not(Contains("order front")));
+}
+
+TEST(FirstStart, OpensTheSettingsWithoutAccessToo) {
+  Application application(R"("trusted": false)");
+  launch(application, false);
+  std::vector<std::string> titles;
+  for (const HLWindowDescription& window : application.host.windows.made) titles.push_back(window.title);
+  EXPECT_THAT(titles, ElementsAre("Set Up Hushlet", "Hushlet Settings"));
+}
+
+TEST(FirstStart, OpensNothingWithAnIcon) {
+  Application application;
+  launch(application, true);
+  EXPECT_THAT(application.host.windows.made, IsEmpty());
+  launch(application, false);
+  EXPECT_EQ(application.host.windows.made.size(), 1U) << "the first start without one is still to come";
+}
+
+TEST(SetupHint, NamesOnlyWhatTheUserHas) {
+  struct Case {
+    bool hasIcon;
+    bool hasHotKeys;
+    const char* hint;
+  };
+  for (const auto& [hasIcon, hasHotKeys, hint] :
+       {Case{true, true, "Press ⌃⌥⌘N or click the menu bar icon to clear notifications."},
+        Case{true, false, "Click the menu bar icon to clear notifications."},
+        Case{false, true, "Press ⌃⌥⌘N to clear notifications."}, Case{false, false, "Type it."}}) {
+    Application application;
+    application.host.platform.conventions = conventionsWith(&HLConventions::fallbackHint, std::string("Type it."));
+    application.host.statusItem.visible = hasIcon;
+    if (!hasHotKeys) application.host.hotKeys.reason = "None here.";
+    application.delegate->applicationDidFinishLaunching();
+    application.delegate->showSetupWindow();
+    EXPECT_THAT(application.host.calls, Contains(std::string("label Allowed. ") + hint));
+  }
+}
+
+}  // namespace
