@@ -25,7 +25,7 @@ function(hl_add_bundle HL_BUNDLE_NAME HL_FLAVOR HL_BUNDLE_IDENTIFIER)
 
   set(copy ${CMAKE_COMMAND} -E copy)
   add_custom_command(OUTPUT ${bundle}/Contents/Info.plist
-    # Anew each time: the system remembers the seal of an executable that is only overwritten.
+    # Remade each time: the system caches the signature of an executable that is only overwritten.
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${bundle}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${bundle}/Contents/MacOS ${bundle}/Contents/Resources
     COMMAND ${copy} $<TARGET_FILE:hushlet> ${bundle}/Contents/MacOS/hushlet
