@@ -30,16 +30,16 @@ void collectNodes(const HLSimItem& item, std::vector<HLSimNode*>& nodes) {
 std::vector<HLSimNode*> heldNodes(const HLSimNode& node) {
   std::vector<HLSimNode*> nodes;
   if (node.origin == nullptr) {
-    for (const HLSimAttribute& attribute : node.attributes) collectNodes(attribute.item, nodes);
+    for (const HLSimAttribute& attribute : node.attributes) collectNodes(attribute.value, nodes);
     return nodes;
   }
   for (std::string_view name : kLists) {
     for (const HLSimAttribute& attribute : node.attributes) {
-      if (attribute.name == name) collectNodes(attribute.item, nodes);
+      if (attribute.name == name) collectNodes(attribute.value, nodes);
     }
   }
   for (const HLSimAttribute& attribute : node.attributes) {
-    if (!isListName(attribute.name)) collectNodes(attribute.item, nodes);
+    if (!isListName(attribute.name)) collectNodes(attribute.value, nodes);
   }
   return nodes;
 }
@@ -54,10 +54,10 @@ const HLSimAttribute* findAttribute(const HLSimNode& node, std::string_view name
 // The list that an added member goes to: the last one of that name, since the one of the short key stands last.
 Items& listToExtend(HLSimNode& node, const std::string& name) {
   for (auto attribute = node.attributes.rbegin(); attribute != node.attributes.rend(); ++attribute) {
-    Items* list = attribute->name == name ? std::get_if<Items>(&attribute->item) : nullptr;
+    Items* list = attribute->name == name ? std::get_if<Items>(&attribute->value) : nullptr;
     if (list != nullptr) return *list;
   }
-  return std::get<Items>(node.attributes.emplace_back(HLSimAttribute{name, Items()}).item);
+  return std::get<Items>(node.attributes.emplace_back(HLSimAttribute{name, Items()}).value);
 }
 
 HLAXError codeFor(const std::vector<std::pair<std::string, HLAXError>>& codes, std::string_view name) {
@@ -101,17 +101,17 @@ void HLSimWorld::advanceTo(HLMicroseconds now) {
 }
 
 void HLSimWorld::apply(const HLSceneEvent& event, HLMicroseconds now) {
-  if (const auto* addition = std::get_if<HLSceneAdd>(&event)) add(*addition);
-  if (const auto* removal = std::get_if<HLSceneRemove>(&event)) remove(removal->element);
-  if (const auto* change = std::get_if<HLSceneSet>(&event)) set(*change);
-  if (const auto* change = std::get_if<HLSceneSetActions>(&event)) {
-    if (HLSimNode* node = living(change->element)) node->actions = change->actions;
-  }
-  if (const auto* notification = std::get_if<HLSceneNotify>(&event)) notify(*notification, now);
-  if (const auto* start = std::get_if<HLSceneLaunch>(&event)) launch(*start->application, now);
-  if (const auto* quit = std::get_if<HLSceneQuit>(&event)) kill(applicationWithPid(quit->pid), now);
-  if (const auto* trust = std::get_if<HLSceneTrust>(&event)) trusted_ = trust->trusted;
-  if (const auto* user = std::get_if<HLSceneUserEvent>(&event)) userEvent_(*user, now);
+  const HLVisitor apply = {
+      [&](const HLSceneUserEvent& user) { userEvent_(user, now); },
+      [&](const HLSceneAdd& addition) { add(addition); },
+      [&](const HLSceneRemove& removal) { remove(removal.element); },
+      [&](const HLSceneSet& change) { set(change); },
+      [&](const HLSceneNotify& notification) { notify(notification, now); },
+      [&](const HLSceneLaunch& start) { launch(*start.application, now); },
+      [&](const HLSceneQuit& quit) { kill(applicationWithPid(quit.pid), now); },
+      [&](const HLSceneTrust& trust) { trusted_ = trust.trusted; },
+  };
+  std::visit(apply, event);
 }
 
 // Applications
@@ -209,17 +209,20 @@ void HLSimWorld::fillNewNodes() {
 }
 
 HLSimItem HLSimWorld::itemFrom(const HLSceneValue& value, HLSimApplication& application, HLSimNode* owner) {
-  if (const auto* plain = std::get_if<HLValue>(&value)) return *plain;
-  if (const auto* reference = std::get_if<HLSceneReference>(&value)) return *reference;
-  if (const auto* element = std::get_if<const HLSceneElement*>(&value)) return makeNode(*element, application, owner);
-  Items items;
-  for (const HLSceneValue& member : std::get<std::vector<HLSceneValue>>(value)) {
-    items.push_back(itemFrom(member, application, owner));
-  }
-  return items;
+  const HLVisitor convert = {
+      [](const HLValue& plain) { return HLSimItem(plain); },
+      [](const HLSceneReference& reference) { return HLSimItem(reference); },
+      [&](const HLSceneElement* element) { return HLSimItem(makeNode(element, application, owner)); },
+      [&](const std::vector<HLSceneValue>& members) {
+        Items items;
+        for (const HLSceneValue& member : members) items.push_back(itemFrom(member, application, owner));
+        return HLSimItem(std::move(items));
+      },
+  };
+  return std::visit(convert, static_cast<const HLSceneValue::Base&>(value));
 }
 
-HLSimNode* HLSimWorld::living(HLSceneId id) {
+HLSimNode* HLSimWorld::liveNode(HLSceneId id) {
   HLSimNode* node = newest_[static_cast<std::size_t>(id)];
   return node == nullptr || isGone(*node) ? nullptr : node;
 }
@@ -227,7 +230,7 @@ HLSimNode* HLSimWorld::living(HLSceneId id) {
 void HLSimWorld::add(const HLSceneAdd& event) {
   HLSimNode* target = nullptr;
   if (const auto* id = std::get_if<HLSceneId>(&event.to)) {
-    target = living(*id);
+    target = liveNode(*id);
   } else {
     HLSimApplication& application = applicationWithPid(std::get<HLScenePid>(event.to).pid);
     if (!application.record.terminated) target = application.root;
@@ -241,12 +244,12 @@ void HLSimWorld::add(const HLSceneAdd& event) {
 }
 
 void HLSimWorld::remove(HLSceneId id) {
-  HLSimNode* node = living(id);
+  HLSimNode* node = liveNode(id);
   if (node == nullptr) return;
   removeTree(*node);
   if (node->owner == nullptr) return;
   for (HLSimAttribute& attribute : node->owner->attributes) {
-    Items* list = std::get_if<Items>(&attribute.item);
+    Items* list = std::get_if<Items>(&attribute.value);
     if (list == nullptr) continue;
     std::erase_if(*list, [node](const HLSimItem& item) {
       HLSimNode* const* member = std::get_if<HLSimNode*>(&item);
@@ -261,17 +264,26 @@ void HLSimWorld::removeTree(HLSimNode& node) {
     HLSimNode* next = left.back();
     left.pop_back();
     next->removed = true;
-    for (const HLSimAttribute& attribute : next->attributes) collectNodes(attribute.item, left);
+    for (const HLSimAttribute& attribute : next->attributes) collectNodes(attribute.value, left);
   }
 }
 
 void HLSimWorld::set(const HLSceneSet& event) {
-  HLSimNode* node = living(event.element);
+  HLSimNode* node = liveNode(event.element);
   if (node == nullptr) return;
-  std::erase_if(node->attributes, [&event](const HLSimAttribute& old) { return old.name == event.attribute; });
-  if (!event.value) return;
-  node->attributes.push_back({event.attribute, itemFrom(*event.value, *node->application, node)});
-  fillNewNodes();
+  const auto removeOld = [&] {
+    std::erase_if(node->attributes, [&event](const HLSimAttribute& old) { return old.name == event.attribute; });
+  };
+  const HLVisitor change = {
+      [&](std::monostate) { removeOld(); },
+      [&](const HLSceneValue& value) {
+        removeOld();
+        node->attributes.push_back({event.attribute, itemFrom(value, *node->application, node)});
+        fillNewNodes();
+      },
+      [&](const std::vector<std::string>& actions) { node->actions = actions; },
+  };
+  std::visit(change, event.value);
 }
 
 bool HLSimWorld::isGone(const HLSimNode& node) const { return node.removed || node.application->record.terminated; }
@@ -318,22 +330,26 @@ HLElementRef HLSimWorld::handle(HLSimNode& node) {
   return node.handle;
 }
 
-// Nothing for an element that has gone, in a list.
+// nullopt for an element that was never there and, in a list, for one that has gone.
 std::optional<HLValue> HLSimWorld::valueOf(const HLSimItem& item, bool inList) {
-  if (const auto* plain = std::get_if<HLValue>(&item)) return *plain;
-  if (const Items* list = std::get_if<Items>(&item)) {
-    HLArray array;
-    array.reserve(list->size());
-    for (const HLSimItem& member : *list) {
-      if (std::optional<HLValue> value = valueOf(member, true)) array.push_back(*std::move(value));
-    }
-    return array;
-  }
-  const auto* reference = std::get_if<HLSceneReference>(&item);
-  HLSimNode* node =
-      reference != nullptr ? newest_[static_cast<std::size_t>(reference->id)] : std::get<HLSimNode*>(item);
-  if (node == nullptr || (inList && isGone(*node))) return std::nullopt;
-  return handle(*node);
+  using Found = std::optional<HLValue>;
+  const auto element = [&](HLSimNode* node) {
+    return node == nullptr || (inList && isGone(*node)) ? Found() : Found(handle(*node));
+  };
+  const HLVisitor read = {
+      [](const HLValue& plain) { return Found(plain); },
+      [&](const HLSceneReference& reference) { return element(newest_[static_cast<std::size_t>(reference.id)]); },
+      element,
+      [&](const Items& list) {
+        HLArray array;
+        array.reserve(list.size());
+        for (const HLSimItem& member : list) {
+          if (Found value = valueOf(member, true)) array.push_back(*std::move(value));
+        }
+        return Found(std::move(array));
+      },
+  };
+  return std::visit(read, static_cast<const HLSimItem::Base&>(item));
 }
 
 HLAttribute HLSimWorld::read(HLSimNode& node, std::string_view name) {
@@ -343,7 +359,7 @@ HLAttribute HLSimWorld::read(HLSimNode& node, std::string_view name) {
   if (attribute == nullptr) return {HLAXErrorNoValue, {}};
   const HLAXError error = node.origin == nullptr ? HLAXErrorSuccess : codeFor(node.origin->errors, name);
   if (error != HLAXErrorSuccess) return {error, {}};
-  std::optional<HLValue> value = valueOf(attribute->item, false);
+  std::optional<HLValue> value = valueOf(attribute->value, false);
   if (!value) return {HLAXErrorNoValue, {}};
   return {HLAXErrorSuccess, *std::move(value)};
 }

@@ -20,24 +20,17 @@
 
 struct HLSimApplication;
 struct HLSimNode;
-
-struct HLSimItem : std::variant<HLValue, HLSceneReference, HLSimNode*, std::vector<HLSimItem>> {
-  using variant::variant;
-};
-
-struct HLSimAttribute {
-  std::string name;
-  HLSimItem item;
-};
+using HLSimItem = HLValueOf<HLSimNode>;
+using HLSimAttribute = HLAttributeOf<HLSimNode>;
 
 struct HLSimNode {
   const HLSceneElement* origin = nullptr;  // a process's root has none
   HLSimApplication* application = nullptr;
-  HLSimNode* owner = nullptr;              // kept when the node goes
+  HLSimNode* owner = nullptr;              // stays set after removal
   std::vector<HLSimAttribute> attributes;  // of two with one name the first counts
   std::vector<std::string> actions;
   bool removed = false;
-  HLElementRef handle;  // the one and only, once it is made
+  HLElementRef handle;  // nullptr until first used, and with fresh handles
 };
 
 struct HLSimApplication {
@@ -46,7 +39,7 @@ struct HLSimApplication {
   HLSimNode* root = nullptr;
 };
 
-// What an observer has asked for. Shared by the observer and what waits to be delivered to it.
+// The registrations of an observer, shared with its pending notifications.
 struct HLSimRegistrations {
   HLSimApplication* application = nullptr;
   std::vector<std::pair<std::string, const HLSimNode*>> names;
@@ -80,7 +73,7 @@ class HLSimWorld {
 
   // Applications.
   [[nodiscard]] std::vector<HLRunningApplication> applications() const;
-  // The living one of several with one pid; any process can be asked for.
+  // Prefers the live one of several with this pid. A pid of no application gets a terminated process.
   [[nodiscard]] HLSimApplication& applicationWithPid(std::int32_t pid);
   [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) const;
   void sendSignal(std::int32_t pid, int signal, HLMicroseconds now);
@@ -93,7 +86,7 @@ class HLSimWorld {
   [[nodiscard]] HLActionList actionNames(const HLSimNode& node) const;
   struct Answer {
     HLAXError code = HLAXErrorSuccess;
-    HLMicroseconds at = 0;  // when the call returns
+    HLMicroseconds at = 0;  // the time at which the call returns
   };
   [[nodiscard]] Answer perform(const HLSimNode& node, std::string_view action, HLMicroseconds now);
   [[nodiscard]] bool isGone(const HLSimNode& node) const;
@@ -105,11 +98,11 @@ class HLSimWorld {
                                              std::string_view name);
   [[nodiscard]] std::vector<std::shared_ptr<const HLSimRegistrations>> observers() const;
 
-  // What tests and records look at.
+  // For tests and records.
   [[nodiscard]] HLSimNode* newest(std::string_view id);
   [[nodiscard]] const std::vector<HLSimulatedAction>& actions() const { return actions_; }
   [[nodiscard]] std::vector<std::string> presentElements() const;
-  // The windows of all living applications, in order, and what a node holds. References are not followed.
+  // The windows of all live applications, in order, and the nodes that a node contains. References are not followed.
   [[nodiscard]] std::vector<HLSimNode*> windows() const;
   [[nodiscard]] std::vector<HLSimNode*> members(const HLSimNode& node) const;
 
@@ -123,7 +116,7 @@ class HLSimWorld {
   void launch(const HLSceneApplication& application, HLMicroseconds now);
   void kill(HLSimApplication& application, HLMicroseconds now);
 
-  [[nodiscard]] HLSimNode* living(HLSceneId id);
+  [[nodiscard]] HLSimNode* liveNode(HLSceneId id);
   [[nodiscard]] HLSimItem itemFrom(const HLSceneValue& value, HLSimApplication& application, HLSimNode* owner);
   [[nodiscard]] HLSimNode* makeNode(const HLSceneElement* element, HLSimApplication& application, HLSimNode* owner);
   void fillNewNodes();
@@ -137,7 +130,7 @@ class HLSimWorld {
   UserEvent userEvent_;
   bool trusted_ = true;
   std::deque<HLSimNode> nodes_;
-  std::deque<HLSimApplication> processes_;  // every one there ever was
+  std::deque<HLSimApplication> processes_;  // exited ones included
   std::vector<HLSimApplication*> listed_;   // in the platform's order
   std::vector<HLSimNode*> newest_;          // by id
   std::vector<HLSimNode*> unfilled_;

@@ -1,4 +1,4 @@
-// A scene as plain data: a simulated desktop before its first moment, and what will happen on it.
+// A scene as values: a simulated desktop at its start, and the events to come. scene_keys.h says how they are written.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,15 @@
 #include "platform/due_queue.h"
 #include "platform/value.h"
 
-// An id of the scene: its place in HLScene::ids.
+// For std::visit: one function per alternative, so that a missing one does not compile.
+template <class... Functions>
+struct HLVisitor : Functions... {
+  using Functions::operator()...;
+};
+template <class... Functions>
+HLVisitor(Functions...) -> HLVisitor<Functions...>;
+
+// An id of the scene: an index of HLScene::ids.
 using HLSceneId = std::int32_t;
 
 // A process of the scene.
@@ -28,24 +36,28 @@ struct HLScenePid {
 struct HLSceneElement;
 struct HLSceneApplication;
 
-// What an attribute holds, or a member of a list.
 struct HLSceneReference {
   HLSceneId id = -1;
 };
-struct HLSceneValue : std::variant<HLValue, HLSceneReference, const HLSceneElement*, std::vector<HLSceneValue>> {
-  using variant::variant;
-};
 
-struct HLSceneAttribute {
-  std::string name;
-  HLSceneValue value;
+// The value of an attribute or a member of a list. `Element` is an element of the scene or of the live desktop.
+template <class Element>
+struct HLValueOf : std::variant<HLValue, HLSceneReference, Element*, std::vector<HLValueOf<Element>>> {
+  using Base = std::variant<HLValue, HLSceneReference, Element*, std::vector<HLValueOf<Element>>>;
+  using Base::Base;
 };
+template <class Element>
+struct HLAttributeOf {
+  std::string name;
+  HLValueOf<Element> value;
+};
+using HLSceneValue = HLValueOf<const HLSceneElement>;
+using HLSceneAttribute = HLAttributeOf<const HLSceneElement>;
 
 struct HLSceneAdd {
   std::vector<HLSceneValue> members;
-  std::string list;  // the attribute's name
-  // The element whose list it is, or a process, for its windows.
-  std::variant<HLSceneId, HLScenePid> to;
+  std::string list = "AXChildren";
+  std::variant<HLSceneId, HLScenePid> to;  // the owner of the list
   bool first = false;
 };
 struct HLSceneRemove {
@@ -54,11 +66,8 @@ struct HLSceneRemove {
 struct HLSceneSet {
   HLSceneId element = -1;
   std::string attribute;
-  std::optional<HLSceneValue> value;  // nothing takes the attribute away
-};
-struct HLSceneSetActions {
-  HLSceneId element = -1;
-  std::vector<std::string> actions;
+  // monostate removes the attribute; strings replace the action names.
+  std::variant<std::monostate, HLSceneValue, std::vector<std::string>> value;
 };
 struct HLSceneNotify {
   std::string notification;
@@ -73,9 +82,9 @@ struct HLSceneQuit {
 struct HLSceneTrust {
   bool trusted = false;
 };
-// What a user does to this program's own interface. Modifiers are HLModifier... of platform/events.h.
+// What a user does in this program's own interface. Modifiers are those of platform/application/events.h.
 struct HLSceneClick {
-  std::optional<HLEvent> event;  // nothing: its action is sent without one
+  std::optional<HLEvent> event;  // nullopt sends the action without an event
 };
 struct HLSceneChoose {
   std::string item;
@@ -102,21 +111,19 @@ struct HLSceneTerminate {};
 using HLSceneUserEvent = std::variant<HLSceneClick, HLSceneChoose, HLSceneOpenMenu, HLSceneShortcut, HLSceneHotKey,
                                       HLKeyEvent, HLScenePress, HLSceneCloseWindow, HLSceneDump, HLSceneTerminate>;
 
-using HLSceneEvent = std::variant<HLSceneAdd, HLSceneRemove, HLSceneSet, HLSceneSetActions, HLSceneNotify,
-                                  HLSceneLaunch, HLSceneQuit, HLSceneTrust, HLSceneUserEvent>;
+using HLSceneEvent = std::variant<HLSceneUserEvent, HLSceneAdd, HLSceneRemove, HLSceneSet, HLSceneNotify, HLSceneLaunch,
+                                  HLSceneQuit, HLSceneTrust>;
 
-// What performing an action does. Times are in seconds.
 struct HLSceneReaction {
   HLAXError error = HLAXErrorSuccess;
-  double seconds = 0;  // how long the call takes
-  double after = 0;    // from its end to the effects
+  double seconds = 0;
+  double after = 0;
   std::vector<HLSceneEvent> effects;
 };
 
 struct HLSceneElement {
   std::optional<HLSceneId> id;
-  // Those written under "attributes" first: of two with one name the first counts.
-  std::vector<HLSceneAttribute> attributes;
+  std::vector<HLSceneAttribute> attributes;  // of two with one name the first counts
   std::vector<std::string> actions;
   std::vector<std::pair<std::string, HLAXError>> errors;           // by attribute, or "actions"
   std::vector<std::pair<std::string, HLSceneReaction>> reactions;  // by action
@@ -125,7 +132,7 @@ struct HLSceneElement {
 };
 
 struct HLSceneRelaunch {
-  double after = 0;  // seconds
+  double after = 0;
   const HLSceneApplication* application = nullptr;
 };
 
@@ -133,9 +140,9 @@ struct HLSceneApplication {
   std::int32_t pid = 0;
   std::optional<std::string> bundleIdentifier;
   std::optional<std::string> name;
-  std::optional<std::vector<HLSceneValue>> windows;  // nothing makes the attribute fail
+  std::optional<std::vector<HLSceneValue>> windows = std::vector<HLSceneValue>();  // nullopt: reading them fails
   bool terminated = false;
-  double lingers = 0;  // seconds
+  double lingers = 0;
   bool ignoresTerminate = false;
   std::optional<HLSceneRelaunch> relaunch;
   bool elementFails = false;
@@ -155,7 +162,7 @@ struct HLSceneBundle {
   HLDictionary info;
 };
 
-// Where applications keep their state: as the environment says, nowhere, or a directory.
+// The directory for application state: from the environment, none, or a path.
 struct HLSceneFromEnvironment {};
 using HLSceneApplicationSupport = std::variant<HLSceneFromEnvironment, std::monostate, std::string>;
 
@@ -182,13 +189,13 @@ struct HLSceneLoginItem {
 
 struct HLSceneHTTPAnswer {
   std::string path;
-  HLHTTPAnswer answer;
+  HLHTTPAnswer answer = {200, ""};
   double seconds = 0;
 };
 
 struct HLSceneServices {
   bool grantOnPrompt = false;
-  std::optional<std::vector<std::string>> opens;  // prefixes of addresses; nothing for all
+  std::optional<std::vector<std::string>> opens;  // nullopt: all addresses
   std::vector<HLSceneRefusedHotKey> refusedHotKeys;
   HLSceneLoginItem loginItem;
   HLSceneUserNotifications userNotifications;
@@ -198,7 +205,7 @@ struct HLSceneServices {
 
 struct HLScene {
   std::string name;  // of its file
-  // Elements and applications, those included that are yet to come; the pointers between them point here.
+  // Owns all elements and applications, those of later events included.
   std::deque<HLSceneElement> elements;
   std::deque<HLSceneApplication> allApplications;
   std::vector<std::string> ids;
@@ -217,6 +224,6 @@ struct HLScene {
   std::vector<HLSceneTimelineEvent> timeline;  // as written
   std::optional<std::string> record;
 
-  // The first process identifier from there on that no application of the scene has.
+  // The first process identifier from `first` on that no application of the scene has.
   [[nodiscard]] std::int32_t unusedPid(std::int32_t first) const;
 };

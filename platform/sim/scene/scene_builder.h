@@ -1,6 +1,7 @@
-// Reading what a desktop is made of: applications, elements, events.
+// Reads the objects of a scene by their tables, and gives ids their numbers.
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <string>
@@ -8,20 +9,47 @@
 #include <vector>
 
 #include "platform/sim/scene/scene.h"
+#include "platform/sim/scene/scene_keys.h"
 #include "platform/sim/scene/scene_source.h"
 
-class HLSceneBuilder {
+class HLSceneBuilder : public HLSceneSource {
  public:
-  HLSceneBuilder(HLSceneSource& source, HLScene& scene) : source_(source), scene_(scene) {}
+  HLSceneBuilder(const HLJson& document, HLScene& scene) : HLSceneSource(document), scene_(scene) {}
+
+  // Reads the whole document. On a mistake error() is set and the scene is of no use.
+  void read();
+
+  // For the types of the tables:
+
+  template <class Object>
+  void readObject(const HLSceneSpot& spot, Object& object) {
+    expectKeys(spot, HLKeysOf(&object));
+    readKeys(spot, HLKeysOf(&object), object);
+  }
+  // Fails unless the spot has an object with no other keys than these.
+  template <class Object>
+  void expectKeys(const HLSceneSpot& spot, HLSceneKeys<Object> keys, std::string_view further = "") {
+    expectObject(spot, [&](std::string_view name) {
+      const auto isNamed = [name](const HLSceneKey<Object>& key) { return key.key == name; };
+      return std::any_of(keys.begin(), keys.end(), isNamed) || (!further.empty() && name == further);
+    });
+  }
 
   [[nodiscard]] const HLSceneApplication* application(const HLSceneSpot& spot);
+  [[nodiscard]] std::vector<const HLSceneApplication*> applications(const HLSceneSpot& spot);
+  [[nodiscard]] HLSceneRelaunch relaunch(const HLSceneSpot& spot);
   [[nodiscard]] HLSceneTimelineEvent timelineEvent(const HLSceneSpot& spot);
-
-  // Reads the elements that the calls above have met, and checks that every reference leads to an element.
-  void finish();
+  [[nodiscard]] std::vector<HLSceneEvent> effects(const HLSceneSpot& spot);
+  [[nodiscard]] std::vector<HLSceneValue> memberList(const HLSceneSpot& spot);
+  // Appends the member to `list`, a repeated one with all its repetitions.
+  void member(const HLSceneSpot& spot, std::vector<HLSceneValue>& list);
+  [[nodiscard]] HLSceneValue attributeValue(const HLSceneSpot& spot, int depth = 0);
+  [[nodiscard]] std::vector<std::pair<std::string, HLAXError>> errorCodes(const HLSceneSpot& spot);
+  [[nodiscard]] HLSceneId reference(const HLSceneSpot& spot);
+  [[nodiscard]] HLSceneId definition(const HLSceneSpot& spot);
 
  private:
-  // An element that is known to be there and is still to be read. Nesting costs no stack this way.
+  // An element that was met and is read later, so that nesting costs no stack.
   struct Pending {
     HLSceneSpot spot;
     HLSceneElement* element = nullptr;
@@ -33,28 +61,22 @@ class HLSceneBuilder {
     HLSceneSpot firstUse;
   };
 
-  void readPending();
-  void readElement(const HLSceneSpot& spot, HLSceneElement& element);
-  void readAttributes(const HLSceneSpot& spot, HLSceneElement& element);
+  template <class Object>
+  void readKeys(const HLSceneSpot& spot, HLSceneKeys<Object> keys, Object& object) {
+    for (const HLSceneKey<Object>& key : keys) {
+      if (failed()) return;
+      if (key.type.read == nullptr) continue;  // read elsewhere
+      const std::optional<HLSceneSpot> found = key.isRequired() ? require(spot, key.key) : find(spot, key.key);
+      if (found) key.type.read(*this, *found, object);
+    }
+  }
+
+  [[nodiscard]] HLSceneEvent event(const HLSceneSpot& spot, std::string_view further);
   [[nodiscard]] HLSceneElement* promiseElement(const HLSceneSpot& spot, std::optional<std::int64_t> repetition);
-  // The members of a list that one of the scene's stands for.
-  void readMember(const HLSceneSpot& spot, std::vector<HLSceneValue>& list);
-  [[nodiscard]] std::vector<HLSceneValue> memberList(const HLSceneSpot& spot);
-  [[nodiscard]] HLSceneValue attributeValue(const HLSceneSpot& spot, int depth = 0);
-  [[nodiscard]] HLSceneReaction reaction(const HLSceneSpot& spot);
-  [[nodiscard]] std::vector<std::pair<std::string, HLAXError>> errorCodes(const HLSceneSpot& spot);
-
-  // The event that the spot holds; a timeline's has a moment too.
-  [[nodiscard]] HLSceneEvent event(const HLSceneSpot& spot, bool ofTimeline);
-  [[nodiscard]] HLSceneAdd addEvent(const HLSceneSpot& spot);
-  [[nodiscard]] HLSceneEvent setEvent(const HLSceneSpot& spot);
-  void expectKeys(const HLSceneSpot& spot, bool ofTimeline, const std::vector<std::string_view>& keys);
-
-  [[nodiscard]] HLSceneId reference(const HLSceneSpot& spot);
-  [[nodiscard]] HLSceneId definition(const HLSceneSpot& spot);
+  void readPending();
+  void checkReferences();
   [[nodiscard]] Id& identity(const std::string& name, const HLSceneSpot& spot);
 
-  HLSceneSource& source_;
   HLScene& scene_;
   std::map<std::string, Id> ids_;
   std::vector<const std::string*> usedIds_;  // in the order in which they were met

@@ -1,4 +1,4 @@
-// From a scene's text to a scene.
+// Reads a scene from its text.
 #pragma once
 
 #include <memory>
@@ -8,10 +8,10 @@
 
 #include "platform/sim/scene/scene.h"
 
-// The scene, or in one line what is wrong with it and where: "NAME: applications[0].windows[1].frame: expected four
-// numbers". Nothing is half read.
+// Returns the scene, or one line with its first mistake: "NAME: applications[0].windows[1].frame: expected four
+// numbers".
 [[nodiscard]] std::variant<std::unique_ptr<const HLScene>, std::string> HLReadScene(std::string_view text,
                                                                                     const std::string& name);
 
-// One line, whatever names, titles and keys the scene uses.
+// Escapes control characters, so that the text is one line.
 [[nodiscard]] std::string HLOneLine(std::string_view text);

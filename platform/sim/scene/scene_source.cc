@@ -64,14 +64,6 @@ HLSceneSpot HLSceneSource::below(const HLSceneSpot& parent, const HLJson& json, 
   return {&json, &places_.emplace_back(HLScenePlace{parent.place, key, 0})};
 }
 
-void HLSceneSource::expectObject(const HLSceneSpot& spot, std::initializer_list<std::string_view> keys) {
-  if (!spot.json->is_object()) return fail(spot, "expected an object");
-  for (auto entry = spot.json->begin(); entry != spot.json->end(); ++entry) {
-    const bool known = std::find(keys.begin(), keys.end(), entry.key()) != keys.end();
-    if (!known) return fail(below(spot, *entry, entry.key()), "unknown key");
-  }
-}
-
 std::optional<HLSceneSpot> HLSceneSource::find(const HLSceneSpot& object, std::string_view key) {
   if (!object.json->is_object()) return std::nullopt;
   for (auto entry = object.json->begin(); entry != object.json->end(); ++entry) {
@@ -119,16 +111,17 @@ std::string HLSceneSource::string(const HLSceneSpot& spot) {
   return {};
 }
 
+std::optional<std::string> HLSceneSource::stringOrNull(const HLSceneSpot& spot) {
+  if (spot.json->is_null()) return std::nullopt;
+  if (spot.json->is_string()) return string(spot);
+  fail(spot, "expected a string or null");
+  return "";
+}
+
 bool HLSceneSource::boolean(const HLSceneSpot& spot) {
   if (spot.json->is_boolean()) return spot.json->get<bool>();
   fail(spot, "expected true or false");
   return false;
-}
-
-double HLSceneSource::number(const HLSceneSpot& spot) {
-  if (spot.json->is_number()) return spot.json->get<double>();
-  fail(spot, "expected a number");
-  return 0;
 }
 
 double HLSceneSource::seconds(const HLSceneSpot& spot) {
@@ -178,9 +171,7 @@ std::vector<double> HLSceneSource::numbers(const HLSceneSpot& spot, std::size_t 
   return found;
 }
 
-std::string HLSceneSource::word(const HLSceneSpot& spot, std::initializer_list<std::string_view> words) {
-  const std::string found = spot.json->is_string() ? string(spot) : "";
-  if (spot.json->is_string() && std::find(words.begin(), words.end(), found) != words.end()) return found;
+void HLSceneSource::failChoice(const HLSceneSpot& spot, const std::vector<std::string_view>& words) {
   std::string expectation = "expected ";
   std::size_t left = words.size();
   for (std::string_view known : words) {
@@ -188,10 +179,9 @@ std::string HLSceneSource::word(const HLSceneSpot& spot, std::initializer_list<s
     expectation += "\"" + std::string(known) + "\"" + (left > 1 ? ", " : left == 1 ? " or " : "");
   }
   fail(spot, expectation);
-  return found;
 }
 
-HLValue HLSceneSource::value(const HLSceneSpot& spot, int depth) {
+HLValue HLSceneSource::nestedValue(const HLSceneSpot& spot, int depth) {
   const HLJson& json = *spot.json;
   if (depth > kDeepestValue) {
     fail(spot, "nested too deeply");
@@ -200,10 +190,10 @@ HLValue HLSceneSource::value(const HLSceneSpot& spot, int depth) {
   if (json.is_null()) return {};
   if (json.is_boolean()) return json.get<bool>();
   if (json.is_string()) return string(spot);
-  if (json.is_object()) return dictionary(spot, depth);
+  if (json.is_object()) return nestedDictionary(spot, depth);
   if (json.is_array()) {
     HLArray array;
-    for (const HLSceneSpot& member : members(spot)) array.push_back(value(member, depth + 1));
+    for (const HLSceneSpot& member : members(spot)) array.push_back(nestedValue(member, depth + 1));
     return array;
   }
   const bool fits = !json.is_number_unsigned() ||
@@ -212,12 +202,12 @@ HLValue HLSceneSource::value(const HLSceneSpot& spot, int depth) {
   return json.get<double>();
 }
 
-HLDictionary HLSceneSource::dictionary(const HLSceneSpot& spot, int depth) {
+HLDictionary HLSceneSource::nestedDictionary(const HLSceneSpot& spot, int depth) {
   HLDictionary dictionary;
   for (const HLSceneSpot& entry : entries(spot)) {
     std::string key = keyText(entry);
     if (HLDictionaryValue(dictionary, key) != nullptr) fail(entry, "this key is given twice");
-    dictionary.push_back({std::move(key), value(entry, depth + 1)});
+    dictionary.push_back({std::move(key), nestedValue(entry, depth + 1)});
   }
   return dictionary;
 }

@@ -1,9 +1,9 @@
-// Typed reading of a scene's document that knows at every moment where in it it is.
+// Typed reading of a scene's document. Errors name the place in it.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,7 +12,7 @@
 #include "platform/sim/scene/scene_json.h"
 #include "platform/value.h"
 
-// Where something stands: below its parent under a key, or as a member of a list.
+// A place in the document: below its parent, under a key or at an index.
 struct HLScenePlace {
   const HLScenePlace* parent = nullptr;
   std::optional<std::string_view> key;
@@ -27,7 +27,14 @@ struct HLSceneSpot {
 
 inline constexpr std::int64_t HLLargestPid = 2147483647;
 
-// The first mistake is kept; what is read after it is of no use, but harmless, so that nobody has to ask in between.
+// A word of the document and its meaning.
+template <class Meaning>
+struct HLSceneWord {
+  std::string_view word;
+  Meaning meaning;
+};
+
+// Keeps the first error. Reading on after an error is harmless and useless, so callers need not check after each call.
 class HLSceneSource {
  public:
   explicit HLSceneSource(const HLJson& document);
@@ -35,50 +42,70 @@ class HLSceneSource {
   [[nodiscard]] HLSceneSpot root() const { return root_; }
   void fail(const HLSceneSpot& spot, std::string_view what);
   [[nodiscard]] bool failed() const { return error_.has_value(); }
-  // "PLACE: what".
+  // "PLACE: what"; nullopt if the document is right so far.
   [[nodiscard]] const std::optional<std::string>& error() const { return error_; }
 
-  // In every text that is read, "{n}" stands for this number while there is one.
+  // Replaces "{n}" by `number` in every text and key that is read from now on; nullopt stops that.
   void setRepetition(std::optional<std::int64_t> number) { repetition_ = number; }
   [[nodiscard]] std::optional<std::int64_t> repetition() const { return repetition_; }
 
-  // Repetition makes large scenes of small documents; fails once this one is larger than memory should be asked for.
-  // What is read by the calls below counts by itself.
+  // Repetition makes large scenes of small documents, so reading fails above a limit. The calls below count what they
+  // read; elements are counted here.
   void countElement(const HLSceneSpot& spot) { count(spot, 1, 0); }
 
-  // Fails unless the spot holds an object with no other keys than these.
-  void expectObject(const HLSceneSpot& spot, std::initializer_list<std::string_view> keys);
+  // Fails unless the spot has an object and isKnown() accepts its keys.
+  template <class IsKnown>
+  void expectObject(const HLSceneSpot& spot, const IsKnown& isKnown) {
+    if (!spot.json->is_object()) return fail(spot, "expected an object");
+    for (auto entry = spot.json->begin(); entry != spot.json->end(); ++entry) {
+      if (!isKnown(entry.key())) return fail(below(spot, *entry, entry.key()), "unknown key");
+    }
+  }
+  // nullopt if the key is missing.
   [[nodiscard]] std::optional<HLSceneSpot> find(const HLSceneSpot& object, std::string_view key);
-  // The same, failing where the key is missing; what is then returned holds null.
+  // Fails, and returns a spot with null, if the key is missing.
   [[nodiscard]] HLSceneSpot require(const HLSceneSpot& object, std::string_view key);
 
-  // Of an object or a list; a failure and none for anything else.
+  // The entries of an object and the members of a list. Anything else fails and has none.
   [[nodiscard]] std::vector<HLSceneSpot> entries(const HLSceneSpot& object);
   [[nodiscard]] std::vector<HLSceneSpot> members(const HLSceneSpot& list);
 
   [[nodiscard]] std::string string(const HLSceneSpot& spot);
+  [[nodiscard]] std::optional<std::string> stringOrNull(const HLSceneSpot& spot);
   [[nodiscard]] bool boolean(const HLSceneSpot& spot);
-  [[nodiscard]] double number(const HLSceneSpot& spot);
   [[nodiscard]] double seconds(const HLSceneSpot& spot);
   [[nodiscard]] std::int64_t integer(const HLSceneSpot& spot, std::int64_t least, std::int64_t most);
   [[nodiscard]] std::int32_t pid(const HLSceneSpot& spot);
   [[nodiscard]] std::int32_t code(const HLSceneSpot& spot);
   [[nodiscard]] std::vector<std::string> strings(const HLSceneSpot& spot);
-  // Exactly so many numbers: "expected four numbers".
+  // Exactly `count` numbers, 2 or 4.
   [[nodiscard]] std::vector<double> numbers(const HLSceneSpot& spot, std::size_t count);
-  // One of these words: "expected \"left\", \"right\" or \"none\"".
-  [[nodiscard]] std::string word(const HLSceneSpot& spot, std::initializer_list<std::string_view> words);
+  // What one of these words stands for. Fails for any other value, and returns the last.
+  template <class Meaning, std::size_t kCount>
+  [[nodiscard]] Meaning choice(const HLSceneSpot& spot, const std::array<HLSceneWord<Meaning>, kCount>& words) {
+    const std::string found = spot.json->is_string() ? string(spot) : "";
+    std::vector<std::string_view> known;
+    for (const HLSceneWord<Meaning>& word : words) {
+      if (spot.json->is_string() && word.word == found) return word.meaning;
+      known.push_back(word.word);
+    }
+    failChoice(spot, known);
+    return words.back().meaning;
+  }
 
   // Any JSON value; null is a missing one.
-  [[nodiscard]] HLValue value(const HLSceneSpot& spot, int depth = 0);
-  [[nodiscard]] HLDictionary dictionary(const HLSceneSpot& spot, int depth = 0);
+  [[nodiscard]] HLValue value(const HLSceneSpot& spot) { return nestedValue(spot, 0); }
+  [[nodiscard]] HLDictionary dictionary(const HLSceneSpot& spot) { return nestedDictionary(spot, 0); }
 
-  // What an entry of an object is called, repetition put in.
+  // The key of an entry.
   [[nodiscard]] std::string keyText(const HLSceneSpot& entry) { return text(entry, entry.place->key.value_or("")); }
 
  private:
   [[nodiscard]] std::string text(const HLSceneSpot& spot, std::string_view written);
   void count(const HLSceneSpot& spot, std::size_t pieces, std::size_t bytes);
+  [[nodiscard]] HLValue nestedValue(const HLSceneSpot& spot, int depth);
+  [[nodiscard]] HLDictionary nestedDictionary(const HLSceneSpot& spot, int depth);
+  void failChoice(const HLSceneSpot& spot, const std::vector<std::string_view>& words);
   [[nodiscard]] HLSceneSpot below(const HLSceneSpot& parent, const HLJson& json, std::string_view key);
 
   std::deque<HLScenePlace> places_;

@@ -64,16 +64,19 @@ void HLSimMenuBarApplication::fail(const std::string& what) {
 }
 
 void HLSimMenuBarApplication::perform(const HLSceneUserEvent& event) {
-  if (const auto* it = std::get_if<HLSceneClick>(&event)) click(*it);
-  if (const auto* it = std::get_if<HLSceneChoose>(&event)) choose(it->item);
-  if (std::holds_alternative<HLSceneOpenMenu>(event)) interface_.statusItem.openMenu();
-  if (const auto* it = std::get_if<HLSceneShortcut>(&event)) shortcut(*it);
-  if (const auto* it = std::get_if<HLSceneHotKey>(&event)) interface_.hotKeys.press(it->identity);
-  if (const auto* it = std::get_if<HLKeyEvent>(&event)) key(*it);
-  if (const auto* it = std::get_if<HLScenePress>(&event)) press(*it);
-  if (const auto* it = std::get_if<HLSceneCloseWindow>(&event)) closeWindow(it->window);
-  if (const auto* it = std::get_if<HLSceneDump>(&event)) dump(it->path);
-  if (std::holds_alternative<HLSceneTerminate>(event)) terminate();
+  const HLVisitor perform = {
+      [this](const HLSceneClick& it) { click(it); },
+      [this](const HLSceneChoose& it) { choose(it.item); },
+      [this](const HLSceneOpenMenu&) { interface_.statusItem.openMenu(); },
+      [this](const HLSceneShortcut& it) { shortcut(it); },
+      [this](const HLSceneHotKey& it) { interface_.hotKeys.press(it.identity); },
+      [this](const HLKeyEvent& it) { key(it); },
+      [this](const HLScenePress& it) { press(it); },
+      [this](const HLSceneCloseWindow& it) { closeWindow(it.window); },
+      [this](const HLSceneDump& it) { dump(it.path); },
+      [this](const HLSceneTerminate&) { terminate(); },
+  };
+  std::visit(perform, event);
 }
 
 void HLSimMenuBarApplication::click(const HLSceneClick& click) {

@@ -117,7 +117,7 @@ class Canvas {
 std::string textOf(const HLSimNode& node, std::string_view attribute) {
   for (const HLSimAttribute& entry : node.attributes) {
     if (entry.name != attribute) continue;
-    const HLValue* value = std::get_if<HLValue>(&entry.item);
+    const HLValue* value = std::get_if<HLValue>(&entry.value);
     if (value == nullptr) return "";
     if (const auto* text = value->as<std::string>()) return *text;
     return HLNumberText(*value).value_or("");
@@ -129,7 +129,7 @@ template <class T>
 std::optional<T> geometryOf(const HLSimNode& node, std::string_view attribute) {
   for (const HLSimAttribute& entry : node.attributes) {
     if (entry.name != attribute) continue;
-    const HLValue* value = std::get_if<HLValue>(&entry.item);
+    const HLValue* value = std::get_if<HLValue>(&entry.value);
     const T* found = value == nullptr ? nullptr : value->as<T>();
     return found == nullptr ? std::nullopt : std::optional(*found);
   }
