@@ -43,7 +43,7 @@ class BesideADaemon : public TrustedDaemon {
   const PersonalLogTurn log_;  // where the application is of the personal flavor
 };
 
-TEST_F(BesideADaemon, ClearsNotificationsButStillWaitsForItsOwnTrustInTheSetupWindow) {
+TEST_F(BesideADaemon, ClearsWhileSetupWaits) {
   start("{}");
   const std::vector<json> dumps =
       dumpsOf(R"({"trusted": false, "timeline": [)" + DumpAt(1) + ", " + At(2, R"("choose": "Accessibility Allowed")") +
@@ -58,7 +58,7 @@ TEST_F(BesideADaemon, ClearsNotificationsButStillWaitsForItsOwnTrustInTheSetupWi
   EXPECT_EQ(dumps[2]["openedAddresses"].size(), 1U);
 }
 
-TEST_F(BesideADaemon, OpensTheSetupWindowAtLaunchThoughTheButtonSaysThatAccessIsThere) {
+TEST_F(BesideADaemon, OpensSetupAtLaunch) {
   startProduct();
   const std::vector<json> dumps = dumpsOf(std::string("{") + kProduct + R"(, "trusted": false, "timeline": [)" +
                                           DumpAt(0) + ", " + At(0, R"("terminate": true)") + "]}");
@@ -69,19 +69,19 @@ TEST_F(BesideADaemon, OpensTheSetupWindowAtLaunchThoughTheButtonSaysThatAccessIs
               testing::Contains(testing::HasSubstr(" trusted=false daemonReachable=true flavor=product ")));
 }
 
-TEST_F(BesideADaemon, AsksItOnceAtLaunchAndForEachRefreshAndEachOpeningOfTheMenu) {
+TEST_F(BesideADaemon, QueriesItAtEachRefresh) {
   start("{}");
   (void)dumpsOf(R"({"trusted": false, "timeline": [)" + At(1, R"("openMenu": true)") + "]}");
   EXPECT_EQ(questionsIn(diagnostics()), 3);
 }
 
-TEST_F(BesideADaemon, AsksItOnlyAtLaunchWhereItIsTrustedItself) {
+TEST_F(BesideADaemon, QueriesItOnceWhenTrusted) {
   start("{}");
   (void)dumpsOf(R"({"timeline": [)" + At(1, R"("openMenu": true)") + ", " + At(2, R"("click": "left")") + "]}");
   EXPECT_EQ(questionsIn(diagnostics()), 1);
 }
 
-TEST_F(BesideADaemon, IsNotAllowedInItsSettingsAndClosesNoAutomationBanners) {
+TEST_F(BesideADaemon, ClosesNoAutomationBanners) {
   start("{}");
   const std::vector<json> dumps = dumpsOf(R"({"trusted": false, "defaults": {"HLAutoCloseAutomationBanners": true},
     "applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui"}], "timeline": [)" +

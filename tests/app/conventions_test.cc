@@ -40,7 +40,7 @@ TEST(Conventions, WordTheShortcutNotes) {
   EXPECT_EQ(application.host.calls.back(), "label Add This or That, or use an F key.");
 }
 
-TEST(Conventions, FormatTheShortcutInWindowsButNotInTheLog) {
+TEST(Conventions, FormatShortcutsInWindowsOnly) {
   Application application;
   HLConventions conventions = conventionsWith(&HLConventions::icon, std::string("icon"));
   conventions.shortcutText = [](std::uint64_t modifiers, const std::optional<std::string>& label) {

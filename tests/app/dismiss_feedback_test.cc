@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(BusyTitle, IsShownByTheFlavorWithoutAnImage) {
+TEST(BusyTitle, IsEmptyBesideAnImage) {
   EXPECT_EQ(HLBusyTitle(false), "HL…");
   EXPECT_EQ(HLBusyTitle(true), "");
 }
@@ -25,7 +25,7 @@ TEST(ProgressTitle, IsTheBusyTitleBelowOne) {
   }
 }
 
-TEST(ElapsedMilliseconds, AreRoundedHalvesAwayFromZero) {
+TEST(ElapsedMilliseconds, RoundHalvesAwayFromZero) {
   EXPECT_EQ(HLElapsedMilliseconds(0.0014995), 1);
   EXPECT_EQ(HLElapsedMilliseconds(0.0015), 2);
   EXPECT_EQ(HLElapsedMilliseconds(0), 0);

@@ -12,7 +12,7 @@ namespace {
 
 using testing::IsEmpty;
 
-TEST(RequestSteps, ChangeTheButtonOnTheMainQueueAlone) {
+TEST(RequestSteps, ChangeButtonOnMainQueueOnly) {
   Request request;
   const auto shown = request.titles();
   HLReportProgress(5);
@@ -33,7 +33,7 @@ TEST(RequestSteps, LeaveTheButtonAloneAfterTheOutcome) {
   EXPECT_THAT(request.runLoop.steps, IsEmpty());
 }
 
-TEST(RequestSteps, TakeCountsFromTheMomentTheWorkIsPosted) {
+TEST(RequestSteps, AcceptCountsOnceWorkIsPosted) {
   Request request;
   request.runWork();
   request.runStep();
@@ -42,14 +42,14 @@ TEST(RequestSteps, TakeCountsFromTheMomentTheWorkIsPosted) {
   EXPECT_EQ(request.runLoop.steps.size(), 1U);
 }
 
-TEST(RequestSteps, AreNotPostedForCountsAfterTheWork) {
+TEST(RequestSteps, IgnoreCountsAfterTheWork) {
   Request request;
   request.runWork();
   HLReportProgress(5);
   EXPECT_EQ(request.runLoop.steps.size(), 1U) << "the outcome";
 }
 
-TEST(RequestSteps, AreThoseOfOneRequestAtATime) {
+TEST(RequestSteps, RunOneRequestAtATime) {
   Request request;
   const auto shown = request.titles();
   const auto logged = request.log();
@@ -61,7 +61,7 @@ TEST(RequestSteps, AreThoseOfOneRequestAtATime) {
   EXPECT_EQ(request.log().back(), "dismissNotifications skipped reason=inFlight");
 }
 
-TEST(RequestSteps, TellTheTimeFromTheClickToTheEndOfTheWorkInWholeMilliseconds) {
+TEST(RequestSteps, LogTimeFromClickToResult) {
   for (const auto& [seconds, milliseconds] : {std::pair{0.0014995, "1"}, {0.0015, "2"}}) {
     Request request;
     request.runLoop.fixedNow = seconds;
@@ -75,7 +75,7 @@ TEST(RequestSteps, TellTheTimeFromTheClickToTheEndOfTheWorkInWholeMilliseconds) 
   }
 }
 
-TEST(RequestSteps, KeepTheDelegateForTheOutcomeAndNotForACount) {
+TEST(RequestSteps, KeepDelegateForTheOutcomeOnly) {
   Request request;
   const std::weak_ptr<HLAppDelegate> delegate = request.delegate;
   request.delegate = nullptr;

@@ -36,7 +36,7 @@ std::vector<std::string> titles(const ApplicationRun& run) {
   return titles;
 }
 
-TEST(DismissRequest, IsLoggedFromItsStartToItsOutcome) {
+TEST(DismissRequest, LogsStartAndOutcome) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, R"("choose": "Dismiss Notifications")")},
                       .windows = BannerWindow({Banner("a", "Mail, One"), Banner("b", "Chat, Two")})});
@@ -50,7 +50,7 @@ TEST(DismissRequest, IsLoggedFromItsStartToItsOutcome) {
   EXPECT_THAT(run.record["present"], ElementsAre("window"));
 }
 
-TEST(DismissRequest, TellsWholeMillisecondsOfTheClock) {
+TEST(DismissRequest, LogsWholeMilliseconds) {
   // One press that takes three seconds, then 0.08 and 0.32 seconds of waiting for the screen.
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, R"("click": "left")")}, .windows = BannerWindow({slowBanner("a", 3)})});
@@ -73,7 +73,7 @@ TEST(DismissRequest, CanFollowAnotherThatHasEnded) {
               testing::StartsWith("dismissNotifications outcome status=nothing dismissed=0 remaining=0 elapsedMs="));
 }
 
-TEST(DismissRequest, EndsWhereItIsWhenTheApplicationQuits) {
+TEST(DismissRequest, EndsWhenTheApplicationQuits) {
   ApplicationScene scene = slowScene(true);
   scene.timeline = {At(1, R"("click": "left")"), At(2.5, R"("choose": "Quit Hushlet")"), DumpAt(3)};
   const ApplicationRun run = RunApplication(scene);
@@ -90,11 +90,11 @@ TEST(DismissRequest, CountsDownInTheStatusButton) {
   EXPECT_THAT(titles(RunApplication(slowScene(false))), ElementsAre("HL…", "HL 7", "HL 3", "HL"));
 }
 
-TEST(DismissRequest, KeepsTheImageOfTheProductFlavor) {
+TEST(DismissRequest, KeepsTheProductImage) {
   for (const json& dump : RunApplication(slowScene(true)).dumps) EXPECT_EQ(dump["statusItem"]["image"], "bell.slash");
 }
 
-TEST(DismissRequest, WithoutNotificationCenterOnlyLogsItsOutcome) {
+TEST(DismissRequest, OnlyLogsWithoutNotificationCenter) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, R"("click": "left")"), DumpAt(2)}, .hasNotificationCenter = false});
   EXPECT_THAT(MessagesOf(run, "dismissNotifications outcome"),

@@ -29,7 +29,7 @@ std::string titlesWith(const std::string& flavor, const std::vector<std::int64_t
   });
 }
 
-TEST(RequestTitles, ShowTheCountsFiveThreeAndNoneBetweenBusyAndIdle) {
+TEST(RequestTitles, ShowCountsBetweenBusyAndIdle) {
   EXPECT_EQ(titlesWith("personal", {5, 3, 0}), "|HL|HL…|HL 5|HL 3|HL…|HL");
   EXPECT_EQ(titlesWith("product", {5, 3, 0}), "|||5|3||");
 }

@@ -31,7 +31,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(RunningTheApplication, OpensTheSettingsWindowWhenTheProgramIsStartedAgain) {
+TEST(RunningTheApplication, OpensSettingsOnSecondStart) {
   Application application;
   std::ostringstream err;
   EXPECT_EQ(HLRunApplication(err), 7);
@@ -45,7 +45,7 @@ TEST(RunningTheApplication, OpensTheSettingsWindowWhenTheProgramIsStartedAgain) 
   EXPECT_EQ(application.host.windows.made[0].verticalMargin, 22);
 }
 
-TEST(RunningTheApplication, FailsInOneLineWhereNothingCanBeShown) {
+TEST(RunningTheApplication, FailsWithoutAHost) {
   Application application;
   application.platform.applicationPlatform = [] { return FoundHost("nowhere to show it"); };
   std::ostringstream err;
@@ -53,7 +53,7 @@ TEST(RunningTheApplication, FailsInOneLineWhereNothingCanBeShown) {
   EXPECT_EQ(err.str(), "nowhere to show it\n");
 }
 
-TEST(LaunchCalls, ComeOneAfterTheOther) {
+TEST(LaunchCalls, FollowTheLaunchSequence) {
   Application application(R"("trusted": false, "arguments": ["hushlet", "--open-settings", "--appearance-dark"])");
   application.delegate->applicationDidFinishLaunching();
   Calls& calls = application.host.calls;
@@ -65,20 +65,20 @@ TEST(LaunchCalls, ComeOneAfterTheOther) {
                           "fit height", "center", "activate", "order front", "dark appearance"));
 }
 
-TEST(LaunchCalls, OpenTheSetupWindowWhereTrustWasMissingAtTheStart) {
+TEST(LaunchCalls, OpenSetupIfUntrustedAtFirst) {
   Application application(R"("trusted": true)", "Hushlet", 1);
   application.delegate->applicationDidFinishLaunching();
   ASSERT_EQ(application.host.windows.made.size(), 1U);
   EXPECT_EQ(application.host.windows.made[0].title, "Set Up Hushlet");
 }
 
-TEST(LaunchCalls, GiveTheMenuTheApplicationsName) {
+TEST(LaunchCalls, TitleTheMenu) {
   Application application;
   application.delegate->applicationDidFinishLaunching();
   EXPECT_EQ(application.host.statusItem.installed.menu.title, "Hushlet");
 }
 
-TEST(UpdateCheckCalls, ShowTheAnswerInTheMainQueueWithTheApplicationInFront) {
+TEST(UpdateCheckCalls, ActivateThenAlertOnMainQueue) {
   Application application;
   application.delegate->checkForUpdates();
   application.desktop.platform().runLoop->runFor(0.1);
@@ -96,7 +96,7 @@ TEST(SetupWindowCalls, DescribeItsSizeAndMargins) {
   EXPECT_EQ(setup.verticalMargin, 22);
 }
 
-TEST(SetupWindowCalls, SayTheHostsOwnWayToAccessWithTheApplicationsName) {
+TEST(SetupWindowCalls, InsertTheNameIntoHostTexts) {
   Application application(R"("trusted": false)", "A%@");
   HLConventions conventions = HLMacConventions();
   conventions.accessExplanation = "%@ explains %@.";
@@ -118,7 +118,7 @@ TEST(SetupWindowCalls, MakeTheWindowOnce) {
   EXPECT_EQ(application.host.windows.made.size(), 1U);
 }
 
-TEST(SetupWindowCalls, OpenThePaneWhateverTheRequestSays) {
+TEST(SetupWindowCalls, OpenThePaneWithAccessToo) {
   Application application;
   application.delegate->openAccessibilitySettings();
   EXPECT_EQ(application.messages("requestAccessibility trusted=true").size(), 1U);
@@ -132,7 +132,7 @@ TEST(AccessibilitySettingsPane, SaysWhetherItHasOpened) {
   EXPECT_FALSE(HLOpenAccessibilitySettingsPane(unwilling.host.platform.workspace));
 }
 
-TEST(ClickCalls, OpenTheMenuOnRightMouseUpAndOnLeftMouseUpWithControl) {
+TEST(ClickCalls, OpenTheMenuOnSecondaryClicks) {
   constexpr std::uint64_t kControl = 0x40000;
   struct Click {
     HLEvent event;
@@ -165,7 +165,7 @@ std::set<std::string> filesIn(const std::string& directory) {
   return names;
 }
 
-TEST(AHostWithoutHotKeys, SaysSoInsteadOfBlamingAnotherProgram) {
+TEST(HostWithoutHotKeys, BlamesNoOtherProgram) {
   Application application;
   SpyHost& host = application.host;
   host.hotKeys.status = HLHotKeyStatus::failed;
@@ -182,7 +182,7 @@ TEST(AHostWithoutHotKeys, SaysSoInsteadOfBlamingAnotherProgram) {
   EXPECT_EQ(host.calls.back(), "label None here.");
 }
 
-TEST(AHostWithoutHotKeys, LeavesTheIconToClickInTheSetupWindow) {
+TEST(HostWithoutHotKeys, HintsAtTheIconAlone) {
   Application application;
   application.host.hotKeys.reason = "None here.";
   application.delegate->showSetupWindow();
@@ -190,7 +190,7 @@ TEST(AHostWithoutHotKeys, LeavesTheIconToClickInTheSetupWindow) {
               testing::Contains("label Allowed. Click the menu bar icon to clear notifications."));
 }
 
-TEST(Snapshots, AreNumberedFromZeroAndNamedByTitleOrNumber) {
+TEST(Snapshots, NameFilesByNumberAndTitle) {
   const TemporaryDirectory pictures;
   Application application(R"("arguments": ["hushlet", "--snapshot-windows", ")" + pictures.path() + "\"]");
   HLWindowView hidden = view("Hidden", 100, 100);
@@ -215,7 +215,7 @@ TEST(Snapshots, AreNumberedFromZeroAndNamedByTitleOrNumber) {
   EXPECT_EQ(FileContent(pictures.path() + "/00-First.png"), "the picture");
 }
 
-TEST(Snapshots, AreNumberedWithTwoDigits) {
+TEST(Snapshots, UseTwoDigits) {
   const TemporaryDirectory pictures;
   Application application(R"("arguments": ["hushlet", "--snapshot-windows", ")" + pictures.path() + "\"]");
   application.host.windows.shown.assign(11, view("W", 10, 20));
@@ -227,7 +227,7 @@ TEST(Snapshots, AreNumberedWithTwoDigits) {
   EXPECT_EQ(*files.rbegin(), "10-W.png");
 }
 
-TEST(Snapshots, InADirectoryWithoutANameAreWrittenWhereTheProgramStands) {
+TEST(Snapshots, UseCurrentDirectoryForEmptyName) {
   const TemporaryDirectory pictures;
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(pictures.path());

@@ -23,7 +23,7 @@ std::vector<std::string> menuTitles(const json& dump) {
   return titles;
 }
 
-TEST(Launch, LogsItsStepsInTheirOrder) {
+TEST(Launch, LogsStepsInOrder) {
   const ApplicationRun run = RunApplication({.timeline = {At(1, R"("terminate": true)")}});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_THAT(run.log,
@@ -33,7 +33,7 @@ TEST(Launch, LogsItsStepsInTheirOrder) {
                           "hotKey register label=⌃⌥⌘N status=0", "refreshStatusItem available=true visible=true"));
 }
 
-TEST(Launch, OfThePersonalFlavorHasNoShortcut) {
+TEST(Launch, SetsNoShortcutInPersonalFlavor) {
   const ApplicationRun run = RunApplication({.isProduct = false, .timeline = {DumpAt(0)}});
   EXPECT_THAT(run.log, testing::IsSupersetOf(std::vector<std::string>{"hotKey none"}));
   EXPECT_THAT(MessagesOf(run, "applicationDidFinishLaunching"), testing::Contains(HasSubstr(" flavor=personal ")));
@@ -47,19 +47,19 @@ TEST(Launch, WritesMissingPathsAsEmpty) {
   EXPECT_THAT(run.log.at(0), HasSubstr("bundle= executable= trusted=true"));
 }
 
-TEST(Launch, OfTheProductFlavorWithoutTrustOpensTheSetupWindow) {
+TEST(Launch, OpensSetupWithoutTrust) {
   const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}, .further = Untrusted});
   EXPECT_EQ(WindowOf(run.dumps.at(0), "Set Up Hushlet")["visible"], true);
   EXPECT_EQ(run.dumps.at(0)["statusItem"]["image"], "exclamationmark.triangle");
 }
 
-TEST(Launch, OfThePersonalFlavorNeverOpensTheSetupWindow) {
+TEST(Launch, NeverOpensSetupInPersonalFlavor) {
   const ApplicationRun run = RunApplication({.isProduct = false, .timeline = {DumpAt(0)}, .further = Untrusted});
   EXPECT_THAT(run.dumps.at(0)["windows"], IsEmpty());
   EXPECT_EQ(run.dumps.at(0)["statusItem"]["title"], "HL!");
 }
 
-TEST(Launch, WithTrustOpensNoWindow) {
+TEST(Launch, OpensNoWindowWithTrust) {
   const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}});
   EXPECT_THAT(run.dumps.at(0)["windows"], IsEmpty());
 }
@@ -72,7 +72,7 @@ TEST(LaunchSwitches, ChooseAppearanceAndSettings) {
   EXPECT_EQ(WindowOf(run.dumps.at(0), "Hushlet Settings")["visible"], true);
 }
 
-TEST(LaunchSwitches, SnapshotsAreTakenOfTheVisibleWindowsAfterASecondAndAHalf) {
+TEST(LaunchSwitches, SnapshotVisibleWindowsAfterDelay) {
   const TemporaryDirectory pictures;
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1.49, R"("choose": "Settings…")"), At(1.499, R"("closeWindow": "Set Up Hushlet")"),
@@ -84,7 +84,7 @@ TEST(LaunchSwitches, SnapshotsAreTakenOfTheVisibleWindowsAfterASecondAndAHalf) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(pictures.path()), {}), 1);
 }
 
-TEST(LaunchSwitches, SnapshotsAreNumberedInWindowOrder) {
+TEST(LaunchSwitches, NumberSnapshotsInWindowOrder) {
   const TemporaryDirectory pictures;
   const ApplicationRun run =
       RunApplication({.further = Untrusted}, {"--open-settings", "--snapshot-windows", pictures.path()});
@@ -93,14 +93,14 @@ TEST(LaunchSwitches, SnapshotsAreNumberedInWindowOrder) {
   EXPECT_TRUE(std::filesystem::exists(pictures.path() + "/01-Hushlet Settings.png"));
 }
 
-TEST(LaunchSwitches, AMissingSnapshotDirectoryIsLoggedAndNotMade) {
+TEST(LaunchSwitches, CreateNoMissingSnapshotDirectory) {
   const TemporaryDirectory home;
   const ApplicationRun run = RunApplication({}, {"--open-settings", "--snapshot-windows", home.path() + "/none"});
   EXPECT_THAT(MessagesOf(run, "snapshot"), ElementsAre("snapshot window=Hushlet Settings size=420x280 wrote=0"));
   EXPECT_FALSE(std::filesystem::exists(home.path() + "/none"));
 }
 
-TEST(LaunchSwitches, SnapshotsWithoutADirectoryAreNone) {
+TEST(LaunchSwitches, IgnoreSnapshotsWithoutADirectory) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(3, R"("terminate": true)")}}, {"--open-settings", "--snapshot-windows"});
   EXPECT_EQ(run.exitCode, 0);
@@ -123,7 +123,7 @@ TEST(StatusItem, ShowsATitleInThePersonalFlavor) {
   EXPECT_EQ(run.dumps.at(0)["statusItem"]["title"], "HL");
 }
 
-TEST(Menu, HasFiveEntriesAndTwoSeparatorsInEachFlavor) {
+TEST(Menu, HasFiveEntriesAndTwoSeparators) {
   const ApplicationRun product = RunApplication({.timeline = {DumpAt(0)}});
   EXPECT_THAT(menuTitles(product.dumps.at(0)), ElementsAre("Dismiss Notifications", "-", "Set Up Accessibility…",
                                                            "Settings…", "Check for Updates…", "-", "Quit Hushlet"));
@@ -139,7 +139,7 @@ TEST(Menu, HasKeysForSettingsAndQuit) {
   EXPECT_THAT(keys, ElementsAre("", "", "", ",", "", "", "q"));
 }
 
-TEST(Menu, SaysEachTimeItOpensWhetherAccessIsThere) {
+TEST(Menu, ShowsAccessAtEachOpening) {
   const ApplicationRun run =
       RunApplication({.isProduct = false,
                       .timeline = {At(1, R"("openMenu": true)"), DumpAt(1.1), At(2, R"("trust": true)"), DumpAt(2.1),
@@ -153,7 +153,7 @@ TEST(Menu, SaysEachTimeItOpensWhetherAccessIsThere) {
   EXPECT_EQ(item(2)["state"], "on");
 }
 
-TEST(Menu, StillOpensTheSetupWindowWhenAccessIsAllowed) {
+TEST(Menu, OpensSetupWithAccessToo) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1, R"("choose": "Accessibility Allowed")"), DumpAt(1.1), At(2, R"("terminate": true)")}});
   EXPECT_EQ(WindowOf(run.dumps.at(0), "Set Up Hushlet")["visible"], true);
@@ -180,7 +180,7 @@ struct Click {
   bool opensMenu;
 };
 
-TEST(Clicks, DismissUnlessTheyAreRightOrWithControl) {
+TEST(Clicks, DismissUnlessRightOrWithControl) {
   const std::vector<Click> clicks = {
       {R"("click": "left")", 2, 0, false},
       {R"("click": "right")", 4, 0, true},
@@ -217,7 +217,7 @@ void expectName(const json& dump, const std::string& name) {
   EXPECT_THAT(texts.at(3), HasSubstr("Select " + name + " in the list,"));
 }
 
-TEST(DisplayName, IsTheBundlesOwnEverywhere) {
+TEST(DisplayName, ComesFromTheBundle) {
   const ApplicationRun run =
       RunApplication({.hasBundle = false,
                       .timeline = {At(1, R"("choose": "Settings…")"), DumpAt(2)},
@@ -226,7 +226,7 @@ TEST(DisplayName, IsTheBundlesOwnEverywhere) {
   expectName(run.dumps.at(0), "Quiet");
 }
 
-TEST(DisplayName, IsHushletEverywhereWhereTheBundleHasNone) {
+TEST(DisplayName, DefaultsToHushlet) {
   for (const char* name : {R"("none": "")", R"("CFBundleDisplayName": "")", R"("CFBundleDisplayName": 7)"}) {
     const ApplicationRun run =
         RunApplication({.hasBundle = false,
@@ -240,7 +240,7 @@ TEST(DisplayName, IsHushletEverywhereWhereTheBundleHasNone) {
 
 constexpr const char* kAutoClose = R"(, "defaults": {"HLAutoCloseAutomationBanners": true})";
 
-TEST(Relaunch, OfNotificationCenterHasTheAutoCloserFollow) {
+TEST(Relaunch, MovesTheAutoCloserAlong) {
   const ApplicationRun run = RunApplication(
       {.timeline =
            {At(1, R"("launch": {"pid": 500, "bundleIdentifier": "com.apple.mail", "name": "Mail"})"),
@@ -254,7 +254,7 @@ TEST(Relaunch, OfNotificationCenterHasTheAutoCloserFollow) {
   EXPECT_EQ(run.dumps.at(0)["observers"][0]["pid"], 401);
 }
 
-TEST(Relaunch, OfAnotherApplicationLeavesTheAutoCloserAlone) {
+TEST(Relaunch, IgnoresOtherApplications) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, R"("launch": {"pid": 501, "bundleIdentifier": "com.apple.mail"})"),
                                    At(2, R"("launch": {"pid": 502})"), DumpAt(3)},

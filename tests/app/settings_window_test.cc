@@ -26,7 +26,7 @@ json settings(const json& dump) { return WindowOf(dump, "Hushlet Settings"); }
 json autoCloseBox(const json& dump) { return settings(dump)["content"][5]; }
 json openAtLoginBox(const json& dump) { return settings(dump)["content"][6]; }
 
-TEST(SettingsWindow, HoldsItsControlsInOneStack) {
+TEST(SettingsWindow, StacksItsControls) {
   const ApplicationRun run = RunApplication({.timeline = {At(1, kOpen), DumpAt(2)}});
   const json window = settings(run.dumps.at(0));
   EXPECT_EQ(window["width"], 420);
@@ -63,13 +63,13 @@ TEST(SettingsWindow, HoldsItsControlsInOneStack) {
   EXPECT_EQ(openAtLoginBox(run.dumps.at(0))["on"], false);
 }
 
-TEST(SettingsWindow, OfThePersonalFlavorHasNoOpenAtLogin) {
+TEST(SettingsWindow, HidesLoginItemInPersonalFlavor) {
   const ApplicationRun run = RunApplication({.isProduct = false, .timeline = {At(1, kOpen), DumpAt(2)}});
   EXPECT_EQ(settings(run.dumps.at(0))["content"].size(), 6U);
   EXPECT_EQ(settings(run.dumps.at(0))["content"][1]["row"][0]["label"], "None");
 }
 
-TEST(SettingsWindow, ShowsMissingAccessInOrangeAndDoesNotPoll) {
+TEST(SettingsWindow, ShowsMissingAccessWithoutPolling) {
   const ApplicationRun run = RunApplication(
       {.isProduct = false,
        .timeline = {At(1, kOpen), At(1.5, kOpen), At(2, R"("trust": true)"), DumpAt(9), At(10, kOpen), DumpAt(11)},
@@ -88,7 +88,7 @@ TEST(SettingsWindow, LeadsToTheSetupWindow) {
   EXPECT_EQ(WindowOf(run.dumps.at(0), "Set Up Hushlet")["visible"], true);
 }
 
-TEST(SettingsWindow, IsKeptWhenItIsClosed) {
+TEST(SettingsWindow, SurvivesClosing) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, kOpen), At(1.5, R"("press": "Clear", "window": "Hushlet Settings")"),
                                    At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3), At(4, kOpen), DumpAt(5)}});
@@ -112,7 +112,7 @@ TEST(AutoClose, StartsAtLaunchWhenWanted) {
   EXPECT_EQ(run.dumps.at(0)["observers"], json::parse(R"([{"pid": 400, "notifications": ["AXLayoutChanged"]}])"));
 }
 
-TEST(AutoClose, ClosesAutomationBannersAlone) {
+TEST(AutoClose, ClosesOnlyAutomationBanners) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1, kOpen), At(2, kToggleAutoClose), At(3, R"("notify": "AXLayoutChanged", "element": "mail")"),
                     At(3, R"("notify": "AXLayoutChanged", "element": "automation")"), DumpAt(5)},
@@ -138,7 +138,7 @@ TEST(AutoClose, TriesAgainAfterAFailedStart) {
                           "auto-close start failed nc=missing"));
 }
 
-TEST(AutoClose, StopsWhenItIsSwitchedOff) {
+TEST(AutoClose, StopsWhenSwitchedOff) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1, kOpen), At(2, kToggleAutoClose), DumpAt(3), At(4, kToggleAutoClose), DumpAt(5)},
        .further = kWanted});
@@ -150,7 +150,7 @@ TEST(AutoClose, StopsWhenItIsSwitchedOff) {
 
 const std::string kRunning = "Shortcuts, Morning, Running your automation";
 
-TEST(AutoClose, BeginsAfreshWhenItIsSwitchedOnAgain) {
+TEST(AutoClose, RestartsWhenSwitchedOnAgain) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1, kOpen), At(2, R"("notify": "AXLayoutChanged", "element": "one")"), At(3, kToggleAutoClose),
                     At(4, kToggleAutoClose), At(5, R"("notify": "AXLayoutChanged", "element": "two")")},
@@ -161,7 +161,7 @@ TEST(AutoClose, BeginsAfreshWhenItIsSwitchedOnAgain) {
   EXPECT_THAT(run.record["present"], ElementsAre("window"));
 }
 
-TEST(AutoClose, GoesOnWithTheNextNotificationCenter) {
+TEST(AutoClose, FollowsTheNextNotificationCenter) {
   const std::string next = R"("launch": {"pid": 401, "bundleIdentifier": "com.apple.notificationcenterui",
     "windows": [)" + Banner("two", kRunning + " again") +
                            "]}";
@@ -174,7 +174,7 @@ TEST(AutoClose, GoesOnWithTheNextNotificationCenter) {
               ElementsAre("auto-close app=Shortcuts error=0 closed=1", "auto-close app=Shortcuts error=0 closed=2"));
 }
 
-TEST(AutoClose, WithoutTrustIsStoredAndStartsWhenTrustHasCome) {
+TEST(AutoClose, StartsOnceTrustIsGranted) {
   const ApplicationRun run =
       RunApplication({.isProduct = false,
                       .timeline = {At(1, kOpen), At(2, kToggleAutoClose), At(2.5, kOpen), DumpAt(3),
@@ -187,14 +187,14 @@ TEST(AutoClose, WithoutTrustIsStoredAndStartsWhenTrustHasCome) {
   EXPECT_THAT(run.dumps.at(2)["observers"], SizeIs(1));
 }
 
-TEST(AutoClose, StopsAtTheNextRefreshAfterTrustHasGone) {
+TEST(AutoClose, StopsOnceTrustIsLost) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, R"("trust": false)"), At(2, kOpen), DumpAt(3), At(4, R"("terminate": true)")},
                       .further = kWanted});
   EXPECT_THAT(run.dumps.at(0)["observers"], IsEmpty());
 }
 
-TEST(OpenAtLogin, IsOnOnlyWhenTheSystemSaysEnabled) {
+TEST(OpenAtLogin, ChecksTheBoxOnlyWhenEnabled) {
   for (const auto& [status, on] : {std::pair{0, false}, {1, true}, {2, false}, {3, false}}) {
     const ApplicationRun run =
         RunApplication({.timeline = {At(1, kOpen), DumpAt(2)},
@@ -212,14 +212,14 @@ TEST(OpenAtLogin, RegistersAndUnregisters) {
   EXPECT_EQ(openAtLoginBox(run.dumps.at(1))["on"], false);
 }
 
-TEST(OpenAtLogin, ThatNeedsApprovalShowsAsOff) {
+TEST(OpenAtLogin, StaysOffWhileApprovalIsPending) {
   const ApplicationRun run = RunApplication({.timeline = {At(1, kOpen), At(2, kToggleOpenAtLogin), DumpAt(3)},
                                              .further = R"(, "services": {"loginItem": {"statusAfterRegister": 2}})"});
   EXPECT_THAT(MessagesOf(run, "openAtLogin"), ElementsAre("openAtLogin want=on ok=true status=2 error=none"));
   EXPECT_EQ(openAtLoginBox(run.dumps.at(0))["on"], false);
 }
 
-TEST(OpenAtLogin, ThatFailsGoesBackToWhatTheSystemSays) {
+TEST(OpenAtLogin, RevertsTheBoxOnFailure) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, kOpen), At(2, kToggleOpenAtLogin), DumpAt(3)},
                       .further = R"(, "services": {"loginItem": {"status": 1, "unregisterError": "Not permitted."}})"});

@@ -23,7 +23,7 @@ std::string press(const std::string& button) { return R"("press": ")" + button +
 json statusLine(const json& dump) { return WindowOf(dump, kTitle)["content"][4]; }
 json primaryButton(const json& dump) { return WindowOf(dump, kTitle)["content"][5]; }
 
-TEST(SetupWindow, HoldsItsTextsInOneStack) {
+TEST(SetupWindow, StacksItsTexts) {
   const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}, .further = Untrusted});
   const json window = WindowOf(run.dumps.at(0), kTitle);
   EXPECT_EQ(window["width"], 460);
@@ -55,7 +55,7 @@ TEST(SetupWindow, HoldsItsTextsInOneStack) {
   EXPECT_EQ(window["content"][5]["fullWidth"], false);
 }
 
-TEST(SetupWindow, NoticesTheGrantWithinASecond) {
+TEST(SetupWindow, NoticesAccessWithinASecond) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(2.5, R"("trust": true)"), DumpAt(2.999), DumpAt(3.001)}, .further = Untrusted});
   EXPECT_EQ(primaryButton(run.dumps.at(0))["button"], "Open Accessibility Settings");
@@ -66,7 +66,7 @@ TEST(SetupWindow, NoticesTheGrantWithinASecond) {
   EXPECT_EQ(run.dumps.at(1)["statusItem"]["image"], "bell.slash");
 }
 
-TEST(SetupWindow, NoticesAWithdrawalToo) {
+TEST(SetupWindow, NoticesThatAccessIsLost) {
   const ApplicationRun run = RunApplication({.timeline = {At(1, R"("choose": "Accessibility Allowed")"), DumpAt(1.5),
                                                           At(2.1, R"("trust": false)"), DumpAt(3.5)}});
   EXPECT_EQ(statusLine(run.dumps.at(0))["color"], "green");
@@ -75,7 +75,7 @@ TEST(SetupWindow, NoticesAWithdrawalToo) {
   EXPECT_EQ(primaryButton(run.dumps.at(1))["button"], "Open Accessibility Settings");
 }
 
-TEST(SetupWindow, WithoutAShortcutSpeaksOfTheIconAlone) {
+TEST(SetupWindow, NamesTheIconWithoutAShortcut) {
   for (const char* code : {"-1", "-7"}) {
     const ApplicationRun run =
         RunApplication({.timeline = {At(1, R"("choose": "Accessibility Allowed")"), DumpAt(1.5)},
@@ -92,7 +92,7 @@ TEST(SetupWindow, CountsAShortcutWithTheCodeZero) {
             "Allowed. Press ⌘A or click the menu bar icon to clear notifications.");
 }
 
-TEST(SetupWindow, PollsOnceHoweverOftenItIsShown) {
+TEST(SetupWindow, PollsOnceWhenShownTwice) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(0.4, R"("choose": "Set Up Accessibility…")"), At(0.6, R"("choose": "Set Up Accessibility…")"),
                     DumpAt(0.7), DumpAt(1.5), At(1.7, R"("terminate": true)")},
@@ -116,7 +116,7 @@ TEST(SetupWindow, StopsPollingWhenItIsClosed) {
   EXPECT_EQ(WindowOf(byButton.dumps.at(1), kTitle)["visible"], false);
 }
 
-TEST(SetupWindow, GoesOnPollingWhenTheSettingsAreClosed) {
+TEST(SetupWindow, PollsWhenSettingsAreClosed) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1, R"("choose": "Settings…")"), At(2, R"("closeWindow": "Hushlet Settings")"), DumpAt(3)},
        .further = Untrusted});
@@ -124,7 +124,7 @@ TEST(SetupWindow, GoesOnPollingWhenTheSettingsAreClosed) {
   EXPECT_EQ(WindowOf(run.dumps.at(0), kTitle)["visible"], true);
 }
 
-TEST(SetupWindow, GoesOnPollingAfterTheGrant) {
+TEST(SetupWindow, PollsAfterAccessIsAllowed) {
   const ApplicationRun run =
       RunApplication({.timeline = {At(1, R"("trust": true)"), DumpAt(30)}, .further = Untrusted});
   EXPECT_EQ(run.dumps.at(0)["timers"], 1);
@@ -148,7 +148,7 @@ TEST(SetupButton, AsksTheSystemAndOpensItsPane) {
   EXPECT_EQ(primaryButton(run.dumps.at(0))["button"], "Done");
 }
 
-TEST(SetupButton, TriesTheSecondPaneWhereTheFirstDoesNotOpen) {
+TEST(SetupButton, FallsBackToTheSecondPane) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1, press("Open Accessibility Settings")), DumpAt(1.5)},
        .further = R"(, "trusted": false, "services": {"opens": ["x-apple.systempreferences:com.apple.preference."]})"});
@@ -157,7 +157,7 @@ TEST(SetupButton, TriesTheSecondPaneWhereTheFirstDoesNotOpen) {
   EXPECT_THAT(run.dumps.at(0)["openedAddresses"], ElementsAre(kOldPane));
 }
 
-TEST(SetupButton, SaysInTheLogWhenNoPaneOpens) {
+TEST(SetupButton, LogsWhenNoPaneOpens) {
   const ApplicationRun run = RunApplication({.timeline = {At(1, press("Open Accessibility Settings")), DumpAt(1.5)},
                                              .further = R"(, "trusted": false, "services": {"opens": []})"});
   EXPECT_THAT(MessagesOf(run, "openAccessibilitySettings"), ElementsAre("openAccessibilitySettings opened=none"));
@@ -165,7 +165,7 @@ TEST(SetupButton, SaysInTheLogWhenNoPaneOpens) {
 }
 
 // What the button says is up to a second old.
-TEST(SetupButton, GoesByTheTrustOfTheMoment) {
+TEST(SetupButton, UsesCurrentTrust) {
   const ApplicationRun granted = RunApplication(
       {.timeline = {At(1.1, R"("trust": true)"), At(1.2, press("Open Accessibility Settings")), DumpAt(1.3)},
        .further = Untrusted});
@@ -178,7 +178,7 @@ TEST(SetupButton, GoesByTheTrustOfTheMoment) {
   EXPECT_THAT(withdrawn.dumps.at(0)["openedAddresses"], ElementsAre(kNewPane));
 }
 
-TEST(SetupWindow, LeavesARecordingAloneWhenItIsClosed) {
+TEST(SetupWindow, KeepsARecordingWhenClosed) {
   const ApplicationRun run = RunApplication(
       {.timeline = {
            At(1, R"("choose": "Settings…")"), At(2, R"("press": "Record Shortcut", "window": "Hushlet Settings")"),

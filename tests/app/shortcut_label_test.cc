@@ -28,7 +28,7 @@ TEST(ShortcutLabel, PutsAQuestionMarkForAMissingKey) {
 
 TEST(ShortcutLabel, LeavesOutOtherModifiers) { EXPECT_EQ(HLShortcutLabel(0x10000 | 0x800000 | kOption, "N"), "⌥N"); }
 
-TEST(KeyLabel, NamesTheKeysThatTypeNothingToShow) {
+TEST(KeyLabel, NamesKeysWithoutVisibleCharacters) {
   const std::vector<std::pair<std::uint16_t, std::string>> labels = {
       {36, "↩"},   {48, "⇥"},   {49, "Space"}, {51, "⌫"},    {53, "⎋"},   {122, "F1"},
       {120, "F2"}, {99, "F3"},  {118, "F4"},   {96, "F5"},   {97, "F6"},  {98, "F7"},
@@ -36,24 +36,24 @@ TEST(KeyLabel, NamesTheKeysThatTypeNothingToShow) {
   for (const auto& [code, label] : labels) EXPECT_EQ(HLKeyLabelForEvent({code, kCommand, "x"}), label) << code;
 }
 
-TEST(KeyLabel, IsWhatTheKeyTypesInUpperCase) {
+TEST(KeyLabel, UppercasesTheTypedCharacter) {
   EXPECT_EQ(HLKeyLabelForEvent({45, kShift, "n"}), "N");
   EXPECT_EQ(HLKeyLabelForEvent({39, 0, "ä"}), "Ä");
   EXPECT_EQ(HLKeyLabelForEvent({27, 0, "ß"}), "SS");
   EXPECT_EQ(HLKeyLabelForEvent({18, 0, "1"}), "1");
 }
 
-TEST(KeyLabel, IsTheCodeOfAKeyThatTypesNothing) {
+TEST(KeyLabel, FallsBackToTheKeyCode) {
   EXPECT_EQ(HLKeyLabelForEvent({90, 0, ""}), "Key 90");
   EXPECT_EQ(HLKeyLabelForEvent({65535, 0, ""}), "Key 65535");
 }
 
-TEST(FunctionKeys, AreTheTwelve) {
+TEST(FunctionKeys, RangeFromF1ToF12) {
   const std::set<std::int64_t> keys = {96, 97, 98, 99, 100, 101, 103, 109, 111, 118, 120, 122};
   for (std::int64_t code = -1; code <= 256; ++code) EXPECT_EQ(HLIsFunctionKey(code), keys.contains(code)) << code;
 }
 
-TEST(CarbonModifiers, AreTheHotKeyServicesOwn) {
+TEST(CarbonModifiers, MatchTheHotKeyService) {
   EXPECT_EQ(HLCarbonModifiers(kCommand), 0x100U);
   EXPECT_EQ(HLCarbonModifiers(kShift), 0x200U);
   EXPECT_EQ(HLCarbonModifiers(kOption), 0x800U);

@@ -45,14 +45,14 @@ ApplicationRun record(const std::vector<std::string>& events, const std::string&
   return RunApplication(scene);
 }
 
-TEST(Shortcut, OfTheProductFlavorIsControlOptionCommandN) {
+TEST(Shortcut, DefaultsToControlOptionCommandN) {
   const ApplicationRun run = RunApplication({.timeline = {DumpAt(0)}});
   EXPECT_THAT(MessagesOf(run, "hotKey"), ElementsAre("hotKey register label=⌃⌥⌘N status=0"));
   EXPECT_EQ(run.dumps.at(0)["hotKey"], (json{{"code", 45}, {"modifiers", 0x1900}}));
   EXPECT_THAT(run.dumps.at(0)["defaults"], IsEmpty()) << "fallbacks are not stored";
 }
 
-TEST(Shortcut, StoredOneIsRegisteredAtLaunch) {
+TEST(Shortcut, RegistersTheStoredOneAtLaunch) {
   const ApplicationRun run = RunApplication(
       {.isProduct = false,
        .timeline = {DumpAt(0)},
@@ -62,7 +62,7 @@ TEST(Shortcut, StoredOneIsRegisteredAtLaunch) {
 
 // Trust comes while a shortcut is recorded: what the settings show of it is renewed at the end, and the auto-closer
 // starts behind the hot key.
-TEST(Recording, RefreshesTheSettingsHoweverItEnds) {
+TEST(Recording, RefreshesSettingsHoweverItEnds) {
   const std::string further =
       R"(, "trusted": false, "defaults": {"HLAutoCloseAutomationBanners": true},
        "services": {"refusedHotKeys": [{"code": 40, "modifiers": ["command"], "status": -9878}]})";
@@ -76,7 +76,7 @@ TEST(Recording, RefreshesTheSettingsHoweverItEnds) {
   }
 }
 
-TEST(Shortcut, OfAnyNegativeCodeIsNone) {
+TEST(Shortcut, IsNoneForNegativeCodes) {
   for (const char* code : {"-1", "-2", "-2147483649"}) {
     const ApplicationRun run =
         RunApplication({.timeline = {At(1, kOpen), DumpAt(2)},
@@ -87,13 +87,13 @@ TEST(Shortcut, OfAnyNegativeCodeIsNone) {
   }
 }
 
-TEST(Shortcut, WithoutALabelShowsAQuestionMark) {
+TEST(Shortcut, ShowsAQuestionMarkWithoutLabel) {
   const ApplicationRun run = RunApplication(
       {.isProduct = false, .timeline = {At(1, kOpen), DumpAt(2)}, .further = R"(, "defaults": {"HLHotKeyCode": 96})"});
   EXPECT_EQ(shownShortcut(run.dumps.at(0)), "?");
 }
 
-TEST(Shortcut, RefusedAtLaunchStaysInactive) {
+TEST(Shortcut, StaysInactiveWhenRefusedAtLaunch) {
   const ApplicationRun run = RunApplication(
       {.timeline = {At(1, shortcut(45, R"("control", "option", "command")")), DumpAt(2)},
        .further =
@@ -112,7 +112,7 @@ TEST(Shortcut, DismissesFromAnyProgram) {
   EXPECT_THAT(run.record["present"], ElementsAre("window"));
 }
 
-TEST(HotKeyEvent, IsAnsweredBeforeTheDismissalBegins) {
+TEST(HotKeyEvent, ReturnsBeforeTheDismissalBegins) {
   const ApplicationRun run =
       RunApplication({.isProduct = false,
                       .timeline = {At(1, R"("hotKey": {"signature": "HLhk", "id": 1})"), DumpAt(1), DumpAt(1)},
@@ -121,7 +121,7 @@ TEST(HotKeyEvent, IsAnsweredBeforeTheDismissalBegins) {
   EXPECT_EQ(run.dumps.at(0)["statusItem"]["title"], "HL");
 }
 
-TEST(HotKeyEvent, OfAnotherIdentityIsPassedOn) {
+TEST(HotKeyEvent, PassesOnOtherIdentities) {
   for (const char* event : {R"("hotKey": {"signature": "HLhk", "id": 2})",
                             R"("hotKey": {"signature": "HLhK", "id": 1})", R"("hotKey": null)"}) {
     const ApplicationRun run = RunApplication({.timeline = {At(1, event), DumpAt(2)}});
@@ -134,7 +134,7 @@ TEST(HotKeyEvent, OfAnotherIdentityIsPassedOn) {
   EXPECT_EQ(MessagesOf(run, "hotKeyPressed").size(), 1U);
 }
 
-TEST(Recording, AsksForTheKeysAndGivesTheCurrentShortcutFree) {
+TEST(Recording, ReleasesTheCurrentShortcut) {
   const ApplicationRun run = record({shortcut(45, R"("control", "option", "command")")});
   EXPECT_EQ(recordTitle(run.dumps.at(0)), "Type Shortcut…");
   EXPECT_EQ(note(run.dumps.at(0)), "Press the new shortcut. Escape cancels.");
@@ -144,7 +144,7 @@ TEST(Recording, AsksForTheKeysAndGivesTheCurrentShortcutFree) {
   EXPECT_THAT(MessagesOf(run, "hotKeyPressed"), IsEmpty());
 }
 
-TEST(Recording, RefusesKeysWithoutModifiersAndGoesOn) {
+TEST(Recording, RefusesKeysWithoutModifiers) {
   for (const char* modifiers : {"", R"("shift")", R"("capsLock", "function")"}) {
     const ApplicationRun run = record({key(0, modifiers, "a")});
     EXPECT_EQ(note(run.dumps.at(0)), kAddModifiers);
@@ -155,7 +155,7 @@ TEST(Recording, RefusesKeysWithoutModifiersAndGoesOn) {
   }
 }
 
-TEST(Recording, TakesAKeyWithAnyOfThreeModifiers) {
+TEST(Recording, AcceptsEachOfThreeModifiers) {
   for (const auto& [name, flag, glyph] :
        {std::tuple{"control", 0x40000, "⌃"}, {"option", 0x80000, "⌥"}, {"command", 0x100000, "⌘"}}) {
     const ApplicationRun run = record({key(0, "\"" + std::string(name) + "\"", "a")});
@@ -171,19 +171,19 @@ TEST(Recording, TakesAKeyWithAnyOfThreeModifiers) {
   }
 }
 
-TEST(Recording, TakesAFunctionKeyAlone) {
+TEST(Recording, AcceptsAFunctionKeyAlone) {
   const ApplicationRun run = record({key(96, "", "")});
   EXPECT_EQ(shownShortcut(run.dumps.at(0)), "F5");
   EXPECT_EQ(run.dumps.at(0)["hotKey"], (json{{"code", 96}, {"modifiers", 0}}));
 }
 
-TEST(Recording, LeavesOtherModifiersOut) {
+TEST(Recording, DropsOtherModifiers) {
   const ApplicationRun run = record({key(11, R"("capsLock", "function", "shift", "command")", "b")});
   EXPECT_EQ(run.dumps.at(0)["defaults"]["HLHotKeyModifiers"], 0x120000);
   EXPECT_EQ(shownShortcut(run.dumps.at(0)), "⇧⌘B");
 }
 
-TEST(Recording, NamesAKeyThatTypesNothingByItsCode) {
+TEST(Recording, LabelsSilentKeysByCode) {
   EXPECT_EQ(shownShortcut(record({key(90, R"("control")", "")}).dumps.at(0)), "⌃Key 90");
 }
 
@@ -197,33 +197,33 @@ TEST(Recording, IsCancelledByEscapeAlone) {
   }
 }
 
-TEST(Recording, TakesEscapeWithAModifier) {
+TEST(Recording, AcceptsEscapeWithAModifier) {
   const ApplicationRun run = record({key(53, R"("command")", "")});
   EXPECT_EQ(run.dumps.at(0)["defaults"]["HLHotKeyCode"], 53);
   EXPECT_EQ(shownShortcut(run.dumps.at(0)), "⌘⎋");
 }
 
-TEST(Recording, CountsEscapeWithShiftAsAKeyWithoutModifiers) {
+TEST(Recording, RefusesEscapeWithShift) {
   const ApplicationRun run = record({key(53, R"("shift")", "")});
   EXPECT_EQ(note(run.dumps.at(0)), kAddModifiers);
   EXPECT_EQ(run.dumps.at(0)["recording"], true);
 }
 
-TEST(Recording, IsEndedByItsButtonAndTheOldShortcutComesBack) {
+TEST(Recording, RestoresOldShortcutOnSecondClick) {
   const ApplicationRun run = record({R"("press": "Type Shortcut…", "window": "Hushlet Settings")"});
   EXPECT_EQ(run.dumps.at(0)["recording"], false);
   EXPECT_EQ(recordTitle(run.dumps.at(0)), "Record Shortcut");
   EXPECT_EQ(run.dumps.at(0)["hotKey"]["code"], 45);
 }
 
-TEST(Recording, GoesOnWhenTheSettingsAreOpenedOnceMore) {
+TEST(Recording, ContinuesWhenSettingsAreReopened) {
   const ApplicationRun run = record({kOpen});
   EXPECT_EQ(run.dumps.at(0)["recording"], true);
   EXPECT_EQ(recordTitle(run.dumps.at(0)), "Type Shortcut…");
   EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
 }
 
-TEST(Recording, EndsWithTheWindowAndTheShortcutStaysInactive) {
+TEST(Recording, LeavesShortcutInactiveWhenWindowCloses) {
   const ApplicationRun run =
       record({R"("closeWindow": "Hushlet Settings")", shortcut(45, R"("control", "option", "command")")});
   EXPECT_EQ(run.dumps.at(0)["recording"], false);
@@ -235,7 +235,7 @@ TEST(Recording, EndsWithTheWindowAndTheShortcutStaysInactive) {
 constexpr const char* kRefused =
     R"(, "services": {"refusedHotKeys": [{"code": 40, "modifiers": ["command"], "status": -9878}]})";
 
-TEST(Recording, OfATakenCombinationRestoresTheOldOne) {
+TEST(Recording, RestoresOldShortcutWhenRefused) {
   const ApplicationRun run = record({key(40, R"("command")", "k")}, kRefused);
   const json& dump = run.dumps.at(0);
   EXPECT_EQ(note(dump), "⌘K is already used by another app. Try a different one.");
@@ -249,7 +249,7 @@ TEST(Recording, OfATakenCombinationRestoresTheOldOne) {
                           "hotKey register label=⌃⌥⌘N status=0"));
 }
 
-TEST(Recording, TakesAnyStatusButNoughtForARefusal) {
+TEST(Recording, TreatsNonzeroStatusAsRefusal) {
   for (const char* status : {"-9868", "1"}) {
     const ApplicationRun run = record({key(40, R"("command")", "k")}, R"(, "services": {"refusedHotKeys": [
       {"code": 40, "modifiers": ["command"], "status": )" + std::string(status) +
@@ -259,7 +259,7 @@ TEST(Recording, TakesAnyStatusButNoughtForARefusal) {
   }
 }
 
-TEST(Recording, OfATakenCombinationLeavesItsLabelWhereThereWasNone) {
+TEST(Recording, KeepsRefusedLabelWithoutOldOne) {
   ApplicationScene scene;
   scene.isProduct = false;
   scene.timeline = {At(1, kOpen), At(2, kRecord), At(3, key(40, R"("command")", "k")), DumpAt(4)};

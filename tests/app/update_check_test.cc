@@ -52,7 +52,7 @@ TEST(UpdateCheck, SaysWhenTheProgramIsUpToDate) {
   EXPECT_THAT(run.dumps.at(0)["openedAddresses"], IsEmpty());
 }
 
-TEST(UpdateCheck, ReadsOnlyWhatComesWithTwoHundred) {
+TEST(UpdateCheck, ReadsOnlyStatus200) {
   for (const char* status : {"404", "201", "301", "500"}) {
     const ApplicationRun run = check(feed(std::string(R"("status": )") + status + R"(, "body": )" + kBody));
     EXPECT_THAT(MessagesOf(run, "update check"),
@@ -90,7 +90,7 @@ TEST(UpdateCheck, RunsBesideAnother) {
   EXPECT_EQ(run.dumps.at(0)["alerts"].size(), 2U);
 }
 
-TEST(UpdateCheck, KnowsAProgramWithoutVersions) {
+TEST(UpdateCheck, WorksWithoutInstalledVersion) {
   const ApplicationRun run = RunApplication(
       {.hasBundle = false,
        .timeline = {At(1, kCheck), DumpAt(9)},
@@ -100,7 +100,7 @@ TEST(UpdateCheck, KnowsAProgramWithoutVersions) {
   EXPECT_THAT(run.dumps.at(0)["alerts"][0]["message"].get<std::string>(), testing::StartsWith("You have ?. "));
 }
 
-TEST(UpdateCheck, TakesTheInstalledBuildAsANumberOrAText) {
+TEST(UpdateCheck, AcceptsBuildAsNumberOrText) {
   for (const auto& [build, logged] : {std::pair{"12", "0 feedBuild=12 build=12"},
                                       {"\"12\"", "0 feedBuild=12 build=12"},
                                       {"11.9", "1 feedBuild=12 build=11"},

@@ -36,7 +36,7 @@ TEST(UpdateFeed, OffersANewerBuild) {
   EXPECT_TRUE(verdict.offersDownload());
 }
 
-TEST(UpdateFeed, CallsTheSameAndAnOlderBuildUpToDate) {
+TEST(UpdateFeed, TreatsOlderBuildsAsCurrent) {
   for (const std::int64_t installed : {12, 13}) {
     const QLMUpdateVerdict verdict = read(kFeed, installed);
     EXPECT_EQ(verdict.kind, 0);
@@ -53,7 +53,7 @@ TEST(UpdateFeed, ComparesBuildsAndNeverVersions) {
   EXPECT_EQ(read(feed(R"("9.9")", "11", "1")).kind, 0);
 }
 
-TEST(UpdateFeed, SaysWhereToGetTheProgramWhenTheCheckFails) {
+TEST(UpdateFeed, NamesTheDownloadPageOnFailure) {
   const QLMUpdateVerdict verdict = read(std::nullopt);
   EXPECT_EQ(verdict.kind, 3);
   EXPECT_EQ(verdict.title, "Couldn't check for updates.");
@@ -66,7 +66,7 @@ TEST(UpdateFeed, HasItsAddressesOnTheUpdateServer) {
   EXPECT_EQ(QLMDownloadURL(), "https://updates.hushlet.example/quillmere/download");
 }
 
-TEST(UpdateFeed, FailsOnWhatIsNoObject) {
+TEST(UpdateFeed, FailsOnOtherDocuments) {
   for (const char* data : {"", " ", "[]", "[{\"version\": \"1.4\", \"build\": 12, \"released\": 1}]", "12", "null",
                            "\"1.4\"", "{", "{\"version\": \"1.4\"", "<html></html>"}) {
     expectFailure(data);
@@ -74,7 +74,7 @@ TEST(UpdateFeed, FailsOnWhatIsNoObject) {
   expectFailure(std::nullopt);
 }
 
-TEST(UpdateFeed, TakesVersionsOfOneToThirtyTwoCharacters) {
+TEST(UpdateFeed, AcceptsVersionsUpTo32Characters) {
   const auto version = [](std::size_t length) { return feed('"' + std::string(length, '1') + '"', "12", "1"); };
   expectFailure(version(0));
   EXPECT_EQ(read(version(1)).kind, 1);
@@ -82,7 +82,7 @@ TEST(UpdateFeed, TakesVersionsOfOneToThirtyTwoCharacters) {
   expectFailure(version(33));
 }
 
-TEST(UpdateFeed, CountsCharactersAsTheHomePlatformDoes) {
+TEST(UpdateFeed, CountsUtf16Units) {
   const auto version = [](int bells) {
     std::string text = "\"";
     for (int i = 0; i < bells; ++i) text += "🔔";
@@ -92,12 +92,12 @@ TEST(UpdateFeed, CountsCharactersAsTheHomePlatformDoes) {
   expectFailure(version(17));
 }
 
-TEST(UpdateFeed, WantsATextForItsVersion) {
+TEST(UpdateFeed, RequiresATextVersion) {
   for (const char* version : {"1.4", "null", "true", "[\"1.4\"]", "{}"}) expectFailure(feed(version, "12", "1"));
   expectFailure(R"({"build": 12, "released": 1})");
 }
 
-TEST(UpdateFeed, WantsPositiveNumbersForBuildAndRelease) {
+TEST(UpdateFeed, RequiresPositiveBuildAndRelease) {
   for (const char* number :
        {"\"12\"", "0", "-1", "0.9", "true", "null", "[12]", "{}", "1e30", "-1e30", "9223372036854775808"}) {
     expectFailure(feed("\"1.4\"", number, "1"));

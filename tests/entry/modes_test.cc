@@ -23,7 +23,9 @@ const std::vector<std::pair<std::string, HLModeValue>> kTable = {{"--request-acc
                                                                  {"--observe-nc", HLModeValue::seconds},
                                                                  {"--self-check", HLModeValue::none},
                                                                  {"--send-test-notifications", HLModeValue::none},
-                                                                 {"--dismiss-now", HLModeValue::none}};
+                                                                 {"--dismiss-now", HLModeValue::none},
+                                                                 {"--help", HLModeValue::none},
+                                                                 {"--version", HLModeValue::none}};
 
 std::string selected(Arguments arguments) {
   arguments.insert(arguments.begin(), "/opt/hushlet/hushlet");
@@ -36,7 +38,7 @@ double secondsOf(const std::string& value) {
   return mode.seconds;
 }
 
-TEST(ModeTable, HoldsTheElevenSwitchesInTheirOrderAndTheApplicationLast) {
+TEST(ModeTable, ListsSwitchesInOrderAndApplicationLast) {
   ASSERT_EQ(HLModes().size(), kTable.size() + 1);
   for (std::size_t i = 0; i < kTable.size(); ++i) {
     EXPECT_EQ(HLModes()[i].switchName, kTable[i].first);
@@ -45,6 +47,36 @@ TEST(ModeTable, HoldsTheElevenSwitchesInTheirOrderAndTheApplicationLast) {
   EXPECT_EQ(HLModes().back().switchName, "");
   EXPECT_EQ(HLModes().back().value, HLModeValue::none);
 }
+
+std::string outputOf(const std::string& name) {
+  std::ostringstream out;
+  std::ostringstream err;
+  EXPECT_EQ(HLRunMode(HLSelectMode({"hushlet", name}), out, err), 0);
+  EXPECT_EQ(err.str(), "");
+  return out.str();
+}
+
+TEST(Help, ListsEveryModeWithItsSummary) {
+  const std::string text = outputOf("--help");
+  EXPECT_EQ(text.find("Usage: hushlet "), 0U);
+  for (const HLMode& mode : HLModes()) {
+    if (mode.switchName.empty()) continue;
+    EXPECT_NE(mode.summary, "") << mode.switchName;
+    const std::size_t line = text.find("\n  " + std::string(mode.switchName) + " ");
+    ASSERT_NE(line, std::string::npos) << mode.switchName;
+    const std::size_t end = text.find('\n', line + 1);
+    EXPECT_NE(text.substr(line, end - line).find(" " + std::string(mode.summary)), std::string::npos)
+        << mode.switchName;
+    EXPECT_LE(end - line, 100U) << mode.switchName;
+  }
+  EXPECT_NE(text.find("\n  --auto-close-match TEXT "), std::string::npos);
+  EXPECT_NE(text.find("\n  --observe-nc [SECONDS] "), std::string::npos);
+  for (const char* option : {"--open-settings", "--appearance-dark", "--snapshot-windows DIRECTORY"}) {
+    EXPECT_NE(text.find(option), std::string::npos);
+  }
+}
+
+TEST(Version, PrintsNameAndNumber) { EXPECT_EQ(outputOf("--version"), "hushlet " HL_VERSION "\n"); }
 
 TEST(ModeSelection, WithoutAKnownSwitchIsTheApplication) {
   for (const Arguments& arguments :
