@@ -1,17 +1,23 @@
 #include "base/log.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -21,6 +27,7 @@
 
 #include "platform/run_loop.h"
 #include "tests/support/personal_log.h"
+#include "tests/support/processes.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
 #include "tests/support/temporary_directory.h"
@@ -82,6 +89,15 @@ TEST_F(Log, TimesAreLocalWithTheOffsetOfTheirZone) {
     HLAppendLineToPath(path("log"), "x");
     EXPECT_EQ(content("log"), std::string(each.time) + " x\n") << each.zone;
   }
+}
+
+TEST_F(Log, FollowsAChangeOfTheTimeZone) {
+  spied_.runLoop.fixedNow = 1700000000;
+  setZone("UTC0");
+  HLAppendLineToPath(path("log"), "x");
+  setenv("TZ", "XXX-5:45", 1);  // no tzset(): nobody but the log looks at the zone
+  HLAppendLineToPath(path("log"), "y");
+  EXPECT_EQ(content("log"), "2023-11-14 22:13:20.000 +0000 x\n2023-11-15 03:58:20.000 +0545 y\n");
 }
 
 TEST_F(Log, MillisecondsAreCutNotRounded) {
@@ -177,6 +193,138 @@ TEST_F(Log, WhereNothingCanBeWrittenNothingHappens) {
   EXPECT_EQ(content("file"), "content");
   HLAppendLineToPath(std::string("/dev/full"), "message");
   HLAppendLineToPath(std::string(""), "message");
+}
+
+// What a child process returns that dies of a hang after some seconds.
+std::string withinSeconds(const std::function<std::string()>& function) {
+  return InChildProcess([&function] {
+    alarm(20);
+    return function();
+  });
+}
+
+TEST_F(Log, NeverWaitsForTheReaderOfAFifo) {
+  ASSERT_EQ(mkfifo(path("log").c_str(), 0600), 0);
+  EXPECT_EQ(withinSeconds([this] {
+              HLAppendLineToPath(path("log"), "message");
+              return std::string("went on");
+            }),
+            "went on");
+}
+
+TEST_F(Log, WritesIntoNoFifo) {
+  ASSERT_EQ(mkfifo(path("log").c_str(), 0600), 0);
+  const int reader = open(path("log").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  ASSERT_GE(reader, 0);
+  HLAppendLineToPath(path("log"), "message");
+  char byte = 0;
+  EXPECT_EQ(read(reader, &byte, 1), 0) << "nobody writes";
+  close(reader);
+}
+
+TEST_F(Log, WritesIntoNoDevice) {
+  const int master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  ASSERT_GE(master, 0);
+  ASSERT_EQ(grantpt(master), 0);
+  ASSERT_EQ(unlockpt(master), 0);
+  HLAppendLineToPath(std::string(ptsname(master)), "message");
+  char byte = 0;
+  EXPECT_LE(read(master, &byte, 1), 0);
+  close(master);
+}
+
+TEST_F(Log, LeavesASocketAlone) {
+  const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path("log").copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
+  ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  HLAppendLineToPath(path("log"), "message");
+  EXPECT_TRUE(std::filesystem::is_socket(path("log")));
+  close(listener);
+}
+
+TEST_F(Log, FollowsNoLinkAtItsPath) {
+  std::ofstream(path("target")) << "somebody else's";
+  std::filesystem::create_symlink(path("target"), path("log"));
+  std::filesystem::create_symlink(path("missing"), path("dangling"));
+  HLAppendLineToPath(path("log"), "message");
+  HLAppendLineToPath(path("dangling"), "message");
+  EXPECT_EQ(content("target"), "somebody else's");
+  EXPECT_FALSE(std::filesystem::exists(path("missing")));
+}
+
+TEST_F(Log, FollowsALinkedDirectory) {
+  std::filesystem::create_directory(path("directory"));
+  std::filesystem::create_symlink(path("directory"), path("link"));
+  HLAppendLineToPath(path("link/log"), "message");
+  EXPECT_EQ(LogMessages(content("directory/log")), std::vector<std::string>{"message"});
+}
+
+void limitFileSize(rlim_t bytes) {
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  limit.rlim_cur = bytes;
+  setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+bool isFileSizeSignal(int (*in)(sigset_t*)) {
+  sigset_t set;
+  in(&set);
+  return sigismember(&set, SIGXFSZ) == 1;
+}
+bool isFileSizeSignalPending() { return isFileSizeSignal(sigpending); }
+bool isFileSizeSignalBlocked() {
+  return isFileSizeSignal([](sigset_t* set) { return pthread_sigmask(SIG_SETMASK, nullptr, set); });
+}
+
+TEST_F(Log, OutlivesTheLimitOfAFilesSize) {
+  spied_.runLoop.fixedNow = 1700000000;
+  setZone("UTC0");
+  EXPECT_EQ(InChildProcess([this] {
+              limitFileSize(64);
+              for (const char* message : {"12345", "begins before the limit", "begins at it"}) {
+                HLAppendLineToPath(path("log"), message);
+              }
+              if (isFileSizeSignalPending() || isFileSizeSignalBlocked()) return std::string("a signal is left");
+              limitFileSize(RLIM_INFINITY);
+              HLAppendLineToPath(path("log"), "whole again");
+              return std::string("alive");
+            }),
+            "alive");
+  EXPECT_EQ(content("log"),
+            "2023-11-14 22:13:20.000 +0000 12345\n"
+            "2023-11-14 22:13:20.000 +00\n"
+            "2023-11-14 22:13:20.000 +0000 whole again\n");
+}
+
+TEST_F(Log, LeavesNoHalfOfACharacter) {
+  setZone("UTC0");
+  spied_.runLoop.fixedNow = 1700000000;
+  const std::string time = "2023-11-14 22:13:20.000 +0000 ";
+  for (const auto& [bytes, cut] :
+       {std::pair{2, "a\n"}, {3, "ab\n"}, {4, "ab?\n"}, {5, "ab??\n"}, {6, "ab???\n"}, {7, "ab\U0001F600\n"}}) {
+    std::filesystem::remove(path("log"));
+    (void)InChildProcess([this, &time, bytes = bytes] {
+      limitFileSize(time.size() + static_cast<rlim_t>(bytes));
+      HLAppendLineToPath(path("log"), "ab\U0001F600\U0001F600");
+      return std::string();
+    });
+    EXPECT_EQ(content("log"), time + cut);
+  }
+}
+
+TEST_F(Log, KeepsTheCallersOwnSignal) {
+  EXPECT_EQ(InChildProcess([this] {
+              sigset_t signals;
+              sigemptyset(&signals);
+              sigaddset(&signals, SIGXFSZ);
+              pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+              raise(SIGXFSZ);
+              HLAppendLineToPath(path("log"), "message");
+              return std::string(isFileSizeSignalPending() && isFileSizeSignalBlocked() ? "kept" : "lost");
+            }),
+            "kept");
 }
 
 TEST_F(Log, TheDiagnosticsLogIsThatOfTheState) {
