@@ -4,10 +4,12 @@
 #include <variant>
 
 #include "entry/modes.h"
+#include "platform/file_mode_mask.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
 
 int main(int argc, char** argv) {
+  HLRestrictFileModeMask();
   const auto made = HLMakeHost(argc, argv);
   if (const auto* failure = std::get_if<HLHostFailure>(&made)) {
     std::cerr << failure->message << '\n';

@@ -1,8 +1,10 @@
 // The program as it is started, on scenes.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <regex>
@@ -82,6 +84,20 @@ TEST_F(Program, DismissNowExitsWithZeroWhateverTheStatus) {
       run(NotificationCenterScene(R"({"title": "stuck", "actions": ["Close"]})"), {"--dismiss-now"});
   EXPECT_EQ(failed.out, "failed|0|1\n");
   EXPECT_EQ(failed.exitCode, 0);
+}
+
+TEST_F(Program, WritesForItsUserAlone) {
+  const std::string scene = write(NotificationCenterScene(kThreeBanners));
+  const mode_t mask = umask(0);
+  const ProgramRun program = start(scene, {"--dismiss-now"}).wait();
+  umask(mask);
+  EXPECT_EQ(program.out, "success|3|0\n");
+  const std::filesystem::path state = home_.path() + "/.local/state/hushlet";
+  for (const std::filesystem::path& folder : {state, state.parent_path(), state.parent_path().parent_path()}) {
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all) << folder;
+  }
+  EXPECT_EQ(std::filesystem::status(state / "hushlet_detailed_diagnostics.log").permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
 TEST_F(Program, SelfCheckCountsAndDismissesNothing) {

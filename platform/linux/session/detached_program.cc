@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include "platform/file_mode_mask.h"
 #include "platform/linux/files/files.h"
 
 namespace {
@@ -21,6 +22,7 @@ namespace {
   for (int standard = 0; standard <= 2; ++standard) dup2(nowhere, standard);
   // The report ends by itself when the program begins.
   close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
+  HLRestoreFileModeMask();
   signal(SIGPIPE, SIG_DFL);
   sigset_t none;
   sigemptyset(&none);

@@ -10,6 +10,7 @@
 #include <memory>
 #include <thread>
 
+#include "platform/file_mode_mask.h"
 #include "platform/linux/session/bus.h"
 
 namespace {
@@ -42,6 +43,7 @@ void post(const HLUserNotification& notification) {
 // In the forked process: lets go of everything that the program's caller may wait for, then waits and posts.
 [[noreturn]] void postDetached(const HLUserNotification& notification) {
   setsid();
+  HLRestoreFileModeMask();
   if (fork() != 0) _exit(0);  // the one that goes on is nobody's child, and no zombie
   const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
   for (int standard = 0; standard <= 2; ++standard) dup2(nowhere, standard);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,11 +18,13 @@
 #include <thread>
 #include <vector>
 
+#include "platform/file_mode_mask.h"
 #include "platform/linux/session/detached_program.h"
 #include "platform/linux/session/linux_workspace.h"
 #include "platform/thread_safety.h"
 #include "tests/platform/linux/session/fake_process.h"
 #include "tests/platform/linux/support/desktop_session.h"
+#include "tests/support/processes.h"
 #include "tests/support/temporary_directory.h"
 
 namespace {
@@ -246,6 +249,17 @@ TEST_F(Workspace, WhatItStartsRunsByItself) {
   EXPECT_THAT(said, testing::ContainsRegex("SigIgn:\t[0-9a-f]{8}[08]0000000"));
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
   EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(Workspace, StartsProgramsUnderTheOriginalMask) {
+  makeProgram("xdg-open", "#!/bin/sh\numask >" + report() + ".new\nmv " + report() + ".new " + report() + "\n");
+  EXPECT_EQ(InChildProcess([this] {
+              umask(023);
+              HLRestrictFileModeMask();
+              const std::string started = workspace_.openAddress("https://example.org") ? reported() : "";
+              return started + std::to_string(umask(0));
+            }),
+            "0023\n" + std::to_string(077));
 }
 
 TEST_F(Workspace, DoesNotWaitForWhatItStarts) {
