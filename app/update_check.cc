@@ -16,15 +16,17 @@ constexpr std::int64_t kOK = 200;
 
 std::string installedVersion(const HLDictionary& information) {
   const HLValue* value = HLDictionaryValue(information, "CFBundleShortVersionString");
-  const std::string* text = value == nullptr ? nullptr : value->as<std::string>();
-  return text == nullptr ? "?" : *text;
+  if (value == nullptr) return "?";
+  if (const std::string* text = value->as<std::string>()) return *text;
+  return HLNumberText(*value).value_or("?");
 }
 
 std::int64_t installedBuild(const HLDictionary& information) {
   const HLValue* value = HLDictionaryValue(information, "CFBundleVersion");
   if (value == nullptr) return 0;
   if (const std::string* text = value->as<std::string>()) return HLLeadingInteger(*text);
-  return HLLeadingInteger(HLNumberText(*value).value_or(""));
+  if (const bool* truth = value->as<bool>()) return *truth ? 1 : 0;
+  return HLIntegerPart(*value).value_or(0);
 }
 
 void showVerdict(const HLApplicationPlatform& host, const HLHTTPAnswer& answer, const HLDictionary& information) {

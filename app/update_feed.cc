@@ -23,14 +23,8 @@ struct Feed {
   std::int64_t build = 0;
 };
 
-// Returns the integer part of a number in the 64-bit range; 0 for any other value.
-std::int64_t integerValue(const HLValue* value) {
-  if (value == nullptr) return 0;
-  if (const std::int64_t* integer = value->as<std::int64_t>()) return *integer;
-  const double* real = value->as<double>();
-  constexpr double kBeyond = 9223372036854775808.0;
-  return real != nullptr && *real > -kBeyond && *real < kBeyond ? static_cast<std::int64_t>(*real) : 0;
-}
+// Returns 0 for a missing value, which no valid feed has.
+std::int64_t integerValue(const HLValue* value) { return value == nullptr ? 0 : HLIntegerPart(*value).value_or(0); }
 
 std::optional<Feed> readFeed(const std::string& data) {
   const std::optional<HLValue> document = HLReadJson(data);

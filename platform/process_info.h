@@ -31,6 +31,6 @@ class HLProcessInfo {
   [[nodiscard]] virtual std::optional<std::string> bundlePath() = 0;
   [[nodiscard]] virtual std::optional<std::string> executablePath() = 0;
   [[nodiscard]] virtual std::optional<std::string> bundleIdentifier() = 0;
-  // The bundle's information dictionary; empty where the bundle has none.
+  // The bundle's information dictionary, read once per process; empty where the bundle has none.
   [[nodiscard]] virtual HLDictionary informationDictionary() = 0;
 };

@@ -20,3 +20,11 @@ std::optional<std::string> HLNumberText(const HLValue& value) {
   }
   return std::nullopt;
 }
+
+std::optional<std::int64_t> HLIntegerPart(const HLValue& value) {
+  if (const std::int64_t* integer = value.as<std::int64_t>()) return *integer;
+  const double* real = value.as<double>();
+  constexpr double kBeyond = 9223372036854775808.0;
+  if (real == nullptr || !(*real > -kBeyond && *real < kBeyond)) return std::nullopt;
+  return static_cast<std::int64_t>(*real);
+}

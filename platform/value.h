@@ -47,3 +47,7 @@ struct HLDictionaryEntry {
 // A number as text: a boolean as "1" or "0", an integer in decimal, any other by "%0.16g" in the C locale. Nothing for
 // a value of another type.
 [[nodiscard]] std::optional<std::string> HLNumberText(const HLValue& value);
+
+// Returns the integer part of an integer or a real; nullopt for a value of another type, a boolean included, and for a
+// real beyond 64 bits.
+[[nodiscard]] std::optional<std::int64_t> HLIntegerPart(const HLValue& value);

@@ -104,6 +104,12 @@ TEST(UpdateCheck, AcceptsBuildAsNumberOrText) {
   for (const auto& [build, logged] : {std::pair{"12", "0 feedBuild=12 build=12"},
                                       {"\"12\"", "0 feedBuild=12 build=12"},
                                       {"11.9", "1 feedBuild=12 build=11"},
+                                      {"1e-05", "1 feedBuild=12 build=0"},
+                                      {"1.5e17", "0 feedBuild=12 build=150000000000000000"},
+                                      {"-1.5", "1 feedBuild=12 build=-1"},
+                                      {"1e30", "1 feedBuild=12 build=0"},
+                                      {"true", "1 feedBuild=12 build=1"},
+                                      {"[12]", "1 feedBuild=12 build=0"},
                                       {"\"7 (beta)\"", "1 feedBuild=12 build=7"},
                                       {"\"beta\"", "1 feedBuild=12 build=0"}}) {
     const ApplicationRun run = RunApplication(
@@ -113,6 +119,20 @@ TEST(UpdateCheck, AcceptsBuildAsNumberOrText) {
            "CFBundleVersion": )" +
                     std::string(build) + "}}" + feed(std::string(R"("status": 200, "body": )") + kBody)});
     EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre(std::string("update check status=200 kind=") + logged));
+  }
+}
+
+TEST(UpdateCheck, ReadsANumberAsTheInstalledVersion) {
+  for (const auto& [version, named] :
+       {std::pair{"1.5", "1.5"}, {"2", "2"}, {"\"1.3 beta\"", "1.3 beta"}, {"[1]", "?"}}) {
+    const ApplicationRun run = RunApplication(
+        {.hasBundle = false,
+         .timeline = {At(1, kCheck), DumpAt(9)},
+         .further = R"(, "bundle": {"identifier": "com.tessaly.hushlet", "info": {"HLProductFlavor": "product",
+           "CFBundleShortVersionString": )" +
+                    std::string(version) + "}}" + feed(std::string(R"("status": 200, "body": )") + kBody)});
+    EXPECT_THAT(run.dumps.at(0)["alerts"][0]["message"].get<std::string>(),
+                testing::StartsWith(std::string("You have ") + named + ". "));
   }
 }
 

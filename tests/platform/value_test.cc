@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -59,6 +60,26 @@ TEST(NumberText, IsNothingForWhatIsNoNumber) {
   EXPECT_EQ(HLNumberText(std::string("1")), std::nullopt);
   EXPECT_EQ(HLNumberText(HLPoint{1, 1}), std::nullopt);
   EXPECT_EQ(HLNumberText(HLArray()), std::nullopt);
+}
+
+TEST(IntegerPart, CutsARealTowardsZero) {
+  EXPECT_EQ(HLIntegerPart(std::int64_t{-42}), -42);
+  EXPECT_EQ(HLIntegerPart(12.9), 12);
+  EXPECT_EQ(HLIntegerPart(-12.9), -12);
+  EXPECT_EQ(HLIntegerPart(0.00001), 0);
+  EXPECT_EQ(HLIntegerPart(9223372036854774784.0), 9223372036854774784);
+}
+
+TEST(IntegerPart, IsMissingBeyond64Bits) {
+  for (const double real : {9223372036854775808.0, -9223372036854775808.0, 1e300, std::nan("")}) {
+    EXPECT_EQ(HLIntegerPart(real), std::nullopt);
+  }
+}
+
+TEST(IntegerPart, IsMissingForOtherTypes) {
+  EXPECT_EQ(HLIntegerPart(true), std::nullopt);
+  EXPECT_EQ(HLIntegerPart(std::string("1")), std::nullopt);
+  EXPECT_EQ(HLIntegerPart(HLValue()), std::nullopt);
 }
 
 TEST(Rect, IsNullOnlyByItsOrigin) {

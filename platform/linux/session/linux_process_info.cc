@@ -50,6 +50,7 @@ HLLinuxProcessInfo::HLLinuxProcessInfo(int argc, char** argv) : arguments_(argv,
   const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
   if (arguments_.empty()) arguments_.emplace_back();
   if (!error) arguments_.front() = executable.string();
+  information_ = HLBundleInformation(arguments_.front());
 }
 
 std::optional<std::string> HLLinuxProcessInfo::environment(std::string_view name) {
@@ -74,8 +75,7 @@ std::optional<std::string> HLLinuxProcessInfo::applicationSupportDirectory() {
 std::optional<std::string> HLLinuxProcessInfo::bundlePath() { return bundleFolder(arguments_.front()).string(); }
 
 std::optional<std::string> HLLinuxProcessInfo::bundleIdentifier() {
-  const HLDictionary information = informationDictionary();
-  const HLValue* value = HLDictionaryValue(information, "CFBundleIdentifier");
+  const HLValue* value = HLDictionaryValue(information_, "CFBundleIdentifier");
   const std::string* identifier = value == nullptr ? nullptr : value->as<std::string>();
   if (identifier == nullptr) return std::nullopt;
   return *identifier;

@@ -23,8 +23,10 @@ class HLLinuxProcessInfo : public HLProcessInfo {
   [[nodiscard]] std::optional<std::string> bundlePath() override;
   [[nodiscard]] std::optional<std::string> executablePath() override { return arguments_.front(); }
   [[nodiscard]] std::optional<std::string> bundleIdentifier() override;
-  [[nodiscard]] HLDictionary informationDictionary() override { return HLBundleInformation(arguments_.front()); }
+  [[nodiscard]] HLDictionary informationDictionary() override { return information_; }
 
  private:
   std::vector<std::string> arguments_;
+  // Read at the start: the package may be removed or replaced while the process runs, and its paths must stay.
+  HLDictionary information_;
 };
