@@ -1,6 +1,5 @@
 #include "daemon/local_socket.h"
 
-#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -12,6 +11,7 @@
 
 #include "base/log.h"
 #include "base/paths.h"
+#include "platform/sockets.h"
 #include "platform/text.h"
 
 namespace {
@@ -20,12 +20,6 @@ constexpr std::size_t kAddressPathBytes = 103;  // what every system's record ca
 constexpr std::size_t kRequestBytes = 1025;
 constexpr std::size_t kReadBytes = 1024;
 constexpr std::size_t kResponseBytes = 16384;
-
-#ifdef MSG_NOSIGNAL
-constexpr int kSendFlags = MSG_NOSIGNAL;
-#else
-constexpr int kSendFlags = 0;  // the socket itself is told, by SO_NOSIGPIPE
-#endif
 
 sockaddr_un addressOf(const std::string& path) {
   sockaddr_un address{};
@@ -40,17 +34,6 @@ std::string decoded(std::string bytes) { return HLIsEncodable(bytes) ? std::move
 
 HLSocket::~HLSocket() {
   if (isOpen()) ::close(descriptor_);
-}
-
-int HLOpenLocalSocket() {
-  const int descriptor = ::socket(AF_UNIX, SOCK_STREAM, 0);
-  if (descriptor < 0) return -1;
-  ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
-#ifdef SO_NOSIGPIPE
-  const int on = 1;
-  ::setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
-#endif
-  return descriptor;
 }
 
 bool HLBindLocalSocket(int descriptor, const std::string& path) {
@@ -79,7 +62,7 @@ bool HLRunLocalSocketCommand(std::string_view command, HLDismissResult& result) 
 bool HLWriteSocketRequest(int descriptor, std::string_view command) {
   const std::string request = std::string(command) + '\n';
   for (std::size_t sent = 0; sent < request.size();) {
-    const ssize_t count = ::send(descriptor, request.data() + sent, request.size() - sent, kSendFlags);
+    const ssize_t count = HLSendWithoutSignal(descriptor, std::string_view(request).substr(sent));
     if (count < 1) return false;
     sent += static_cast<std::size_t>(count);
   }
@@ -110,6 +93,5 @@ std::string HLReadClientLine(int descriptor) {
 }
 
 void HLWriteClientLine(int descriptor, std::string_view text) {
-  const std::string reply = std::string(text) + '\n';
-  (void)::send(descriptor, reply.data(), reply.size(), kSendFlags);
+  (void)HLSendWithoutSignal(descriptor, std::string(text) + '\n');
 }

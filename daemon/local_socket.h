@@ -23,9 +23,6 @@ class HLSocket {
   int descriptor_;
 };
 
-// A stream socket that does not outlive an exec and whose broken pipe is no signal. A descriptor, or -1.
-[[nodiscard]] int HLOpenLocalSocket();
-
 // Binds or connects to the path, of which an address holds the first 103 bytes.
 [[nodiscard]] bool HLBindLocalSocket(int descriptor, const std::string& path);
 [[nodiscard]] bool HLConnectLocalSocket(int descriptor, const std::string& path);

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/log.h"
 #include "base/paths.h"
@@ -17,11 +18,12 @@
 #include "core/dismissal/result.h"
 #include "core/scan/element_access.h"
 #include "daemon/local_socket.h"
+#include "platform/sockets.h"
 
 namespace {
 
 constexpr int kBacklog = 8;
-constexpr mode_t kSocketMode = 0600;  // who may open the file may ask: there is no other check of a caller
+constexpr mode_t kSocketMode = 0600;  // the only check of a caller: whoever may open the file may ask
 
 HLDismissResult trustReport() {
   return {HLIsAccessibilityTrusted(false) ? HLDismissStatusNothing : HLDismissStatusAccessDenied, 0, 0};
@@ -34,7 +36,7 @@ HLDismissResult answer(const std::string& command) {
   return {HLDismissStatusFailed, 0, 0};
 }
 
-// Serves one connection; whether the daemon goes on.
+// Serves one connection. Returns false after "quit-daemon".
 bool serve(int connection) {
   const HLSocket client(connection);
   ::fcntl(connection, F_SETFD, FD_CLOEXEC);
@@ -43,12 +45,18 @@ bool serve(int connection) {
   return command != "quit-daemon";
 }
 
-bool startListening(int listener, const std::string& path) {
-  if (!HLBindLocalSocket(listener, path)) return false;
-  ::chmod(path.c_str(), kSocketMode);
-  if (::listen(listener, kBacklog) == 0) return true;
-  ::unlink(path.c_str());
-  return false;
+using FileIdentity = std::pair<dev_t, ino_t>;
+
+// Returns nullopt where the path is longer than an address holds: the file has a shorter name then.
+std::optional<FileIdentity> identityOf(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0) return std::nullopt;
+  return FileIdentity(status.st_dev, status.st_ino);
+}
+
+// Removes the socket file unless a later daemon has replaced it by its own.
+void removeOwnFile(const std::string& path, const std::optional<FileIdentity>& own) {
+  if (own && identityOf(path) == own) ::unlink(path.c_str());
 }
 
 }  // namespace
@@ -61,15 +69,24 @@ int HLRunTrustedDaemon() {
   if (!path) return EXIT_FAILURE;
   ::unlink(path->c_str());  // left behind by a daemon that was killed
 
-  const HLSocket listener(HLOpenLocalSocket());
-  if (!listener.isOpen() || !startListening(listener.descriptor(), *path)) return EXIT_FAILURE;
+  std::optional<HLSocket> listener(HLOpenLocalSocket());
+  if (!listener->isOpen() || !HLBindLocalSocket(listener->descriptor(), *path)) return EXIT_FAILURE;
+  const std::optional<FileIdentity> own = identityOf(*path);
+  ::chmod(path->c_str(), kSocketMode);
+  if (::listen(listener->descriptor(), kBacklog) != 0) {
+    removeOwnFile(*path, own);
+    return EXIT_FAILURE;
+  }
   HLAppendDiagnostics("trusted daemon starting trusted=%@ %@", HLIsAccessibilityTrusted(false),
                       HLLaunchContextSummary());
 
   for (bool serving = true; serving;) {
-    const int connection = ::accept(listener.descriptor(), nullptr, nullptr);
+    const int connection = ::accept(listener->descriptor(), nullptr, nullptr);
     if (connection >= 0) serving = serve(connection);
   }
-  ::unlink(path->c_str());
+  // Once the listener is closed, the system may give its inode number to the file of a later daemon.
+  const bool isReplaced = identityOf(*path) != own;
+  listener.reset();
+  if (!isReplaced) removeOwnFile(*path, own);
   return EXIT_SUCCESS;
 }

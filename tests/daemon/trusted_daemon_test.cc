@@ -154,6 +154,18 @@ TEST_F(TrustedDaemon, TakesThePathOverFromAnotherThatKeepsItsClients) {
   EXPECT_EQ(ask("ping\n"), "nothing|0|0\n") << "and is trusted";
   EXPECT_EQ(kept.ask("quit-daemon\n"), "success|0|0\n");
   EXPECT_EQ(ended(first), 0);
+  EXPECT_EQ(ask("ping\n"), "nothing|0|0\n") << "the socket file of the second one stays";
+}
+
+TEST_F(TrustedDaemon, LeavesWhatReplacedItsSocketFile) {
+  RunningProgram& daemon = start("{}");
+  const Client kept(socketPath());
+  ASSERT_TRUE(kept.isConnected());
+  std::filesystem::remove(socketPath());
+  std::ofstream(socketPath()) << "somebody else's";
+  EXPECT_EQ(kept.ask("quit-daemon\n"), "success|0|0\n");
+  EXPECT_EQ(ended(daemon), 0);
+  EXPECT_EQ(FileContent(socketPath()), "somebody else's");
 }
 
 TEST_F(TrustedDaemon, OutlivesAHangUpAndEndsByATerminationWithItsSocketLeftBehind) {
