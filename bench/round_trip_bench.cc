@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "daemon/local_socket.h"
+#include "platform/sockets.h"
 
 namespace {
 
