@@ -14,6 +14,9 @@ inline constexpr HLMicroseconds HLNever = INT64_MAX;
 
 // Rounds to the nearest microsecond. Saturates; NaN is 0.
 [[nodiscard]] HLMicroseconds HLMicrosecondsFromSeconds(double seconds);
+[[nodiscard]] constexpr double HLSecondsFromMicroseconds(HLMicroseconds time) {
+  return static_cast<double>(time) / 1e6;
+}
 // The time `seconds` after `start`, or `start` for 0 or less. Saturates just before HLNever.
 [[nodiscard]] HLMicroseconds HLTimeAfter(HLMicroseconds start, double seconds);
 

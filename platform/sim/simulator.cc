@@ -68,7 +68,7 @@ class Simulator : public HLSimulator {
   ~Simulator() override {
     runLoop_.finishGlobalQueue();
     end();
-    // What is still to be called back may own windows, timers and hot keys, which need their services to go.
+    // Pending steps may own windows, timers and hot keys, whose destructors need the services.
     runLoop_.forgetSteps();
     interface_.hotKeys.installHandler(nullptr);
     const auto observers = desktop_.world->takeLaunchObservers();
@@ -104,7 +104,7 @@ class Simulator : public HLSimulator {
 
   double elapsed() const override {
     const HLSimLock lock(*desktop_.clock);
-    return static_cast<double>(desktop_.clock->now()) / 1e6;
+    return HLSecondsFromMicroseconds(desktop_.clock->now());
   }
 
   std::string picture() const override {

@@ -15,20 +15,19 @@
 #include "platform/sim/desktop/simulation.h"
 #include "platform/user_notifications.h"
 
-// The host, and the control side that tests look at. On the virtual clock the thread that made the simulator is its
-// main thread and has the first turn. Destruction or the end of the process writes the scene's record, if it asks for
-// one.
+// The host, with access for tests. On the virtual clock the thread that creates the simulator is the main thread and
+// runs first. Destruction or the end of the process writes the scene's record, if the scene has one.
 class HLSimulator : public HLHost {
  public:
-  // The newest element that bears the id, present or gone, as a handle; nullptr when there is none.
+  // A handle of the newest element with the id, removed or not; nullptr if there is none.
   [[nodiscard]] virtual HLElementRef element(std::string_view id) = 0;
 
   [[nodiscard]] virtual std::vector<HLSimulatedAction> actions() const = 0;
 
-  // The ids of the elements that are still there, in tree order.
+  // The ids of the present elements, in tree order.
   [[nodiscard]] virtual std::vector<std::string> presentElements() const = 0;
 
-  // The notifications of its own that the program has handed over.
+  // The notifications that the program has posted.
   [[nodiscard]] virtual std::vector<HLUserNotification> notifications() const = 0;
 
   // The state of the program's own user interface, as one line of JSON.
@@ -37,12 +36,12 @@ class HLSimulator : public HLHost {
   // Seconds from the start on the scene's clock.
   [[nodiscard]] virtual double elapsed() const = 0;
 
-  // The screen as it is now, drawn in lines of characters.
+  // The screen, drawn in lines of characters.
   [[nodiscard]] virtual std::string picture() const = 0;
 };
 
-// The simulator, or what is wrong with the scene: "NAME: applications[0].windows[1].frame: expected four numbers". The
-// name is that of the scene's file.
+// Returns the simulator, or the scene's first mistake: "NAME: applications[0].windows[1].frame: expected four numbers".
+// `name` is that of the scene's file.
 [[nodiscard]] std::variant<std::unique_ptr<HLSimulator>, std::string> HLMakeSimulator(std::string_view scene,
                                                                                       const std::string& name,
                                                                                       HLSimulatorSetup setup);

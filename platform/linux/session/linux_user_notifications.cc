@@ -10,6 +10,7 @@
 #include <memory>
 #include <thread>
 
+#include "platform/due_queue.h"
 #include "platform/file_mode_mask.h"
 #include "platform/linux/session/bus.h"
 
@@ -47,7 +48,7 @@ void post(const HLUserNotification& notification) {
   if (fork() != 0) _exit(0);  // the one that goes on is nobody's child, and no zombie
   const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
   for (int standard = 0; standard <= 2; ++standard) dup2(nowhere, standard);
-  std::this_thread::sleep_for(std::chrono::duration<double>(notification.delay));
+  std::this_thread::sleep_for(std::chrono::microseconds(HLMicrosecondsFromSeconds(notification.delay)));
   post(notification);
   _exit(0);
 }

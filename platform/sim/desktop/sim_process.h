@@ -1,4 +1,4 @@
-// The simulated process, and the applications that run beside it.
+// The simulated process, and the running applications.
 #pragma once
 
 #include "platform/process_info.h"

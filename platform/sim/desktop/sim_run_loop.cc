@@ -95,7 +95,7 @@ HLSimRunLoop::HLSimRunLoop(HLSimDesktop& desktop) : desktop_(desktop), start_(wa
 
 double HLSimRunLoop::now() {
   const HLSimLock lock(*desktop_.clock);
-  return start_ + static_cast<double>(desktop_.clock->now()) / 1e6;
+  return start_ + HLSecondsFromMicroseconds(desktop_.clock->now());
 }
 
 void HLSimRunLoop::sleep(double seconds) {

@@ -1,4 +1,4 @@
-// What a simulation is given, and what it notes of its course.
+// Input of a simulation, and the actions that it logs.
 #pragma once
 
 #include <map>
@@ -8,15 +8,15 @@
 
 #include "platform/accessibility.h"
 
-// What the simulated process is given from outside.
+// The environment of the simulated process.
 struct HLSimulatorSetup {
   std::vector<std::string> arguments = {"hushlet-sim"};
   std::map<std::string, std::string> environment;
-  bool showsScreen = false;  // prints it as it is at the start and as it is at the end
-  bool endsProcess = false;  // does so when the application quits while work is under way; else that work is finished
+  bool showsScreen = false;  // prints the screen at the start and at the end
+  bool endsProcess = false;  // if the application quits during background work; otherwise waits for the work
 };
 
-// One call of performAction, noted as it began.
+// A call of performAction, logged when it begins.
 struct HLSimulatedAction {
   double at = 0;                       // seconds from the start
   std::optional<std::string> element;  // its id

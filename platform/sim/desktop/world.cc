@@ -407,7 +407,7 @@ HLSimWorld::Answer HLSimWorld::perform(const HLSimNode& node, std::string_view a
   }
   std::optional<std::string> id;
   if (node.origin != nullptr && node.origin->id) id = scene_.ids[static_cast<std::size_t>(*node.origin->id)];
-  actions_.push_back({static_cast<double>(now) / 1e6, std::move(id), std::string(action), answer.code});
+  actions_.push_back({HLSecondsFromMicroseconds(now), std::move(id), std::string(action), answer.code});
   return answer;
 }
 

@@ -1,4 +1,4 @@
-// What a scene says about the platform's services, as the program meets them.
+// The services that every mode uses, as the scene has them.
 #pragma once
 
 #include <vector>
@@ -17,7 +17,7 @@ class HLSimPropertyLists : public HLPropertyLists {
   const HLSimDesktop& desktop_;
 };
 
-// Answers come at once, from the thread that asks.
+// Answers at once, on the calling thread.
 class HLSimUserNotifications : public HLUserNotifications {
  public:
   explicit HLSimUserNotifications(HLSimDesktop& desktop) : desktop_(desktop) {}

@@ -23,7 +23,7 @@ class HLSimMenuBarApplication::KeyMonitor : public HLKeyMonitor {
   ~KeyMonitor() override { std::erase(application_.keyMonitors_, this); }
 
   void see(const HLKeyEvent& event) const {
-    const auto handler = handler_;  // it may end the monitor
+    const auto handler = handler_;  // the handler may destroy the monitor
     handler(event);
   }
 

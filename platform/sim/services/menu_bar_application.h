@@ -1,4 +1,4 @@
-// The program's own application on a simulated desktop, and the user who works with it.
+// The program's own application on a simulated desktop, and its user.
 #pragma once
 
 #include <functional>
@@ -31,7 +31,7 @@ class HLSimMenuBarApplication : public HLApplication {
   // With the desktop's lock held.
   void userEvent(const HLSceneUserEvent& event, HLMicroseconds now);
 
-  // Ends the program with the code 2: the scene asks for something that is not there.
+  // Ends the program with code 2 and one line: the scene uses something that is not there.
   void fail(const std::string& what);
 
   [[nodiscard]] bool isDark() const { return isDark_; }
@@ -54,7 +54,7 @@ class HLSimMenuBarApplication : public HLApplication {
   HLSimRunLoop& runLoop_;
   HLSimUserInterface& interface_;
   bool launched_ = false;
-  std::vector<const HLSceneUserEvent*> waiting_;  // for the end of the launch
+  std::vector<const HLSceneUserEvent*> waiting_;  // until the launch has finished
   std::optional<HLEvent> currentEvent_;
   std::vector<KeyMonitor*> keyMonitors_;
   bool isDark_ = false;

@@ -16,7 +16,7 @@ namespace {
 
 double toTheMillisecond(double seconds) { return std::round(seconds * 1000) / 1000; }
 
-// Whole numbers are written without a fraction.
+// Writes whole numbers without a fraction.
 HLJson jsonNumber(double number) {
   const auto whole = static_cast<std::int64_t>(number);
   return static_cast<double>(whole) == number ? HLJson(whole) : HLJson(number);
@@ -60,7 +60,7 @@ HLJson notifications(const HLSimDesktop& desktop) HL_REQUIRES(desktop.clock) {
   return list;
 }
 
-// What a user could see
+// The user interface
 
 HLJson jsonFrom(const HLValue& value) {
   if (const bool* truth = value.as<bool>()) return *truth;
@@ -191,7 +191,7 @@ HLJson hotKey(const HLSimHotKeys& hotKeys) {
 
 HLJson dump(const HLSimDesktop& desktop, HLSimUserInterface& interface) HL_REQUIRES(desktop.clock) {
   HLJson made;
-  made["at"] = toTheMillisecond(static_cast<double>(desktop.clock->now()) / 1e6);
+  made["at"] = toTheMillisecond(HLSecondsFromMicroseconds(desktop.clock->now()));
   made["statusItem"] = statusItem(interface.statusItem);
   made["menu"] = menu(interface.statusItem);
   made["windows"] = windows(interface.windows);

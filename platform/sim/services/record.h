@@ -1,4 +1,4 @@
-// What a run leaves behind for those who compare runs.
+// The dump and the record of a run.
 #pragma once
 
 #include <string>
@@ -13,5 +13,5 @@
 [[nodiscard]] std::string HLRecordLine(const HLSimDesktop& desktop, HLSimUserInterface& interface)
     HL_REQUIRES(desktop.clock);
 
-// Adds the line to the file; false, and a line on standard error, when that fails.
+// Appends the line to the file. On failure returns false and prints a line on standard error.
 bool HLAppendRecord(const std::string& path, const std::string& line);

@@ -1,4 +1,4 @@
-// Everything of the program's own that a user would see, gathered.
+// The program's own user interface and the services behind it.
 #pragma once
 
 #include "platform/application/application_platform.h"
