@@ -10,6 +10,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string_view>
 
@@ -41,7 +42,8 @@ CallWatch::CallWatch(Watcher& watcher, const std::string& home)
 
 CallWatch::~CallWatch() { current = nullptr; }
 
-void CallWatch::wrote(const std::string& path, bool makesDirectory) {
+void CallWatch::wrote(const std::string& named, bool makesDirectory) {
+  const std::string path = std::filesystem::path(named).lexically_normal();
   const bool isState = path == state_ || path.starts_with(state_ + "/");
   const bool isAbove = makesDirectory && (state_.starts_with(path + "/") || path == "/tmp");
   if (isState || isAbove || (path == kFixedStatusLog && !watcher_.course.plan.isProduct)) return;

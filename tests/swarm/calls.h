@@ -17,7 +17,7 @@ class CallWatch {
   CallWatch& operator=(const CallWatch&) = delete;
   ~CallWatch();
 
-  void wrote(const std::string& path, bool makesDirectory);
+  void wrote(const std::string& named, bool makesDirectory);
   // Where a file of the program's lies in truth; the fixed status log is one file for the whole machine.
   [[nodiscard]] std::string place(const std::string& path) const;
   void opened(int file, const std::string& path);

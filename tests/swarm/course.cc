@@ -160,7 +160,10 @@ void Course::batchBegins(double at) {
         });
     if (!known) dismissal->batch.push_back(std::move(entry));
   }
-  if (callFaults > scans().faultsAtStart) dismissal->exact = false;
+  // A later search may have replaced a handle that an earlier one has gone through, and have stopped short of it.
+  const bool replacesHandles = plan.scene.find("freshHandles") != std::string::npos;
+  const auto searches = std::count_if(dismissal->eligible.begin(), dismissal->eligible.end(), NeedsResolution);
+  if (callFaults > scans().faultsAtStart || (replacesHandles && searches > 1)) dismissal->exact = false;
 }
 
 BatchEntry* Course::pressing(Seen* element, const std::string& action, bool inQueue) {

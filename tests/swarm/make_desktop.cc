@@ -86,7 +86,19 @@ std::string DesktopMaker::effect(const std::string& id) {
   }
 }
 
+std::string DesktopMaker::multiplication(const std::string& id) {
+  ++generation_;
+  ++faults_;
+  std::string effects = R"({"remove": ")" + id + "\"}";
+  for (std::size_t count = 2 + random_.below(2); count > 0; --count) {
+    effects += R"(, {"add": )" + alert() + R"(, "to": ")" + window_ + "\"}";
+  }
+  --generation_;
+  return key("onAction", R"({"Name:Close": {"effects": [)" + effects + "]}}");
+}
+
 std::string DesktopMaker::reactions(const std::string& id) {
+  if (multiplies_ && generation_ < 2) return multiplication(id);
   if (!random_.chance(faultPercent_)) return key("closes", "\"" + id + "\"");
   ++faults_;
   if (random_.chance(25)) return "";  // it never goes away
@@ -94,13 +106,6 @@ std::string DesktopMaker::reactions(const std::string& id) {
   std::string effects;
   if (random_.chance(50)) effects = R"({"remove": ")" + id + "\"}";
   while (random_.chance(40)) effects += (effects.empty() ? "" : ", ") + effect(id);
-  if (random_.chance(15)) {  // it multiplies
-    const std::string to = random_.pick(ids_);
-    for (std::size_t count = 2 + random_.below(3); count > 0; --count) {
-      effects +=
-          (effects.empty() ? "" : ", ") + std::string(R"({"add": )") + lateMember() + R"(, "to": ")" + to + "\"}";
-    }
-  }
   std::string reaction = R"({"effects": [)" + effects + "]";
   if (random_.chance(30)) reaction += key("error", random_.pick(kCodes));
   if (random_.chance(40)) reaction += key("seconds", random_.pick(kSeconds));
@@ -236,6 +241,8 @@ std::string DesktopMaker::windows(std::int64_t budget) {
     std::string members;
     const auto append = [&members](const std::string& member) { members += (members.empty() ? "" : ", ") + member; };
     const std::string id = newId();
+    window_ = id;
+    multiplies_ = share < 12 && random_.chance(6);
     --share;
     if (share > 30 && random_.chance(25)) {
       const std::int64_t length = random_.between(20, share);

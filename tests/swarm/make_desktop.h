@@ -36,6 +36,7 @@ class DesktopMaker {
   std::string reactions(const std::string& id);
   std::string errors();
   std::string effect(const std::string& id);
+  std::string multiplication(const std::string& id);
 
   std::string element(std::int64_t& budget, int depth);
   std::string alert();
@@ -51,4 +52,8 @@ class DesktopMaker {
   std::int64_t elements_ = 0;
   std::int64_t faults_ = 0;
   int faultPercent_ = -1;
+  // Two or more come for each banner that goes, twice over; they come to this window.
+  bool multiplies_ = false;
+  int generation_ = 0;
+  std::string window_;
 };

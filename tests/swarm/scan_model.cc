@@ -193,8 +193,12 @@ ModelScan ScanWindow(Seen* window) {
   return scan;
 }
 
+bool NeedsResolution(const ModelTarget& target) {
+  return !hasAny(HLLowercase(target.action), kDismiss) && isLarge(target.framed, target.frame);
+}
+
 ModelTarget Resolve(const ModelTarget& target) {
-  if (hasAny(HLLowercase(target.action), kDismiss) || !isLarge(target.framed, target.frame)) return target;
+  if (!NeedsResolution(target)) return target;
   constexpr std::array kNames = {"axclosebutton"sv, "axcancelbutton"sv};
   for (std::size_t i = 0; i < kNames.size(); ++i) {
     Seen* control = target.element->closeControls[i];

@@ -31,6 +31,8 @@ struct ModelScan {
 // One window, from the last readings of its elements.
 [[nodiscard]] ModelScan ScanWindow(Seen* window);
 
+// Whether it is a whole notification, in whose place its close control is pressed.
+[[nodiscard]] bool NeedsResolution(const ModelTarget& target);
 // The target's own control, or what is pressed in its place.
 [[nodiscard]] ModelTarget Resolve(const ModelTarget& target);
 
