@@ -1,5 +1,5 @@
-// The two plain-text logs. Appending never fails its caller and takes no lock: a line is one write to a file opened for
-// appending, so that lines of many threads and processes come out whole. Any thread.
+// The two plain-text logs. Thread-safe without a lock: a line is one write to a file opened for appending, so that the
+// lines of several threads and processes do not mix.
 #pragma once
 
 #include <optional>
@@ -9,17 +9,17 @@
 #include "base/format.h"
 #include "base/paths.h"
 
-// Adds a line: the local time, a blank, the message. Does nothing without a path, or when the message cannot be
-// encoded.
+// Appends a line: local time, space, message. Creates the missing file and directories. Every failure is silent: no
+// path, a message that is no UTF-8, a path that is not that of a regular file.
 void HLAppendLineToPath(const std::optional<std::string>& path, std::string_view message);
 
-// The status log: what the user did and what came of it.
+// Appends to the status log: what the user did and what followed.
 template <class... Args>
 void HLAppendLog(HLFormatString<std::type_identity_t<Args>...> format, const Args&... args) {
   HLAppendLineToPath(HLStatusLogPath(), HLFormat<Args...>(format, args...));
 }
 
-// The diagnostics log: the inner life of engine, routing and daemon.
+// Appends to the diagnostics log: the steps of engine, routing and daemon.
 template <class... Args>
 void HLAppendDiagnostics(HLFormatString<std::type_identity_t<Args>...> format, const Args&... args) {
   HLAppendLineToPath(HLDiagnosticsLogPath(), HLFormat<Args...>(format, args...));

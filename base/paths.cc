@@ -10,7 +10,7 @@
 
 namespace {
 
-// Creates the path and what is missing above it. The mode goes to all that are made; the process's mask applies.
+// Creates the directory and its missing parents, all with `mode` as the process's mask allows.
 void createDirectories(const std::string& path, mode_t mode) {
   for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
     ::mkdir(path.substr(0, end).c_str(), mode);

@@ -1,6 +1,6 @@
-// Asking for the grant that everything depends on.
+// The request for accessibility access.
 #pragma once
 
-// Whether access is still missing. With prompt, the system asks the user where it is; the call does not wait for the
+// Returns true while access is missing. With `prompt`, has the system ask the user then, without waiting for the
 // answer.
 [[nodiscard]] bool HLRequestAccessibility(bool prompt);

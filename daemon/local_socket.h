@@ -1,6 +1,5 @@
-// The wire between the daemon and its callers: one connection, one command line, one reply line. docs/protocol.md
-// describes it for whoever writes a client. Nothing here has a time-out; every call may block for as long as its peer
-// does.
+// The protocol between the daemon and its callers: one connection, one command line, one reply line (docs/protocol.md).
+// No timeouts: every call may block until the peer sends, reads or closes.
 #pragma once
 
 #include <string>
@@ -8,7 +7,7 @@
 
 #include "core/dismissal/result.h"
 
-// An open file descriptor, closed at destruction.
+// Owns a file descriptor and closes it.
 class HLSocket {
  public:
   explicit HLSocket(int descriptor) : descriptor_(descriptor) {}
@@ -23,28 +22,28 @@ class HLSocket {
   int descriptor_;
 };
 
-// Binds or connects to the path, of which an address holds the first 103 bytes.
+// Bind or connect the socket to the first 103 bytes of the path, which is what an address holds.
 [[nodiscard]] bool HLBindLocalSocket(int descriptor, const std::string& path);
 [[nodiscard]] bool HLConnectLocalSocket(int descriptor, const std::string& path);
 
-// The client's side.
+// Client.
 
-// Sends a command to the daemon and reads its reply into the result. True only when all of it went well; the result is
-// written only then.
+// Sends a command to the daemon and parses its reply into `result`. Returns false, and leaves `result`, if any step
+// fails.
 [[nodiscard]] bool HLRunLocalSocketCommand(std::string_view command, HLDismissResult& result);
 
-// Writes the command and a line feed, then ends the sending direction. False when not all of it was sent.
+// Writes the command and a line feed, then shuts down the sending direction. Returns false if not all could be written.
 [[nodiscard]] bool HLWriteSocketRequest(int descriptor, std::string_view command);
 
-// Reads until the end of the stream, or until more than 16,384 bytes are held. False, and the text untouched, when
-// reading fails. Bytes that are no UTF-8 give the empty text.
+// Reads until the end of the stream or until `text` has more than 16,384 bytes. Bytes that are no UTF-8 give an empty
+// text. Returns false, and leaves `text`, if reading fails.
 [[nodiscard]] bool HLReadSocketResponse(int descriptor, std::string& text);
 
-// The daemon's side.
+// Daemon.
 
-// The command of a request: up to a line feed, the end of the stream, a failing read, or 1,025 bytes; trimmed. Bytes
-// that are no UTF-8 give the empty text.
+// Reads up to a line feed, the end of the stream, a failing read, or 1,025 bytes. Returns the trimmed command; bytes
+// that are no UTF-8 give an empty text.
 [[nodiscard]] std::string HLReadClientLine(int descriptor);
 
-// Writes the text and a line feed at once; what the client does not take is lost.
+// Writes the text and a line feed by one write; ignores failures and short writes.
 void HLWriteClientLine(int descriptor, std::string_view text);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/format.h"
+#include "base/terminal.h"
 #include "core/scan/element_access.h"
 #include "core/scan/element_facts.h"
 #include "core/scan/notification_center.h"
@@ -36,13 +37,17 @@ std::string actionSummary(const std::vector<std::string>& names) {
   return names.empty() ? "(none)" : joined;
 }
 
-void print(std::ostream& out, const std::string& line) { out << HLEncodableText(line); }
+// Other programs' texts may hold sequences that a terminal obeys, so a terminal gets control characters spelled out.
+void printLine(std::ostream& out, std::string_view line) {
+  const std::string text = HLEncodableText(line);
+  out << (HLIsTerminal(out) ? HLVisibleText(text) : text) << '\n';
+}
 
 void printEvent(std::ostream& out, const HLElement& element, std::string_view notification) {
   const std::string description = HLStringAttribute(element, "AXDescription").value_or("");
-  print(out, HLFormat("%.3f %s %s desc=%s\n", HLCurrentPlatform().runLoop->now(), notification,
-                      HLElementDebugSummary(element), HLUtf16Prefix(description, kDescriptionLimit)));
-  out.flush();  // whoever follows through a pipe sees it now
+  printLine(out, HLFormat("%.3f %s %s desc=%s", HLCurrentPlatform().runLoop->now(), notification,
+                          HLElementDebugSummary(element), HLUtf16Prefix(description, kDescriptionLimit)));
+  out.flush();  // a pipe gets each line as it happens
 }
 
 }  // namespace
@@ -65,13 +70,13 @@ int HLObserveNotificationCenter(double seconds, std::ostream& out, std::ostream&
   for (std::string_view notification : kNotifications) {
     const HLAXError error =
         application != nullptr ? observer->addNotification(application, notification) : HLAXErrorFailure;
-    print(out, HLFormat("register %s -> %d\n", notification, error));
+    printLine(out, HLFormat("register %s -> %d", notification, error));
   }
   const std::vector<HLElementRef> windows =
       application != nullptr ? HLNotificationWindows(*application) : std::vector<HLElementRef>();
   for (const HLElementRef& window : windows) {
     for (std::string_view notification : kNotifications) (void)observer->addNotification(window, notification);
-    print(out, HLFormat("window registered %s\n", HLElementDebugSummary(*window)));
+    printLine(out, HLFormat("window registered %s", HLElementDebugSummary(*window)));
   }
   out.flush();
   observer->attach();

@@ -1,4 +1,4 @@
-// Showing what Notification Center does: its accessibility events, and its elements in one line each.
+// Output about Notification Center: its accessibility events, and summaries of its elements.
 #pragma once
 
 #include <iosfwd>
@@ -8,13 +8,13 @@
 #include "platform/accessibility.h"
 #include "platform/geometry.h"
 
-// Prints every event of Notification Center for so many seconds, each line as it happens. Returns 1, and prints the
-// reason on err, when there is none or it cannot be watched; else 0. Main thread.
+// Prints every accessibility event of Notification Center for `seconds`, each when it happens. Returns 0, or 1 with the
+// reason on `err` if Notification Center is not running or cannot be observed. Main thread; runs its run loop.
 [[nodiscard]] int HLObserveNotificationCenter(double seconds, std::ostream& out, std::ostream& err);
 
 [[nodiscard]] std::string HLElementDebugSummary(const HLElement& element);
 
-// The element that the attribute holds, or "none".
+// Returns a summary of the element that the attribute holds, or "none".
 [[nodiscard]] std::string HLAttributeButtonSummary(const HLElement& element, std::string_view attribute);
 
 [[nodiscard]] std::string HLFrameSummary(const HLRect& frame);

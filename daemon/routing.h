@@ -3,5 +3,5 @@
 
 #include "core/dismissal/result.h"
 
-// Blocks until the result is known, at worst for as long as the daemon is busy. Any thread.
+// Dismisses here or in the daemon and returns the result. Blocks, also while the daemon serves others. Thread-safe.
 [[nodiscard]] HLDismissResult HLDismissNotificationsPreferTrustedDaemon();

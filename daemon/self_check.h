@@ -1,13 +1,14 @@
-// What can be dismissed from here: by this process, and by the daemon.
+// Checks of what this process and the daemon can dismiss. They dismiss nothing.
 #pragma once
 
 #include <iosfwd>
 
-// Prints one line; 0 when this process is trusted, else 1. Dismisses nothing.
+// Prints trust, Notification Center's process and the number of targets. Returns 0 when this process is trusted,
+// else 1.
 [[nodiscard]] int HLSelfCheck(std::ostream& out);
 
-// Whether a daemon answers that is itself trusted.
+// Returns whether a daemon answers that is trusted. Blocks while the daemon serves others.
 [[nodiscard]] bool HLLocalDaemonReachable();
 
-// Prints whether the daemon answers and with what; 0 when it does and is trusted, else 1.
+// Prints whether the daemon is reachable, and its answer. Returns 0 when it answers and is trusted, else 1.
 [[nodiscard]] int HLLocalDaemonSelfCheck(std::ostream& out);

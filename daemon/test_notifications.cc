@@ -19,7 +19,7 @@ namespace {
 
 constexpr double kPermissionSeconds = 5;
 
-// The last one is all words that mark what is no close control: what a notification says must not keep it on screen.
+// The last one consists of words that count against a control: content must not keep a notification on screen.
 constexpr std::array<std::string_view, 3> kBodies = {
     "If you can see this, HL should be able to dismiss it.",
     "menu items renamed to say what they do, and the top action now really works",
@@ -30,14 +30,14 @@ struct Permission {
   std::optional<std::string> error;
 };
 
-// The answer comes on another thread, perhaps after nobody waits for it any more.
+// The answer arrives on another thread, possibly after the timeout.
 struct PendingPermission {
   HLMutex mutex;
   Permission permission HL_GUARDED_BY(mutex);
   std::unique_ptr<HLSemaphore> answered = HLCurrentPlatform().runLoop->makeSemaphore();
 };
 
-// No answer in time is no permission, and no error.
+// Returns no permission and no error after a timeout.
 Permission askPermission() {
   const auto pending = std::make_shared<PendingPermission>();
   HLCurrentPlatform().userNotifications->requestAuthorization(

@@ -1,6 +1,6 @@
-// Something on screen to dismiss.
+// Test notifications: something to dismiss.
 #pragma once
 
-// Posts three notifications of this program's own, one, two and three seconds from now. Always 0: what came of it
-// stands in the status log. Waits at most 5 s for the permission.
+// Posts three notifications, one, two and three seconds from now, and logs the outcome. Returns 0. Blocks for at most 5
+// s until the user permits them.
 [[nodiscard]] int HLSendTestNotifications();

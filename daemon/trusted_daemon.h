@@ -1,6 +1,6 @@
-// The background process that dismisses on behalf of others, which may not.
+// The background process that dismisses for processes without access.
 #pragma once
 
-// Serves the local socket on the calling thread, one connection after the other. Returns 0 after "quit-daemon", or 1
-// when it could not start. Ignores SIGHUP and SIGPIPE from then on.
+// Serves the local socket, one connection at a time. Returns 0 after "quit-daemon", 1 if the socket cannot be created,
+// bound or listened on. Blocks. The process ignores SIGHUP and SIGPIPE from then on.
 [[nodiscard]] int HLRunTrustedDaemon();

@@ -1,8 +1,11 @@
+#include <unistd.h>
+
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <variant>
 
+#include "base/terminal.h"
 #include "entry/modes.h"
 #include "platform/file_mode_mask.h"
 #include "platform/platform.h"
@@ -17,6 +20,8 @@ int main(int argc, char** argv) {
   }
   const HLPlatform& platform = std::get<std::unique_ptr<HLHost>>(made)->platform();
   HLInstallPlatform(&platform);
+  if (::isatty(STDOUT_FILENO) == 1) HLMarkAsTerminal(std::cout);
+  if (::isatty(STDERR_FILENO) == 1) HLMarkAsTerminal(std::cerr);
   const int code = HLRunMode(HLSelectMode(platform.process->arguments()), std::cout, std::cerr);
   HLInstallPlatform(nullptr);
   return code;

@@ -14,6 +14,8 @@
 #include "autoclose/auto_closer.h"
 #include "autoclose/close_matching.h"
 #include "autoclose/rules.h"
+#include "base/paths.h"
+#include "base/terminal.h"
 #include "core/dismissal/dismiss_run.h"
 #include "core/dismissal/result.h"
 #include "daemon/accessibility_request.h"
@@ -22,19 +24,34 @@
 #include "daemon/self_check.h"
 #include "daemon/test_notifications.h"
 #include "daemon/trusted_daemon.h"
+#include "platform/platform.h"
 
 namespace {
 
 constexpr double kDefaultSeconds = 10.0;
 
-void printResult(const HLDismissResult& result, std::ostream& out) { out << HLResultWireString(result) << '\n'; }
+// Returns an empty text for a status that needs no advice, and where the host has none.
+std::string adviceFor(HLDismissStatus status) {
+  const std::optional<HLCommandAdvice>& advice = HLCurrentPlatform().commandAdvice;
+  if (!advice) return "";
+  if (status == HLDismissStatusAccessDenied) return std::string(advice->accessDenied);
+  if (status == HLDismissStatusNotificationCenterUnavailable) return std::string(advice->notificationCenterUnavailable);
+  if (status == HLDismissStatusFailed) return std::string(advice->failed) + HLDiagnosticsLogPath().value_or("none");
+  return "";
+}
+
+void printResult(const HLDismissResult& result, const HLModeCall& call) {
+  call.out << HLResultWireString(result) << std::endl;  // before the advice, where both go to one terminal
+  if (!HLIsTerminal(call.err)) return;
+  if (const std::string advice = adviceFor(result.status); !advice.empty()) call.err << advice << '\n';
+}
 
 int requestAccessibility(const HLModeCall&) { return HLRequestAccessibility(true) ? EXIT_FAILURE : EXIT_SUCCESS; }
 
 int daemon(const HLModeCall&) { return HLRunTrustedDaemon(); }
 
 int daemonDismiss(const HLModeCall& call) {
-  printResult(HLDismissNotificationsPreferTrustedDaemon(), call.out);
+  printResult(HLDismissNotificationsPreferTrustedDaemon(), call);
   return EXIT_SUCCESS;
 }
 
@@ -57,7 +74,7 @@ int selfCheck(const HLModeCall& call) { return HLSelfCheck(call.out); }
 int sendTestNotifications(const HLModeCall&) { return HLSendTestNotifications(); }
 
 int dismissNow(const HLModeCall& call) {
-  printResult(HLDismissNotificationsNow(), call.out);
+  printResult(HLDismissNotificationsNow(), call);
   return EXIT_SUCCESS;
 }
 

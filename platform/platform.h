@@ -3,7 +3,9 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "platform/reference.h"
@@ -16,6 +18,14 @@ class HLRunLoop;
 class HLRunningApplications;
 class HLUserNotifications;
 
+// What a person at a terminal is told after a dismissal that did not succeed: what is wrong and what to do, a line
+// each.
+struct HLCommandAdvice {
+  std::string_view accessDenied;
+  std::string_view notificationCenterUnavailable;
+  std::string_view failed;  // before the path of the diagnostics log
+};
+
 // A copy may have members replaced: HLPlatform spied = platform; spied.runLoop = spy;
 struct HLPlatform {
   HLReference<HLAccessibility> accessibility;
@@ -27,6 +37,8 @@ struct HLPlatform {
   // Makes ready what the menu-bar application needs besides, at the first call; it lives as long as the host. Else one
   // line that says what is missing. Main thread.
   std::function<std::variant<const HLApplicationPlatform*, std::string>()> applicationPlatform;
+  // nullopt where commands print nothing but what programs read.
+  std::optional<HLCommandAdvice> commandAdvice = std::nullopt;
 };
 
 // The platform stays the caller's and must outlive its use; nullptr takes it out again. Not while other threads use it.

@@ -56,3 +56,12 @@ HLConventions HLLinuxConventions() {
   conventions.iconMayBeMissing = true;
   return conventions;
 }
+
+HLCommandAdvice HLLinuxCommandAdvice() {
+  return {
+      "hushlet: accessibility is switched off, or this process is outside of the desktop session. Inside of it, run "
+      "\"hushlet --request-accessibility\"; outside, start \"hushlet --daemon\" inside and use --daemon-dismiss.",
+      "hushlet: no notification server runs in this session. Run hushlet in the session that shows the banners.",
+      "hushlet: not every banner could be cleared. See the diagnostics log: ",
+  };
+}

@@ -3,6 +3,7 @@
 
 #include "platform/linux/atspi/atspi_accessibility.h"
 #include "platform/linux/files/linux_property_lists.h"
+#include "platform/linux/linux_conventions.h"
 #include "platform/linux/linux_menu_bar.h"
 #include "platform/linux/session/linux_process_info.h"
 #include "platform/linux/session/linux_run_loop.h"
@@ -24,8 +25,12 @@ class HLLinuxHost : public HLHost {
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;
   HLLinuxMenuBar menuBar_{process_, runLoop_};
-  const HLPlatform platform_{
-      accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, [this] {
-        return menuBar_.platform();
-      }};
+  const HLPlatform platform_{accessibility_,
+                             runningApplications_,
+                             runLoop_,
+                             process_,
+                             propertyLists_,
+                             userNotifications_,
+                             [this] { return menuBar_.platform(); },
+                             HLLinuxCommandAdvice()};
 };

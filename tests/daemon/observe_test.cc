@@ -6,6 +6,7 @@
 #include <sstream>
 #include <vector>
 
+#include "base/terminal.h"
 #include "tests/support/scenes.h"
 #include "tests/support/simulated_desktop.h"
 
@@ -135,6 +136,25 @@ TEST(Observer, PrintsALineForEachEventWithItsTimeAndTheElement) {
                 kNoButtons + " desc=Mail, Lunch");
   EXPECT_EQ(second[2], "AXValueChanged role=AXWindow subrole=(none) frame=null actions=(none) context=axwindow" +
                            kNoButtons + " desc=");
+}
+
+std::string descriptionOn(bool terminal) {
+  const SimulatedDesktop desktop(NotificationCenterScene(
+      R"({"id": "w", "role": "AXWindow", "description": "a\u001b[31mb\nc\td\u007f\u009b2Jé\u0000"})",
+      R"(,"timeline": [{"at": 0.5, "notify": "AXCreated", "element": "w"}])"));
+  std::ostringstream out;
+  std::ostringstream err;
+  if (terminal) HLMarkAsTerminal(out);
+  EXPECT_EQ(HLObserveNotificationCenter(1, out, err), 0);
+  return out.str().substr(out.str().rfind(" desc=") + 6);
+}
+
+TEST(Observer, ShowsControlCharactersAtATerminal) {
+  EXPECT_EQ(descriptionOn(true), "a\\u001B[31mb\\u000Ac\\u0009d\\u007F\\u009B2Jé\\u0000\n");
+}
+
+TEST(Observer, PrintsControlCharactersElsewhere) {
+  EXPECT_EQ(descriptionOn(false), std::string("a\x1B[31mb\nc\td\x7F\u009B2Jé\0\n", 20));
 }
 
 TEST(Observer, CutsADescriptionAfter120Characters) {

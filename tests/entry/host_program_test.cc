@@ -1,14 +1,20 @@
 // The program on its own host, where there is no desktop.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
 
 #include "daemon/local_socket.h"
+#include "platform/linux/linux_conventions.h"
 #include "platform/sockets.h"
 #include "tests/support/processes.h"
 #include "tests/support/simulated_desktop.h"
@@ -36,6 +42,36 @@ bool answers(const std::string& socketPath) {
   }
   return true;
 }
+
+// What a terminal shows of the standard error of a dismissal that has no desktop.
+std::string shownOnTerminal(const std::string& redirection) {
+  const TemporaryDirectory home;
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  EXPECT_EQ(grantpt(terminal), 0);
+  EXPECT_EQ(unlockpt(terminal), 0);
+  const std::string device = ptsname(terminal);
+  const int held = open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);  // keeps what is written readable
+  const ProgramRun run = RunProgram({"/bin/sh", "-c", HUSHLET " --dismiss-now " + redirection + device},
+                                    {{"HOME", home.path().c_str()},
+                                     {"XDG_DATA_HOME", home.path().c_str()},
+                                     {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"},
+                                     {"XDG_RUNTIME_DIR", nullptr}});
+  EXPECT_EQ(run.exitCode, 0);
+  fcntl(terminal, F_SETFL, O_NONBLOCK);
+  std::array<char, 1024> shown{};
+  const ssize_t count = read(terminal, shown.data(), shown.size());
+  close(held);
+  close(terminal);
+  return run.out + "|" + std::string(shown.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))) + "|" +
+         run.err;
+}
+
+TEST(HostProgram, AdvisesAtATerminal) {
+  const std::string advice(HLLinuxCommandAdvice().accessDenied);
+  EXPECT_EQ(shownOnTerminal("2>"), "accessDenied|0|0\n|" + advice + "\r\n|");
+}
+
+TEST(HostProgram, AdvisesNotThroughAPipe) { EXPECT_EQ(shownOnTerminal(">"), "|accessDenied|0|0\r\n|"); }
 
 TEST(HostProgram, KeepsItsPathsWhenItsBundleGoes) {
   const TemporaryDirectory home;

@@ -13,9 +13,11 @@
 #include <string_view>
 #include <vector>
 
+#include "base/terminal.h"
 #include "daemon/self_check.h"
 #include "entry/modes.h"
 #include "platform/accessibility.h"
+#include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "tests/support/processes.h"
 #include "tests/support/scenes.h"
@@ -84,6 +86,35 @@ TEST_F(Program, DismissNowExitsWithZeroWhateverTheStatus) {
       run(NotificationCenterScene(R"({"title": "stuck", "actions": ["Close"]})"), {"--dismiss-now"});
   EXPECT_EQ(failed.out, "failed|0|1\n");
   EXPECT_EQ(failed.exitCode, 0);
+}
+
+// What --dismiss-now prints on standard error, on a host that has advice.
+std::string adviceOn(const std::string& scene, bool onTerminal) {
+  SimulatedDesktop desktop(scene);
+  HLPlatform advising = desktop.platform();
+  advising.commandAdvice = HLCommandAdvice{"no access", "no server", "see "};
+  HLInstallPlatform(&advising);
+  std::ostringstream out;
+  std::ostringstream err;
+  if (onTerminal) HLMarkAsTerminal(err);
+  EXPECT_EQ(HLRunMode(HLSelectMode({"hushlet", "--dismiss-now"}), out, err), 0);
+  expectOneLine(out.str());
+  HLInstallPlatform(&desktop.platform());
+  const std::string advice = err.str();
+  return advice == "see " + desktop.diagnosticsPath() + "\n" ? "see the log\n" : advice;
+}
+
+TEST_F(Program, AdvisesAtATerminal) {
+  EXPECT_EQ(adviceOn(NotificationCenterScene(kThreeBanners, R"(, "trusted": false)"), true), "no access\n");
+  EXPECT_EQ(adviceOn("{}", true), "no server\n");
+  EXPECT_EQ(adviceOn(NotificationCenterScene(R"({"title": "stuck", "actions": ["Close"]})"), true), "see the log\n");
+  EXPECT_EQ(adviceOn(NotificationCenterScene(""), true), "");
+  EXPECT_EQ(adviceOn(NotificationCenterScene(kThreeBanners), true), "");
+}
+
+TEST_F(Program, AdvisesNoOtherProgram) {
+  EXPECT_EQ(adviceOn(NotificationCenterScene(kThreeBanners, R"(, "trusted": false)"), false), "");
+  EXPECT_EQ(adviceOn("{}", false), "");
 }
 
 TEST_F(Program, WritesForItsUserAlone) {
