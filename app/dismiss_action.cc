@@ -35,15 +35,21 @@ void HLAppDelegate::dismissNotifications() {
       if (const auto self = weak.lock()) self->showProgress(count);
     });
   });
-  runLoop.postToGlobalQueue(HLQualityOfService::userInitiated, [&runLoop, start, self = shared_from_this(),
-                                                                explains = conventions().explainsFailures] {
-    const HLDismissResult result = HLDismissNotificationsPreferTrustedDaemon();
-    HLSetProgressHandler(nullptr);
-    const std::int64_t elapsed = HLElapsedMilliseconds(runLoop.now() - start);
-    const bool leftBanner = explains && result.status == HLDismissStatusNothing && HLHasBanner();
-    runLoop.postToMainQueue(
-        [self, result, elapsed, leftBanner] { self->finishDismissal(result, elapsed, leftBanner); });
-  });
+  runLoop.postToGlobalQueue(
+      HLQualityOfService::userInitiated,
+      [&runLoop, start, self = shared_from_this(), explains = conventions().explainsFailures] {
+        const HLDismissResult result = HLDismissNotificationsPreferTrustedDaemon();
+        HLSetProgressHandler(nullptr);
+        const std::int64_t elapsed = HLElapsedMilliseconds(runLoop.now() - start);
+        const bool leftBanner = explains && result.status == HLDismissStatusNothing && HLHasBanner();
+        runLoop.postToMainQueue(
+            [self, result, elapsed, leftBanner] { self->finishDismissal(result, elapsed, leftBanner); });
+      },
+      [&runLoop, start, self = shared_from_this()] {
+        HLSetProgressHandler(nullptr);
+        const std::int64_t elapsed = HLElapsedMilliseconds(runLoop.now() - start);
+        self->finishDismissal({HLDismissStatusFailed, 0, 0}, elapsed, false);
+      });
 }
 
 void HLAppDelegate::showProgress(std::int64_t count) {

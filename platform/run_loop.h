@@ -5,10 +5,11 @@
 #include <memory>
 #include <string>
 
-// The home platform's classes of urgency; a host without them takes all alike.
+// macOS's quality-of-service classes. Other hosts ignore them.
 enum class HLQualityOfService { userInitiated = 25 };
 
-// Runs operations on worker threads. One owner thread adds and waits; destruction waits too.
+// Runs operations on worker threads: as many as can be started, or without any on the thread that waits for the queue.
+// One owner thread adds operations and waits. Destruction waits too.
 class HLOperationQueue {
  public:
   HLOperationQueue() = default;
@@ -21,7 +22,7 @@ class HLOperationQueue {
   virtual void waitUntilAllOperationsAreFinished() = 0;
 };
 
-// Lets one thread wait for another. Any thread.
+// Lets one thread wait for another. Thread-safe.
 class HLSemaphore {
  public:
   HLSemaphore() = default;
@@ -30,11 +31,11 @@ class HLSemaphore {
   virtual ~HLSemaphore() = default;
 
   virtual void signal() = 0;
-  // Waits for a signal, which it takes, for at most so many seconds; whether there was one.
+  // Waits up to `seconds` and consumes one signal. False on timeout.
   [[nodiscard]] virtual bool wait(double seconds) = 0;
 };
 
-// A repeating timer of the main thread. Destruction ends it, from within its own action too. Main thread.
+// Repeating main-thread timer. Destroying it cancels it, even inside its callback. Main thread only.
 class HLTimer {
  public:
   HLTimer() = default;
@@ -42,6 +43,8 @@ class HLTimer {
   HLTimer& operator=(const HLTimer&) = delete;
   virtual ~HLTimer() = default;
 };
+
+inline constexpr double HLThreadStartTimeout = 5;  // seconds
 
 class HLRunLoop {
  public:
@@ -65,8 +68,10 @@ class HLRunLoop {
   // The same, that many seconds from now.
   virtual void postToMainQueueAfter(double seconds, std::function<void()> step) = 0;
 
-  // Has this run on a thread of its own choosing, beside everything else. Any thread.
-  virtual void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) = 0;
+  // Runs `work` on another thread, never on the main thread. If no thread can be started for HLThreadStartTimeout,
+  // drops `work` and queues `refused`, unless empty, for the main run loop. Thread-safe.
+  virtual void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
+                                 std::function<void()> refused = nullptr) = 0;
 
   // Runs the action on the main thread every so many seconds, the first time that long from now. Main thread.
   [[nodiscard]] virtual std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) = 0;

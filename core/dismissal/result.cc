@@ -14,8 +14,17 @@ namespace {
 constexpr std::array<std::string_view, 5> kStatusWords = {"success", "nothing", "accessDenied",
                                                           "notificationCenterUnavailable", "failed"};
 
-HLMutex handlerMutex;
-std::shared_ptr<const HLProgressCallback> progressHandler HL_GUARDED_BY(handlerMutex);  // HLProgressHandler, the slot
+// HLProgressHandler.
+struct ProgressSlot {
+  HLMutex mutex;
+  std::shared_ptr<const HLProgressCallback> handler HL_GUARDED_BY(mutex);
+};
+
+// Never destroyed: an application may end through exit() while a dismissal on another thread still reports.
+ProgressSlot& progressSlot() {
+  static ProgressSlot& slot = *new ProgressSlot;
+  return slot;
+}
 
 }  // namespace
 
@@ -44,15 +53,17 @@ bool HLParseResultString(std::string_view text, HLDismissResult& result) {
 
 void HLSetProgressHandler(HLProgressCallback handler) {
   auto shared = handler ? std::make_shared<const HLProgressCallback>(std::move(handler)) : nullptr;
-  const HLLock lock(handlerMutex);
-  progressHandler.swap(shared);
+  ProgressSlot& slot = progressSlot();
+  const HLLock lock(slot.mutex);
+  slot.handler.swap(shared);
 }
 
 void HLReportProgress(std::int64_t count) {
+  ProgressSlot& slot = progressSlot();
   std::shared_ptr<const HLProgressCallback> handler;
   {
-    const HLLock lock(handlerMutex);
-    handler = progressHandler;
+    const HLLock lock(slot.mutex);
+    handler = slot.handler;
   }
   if (handler != nullptr) (*handler)(count < 0 ? 0 : count);
 }

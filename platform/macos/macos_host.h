@@ -40,6 +40,22 @@ class HLMacApplicationHost {
                                         loginItem_,   userDefaults_, httpClient_, workspace_, {}};
 };
 
+// The functions behind @autoreleasepool, for a pool that is no block's.
+extern "C" void* objc_autoreleasePoolPush(void);
+extern "C" void objc_autoreleasePoolPop(void* pool);
+
+// An autorelease pool that lives as long as this object.
+class HLAutoreleaseScope {
+ public:
+  HLAutoreleaseScope() = default;
+  HLAutoreleaseScope(const HLAutoreleaseScope&) = delete;
+  HLAutoreleaseScope& operator=(const HLAutoreleaseScope&) = delete;
+  ~HLAutoreleaseScope() { objc_autoreleasePoolPop(pool_); }
+
+ private:
+  void* const pool_ = objc_autoreleasePoolPush();
+};
+
 class HLMacHost : public HLHost {
  public:
   [[nodiscard]] const HLPlatform& platform() const override { return platform_; }
@@ -50,6 +66,7 @@ class HLMacHost : public HLHost {
     return applicationHost_->platform();
   }
 
+  const HLAutoreleaseScope autoreleaseScope_;  // first, and so around the whole of main()
   HLMacAccessibility accessibility_;
   HLMacRunningApplications runningApplications_;
   HLMacRunLoop runLoop_;

@@ -25,7 +25,7 @@ class Simulator : public HLSimulator {
         runningApplications_(desktop_, runLoop_),
         showsScreen_(setup.showsScreen),
         endsProcess_(setup.endsProcess),
-        process_(*scene, std::move(setup)),
+        process_(*scene, setup),
         propertyLists_(desktop_),
         userNotifications_(desktop_),
         interface_(desktop_, runLoop_),
@@ -33,6 +33,7 @@ class Simulator : public HLSimulator {
                     return std::variant<const HLApplicationPlatform*, std::string>(&interface_.platform);
                   }} {
     desktop_.scene = std::move(scene);
+    desktop_.refusesThreads = std::move(setup.refusesThreads);
     desktop_.world = std::make_unique<HLSimWorld>(
         *desktop_.scene, [this](HLSimNode& node) { return HLMakeSimElement(desktop_, node); },
         [this](const std::shared_ptr<HLSimRegistrations>& observer, HLElementRef element, const std::string& name,

@@ -22,13 +22,15 @@ class HeldRunLoop : public SpyRunLoop {
  public:
   explicit HeldRunLoop(HLRunLoop& inner) : SpyRunLoop(inner) { fixedNow = 0; }
 
-  std::deque<std::function<void()>> steps;  // of the main queue
-  std::deque<std::function<void()>> works;  // of the global queue
-  std::function<void()> onWork;             // called when work is posted
+  std::deque<std::function<void()>> steps;     // of the main queue
+  std::deque<std::function<void()>> works;     // of the global queue
+  std::deque<std::function<void()>> refusals;  // one for each of the works
+  std::function<void()> onWork;                // called when work is posted
 
   void postToMainQueue(std::function<void()> step) override { steps.push_back(std::move(step)); }
-  void postToGlobalQueue(HLQualityOfService, std::function<void()> work) override {
+  void postToGlobalQueue(HLQualityOfService, std::function<void()> work, std::function<void()> refused) override {
     works.push_back(std::move(work));
+    refusals.push_back(std::move(refused));
     if (onWork) onWork();
   }
 
@@ -51,7 +53,10 @@ struct Request {
   Request& operator=(const Request&) = delete;
   ~Request() { HLSetProgressHandler(nullptr); }
 
-  void runWork() { runLoop.run(runLoop.works); }
+  void runWork() {
+    runLoop.refusals.pop_front();
+    runLoop.run(runLoop.works);
+  }
   void runStep() { runLoop.run(runLoop.steps); }
   // All that the button has shown.
   [[nodiscard]] std::vector<std::string> titles() const {

@@ -49,6 +49,17 @@ TEST(RequestSteps, IgnoreCountsAfterTheWork) {
   EXPECT_EQ(request.runLoop.steps.size(), 1U) << "the outcome";
 }
 
+TEST(RequestSteps, EndAsFailedWithoutAThread) {
+  Request request;
+  request.runLoop.fixedNow = 5.001;
+  request.runLoop.run(request.runLoop.refusals);
+  EXPECT_EQ(request.log().back(), "dismissNotifications outcome status=failed dismissed=0 remaining=0 elapsedMs=5001");
+  HLReportProgress(5);
+  EXPECT_THAT(request.runLoop.steps, IsEmpty()) << "the progress handler is gone";
+  request.delegate->dismissNotifications();
+  EXPECT_EQ(request.runLoop.works.size(), 2U) << "the next request is taken";
+}
+
 TEST(RequestSteps, RunOneRequestAtATime) {
   Request request;
   const auto shown = request.titles();

@@ -86,16 +86,17 @@ class TrustedDaemon : public testing::Test {
   }
 
   // Starts a daemon on the scene, and waits until it answers.
-  RunningProgram& start(const std::string& scene) {
-    RunningProgram& daemon = launch(scene);
+  RunningProgram& start(const std::string& scene, const std::vector<std::string>& command = {HUSHLET_SIM, "--daemon"}) {
+    RunningProgram& daemon = launch(scene, command);
     EXPECT_TRUE(WaitFor([this] { return Client(socketPath()).ask("ping\n") != ""; }));
     return daemon;
   }
-  RunningProgram& launch(const std::string& scene) {
+  RunningProgram& launch(const std::string& scene,
+                         const std::vector<std::string>& command = {HUSHLET_SIM, "--daemon"}) {
     const std::string path = home() + "/scene.json";
     std::ofstream(path) << scene;
     daemons_.push_back(std::make_unique<RunningProgram>(
-        std::vector<std::string>{HUSHLET_SIM, "--daemon"},
+        command,
         std::map<std::string, const char*>{
             {"HOME", home().c_str()},
             {"XDG_DATA_HOME", nullptr},

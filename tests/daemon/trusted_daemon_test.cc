@@ -27,6 +27,15 @@ TEST_F(TrustedDaemon, AnswersEveryCommand) {
   EXPECT_FALSE(Client(socketPath()).isConnected());
 }
 
+#ifdef __linux__  // macOS allows no stack that is larger than the memory
+TEST_F(TrustedDaemon, DismissesWithoutThreads) {
+  const std::vector<std::string> command = WithoutThreads({HUSHLET_SIM, "--daemon"});
+  start(NotificationCenterScene(kThreeBanners), command);
+  EXPECT_EQ(ask("dismiss\n"), "success|3|0\n");
+  EXPECT_EQ(ask("ping\n"), "nothing|0|0\n");
+}
+#endif
+
 TEST_F(TrustedDaemon, WithoutTrustSaysSo) {
   start(NotificationCenterScene(kThreeBanners, R"(,"trusted": false)"));
   EXPECT_EQ(ask("ping\n"), "accessDenied|0|0\n");

@@ -59,6 +59,28 @@ const std::string kThreeBanners =
     R"({"repeat": 3, "id": "b{n}", "role": "AXGroup", "subrole": "AXNotificationCenterAlert",
   "description": "Mail, message {n}", "actions": ["AXPress", "Name:Close"], "closes": "b{n}"})";
 
+#ifdef __linux__  // macOS allows no stack that is larger than the memory
+TEST_F(Program, DismissesWithoutThreads) {
+  const std::string scene = write(NotificationCenterScene(kThreeBanners));
+  const std::vector<std::string> command = WithoutThreads({HUSHLET_SIM, "--dismiss-now"});
+  const ProgramRun run = RunProgram(command, {{"HOME", home_.path().c_str()}, {"HUSHLET_SCENE", scene.c_str()}});
+  EXPECT_EQ(run.out, "success|3|0\n");
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+}
+
+TEST_F(Program, EndsAClickAsFailedWithoutThreads) {
+  const std::string scene = write(
+      R"({"bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}}, "trusted": true,
+          "timeline": [{"at": 1, "click": "left"}]})");
+  const std::vector<std::string> command = WithoutThreads({HUSHLET_SIM});
+  const ProgramRun run = RunProgram(
+      command, {{"HOME", home_.path().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", scene.c_str()}});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(LogMessages(FileContent(home_.path() + "/.local/share/test/status.log")).back(),
+            "dismissNotifications outcome status=failed dismissed=0 remaining=0 elapsedMs=5000");
+}
+#endif
+
 void expectOneLine(const std::string& text) {
   EXPECT_FALSE(text.empty());
   EXPECT_EQ(text.find('\n'), text.size() - 1) << text;

@@ -88,8 +88,9 @@ class ForwardingRunLoop : public HLRunLoop {
   void postToMainQueueAfter(double seconds, std::function<void()> step) override {
     inner_.postToMainQueueAfter(seconds, std::move(step));
   }
-  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) override {
-    inner_.postToGlobalQueue(quality, std::move(work));
+  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
+                         std::function<void()> refused) override {
+    inner_.postToGlobalQueue(quality, std::move(work), std::move(refused));
   }
   [[nodiscard]] std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) override {
     return inner_.scheduleTimer(interval, std::move(action));

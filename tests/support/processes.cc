@@ -89,6 +89,16 @@ ProgramRun RunProgram(const std::vector<std::string>& command, const std::map<st
   return RunningProgram(command, environment).wait();
 }
 
+std::vector<std::string> WithoutThreads(std::vector<std::string> command) {
+#ifdef __SANITIZE_THREAD__
+  const std::string kilobytes = "268435456";  // ThreadSanitizer needs the addresses that a larger limit sets aside
+#else
+  const std::string kilobytes = "1073741824";
+#endif
+  command.insert(command.begin(), {"/bin/sh", "-c", "ulimit -S -s " + kilobytes + " && exec \"$@\"", "sh"});
+  return command;
+}
+
 std::string InChildProcess(const std::function<std::string()>& function) {
   int ends[2];
   if (pipe(ends) != 0) throw std::runtime_error("no pipe");

@@ -36,6 +36,10 @@ class RunningProgram {
 [[nodiscard]] ProgramRun RunProgram(const std::vector<std::string>& command,
                                     const std::map<std::string, const char*>& environment);
 
+// Returns a command that runs `command` under a limit at which Linux refuses every new thread, since its stack would be
+// larger than the memory.
+[[nodiscard]] std::vector<std::string> WithoutThreads(std::vector<std::string> command);
+
 // Runs the function in a child process and returns what it returned there. For what is decided once per process. Throws
 // when the child does not end well.
 [[nodiscard]] std::string InChildProcess(const std::function<std::string()>& function);

@@ -1,6 +1,5 @@
 #include "platform/linux/session/linux_run_loop.h"
 
-#include <pthread.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <sys/timerfd.h>
@@ -11,79 +10,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
-#include <deque>
 #include <functional>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "platform/thread_safety.h"
+#include "platform/thread_start.h"
 
 namespace {
 
 constexpr std::int64_t kLongestWait = 60'000;  // milliseconds; what is left is waited for again
 constexpr int kGlobalThreads = 8;
-
-// A worker is started only when an operation finds no idle one, so that a batch of one costs one thread.
-class ThreadQueue : public HLOperationQueue {
- public:
-  ThreadQueue(std::string name, int limit) : name_(std::move(name)), limit_(static_cast<std::size_t>(limit)) {}
-
-  ~ThreadQueue() override {
-    {
-      const HLLock lock(mutex_);
-      while (unfinished_ > 0) idle_.wait(mutex_);
-      ending_ = true;
-    }
-    work_.notifyAll();
-    for (std::thread& worker : workers_) worker.join();
-  }
-
-  void addOperation(std::function<void()> operation) override {
-    const HLLock lock(mutex_);
-    operations_.push_back(std::move(operation));
-    ++unfinished_;
-    if (unfinished_ > workers_.size() && workers_.size() < limit_) {
-      workers_.emplace_back([this] { run(); });
-      pthread_setname_np(workers_.back().native_handle(), name_.substr(0, kNameLimit).c_str());
-    } else {
-      work_.notifyOne();
-    }
-  }
-
-  void waitUntilAllOperationsAreFinished() override {
-    const HLLock lock(mutex_);
-    while (unfinished_ > 0) idle_.wait(mutex_);
-  }
-
- private:
-  static constexpr std::size_t kNameLimit = 15;  // the kernel's
-
-  void run() {
-    const HLLock lock(mutex_);
-    while (true) {
-      while (!ending_ && operations_.empty()) work_.wait(mutex_);
-      if (operations_.empty()) return;
-      std::function<void()> operation = std::move(operations_.front());
-      operations_.pop_front();
-      mutex_.unlock();
-      operation();
-      operation = nullptr;
-      mutex_.lock();
-      if (--unfinished_ == 0) idle_.notifyAll();
-    }
-  }
-
-  const std::string name_;
-  const std::size_t limit_;
-  HLMutex mutex_;
-  HLCondition work_;
-  HLCondition idle_;
-  std::deque<std::function<void()>> operations_ HL_GUARDED_BY(mutex_);
-  std::size_t unfinished_ HL_GUARDED_BY(mutex_) = 0;
-  bool ending_ HL_GUARDED_BY(mutex_) = false;
-  std::vector<std::thread> workers_ HL_GUARDED_BY(mutex_);
-};
 
 class Semaphore : public HLSemaphore {
  public:
@@ -121,7 +59,8 @@ void HLLinuxRunLoop::sleep(double seconds) {
 HLLinuxRunLoop::HLLinuxRunLoop()
     : poll_(epoll_create1(EPOLL_CLOEXEC)),
       waker_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      alarm_(timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
+      alarm_(timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)),
+      global_(std::make_unique<HLThreadQueue>("hushlet.global", kGlobalThreads)) {
   for (int descriptor : {waker_, alarm_}) {
     epoll_event event{EPOLLIN, {}};
     epoll_ctl(poll_, EPOLL_CTL_ADD, descriptor, &event);
@@ -129,7 +68,7 @@ HLLinuxRunLoop::HLLinuxRunLoop()
 }
 
 HLLinuxRunLoop::~HLLinuxRunLoop() {
-  global_ = nullptr;
+  global_ = nullptr;  // waits for its work, which may still post steps
   for (int descriptor : {poll_, waker_, alarm_}) close(descriptor);
 }
 
@@ -253,19 +192,15 @@ std::unique_ptr<HLTimer> HLLinuxRunLoop::scheduleTimer(double interval, std::fun
 
 // Queues
 
-void HLLinuxRunLoop::postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) {
-  HLOperationQueue* queue = nullptr;
-  {
-    const HLLock lock(mutex_);
-    if (global_ == nullptr) global_ = makeOperationQueue("hushlet.global", quality, kGlobalThreads);
-    queue = global_.get();
-  }
-  queue->addOperation(std::move(work));
+void HLLinuxRunLoop::postToGlobalQueue(HLQualityOfService, std::function<void()> work, std::function<void()> refused) {
+  if (global_->addIfThreadStarts(work)) return;
+  HLStartWhenPossible(
+      *this, [this, work = std::move(work)] { return global_->addIfThreadStarts(work); }, std::move(refused));
 }
 
 std::unique_ptr<HLOperationQueue> HLLinuxRunLoop::makeOperationQueue(const std::string& name, HLQualityOfService,
                                                                      int maxConcurrentOperations) {
-  return std::make_unique<ThreadQueue>(name, std::max(1, maxConcurrentOperations));
+  return std::make_unique<HLThreadQueue>(name, std::max(1, maxConcurrentOperations));
 }
 
 std::unique_ptr<HLSemaphore> HLLinuxRunLoop::makeSemaphore() { return std::make_unique<Semaphore>(); }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/due_queue.h"
+#include "platform/linux/session/thread_queue.h"
 #include "platform/run_loop.h"
 #include "platform/thread_safety.h"
 
@@ -26,7 +27,8 @@ class HLLinuxRunLoop : public HLRunLoop {
   void runFor(double seconds) override;
   void postToMainQueue(std::function<void()> step) override;
   void postToMainQueueAfter(double seconds, std::function<void()> step) override;
-  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) override;
+  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
+                         std::function<void()> refused) override;
   [[nodiscard]] std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) override;
   [[nodiscard]] std::unique_ptr<HLOperationQueue> makeOperationQueue(const std::string& name,
                                                                      HLQualityOfService quality,
@@ -60,5 +62,5 @@ class HLLinuxRunLoop : public HLRunLoop {
 
   HLMutex mutex_;
   HLDueQueue due_ HL_GUARDED_BY(mutex_);
-  std::unique_ptr<HLOperationQueue> global_ HL_GUARDED_BY(mutex_);  // made when first needed
+  std::unique_ptr<HLThreadQueue> global_;
 };

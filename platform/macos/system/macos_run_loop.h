@@ -17,7 +17,8 @@ class HLMacRunLoop : public HLRunLoop {
   void runFor(double seconds) override;
   void postToMainQueue(std::function<void()> step) override;
   void postToMainQueueAfter(double seconds, std::function<void()> step) override;
-  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) override;
+  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
+                         std::function<void()> refused) override;
   [[nodiscard]] std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) override;
   [[nodiscard]] std::unique_ptr<HLOperationQueue> makeOperationQueue(const std::string& name,
                                                                      HLQualityOfService quality,

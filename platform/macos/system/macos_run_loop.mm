@@ -3,9 +3,12 @@
 #import <Foundation/Foundation.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
-#include <cstdint>
+#include <memory>
+#include <utility>
 
+#include "platform/due_queue.h"
 #include "platform/macos/values/values.h"
 
 static_assert(static_cast<int>(HLQualityOfService::userInitiated) == QOS_CLASS_USER_INITIATED);
@@ -13,12 +16,11 @@ static_assert(static_cast<int>(HLQualityOfService::userInitiated) == NSQualityOf
 
 namespace {
 
-constexpr double kLongest = 1e9;  // seconds, some thirty years; nanoseconds of it fit into 64 bits
-
-// That long from now; a time of 0 or less, and one that is no number, is now.
-dispatch_time_t moment(double seconds) {
-  if (!(seconds > 0)) return DISPATCH_TIME_NOW;
-  return dispatch_time(DISPATCH_TIME_NOW, static_cast<std::int64_t>(std::min(seconds, kLongest) * NSEC_PER_SEC));
+// Returns the time `seconds` from now; now for 0, less and NaN.
+dispatch_time_t timeAfter(double seconds) {
+  constexpr HLMicroseconds kMost = 1'000'000'000'000'000;  // thirty years, whose nanoseconds fit into 60 bits
+  const HLMicroseconds delay = std::clamp<HLMicroseconds>(HLMicrosecondsFromSeconds(seconds), 0, kMost);
+  return dispatch_time(DISPATCH_TIME_NOW, delay * static_cast<HLMicroseconds>(NSEC_PER_USEC));
 }
 
 class OperationQueue : public HLOperationQueue {
@@ -54,7 +56,7 @@ class OperationQueue : public HLOperationQueue {
 class Semaphore : public HLSemaphore {
  public:
   void signal() override { dispatch_semaphore_signal(semaphore_); }
-  bool wait(double seconds) override { return dispatch_semaphore_wait(semaphore_, moment(seconds)) == 0; }
+  bool wait(double seconds) override { return dispatch_semaphore_wait(semaphore_, timeAfter(seconds)) == 0; }
 
  private:
   const dispatch_semaphore_t semaphore_ = dispatch_semaphore_create(0);
@@ -66,7 +68,8 @@ class Timer : public HLTimer {
       : timer_([NSTimer timerWithTimeInterval:interval
                                       repeats:YES
                                         block:^(NSTimer*) {
-                                          const std::function<void()> held = action;  // it may end the timer
+                                          const std::function<void()> held =
+                                              action;  // the action may destroy the timer
                                           held();
                                         }]) {
     [NSRunLoop.mainRunLoop addTimer:timer_ forMode:NSDefaultRunLoopMode];
@@ -110,14 +113,20 @@ void HLMacRunLoop::postToMainQueue(std::function<void()> step) {
 }
 
 void HLMacRunLoop::postToMainQueueAfter(double seconds, std::function<void()> step) {
-  dispatch_after(moment(seconds), dispatch_get_main_queue(), ^{
+  dispatch_after(timeAfter(seconds), dispatch_get_main_queue(), ^{
     step();
   });
 }
 
-void HLMacRunLoop::postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) {
+// Grand Central Dispatch keeps a block for as long as it has no thread for it, and reports nothing.
+void HLMacRunLoop::postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
+                                     std::function<void()> refused) {
+  const auto isDecided = std::make_shared<std::atomic<bool>>(false);
   dispatch_async(dispatch_get_global_queue(static_cast<qos_class_t>(quality), 0), ^{
-    work();
+    if (!isDecided->exchange(true)) work();
+  });
+  dispatch_after(timeAfter(HLThreadStartTimeout), dispatch_get_main_queue(), ^{
+    if (!isDecided->exchange(true) && refused) refused();
   });
 }
 

@@ -10,7 +10,8 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-// Tells of the applications that come into the workspace's list.
+// Reports the applications that enter the workspace's list, once they have finished launching: before that they may
+// not answer accessibility calls.
 @interface HLApplicationListObserver : NSObject
 - (instancetype)initWithObserver:(std::function<void(NSRunningApplication*)>)observer NS_DESIGNATED_INITIALIZER;
 - (instancetype)init NS_UNAVAILABLE;
@@ -18,13 +19,19 @@ NS_ASSUME_NONNULL_BEGIN
 
 NS_ASSUME_NONNULL_END
 
+static NSString* const kFinishedLaunching = @"finishedLaunching";
+
 @implementation HLApplicationListObserver {
   std::function<void(NSRunningApplication*)> _observer;
+  NSMutableSet<NSRunningApplication*>* _launching;
 }
 
 - (instancetype)initWithObserver:(std::function<void(NSRunningApplication*)>)observer {
   self = [super init];
-  if (self != nil) _observer = std::move(observer);
+  if (self != nil) {
+    _observer = std::move(observer);
+    _launching = [[NSMutableSet alloc] init];
+  }
   return self;
 }
 
@@ -32,30 +39,54 @@ NS_ASSUME_NONNULL_END
                       ofObject:(id)object
                         change:(NSDictionary<NSKeyValueChangeKey, id>*)change
                        context:(void*)context {
+  if ([keyPath isEqualToString:kFinishedLaunching]) {
+    [self reportIfLaunched:object];
+    return;
+  }
   NSNumber* kind = change[NSKeyValueChangeKindKey];
+  NSArray<NSRunningApplication*>* removed = change[NSKeyValueChangeOldKey];
+  if (kind.unsignedIntegerValue == NSKeyValueChangeRemoval) {
+    for (NSRunningApplication* application in removed) [self forget:application];
+  }
   if (kind.unsignedIntegerValue != NSKeyValueChangeInsertion) return;
   NSArray<NSRunningApplication*>* inserted = change[NSKeyValueChangeNewKey];
   for (NSRunningApplication* application in inserted) {
-    if (application.activationPolicy != NSApplicationActivationPolicyRegular) _observer(application);
+    if (application.activationPolicy == NSApplicationActivationPolicyRegular) continue;
+    [_launching addObject:application];
+    [application addObserver:self forKeyPath:kFinishedLaunching options:NSKeyValueObservingOptionNew context:nullptr];
+    [self reportIfLaunched:application];
   }
+}
+
+- (void)reportIfLaunched:(NSRunningApplication*)application {
+  if (!application.finishedLaunching || ![_launching containsObject:application]) return;
+  [self forget:application];
+  _observer(application);
+}
+
+- (void)forget:(NSRunningApplication*)application {
+  if (![_launching containsObject:application]) return;
+  [application removeObserver:self forKeyPath:kFinishedLaunching];
+  [_launching removeObject:application];
 }
 
 @end
 
 namespace {
 
-constexpr int kMostTurns = 10'000;  // for a loop that always has something to do
-// A turn takes one thing that is due. It says of a timer, and of having been woken, what it says of nothing at all.
-constexpr int kIdleTurns = 3;
+constexpr int kMaxPasses = 10'000;  // a run loop may never become idle
+// A handled timer or wake-up looks idle to CFRunLoopRunInMode, so require several idle passes.
+constexpr int kIdlePasses = 3;
 
-// Not under an application's event loop, which turns by itself, and in whose handlers nothing else may come between.
-void learn() {
+// Runs the main run loop until it is idle: NSWorkspace updates its list there. An application's event loop does so by
+// itself, and its handlers must not be re-entered.
+void pumpRunLoop() {
   if (!NSThread.isMainThread || NSApp != nil) return;
   CFRunLoopMode mode = CFRunLoopCopyCurrentMode(CFRunLoopGetMain());
   const HLCFRef<CFRunLoopMode> running(mode);
   if (running) return;
   int idle = 0;
-  for (int turn = 0; turn < kMostTurns && idle < kIdleTurns; ++turn) {
+  for (int pass = 0; pass < kMaxPasses && idle < kIdlePasses; ++pass) {
     const bool handled = CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true) == kCFRunLoopRunHandledSource;
     idle = handled ? 0 : idle + 1;
   }
@@ -70,7 +101,7 @@ HLRunningApplication recordOf(NSRunningApplication* application) {
 
 std::vector<HLRunningApplication> HLMacRunningApplications::list() {
   @autoreleasepool {
-    learn();
+    pumpRunLoop();
     std::vector<HLRunningApplication> applications;
     for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications) {
       if (application.processIdentifier > 0) applications.push_back(recordOf(application));
@@ -81,7 +112,7 @@ std::vector<HLRunningApplication> HLMacRunningApplications::list() {
 
 std::optional<HLRunningApplication> HLMacRunningApplications::find(std::int32_t pid) {
   @autoreleasepool {
-    learn();
+    pumpRunLoop();
     NSRunningApplication* application = [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
     if (application == nil || application.processIdentifier != pid || pid <= 0) return std::nullopt;
     return recordOf(application);
@@ -91,7 +122,7 @@ std::optional<HLRunningApplication> HLMacRunningApplications::find(std::int32_t 
 void HLMacRunningApplications::observeLaunches(std::function<void(const HLRunningApplication&)> observer) {
   @autoreleasepool {
     NSWorkspace* workspace = NSWorkspace.sharedWorkspace;
-    // Both go on to the end of the process, so that neither is ever taken out.
+    // Both observe until the process ends.
     [workspace.notificationCenter addObserverForName:NSWorkspaceDidLaunchApplicationNotification
                                               object:nil
                                                queue:NSOperationQueue.mainQueue
@@ -109,7 +140,7 @@ void HLMacRunningApplications::observeLaunches(std::function<void(const HLRunnin
         }];
     [workspace addObserver:background
                 forKeyPath:@"runningApplications"
-                   options:NSKeyValueObservingOptionNew
+                   options:NSKeyValueObservingOptionNew | NSKeyValueObservingOptionOld
                    context:nullptr];
     static NSMutableArray<HLApplicationListObserver*>* observers = [[NSMutableArray alloc] init];
     [observers addObject:background];
@@ -117,7 +148,7 @@ void HLMacRunningApplications::observeLaunches(std::function<void(const HLRunnin
 }
 
 HLSignalOutcome HLMacRunningApplications::sendSignal(std::int32_t pid, int signal) {
-  if (pid <= 0) return HLSignalOutcome::refused;  // kill(2) would send it to a whole group of processes
+  if (pid <= 0) return HLSignalOutcome::refused;  // kill(2) would signal a process group
   (void)kill(pid, signal);
   return HLSignalOutcome::sent;
 }

@@ -52,7 +52,8 @@ class HL_CAPABILITY("clock") HLSimClock : public HLMutex {
   // To be called when the world may have scheduled an earlier event.
   virtual void dueChanged() HL_REQUIRES(this) = 0;
 
-  // Starts a thread that may call all of this, with the mutex held. `work` must outlive the thread.
+  // Starts a thread that may call all of this, with the mutex held. `work` must outlive the thread. Returns a thread
+  // that is not joinable if none can be started.
   [[nodiscard]] virtual std::thread startThread(HLSimWork& work, std::function<void()> body) HL_REQUIRES(this) = 0;
 
  protected:

@@ -17,6 +17,7 @@ struct HLSimDesktop {
   std::vector<HLUserNotification> notifications HL_GUARDED_BY(clock);  // handed over by the program
   // Ends the process at once; empty if the process is not the scene's. Called without the mutex.
   std::function<void(int code)> endProcess;
+  std::function<bool()> refusesThreads;  // HLSimulatorSetup's
   // The user has been asked for trust and grants it when the run loop is idle.
   bool promptPending HL_GUARDED_BY(clock) = false;
 };

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "platform/sim/desktop/clock.h"
+#include "platform/thread_start.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ class RealClock : public HLSimClock {
   void dueChanged() override HL_REQUIRES(this) { changed_.notifyAll(); }
 
   std::thread startThread(HLSimWork&, std::function<void()> body) override HL_REQUIRES(this) {
-    return std::thread([this, body = std::move(body)] {
+    return HLTryStartThread([this, body = std::move(body)] {
       const HLSimLock own(*this);
       body();
     });

@@ -6,7 +6,15 @@
 #include <utility>
 #include <vector>
 
+#include "platform/thread_start.h"
+
 namespace {
+
+// Returns a thread that is not joinable if none can be started.
+std::thread startThread(HLSimDesktop& desktop, HLSimWork& work, std::function<void()> body) HL_REQUIRES(desktop.clock) {
+  if (desktop.refusesThreads && desktop.refusesThreads()) return {};
+  return desktop.clock->startThread(work, std::move(body));
+}
 
 class OperationQueue : public HLOperationQueue {
  public:
@@ -21,17 +29,23 @@ class OperationQueue : public HLOperationQueue {
     const HLSimLock lock(*desktop_.clock);
     pending_.push_back(std::move(operation));
     if (workers_ >= limit_) return;
-    ++workers_;
     HLSimWork& work = works_.emplace_back(HLSimWork{this, 0});
-    threads_.push_back(desktop_.clock->startThread(work, [this, &work] {
+    std::thread thread = startThread(desktop_, work, [this, &work] {
       desktop_.clock->assertHeld();
       runWorker(work);
-    }));
+    });
+    if (!thread.joinable()) return works_.pop_back();
+    ++workers_;
+    threads_.push_back(std::move(thread));
   }
 
   void waitUntilAllOperationsAreFinished() override {
     const HLSimLock lock(*desktop_.clock);
     while (workers_ > 0) desktop_.clock->waitFor(idle_, HLNever);
+    if (pending_.empty()) return;
+    ++workers_;
+    HLSimWork own{this, 0};
+    runWorker(own);
   }
 
  private:
@@ -220,14 +234,26 @@ bool HLSimRunLoop::onlyTimersAreDue() const {
 
 // Queues
 
-void HLSimRunLoop::postToGlobalQueue(HLQualityOfService, std::function<void()> work) {
+void HLSimRunLoop::postToGlobalQueue(HLQualityOfService, std::function<void()> work, std::function<void()> refused) {
+  if (startWork(work)) return;
+  HLStartWhenPossible(
+      *this, [this, work = std::move(work)] { return startWork(work); }, std::move(refused));
+}
+
+bool HLSimRunLoop::startWork(const std::function<void()>& work) {
   const HLSimLock lock(*desktop_.clock);
-  ++working_;
   HLSimWork& own = works_.emplace_back(HLSimWork{this, static_cast<std::int64_t>(works_.size())});
-  threads_.push_back(desktop_.clock->startThread(own, [this, work = std::move(work)]() mutable {
+  std::thread thread = startThread(desktop_, own, [this, work]() mutable {
     desktop_.clock->assertHeld();
     perform(std::move(work));
-  }));
+  });
+  if (!thread.joinable()) {
+    works_.pop_back();
+    return false;
+  }
+  ++working_;
+  threads_.push_back(std::move(thread));
+  return true;
 }
 
 void HLSimRunLoop::perform(std::function<void()> work) {
@@ -246,12 +272,13 @@ bool HLSimRunLoop::isWorking() {
 }
 
 void HLSimRunLoop::finishGlobalQueue() {
+  std::vector<std::thread> ended;
   {
     const HLSimLock lock(*desktop_.clock);
     while (working_ > 0) desktop_.clock->waitFor(idle_, HLNever);
+    ended.swap(threads_);
   }
-  for (std::thread& thread : threads_) thread.join();
-  threads_.clear();
+  for (std::thread& thread : ended) thread.join();
 }
 
 HLSimRunLoop::~HLSimRunLoop() { finishGlobalQueue(); }

@@ -23,7 +23,8 @@ class HLSimRunLoop : public HLRunLoop {
   void runFor(double seconds) override;
   void postToMainQueue(std::function<void()> step) override;
   void postToMainQueueAfter(double seconds, std::function<void()> step) override;
-  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work) override;
+  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
+                         std::function<void()> refused) override;
   [[nodiscard]] std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) override;
   [[nodiscard]] std::unique_ptr<HLOperationQueue> makeOperationQueue(const std::string& name,
                                                                      HLQualityOfService quality,
@@ -51,6 +52,8 @@ class HLSimRunLoop : public HLRunLoop {
   HLDueQueue::Key schedule(HLMicroseconds time, HLDueQueue::Step step) HL_REQUIRES(desktop_.clock);
   // Runs the next step that is due by now and by `limit`. False if there is none: the loop is idle.
   bool runNext(HLMicroseconds limit) HL_REQUIRES(desktop_.clock);
+  // False if no thread can be started for the work.
+  [[nodiscard]] bool startWork(const std::function<void()>& work);
   void perform(std::function<void()> work) HL_REQUIRES(desktop_.clock);
   [[nodiscard]] bool onlyTimersAreDue() const HL_REQUIRES(desktop_.clock);
 
@@ -66,6 +69,7 @@ class HLSimRunLoop : public HLRunLoop {
   std::size_t timers_ = 0;
   bool stopped_ = false;
 
-  std::deque<HLSimWork> works_;  // one per thread
-  std::vector<std::thread> threads_;
+  // One entry per thread of the global queue.
+  std::deque<HLSimWork> works_ HL_GUARDED_BY(desktop_.clock);
+  std::vector<std::thread> threads_ HL_GUARDED_BY(desktop_.clock);
 };

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/sim/desktop/clock.h"
+#include "platform/thread_start.h"
 
 namespace {
 
@@ -61,8 +62,7 @@ class VirtualClock : public HLSimClock {
   std::thread startThread(HLSimWork& work, std::function<void()> body) override HL_REQUIRES(this) {
     auto thread = std::make_shared<Thread>();
     thread->work = &work;
-    ready_.push_back(thread.get());
-    return std::thread([this, thread, body = std::move(body)] {
+    std::thread started = HLTryStartThread([this, thread, body = std::move(body)] {
       const HLSimLock own(*this);
       threads_[std::this_thread::get_id()] = thread.get();
       awaitTurn(*thread);
@@ -70,6 +70,8 @@ class VirtualClock : public HLSimClock {
       threads_.erase(std::this_thread::get_id());
       passTurn();
     });
+    if (started.joinable()) ready_.push_back(thread.get());
+    return started;
   }
 
  private:

@@ -1,8 +1,11 @@
 #include "core/dismissal/result.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -165,6 +168,18 @@ TEST_F(ProgressChannel, AHandlerThatTakesItselfOutLivesUntilItReturns) {
   HLReportProgress(1);
   EXPECT_TRUE(aliveAfterwards);
   EXPECT_EQ(alive.use_count(), 1) << "the slot still holds the handler";
+}
+
+TEST_F(ProgressChannel, KeepsItsHandlerWhileTheProcessExits) {
+  struct Noisy {
+    ~Noisy() { std::fputs("destroyed", stderr); }
+  };
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto exits = [] {
+    HLSetProgressHandler([noisy = std::make_shared<Noisy>()](std::int64_t) {});
+    std::exit(0);
+  };
+  EXPECT_EXIT(exits(), testing::ExitedWithCode(0), testing::Not(testing::HasSubstr("destroyed")));
 }
 
 TEST_F(ProgressChannel, ReportsOfSeveralThreadsMayMeetAReplacement) {

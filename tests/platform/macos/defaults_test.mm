@@ -10,15 +10,21 @@
 
 namespace {
 
-// The test program has a domain of its own; what it stores is taken out again.
+// A registered default stays registered until the process ends, so that the test of these has its own key.
+NSString* const kRegisteredKey = @"HLRegisteredTestKey";
+
+// The test program has its own domain, and the fixture removes what it stored there.
 class UserDefaults : public testing::Test {
  protected:
-  ~UserDefaults() override { [NSUserDefaults.standardUserDefaults removeObjectForKey:@"HLTestKey"]; }
+  ~UserDefaults() override {
+    for (NSString* key in @[ @"HLTestKey", kRegisteredKey ])
+      [NSUserDefaults.standardUserDefaults removeObjectForKey:key];
+  }
 
-  // What stands under the key in the domain of a program without a bundle, which is named after it.
+  // Reads the domain of a program without a bundle, which has the program's name.
   static NSNumber* stored() {
     return [NSUserDefaults.standardUserDefaults
-        persistentDomainForName:NSProcessInfo.processInfo.processName][@"HLTestKey"];
+        persistentDomainForName:NSProcessInfo.processInfo.processName][kRegisteredKey];
   }
 
   HLMacUserDefaults defaults_;
@@ -35,15 +41,16 @@ TEST_F(UserDefaults, AnswerWhatWasStored) {
 }
 
 TEST_F(UserDefaults, FallBackToWhatIsRegisteredAndNeverStoreIt) {
-  defaults_.registerDefaults({{"HLTestKey", std::int64_t{45}}});
-  EXPECT_EQ(HLIntegerDefault(defaults_, "HLTestKey"), 45);
+  const std::string key = HLTextOfString(kRegisteredKey);
+  defaults_.registerDefaults({{key, std::int64_t{45}}});
+  EXPECT_EQ(HLIntegerDefault(defaults_, key), 45);
   EXPECT_EQ(stored(), nil);
-  defaults_.setValue("HLTestKey", std::int64_t{7});
-  EXPECT_EQ(HLIntegerDefault(defaults_, "HLTestKey"), 7);
+  defaults_.setValue(key, std::int64_t{7});
+  EXPECT_EQ(HLIntegerDefault(defaults_, key), 7);
   EXPECT_EQ(stored().integerValue, 7);
 }
 
-TEST_F(UserDefaults, OfOtherKindsAreNotStored) {
+TEST_F(UserDefaults, IgnoreValuesOfOtherKinds) {
   defaults_.setValue("HLTestKey", HLPoint{1, 2});
   EXPECT_TRUE(defaults_.value("HLTestKey").isMissing());
 }

@@ -89,10 +89,13 @@ TEST_F(MainLoop, RunsTimersAndNoFurtherStepWithinAStep) {
 TEST_F(MainLoop, GoesOnBesideTheGlobalQueue) {
   std::atomic<bool> elsewhere = false;
   bool back = false;
-  loop_.postToGlobalQueue(HLQualityOfService::userInitiated, [&] {
-    elsewhere = pthread_main_np() == 0 && qos_class_self() == QOS_CLASS_USER_INITIATED;
-    loop_.postToMainQueue([&] { back = pthread_main_np() != 0; });
-  });
+  loop_.postToGlobalQueue(
+      HLQualityOfService::userInitiated,
+      [&] {
+        elsewhere = pthread_main_np() == 0 && qos_class_self() == QOS_CLASS_USER_INITIATED;
+        loop_.postToMainQueue([&] { back = pthread_main_np() != 0; });
+      },
+      nullptr);
   EXPECT_TRUE(eventually([&] { return back; }));
   EXPECT_TRUE(elsewhere);
 }

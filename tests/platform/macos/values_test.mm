@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <optional>
+#include <string>
+
 #include "platform/json.h"
 #include "platform/macos/values/element.h"
 
@@ -12,24 +15,35 @@ namespace {
 
 HLValue valueOf(id object) { return HLValueOfObject((__bridge CFTypeRef)object); }
 
+// nullopt for a value of another type, and for none.
+template <class T>
+std::optional<T> contentOf(const HLValue* value) {
+  const T* content = value == nullptr ? nullptr : value->as<T>();
+  return content == nullptr ? std::nullopt : std::optional(*content);
+}
+template <class T>
+std::optional<T> contentOf(const HLValue& value) {
+  return contentOf<T>(&value);
+}
+
 TEST(Values, OfNumbersKeepTheirKind) {
-  EXPECT_TRUE(*valueOf(@YES).as<bool>());
-  EXPECT_FALSE(*valueOf([NSNumber numberWithBool:NO]).as<bool>());
-  EXPECT_EQ(*valueOf(@1).as<std::int64_t>(), 1);
-  EXPECT_EQ(*valueOf(@(INT64_MIN)).as<std::int64_t>(), INT64_MIN);
-  EXPECT_EQ(*valueOf(@1.5).as<double>(), 1.5);
-  EXPECT_EQ(*valueOf(@1.0).as<double>(), 1.0);
-  EXPECT_EQ(*valueOf(@(UINT64_MAX)).as<double>(), 18446744073709551616.0);
-  EXPECT_EQ(*valueOf(@(UINT64_C(1) << 63)).as<double>(), 9223372036854775808.0);
-  EXPECT_EQ(*valueOf([NSDecimalNumber decimalNumberWithString:@"1e20"]).as<double>(), 1e20);
+  EXPECT_EQ(contentOf<bool>(valueOf(@YES)), true);
+  EXPECT_EQ(contentOf<bool>(valueOf([NSNumber numberWithBool:NO])), false);
+  EXPECT_EQ(contentOf<std::int64_t>(valueOf(@1)), 1);
+  EXPECT_EQ(contentOf<std::int64_t>(valueOf(@(INT64_MIN))), INT64_MIN);
+  EXPECT_EQ(contentOf<double>(valueOf(@1.5)), 1.5);
+  EXPECT_EQ(contentOf<double>(valueOf(@1.0)), 1.0);
+  EXPECT_EQ(contentOf<double>(valueOf(@(UINT64_MAX))), 18446744073709551616.0);
+  EXPECT_EQ(contentOf<double>(valueOf(@(UINT64_C(1) << 63))), 9223372036854775808.0);
+  EXPECT_EQ(contentOf<double>(valueOf([NSDecimalNumber decimalNumberWithString:@"1e20"])), 1e20);
 }
 
 TEST(Values, OfStringsKeepHalvesOfPairs) {
   const unichar units[] = {u'a', 0xD83D, 0xD83D, 0xDE00, 0xDE00};
-  EXPECT_EQ(*valueOf([NSString stringWithCharacters:units length:5]).as<std::string>(),
+  EXPECT_EQ(contentOf<std::string>(valueOf([NSString stringWithCharacters:units length:5])),
             "a\xED\xA0\xBD\xF0\x9F\x98\x80\xED\xB8\x80");
-  EXPECT_EQ(*valueOf(@"").as<std::string>(), "");
-  EXPECT_EQ(*valueOf(@"e\u0301\0x").as<std::string>(), std::string("e\u0301\0x", 5));
+  EXPECT_EQ(contentOf<std::string>(valueOf(@"")), "");
+  EXPECT_EQ(contentOf<std::string>(valueOf(@"e\u0301\0x")), std::string("e\u0301\0x", 5));
 }
 
 TEST(Values, GoThroughStringsUnchanged) {
@@ -46,8 +60,8 @@ TEST(Values, OfBoxesAreGeometry) {
   const HLCFRef<AXValueRef> boxedPoint(AXValueCreate(kAXValueTypeCGPoint, &point));
   const HLCFRef<AXValueRef> boxedSize(AXValueCreate(kAXValueTypeCGSize, &size));
   const HLCFRef<AXValueRef> boxedRectangle(AXValueCreate(kAXValueTypeCGRect, &rectangle));
-  EXPECT_EQ(*HLValueOfObject(boxedPoint.get()).as<HLPoint>(), (HLPoint{-1440, 12.5}));
-  EXPECT_EQ(*HLValueOfObject(boxedSize.get()).as<HLSize>(), (HLSize{360, 80}));
+  EXPECT_EQ(contentOf<HLPoint>(HLValueOfObject(boxedPoint.get())), (HLPoint{-1440, 12.5}));
+  EXPECT_EQ(contentOf<HLSize>(HLValueOfObject(boxedSize.get())), (HLSize{360, 80}));
   EXPECT_TRUE(HLValueOfObject(boxedRectangle.get()).isMissing());
 }
 
@@ -56,22 +70,26 @@ TEST(Values, OfElementsAreHandlesOfTheSameNode) {
   const HLValue first = HLValueOfObject(element.get());
   const HLValue second = HLValueOfObject(element.get());
   ASSERT_NE(first.as<HLElementRef>(), nullptr);
+  ASSERT_NE(second.as<HLElementRef>(), nullptr);
   EXPECT_TRUE((*first.as<HLElementRef>())->isEqual(**second.as<HLElementRef>()));
   EXPECT_EQ(HLSystemElement(**first.as<HLElementRef>()), element.get());
 }
 
 TEST(Values, OfCollectionsKeepWhatIsOfUse) {
   const HLValue list = valueOf(@[ @"one", NSNull.null, [NSDate date], @[ @2 ] ]);
+  ASSERT_NE(list.as<HLArray>(), nullptr);
   const HLArray& members = *list.as<HLArray>();
   ASSERT_EQ(members.size(), 4U);
-  EXPECT_EQ(*members[0].as<std::string>(), "one");
+  EXPECT_EQ(contentOf<std::string>(members[0]), "one");
   EXPECT_TRUE(members[1].isMissing());
   EXPECT_TRUE(members[2].isMissing());
-  EXPECT_EQ(*members[3].as<HLArray>()->at(0).as<std::int64_t>(), 2);
+  ASSERT_NE(members[3].as<HLArray>(), nullptr);
+  ASSERT_EQ(members[3].as<HLArray>()->size(), 1U);
+  EXPECT_EQ(contentOf<std::int64_t>(members[3].as<HLArray>()->front()), 2);
 
   const HLDictionary dictionary = HLDictionaryOfObject(@{@"key" : @"value", @5 : @"number for a key"});
   ASSERT_EQ(dictionary.size(), 1U);
-  EXPECT_EQ(*HLDictionaryValue(dictionary, "key")->as<std::string>(), "value");
+  EXPECT_EQ(contentOf<std::string>(HLDictionaryValue(dictionary, "key")), "value");
   EXPECT_TRUE(HLDictionaryOfObject(nil).empty());
 }
 
@@ -82,27 +100,34 @@ TEST(Values, NestedTooDeepAreMissing) {
   const HLValue value = valueOf(nested);
   const HLValue* member = &value;
   int depth = 0;
-  for (; member->as<HLArray>() != nullptr; ++depth) member = &member->as<HLArray>()->at(0);
+  for (; member->as<HLArray>() != nullptr && !member->as<HLArray>()->empty(); ++depth) {
+    member = &member->as<HLArray>()->front();
+  }
   EXPECT_EQ(depth, 501);
   EXPECT_TRUE(member->isMissing());
 }
 
 TEST(Json, NumbersBeyond64BitsAreReal) {
-  const HLValue document = *HLReadJson(R"({"most": 9223372036854775807, "more": 9223372036854775808, "whole": 12.0})");
-  const HLDictionary& members = *document.as<HLDictionary>();
-  EXPECT_EQ(*HLDictionaryValue(members, "most")->as<std::int64_t>(), INT64_MAX);
-  EXPECT_EQ(*HLDictionaryValue(members, "more")->as<double>(), 9223372036854775808.0);
+  const auto document = HLReadJson(R"({"most": 9223372036854775807, "more": 9223372036854775808, "whole": 12.0})");
+  ASSERT_TRUE(document.has_value());
+  ASSERT_NE(document->as<HLDictionary>(), nullptr);
+  const HLDictionary& members = *document->as<HLDictionary>();
+  EXPECT_EQ(contentOf<std::int64_t>(HLDictionaryValue(members, "most")), INT64_MAX);
+  EXPECT_EQ(contentOf<double>(HLDictionaryValue(members, "more")), 9223372036854775808.0);
   EXPECT_NE(HLDictionaryValue(members, "whole"), nullptr);
 }
 
 TEST(Json, BooleansAndNullsAreNoNumbers) {
-  const HLValue document = *HLReadJson(R"([true, false, null, 1, "\ud83d\ude00"])");
-  const HLArray& members = *document.as<HLArray>();
-  EXPECT_TRUE(*members[0].as<bool>());
-  EXPECT_FALSE(*members[1].as<bool>());
+  const auto document = HLReadJson(R"([true, false, null, 1, "\ud83d\ude00"])");
+  ASSERT_TRUE(document.has_value());
+  ASSERT_NE(document->as<HLArray>(), nullptr);
+  const HLArray& members = *document->as<HLArray>();
+  ASSERT_EQ(members.size(), 5U);
+  EXPECT_EQ(contentOf<bool>(members[0]), true);
+  EXPECT_EQ(contentOf<bool>(members[1]), false);
   EXPECT_TRUE(members[2].isMissing());
-  EXPECT_EQ(*members[3].as<std::int64_t>(), 1);
-  EXPECT_EQ(*members[4].as<std::string>(), "\U0001F600");
+  EXPECT_EQ(contentOf<std::int64_t>(members[3]), 1);
+  EXPECT_EQ(contentOf<std::string>(members[4]), "\U0001F600");
 }
 
 TEST(Json, WhatIsNoDocumentIsNothing) {

@@ -211,6 +211,27 @@ TEST(GlobalQueue, WorksOnTheVirtualClockSideBySide) {
   EXPECT_THAT(program.entries(), ElementsAre("main@0", "a@0", "b@0", "a@60000", "b@60000"));
 }
 
+TEST(GlobalQueue, KeepsWorkUntilAThreadStarts) {
+  int refused = 0;
+  MenuBar program("{}", {.refusesThreads = [&refused] { return ++refused <= 20; }});
+  (void)program.run([&] {
+    program.runLoop().postToGlobalQueue(kQuality, program.noting("work"), program.noting("refused"));
+    program.runLoop().postToMainQueue(program.noting("step"));
+  });
+  EXPECT_THAT(program.entries(), ElementsAre("step@0", "work@2000"));
+}
+
+TEST(GlobalQueue, RefusesWorkAfterFiveSecondsWithoutThreads) {
+  bool refuses = true;
+  MenuBar program("{}", {.refusesThreads = [&refuses] { return refuses; }});
+  (void)program.run([&] {
+    program.runLoop().postToGlobalQueue(kQuality, program.noting("work"), program.noting("refused"));
+    program.at(6, [&] { refuses = false; });
+    program.at(20, program.noting("end"));
+  });
+  EXPECT_THAT(program.entries(), ElementsAre("refused@5000", "end@20000"));
+}
+
 // Timers
 
 TEST(Timer, MayEndItself) {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/thread_safety.h"
@@ -42,8 +43,8 @@ class Journal {
 
 class VirtualTime : public testing::Test {
  protected:
-  void makeDesktop(const std::string& scene) {
-    desktop_ = std::make_unique<Desktop>(scene);
+  void makeDesktop(const std::string& scene, HLSimulatorSetup setup = {}) {
+    desktop_ = std::make_unique<Desktop>(scene, std::move(setup));
     journal_ = std::make_unique<Journal>(*desktop_);
   }
   [[nodiscard]] std::unique_ptr<HLOperationQueue> queue(int limit) {
@@ -65,6 +66,30 @@ class VirtualTime : public testing::Test {
   std::unique_ptr<Desktop> desktop_;
   std::unique_ptr<Journal> journal_;
 };
+
+TEST_F(VirtualTime, OperationsWithoutThreadsRunOnTheWaitingOne) {
+  makeDesktop("{}", {.refusesThreads = [] { return true; }});
+  const auto pool = queue(4);
+  const std::thread::id here = std::this_thread::get_id();
+  for (const char* name : {"a", "b"}) {
+    pool->addOperation([this, name, here] {
+      EXPECT_EQ(std::this_thread::get_id(), here);
+      note(name);
+      sleep(1);
+    });
+  }
+  pool->waitUntilAllOperationsAreFinished();
+  EXPECT_THAT(journal_->entries(), testing::ElementsAre("a@0", "b@1000"));
+}
+
+TEST_F(VirtualTime, OperationsShareTheThreadsThatStart) {
+  int started = 0;
+  makeDesktop("{}", {.refusesThreads = [&started] { return started++ == 2; }});
+  const auto pool = queue(4);
+  for (const char* name : {"a", "b", "c"}) pool->addOperation(sleeper(name, {1}));
+  pool->waitUntilAllOperationsAreFinished();
+  EXPECT_THAT(journal_->entries(), testing::ElementsAre("a@0", "b@0", "a@1000", "b@1000", "c@1000", "c@2000"));
+}
 
 TEST_F(VirtualTime, PassesOnlyWhileEveryThreadWaits) {
   makeDesktop("{}");

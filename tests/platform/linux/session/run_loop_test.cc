@@ -174,11 +174,14 @@ TEST_F(MainLoop, TheGlobalQueueWorksBesideTheMainThread) {
   const std::thread::id here = std::this_thread::get_id();
   const auto started = std::shared_ptr<HLSemaphore>(loop_.makeSemaphore());
   for (int i = 0; i < 3; ++i) {
-    loop_.postToGlobalQueue(HLQualityOfService::userInitiated, [&, started] {
-      if (std::this_thread::get_id() == here) elsewhere = false;
-      started->signal();
-      loop_.postToMainQueue([&done] { ++done; });
-    });
+    loop_.postToGlobalQueue(
+        HLQualityOfService::userInitiated,
+        [&, started] {
+          if (std::this_thread::get_id() == here) elsewhere = false;
+          started->signal();
+          loop_.postToMainQueue([&done] { ++done; });
+        },
+        nullptr);
   }
   for (int i = 0; i < 3; ++i) EXPECT_TRUE(started->wait(20)) << "without the loop running";
   EXPECT_TRUE(runUntil([&] { return done == 3; }));
@@ -188,10 +191,14 @@ TEST_F(MainLoop, TheGlobalQueueWorksBesideTheMainThread) {
 TEST_F(MainLoop, OneWorkMayWaitForAnotherOfTheGlobalQueue) {
   const std::shared_ptr<HLSemaphore> second(loop_.makeSemaphore());
   const std::shared_ptr<HLSemaphore> finished(loop_.makeSemaphore());
-  loop_.postToGlobalQueue(HLQualityOfService::userInitiated, [second, finished] {
-    if (second->wait(20)) finished->signal();
-  });
-  loop_.postToGlobalQueue(HLQualityOfService::userInitiated, [second] { second->signal(); });
+  loop_.postToGlobalQueue(
+      HLQualityOfService::userInitiated,
+      [second, finished] {
+        if (second->wait(20)) finished->signal();
+      },
+      nullptr);
+  loop_.postToGlobalQueue(
+      HLQualityOfService::userInitiated, [second] { second->signal(); }, nullptr);
   EXPECT_TRUE(finished->wait(20));
 }
 
@@ -199,10 +206,13 @@ TEST_F(MainLoop, ItsEndWaitsForTheGlobalQueue) {
   std::atomic<bool> done = false;
   {
     HLLinuxRunLoop loop;
-    loop.postToGlobalQueue(HLQualityOfService::userInitiated, [&] {
-      loop.sleep(0.02);
-      done = true;
-    });
+    loop.postToGlobalQueue(
+        HLQualityOfService::userInitiated,
+        [&] {
+          loop.sleep(0.02);
+          done = true;
+        },
+        nullptr);
   }
   EXPECT_TRUE(done);
 }
