@@ -9,9 +9,9 @@
 #include <unordered_set>
 #include <variant>
 
-#include "core/scan/element_facts.h"
 #include "core/scan/notification_center.h"
 #include "core/scan/tree_scan.h"
+#include "platform/element_facts.h"
 #include "platform/platform.h"
 #include "platform/sim/simulator.h"
 
@@ -98,7 +98,7 @@ void readFacts(const HLElementRef& root) {
     const HLElementRef element = queue.front();
     queue.pop_front();
     if (!visited.insert(element).second) continue;
-    const HLElementFacts facts = HLReadElementFacts(*element);
+    const HLElementFacts facts = element->copyFacts();
     queue.insert(queue.end(), facts.children.begin(), facts.children.end());
     benchmark::DoNotOptimize(facts.role.data());
   }

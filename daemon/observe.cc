@@ -10,7 +10,7 @@
 #include "base/format.h"
 #include "base/terminal.h"
 #include "core/scan/element_access.h"
-#include "core/scan/element_facts.h"
+#include "platform/element_facts.h"
 #include "core/scan/notification_center.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
@@ -85,7 +85,7 @@ int HLObserveNotificationCenter(double seconds, std::ostream& out, std::ostream&
 }
 
 std::string HLElementDebugSummary(const HLElement& element) {
-  const HLElementFacts facts = HLReadElementFacts(element);
+  const HLElementFacts facts = element.copyFacts();
   return HLFormat("role=%@ subrole=%@ frame=%@ actions=%@ context=%@ closeButton=%@ cancelButton=%@ defaultButton=%@",
                   orElse(facts.role, "(none)"), orElse(facts.subrole, "(none)"), HLFrameSummary(facts.frame),
                   actionSummary(facts.actionNames), orElse(HLSearchableContext(facts), "(empty)"),
@@ -97,7 +97,7 @@ std::string HLElementDebugSummary(const HLElement& element) {
 std::string HLAttributeButtonSummary(const HLElement& element, std::string_view attribute) {
   const HLElementRef button = HLElementAttribute(element, attribute);
   if (button == nullptr) return "none";
-  const HLElementFacts facts = HLReadElementFacts(*button);
+  const HLElementFacts facts = button->copyFacts();
   return HLFormat("context=%@ actions=%@ frame=%@", orElse(HLSearchableContext(facts), "(empty)"),
                   actionSummary(facts.actionNames), HLFrameSummary(facts.frame));
 }

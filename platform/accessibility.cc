@@ -1,8 +1,7 @@
 #include "platform/accessibility.h"
 
-std::vector<HLAttribute> HLElement::copyAttributeValues(std::span<const std::string_view> names) const {
-  std::vector<HLAttribute> attributes;
-  attributes.reserve(names.size());
-  for (std::string_view name : names) attributes.push_back(copyAttributeValue(name));
-  return attributes;
+HLElementFacts HLElement::copyFacts() const {
+  HLElementFacts facts = HLFactsFromAttributes([this](std::string_view name) { return copyAttributeValue(name); });
+  facts.actionNames = HLNamesFromActionList(copyActionNames());
+  return facts;
 }

@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/element_facts.h"
 #include "platform/value.h"
 
 // An accessibility error code; the values are the home platform's, and every host answers in them.
@@ -46,9 +46,9 @@ class HLElement {
 
   [[nodiscard]] virtual HLAttribute copyAttributeValue(std::string_view name) const = 0;
 
-  // The same answers as one read per name, in the order of the names. A host overrides it where one round trip can
-  // bring them all.
-  [[nodiscard]] virtual std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const;
+  // Equivalent to reading each attribute of HLElementFacts by name, then the action names; errors read as missing.
+  // Override to batch the reads into one round trip.
+  [[nodiscard]] virtual HLElementFacts copyFacts() const;
 
   [[nodiscard]] virtual HLActionList copyActionNames() const = 0;
 

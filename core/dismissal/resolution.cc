@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "core/scan/element_access.h"
-#include "core/scan/element_facts.h"
+#include "platform/element_facts.h"
 #include "core/scan/scoring.h"
 #include "core/scan/tree_walk.h"
 #include "core/scan/words.h"
@@ -95,7 +95,7 @@ std::optional<HLDismissTarget> HLCloseControlAttributeTarget(const HLElement& el
     const HLElementRef control = HLElementAttribute(element, attribute);
     if (control == nullptr) continue;
 
-    const HLElementFacts facts = HLReadElementFacts(*control);
+    const HLElementFacts facts = control->copyFacts();
     const std::optional<std::string> action = dismissOrPressAction(facts.actionNames);
     if (!action) continue;
     const std::string own = HLSearchableContext(facts);
@@ -110,7 +110,7 @@ std::optional<HLDismissTarget> HLCloseControlAttributeTarget(const HLElement& el
 }
 
 std::optional<HLDismissTarget> HLFocusedDismissControlInSubtree(const HLElementRef& root) {
-  const HLElementFacts rootFacts = HLReadElementFacts(*root);
+  const HLElementFacts rootFacts = root->copyFacts();
   std::optional<HLDismissTarget> best;
   const auto look = [&best, &rootFacts](const HLVisit& visit) {
     std::optional<HLDismissTarget> control = focusedControl(visit, rootFacts.frame);

@@ -1,9 +1,11 @@
 #include "core/scan/context.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <utility>
 #include <vector>
 
+#include "core/scan/records.h"
 #include "core/scan/words.h"
 #include "platform/text.h"
 
@@ -17,7 +19,26 @@ constexpr std::size_t longestWord(HLWordList words) {
 }
 constexpr std::size_t kReach = std::max(longestWord(HLNotificationWords), longestWord(HLDismissWords)) - 1;
 
+std::string joinedWords(std::initializer_list<std::string_view> texts) {
+  std::string joined;
+  for (std::string_view text : texts) {
+    if (text.empty()) continue;
+    if (!joined.empty()) joined += ' ';
+    joined += text;
+  }
+  return HLCompactSnapshot(HLLowercase(joined));
+}
+
 }  // namespace
+
+std::string HLSearchableContext(const HLElementFacts& facts) {
+  return joinedWords({facts.role, facts.subrole, facts.roleDescription, facts.title, facts.description, facts.value,
+                      facts.identifier});
+}
+
+std::string HLStructuralContext(const HLElementFacts& facts) {
+  return joinedWords({facts.role, facts.subrole, facts.roleDescription, facts.identifier});
+}
 
 HLContext HLContext::extendedBy(std::string_view own) const {
   if (own.empty()) return *this;

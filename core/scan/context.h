@@ -1,10 +1,18 @@
-// The accumulated words of an element and all its ancestors.
+// An element's own words, and the accumulated words of an element and all its ancestors.
 #pragma once
 
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
+
+#include "platform/element_facts.h"
+
+// Returns the element's own words: its seven texts, lower-cased and compacted, the non-empty ones joined by spaces.
+[[nodiscard]] std::string HLSearchableContext(const HLElementFacts& facts);
+
+// Returns the same of role, subrole, role description and identifier only.
+[[nodiscard]] std::string HLStructuralContext(const HLElementFacts& facts);
 
 // An immutable value; cheap to copy. A context shares the words of its parent, so that a tree takes as much memory as
 // its words have, and extending a context searches its new words only.

@@ -23,15 +23,8 @@
 [[nodiscard]] HLPoint HLPointAttribute(const HLElement& element, std::string_view name);
 [[nodiscard]] HLSize HLSizeAttribute(const HLElement& element, std::string_view name);
 
-// The same for attributes that were read already.
-[[nodiscard]] std::optional<std::string> HLStringFromAttribute(const HLAttribute& attribute);
-[[nodiscard]] HLPoint HLPointFromAttribute(const HLAttribute& attribute);
-[[nodiscard]] HLSize HLSizeFromAttribute(const HLAttribute& attribute);
-// Returns the null rectangle unless position and size are known and the size is positive in both directions. Keeps
-// negative coordinates: screens lie left of and above the main one.
-[[nodiscard]] HLRect HLFrameFromPointAndSize(HLPoint point, HLSize size);
-// Returns the members of a list that are elements, in order.
-[[nodiscard]] std::vector<HLElementRef> HLElementsFromAttribute(const HLAttribute& attribute);
+// Returns the null rectangle unless position and size are known and the size is positive.
+[[nodiscard]] HLRect HLFrameForElement(const HLElement& element);
 
 // Whether the subrole, in any letter case, is of one of Notification Center's own items.
 [[nodiscard]] bool HLIsNotificationBannerSubrole(std::string_view subrole);

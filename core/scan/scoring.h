@@ -5,8 +5,8 @@
 #include <string>
 
 #include "core/scan/context.h"
-#include "core/scan/element_facts.h"
 #include "core/scan/records.h"
+#include "platform/element_facts.h"
 
 // Whether role, subrole or structural words mark a part of a menu.
 [[nodiscard]] bool HLIsMenuLike(const HLElementFacts& facts);

@@ -13,7 +13,7 @@ std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit, const std::fu
     queue.pop_front();
     if (item.element == nullptr || !visited.insert(item.element).second) continue;
 
-    const HLElementFacts facts = HLReadElementFacts(*item.element);
+    const HLElementFacts facts = item.element->copyFacts();
     const std::string own = HLSearchableContext(facts);
     const HLContext context = item.context.extendedBy(own);
     if (!visit({item.element, facts, own, context})) continue;

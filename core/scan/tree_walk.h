@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "core/scan/context.h"
-#include "core/scan/element_facts.h"
 #include "core/scan/records.h"
+#include "platform/element_facts.h"
 
 // An element that is visited.
 struct HLVisit {

@@ -20,10 +20,8 @@ class FaultyElement : public ForwardingElement {
     const HLAttribute attribute = ForwardingElement::copyAttributeValue(name);
     return {attribute.error, accessibility_.wrapped(attribute.value)};
   }
-  // One by one, so that each read can fail by itself.
-  std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override {
-    return HLElement::copyAttributeValues(names);
-  }
+  // By name, so that each read can fail by itself.
+  HLElementFacts copyFacts() const override { return HLElement::copyFacts(); }
   HLActionList copyActionNames() const override {
     const HLAXError fault = accessibility_.fault("HLElement::copyActionNames", "");
     return fault != HLAXErrorSuccess ? HLActionList{fault, {}} : ForwardingElement::copyActionNames();

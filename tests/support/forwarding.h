@@ -6,7 +6,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -29,9 +28,7 @@ class ForwardingElement : public HLElement {
   [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override {
     return inner_->copyAttributeValue(name);
   }
-  [[nodiscard]] std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override {
-    return inner_->copyAttributeValues(names);
-  }
+  [[nodiscard]] HLElementFacts copyFacts() const override { return inner_->copyFacts(); }
   [[nodiscard]] HLActionList copyActionNames() const override { return inner_->copyActionNames(); }
   [[nodiscard]] HLAXError performAction(std::string_view action) const override {
     return inner_->performAction(action);

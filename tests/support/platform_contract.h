@@ -52,30 +52,6 @@ struct ContractHost {
 inline void PrintTo(const ContractHost& host, std::ostream* stream) { *stream << host.name; }
 inline std::string ContractHostName(const testing::TestParamInfo<ContractHost>& info) { return info.param.name; }
 
-// Whether both answers say the same; of elements, whether they stand for the same node.
-inline bool SameValue(const HLValue& a, const HLValue& b);
-
-inline bool SameEntry(const HLDictionaryEntry& a, const HLDictionaryEntry& b) {
-  return a.key == b.key && SameValue(a.value, b.value);
-}
-
-inline bool SameValue(const HLValue& a, const HLValue& b) {
-  if (a.index() != b.index()) return false;
-  if (const auto* element = a.as<HLElementRef>()) return (*element)->isEqual(**b.as<HLElementRef>());
-  if (const auto* list = a.as<HLArray>()) {
-    const HLArray& other = *b.as<HLArray>();
-    return std::equal(list->begin(), list->end(), other.begin(), other.end(), SameValue);
-  }
-  if (const auto* dictionary = a.as<HLDictionary>()) {
-    const HLDictionary& other = *b.as<HLDictionary>();
-    return std::equal(dictionary->begin(), dictionary->end(), other.begin(), other.end(), SameEntry);
-  }
-  if (const auto* point = a.as<HLPoint>()) return *point == *b.as<HLPoint>();
-  if (const auto* size = a.as<HLSize>()) return *size == *b.as<HLSize>();
-  if (const auto* text = a.as<std::string>()) return *text == *b.as<std::string>();
-  return HLNumberText(a) == HLNumberText(b);
-}
-
 class PlatformContract : public testing::TestWithParam<ContractHost> {
  protected:
   [[nodiscard]] HLAccessibility& accessibility() { return desktop_->platform().accessibility; }
@@ -145,26 +121,21 @@ TEST_P(PlatformContract, ShowsWindowsWithElementsBelow) {
   EXPECT_GE(tree().size(), 3U);
 }
 
-TEST_P(PlatformContract, ReadingSeveralAttributesAtOnceAnswersAsOneReadEach) {
-  const std::vector<std::string_view> names = {
-      "AXRole",        "AXSubrole", "AXRoleDescription", "AXTitle", "AXDescription",     "AXValue",   "AXIdentifier",
-      "AXPosition",    "AXSize",    "AXChildren",        "AXRows",  "AXVisibleChildren", "AXWindows", "AXCloseButton",
-      "AXNoSuchThing", "AXRole"};
+TEST_P(PlatformContract, CopiesFactsAsReadByName) {
   std::vector<HLElementRef> elements = tree();
   elements.push_back(root());
   for (const HLElementRef& element : elements) {
-    const std::vector<HLAttribute> together = element->copyAttributeValues(names);
-    ASSERT_EQ(together.size(), names.size());
-    for (std::size_t i = 0; i < names.size(); ++i) {
-      const HLAttribute alone = element->copyAttributeValue(names[i]);
-      EXPECT_EQ(together[i].error, alone.error) << names[i];
-      EXPECT_TRUE(SameValue(together[i].value, alone.value)) << names[i];
+    const HLElementFacts copied = element->copyFacts();
+    const HLElementFacts byName = element->HLElement::copyFacts();
+    for (const HLTextAttribute& attribute : HLTextAttributes) {
+      EXPECT_EQ(copied.*attribute.text, byName.*attribute.text) << attribute.name;
     }
+    EXPECT_EQ(copied.frame, byName.frame);
+    EXPECT_EQ(copied.actionNames, byName.actionNames);
+    const auto isSame = [](const HLElementRef& a, const HLElementRef& b) { return a->isEqual(*b); };
+    EXPECT_TRUE(std::equal(copied.children.begin(), copied.children.end(), byName.children.begin(),
+                           byName.children.end(), isSame));
   }
-}
-
-TEST_P(PlatformContract, ReadingNoAttributesAnswersNothing) {
-  EXPECT_TRUE(tree().at(0)->copyAttributeValues({}).empty());
 }
 
 TEST_P(PlatformContract, AnErrorNeverComesWithAValue) {

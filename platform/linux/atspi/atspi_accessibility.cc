@@ -1,11 +1,11 @@
 #include "platform/linux/atspi/atspi_accessibility.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <deque>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -27,6 +27,8 @@ constexpr const char* kIsEnabled = "IsEnabled";
 constexpr std::chrono::seconds kStartPatience{3};
 
 class Snapshot;
+
+HLArray arrayOf(const std::vector<HLElementRef>& elements) { return {elements.begin(), elements.end()}; }
 
 // The application, and the newest snapshot as long as anybody holds it.
 struct Source {
@@ -60,7 +62,7 @@ class Element : public HLElement {
   Element(const Snapshot& snapshot, int index) : snapshot_(snapshot), index_(index) {}
 
   [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override;
-  [[nodiscard]] std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override;
+  [[nodiscard]] HLElementFacts copyFacts() const override;
   [[nodiscard]] HLActionList copyActionNames() const override;
   [[nodiscard]] HLAXError performAction(std::string_view action) const override;
   [[nodiscard]] bool isEqual(const HLElement& other) const override;
@@ -71,9 +73,9 @@ class Element : public HLElement {
     std::shared_ptr<const Snapshot> keeper;  // where it is not the element's own
     const Snapshot* snapshot;
     int index;
+    [[nodiscard]] const HLPresentedNode& node() const;
   };
   [[nodiscard]] std::optional<Place> place() const;
-  [[nodiscard]] static HLAttribute attribute(const Place& place, std::string_view name);
 
   const Snapshot& snapshot_;  // it owns this element, and every handle owns it
   const int index_;
@@ -93,23 +95,21 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
   [[nodiscard]] const HLPresentedNode& node(int index) const {
     return interface_->presentation.nodes[static_cast<std::size_t>(index)];
   }
-  [[nodiscard]] const std::string& pathOf(int raw) const {
-    return interface_->tree[static_cast<std::size_t>(raw)].path;
-  }
-  [[nodiscard]] Identity identity(int index) const { return {pathOf(node(index).raw), node(index).isBanner}; }
+  [[nodiscard]] const HLRawNode& rawNode(int raw) const { return interface_->tree[static_cast<std::size_t>(raw)]; }
+  [[nodiscard]] Identity identity(int index) const { return {rawNode(node(index).raw).path, node(index).isBanner}; }
 
   [[nodiscard]] HLElementRef handle(int index) const {
     return {shared_from_this(), &elements_[static_cast<std::size_t>(index)]};
   }
 
-  [[nodiscard]] HLArray handles(const std::vector<int>& indices) const {
-    HLArray array;
-    array.reserve(indices.size());
-    for (int index : indices) array.emplace_back(handle(index));
-    return array;
+  [[nodiscard]] std::vector<HLElementRef> handles(const std::vector<int>& indices) const {
+    std::vector<HLElementRef> handles;
+    handles.reserve(indices.size());
+    for (int index : indices) handles.push_back(handle(index));
+    return handles;
   }
 
-  [[nodiscard]] HLArray windows() const { return handles(interface_->presentation.windows); }
+  [[nodiscard]] HLArray windows() const { return arrayOf(handles(interface_->presentation.windows)); }
 
   [[nodiscard]] std::optional<int> find(const Identity& wanted) const {
     std::call_once(indexed_, [this] {
@@ -127,6 +127,8 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
   mutable std::once_flag indexed_;        // only elements of older snapshots ask
   mutable std::unordered_map<Identity, int, IdentityHash> index_;
 };
+
+const HLPresentedNode& Element::Place::node() const { return snapshot->node(index); }
 
 std::shared_ptr<const Snapshot> takeSnapshot(const std::shared_ptr<Source>& source) {
   std::unique_ptr<const HLAccessibleApplication::Interface> interface = source->application->read();
@@ -146,55 +148,47 @@ std::optional<Element::Place> Element::place() const {
   return Place{std::move(newest), snapshot, *index};
 }
 
-HLAttribute Element::attribute(const Place& place, std::string_view name) {
-  const HLPresentedNode& node = place.snapshot->node(place.index);
-  const auto text = [](const std::string& value) {
-    return value.empty() ? HLAttribute{HLAXErrorNoValue, {}} : HLAttribute{HLAXErrorSuccess, value};
-  };
-  if (name == "AXRole") return text(node.role);
-  if (name == "AXSubrole") return text(node.subrole);
-  if (name == "AXTitle") return text(node.title);
-  if (name == "AXDescription") return text(node.description);
-  if (name == "AXValue") return text(node.value);
-  if (name == "AXPosition" && node.frame) return {HLAXErrorSuccess, HLPoint{node.frame->x, node.frame->y}};
-  if (name == "AXSize" && node.frame) return {HLAXErrorSuccess, HLSize{node.frame->width, node.frame->height}};
-  if (name == "AXChildren") return {HLAXErrorSuccess, place.snapshot->handles(node.children)};
+HLAttribute Element::copyAttributeValue(std::string_view name) const {
+  const std::optional<Place> now = place();
+  if (!now) return {HLAXErrorInvalidElement, {}};
+  const HLPresentedNode& node = now->node();
+  for (const HLTextAttribute& attribute : HLTextAttributes) {
+    const std::string& text = node.facts.*attribute.text;
+    if (name == attribute.name && !text.empty()) return {HLAXErrorSuccess, text};
+  }
+  const std::optional<HLRect>& extents = now->snapshot->rawNode(node.raw).extents;
+  if (name == HLPositionAttributeName && extents) return {HLAXErrorSuccess, HLPoint{extents->x, extents->y}};
+  if (name == HLSizeAttributeName && extents) return {HLAXErrorSuccess, HLSize{extents->width, extents->height}};
+  if (name == "AXChildren") return {HLAXErrorSuccess, arrayOf(now->snapshot->handles(node.children))};
   return {HLAXErrorNoValue, {}};
 }
 
-HLAttribute Element::copyAttributeValue(std::string_view name) const {
+HLElementFacts Element::copyFacts() const {
   const std::optional<Place> now = place();
-  return now ? attribute(*now, name) : HLAttribute{HLAXErrorInvalidElement, {}};
-}
-
-std::vector<HLAttribute> Element::copyAttributeValues(std::span<const std::string_view> names) const {
-  const std::optional<Place> now = place();
-  std::vector<HLAttribute> attributes;
-  attributes.reserve(names.size());
-  for (std::string_view name : names) {
-    attributes.push_back(now ? attribute(*now, name) : HLAttribute{HLAXErrorInvalidElement, {}});
-  }
-  return attributes;
+  if (!now) return {};
+  HLElementFacts facts = now->node().facts;
+  facts.children = now->snapshot->handles(now->node().children);
+  return facts;
 }
 
 HLActionList Element::copyActionNames() const {
   const std::optional<Place> now = place();
   if (!now) return {HLAXErrorInvalidElement, {}};
-  HLActionList list;
-  for (const HLPresentedAction& action : now->snapshot->node(now->index).actions) list.names.push_back(action.name);
-  return list;
+  return {HLAXErrorSuccess, now->node().facts.actionNames};
 }
 
 HLAXError Element::performAction(std::string_view name) const {
   const std::optional<Place> now = place();
   if (!now) return HLAXErrorInvalidElement;
-  for (const HLPresentedAction& action : now->snapshot->node(now->index).actions) {
-    if (action.name != name) continue;
-    const HLAXError error = snapshot_.source()->application->press(now->snapshot->pathOf(action.node), action.action);
-    if (error == HLAXErrorSuccess) pressed_ = true;
-    return error;
-  }
-  return HLAXErrorActionUnsupported;
+  const HLPresentedNode& node = now->node();
+  const std::vector<std::string>& names = node.facts.actionNames;
+  const auto found = std::find(names.begin(), names.end(), name);
+  if (found == names.end()) return HLAXErrorActionUnsupported;
+  const HLPresentedAction& action = node.actions[static_cast<std::size_t>(found - names.begin())];
+  const std::string& path = now->snapshot->rawNode(action.node).path;
+  const HLAXError error = snapshot_.source()->application->press(path, action.action);
+  if (error == HLAXErrorSuccess) pressed_ = true;
+  return error;
 }
 
 bool Element::isEqual(const HLElement& other) const {

@@ -136,11 +136,11 @@ class Presenter {
     const Role role = roleOf(node);
     HLPresentedNode& added = result_.nodes.emplace_back();
     added.raw = index;
-    added.role = role.role;
-    added.subrole = role.subrole;
-    added.description = node.description;
-    added.frame = node.extents;
-    (role.role == "AXStaticText" ? added.value : added.title) = node.name;
+    added.facts.role = role.role;
+    added.facts.subrole = role.subrole;
+    added.facts.description = node.description;
+    added.facts.frame = frameOf(node);
+    (role.role == "AXStaticText" ? added.facts.value : added.facts.title) = node.name;
     if (kind_ == HLProcessKind::other) addActions(added, node, index);
     return static_cast<int>(result_.nodes.size()) - 1;
   }
@@ -148,11 +148,20 @@ class Presenter {
   // A name that an element bears twice can be performed once.
   static void addActions(HLPresentedNode& added, const HLRawNode& node, int index) {
     for (std::size_t i = 0; i < node.actions.size(); ++i) {
-      std::string name = actionName(node.actions[i]);
-      const bool known = std::any_of(added.actions.begin(), added.actions.end(),
-                                     [&name](const HLPresentedAction& action) { return action.name == name; });
-      if (!known) added.actions.push_back({std::move(name), index, static_cast<int>(i)});
+      const std::string name = actionName(node.actions[i]);
+      const std::vector<std::string>& known = added.facts.actionNames;
+      if (std::find(known.begin(), known.end(), name) == known.end()) addAction(added, name, index, i);
     }
+  }
+
+  static void addAction(HLPresentedNode& added, std::string_view name, int node, std::size_t action) {
+    added.facts.actionNames.emplace_back(name);
+    added.actions.push_back({node, static_cast<int>(action)});
+  }
+
+  static HLRect frameOf(const HLRawNode& node) {
+    if (!node.extents) return {};
+    return HLFrameFromPointAndSize({node.extents->x, node.extents->y}, {node.extents->width, node.extents->height});
   }
 
   int addBanner(const HLBanner& banner) {
@@ -160,12 +169,12 @@ class Presenter {
     HLPresentedNode& added = result_.nodes.emplace_back();
     added.raw = banner.node;
     added.isBanner = true;
-    added.role = "AXGroup";
-    added.subrole = kBannerSubrole;
-    added.description = HLBannerText(tree_, banner);
-    added.frame = raw(banner.node).extents;
+    added.facts.role = "AXGroup";
+    added.facts.subrole = kBannerSubrole;
+    added.facts.description = HLBannerText(tree_, banner);
+    added.facts.frame = frameOf(raw(banner.node));
     const std::optional<HLCloseControl> control = HLFindCloseControl(tree_, banner);
-    if (control) added.actions.push_back({std::string(kCloseAction), control->node, control->action});
+    if (control) addAction(added, kCloseAction, control->node, static_cast<std::size_t>(control->action));
     addChildren(index, banner.node, control ? control->node : kNone);
     return index;
   }

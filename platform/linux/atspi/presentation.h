@@ -1,31 +1,24 @@
 // An application's interface in the words of the home platform. All functions are pure.
 #pragma once
 
-#include <optional>
-#include <string>
 #include <vector>
 
-#include "platform/geometry.h"
+#include "platform/element_facts.h"
 #include "platform/linux/atspi/banners.h"
 #include "platform/linux/atspi/raw_tree.h"
 
+// An action of a node in the raw tree.
 struct HLPresentedAction {
-  std::string name;
-  int node = -1;  // whose action it is, and which
+  int node = -1;
   int action = 0;
 };
 
 struct HLPresentedNode {
   int raw = -1;  // the node that it stands for
   bool isBanner = false;
-  std::string role;
-  std::string subrole;  // texts are "" where there is none
-  std::string title;
-  std::string description;
-  std::string value;
-  std::optional<HLRect> frame;
-  std::vector<HLPresentedAction> actions;
+  HLElementFacts facts;  // without children: their handles exist only in a snapshot
   std::vector<int> children;
+  std::vector<HLPresentedAction> actions;  // actions[i] performs facts.actionNames[i]
 };
 
 struct HLPresentation {

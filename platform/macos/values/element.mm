@@ -1,6 +1,8 @@
 #include "platform/macos/values/element.h"
 
-#include <cstddef>
+#include <algorithm>
+#include <iterator>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -47,7 +49,7 @@ class Element : public HLElement {
     }
   }
 
-  [[nodiscard]] std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override;
+  [[nodiscard]] HLElementFacts copyFacts() const override;
 
   [[nodiscard]] HLActionList copyActionNames() const override {
     @autoreleasepool {
@@ -94,23 +96,25 @@ class Element : public HLElement {
   const HLCFRef<AXUIElementRef> element_;
 };
 
-std::vector<HLAttribute> Element::copyAttributeValues(std::span<const std::string_view> names) const {
-  if (names.empty()) return {};
+HLElementFacts Element::copyFacts() const {
   @autoreleasepool {
-    CFArrayRef values = nullptr;
-    const AXError error = AXUIElementCopyMultipleAttributeValues(system(), arrayOfStrings(names).get(),
-                                                                 AXCopyMultipleAttributeOptions(0), &values);
-    const HLCFRef<CFArrayRef> owner(values);
-    if (concernsWholeElement(error)) return std::vector<HLAttribute>(names.size(), HLAttribute{error, {}});
-    if (error != kAXErrorSuccess || values == nullptr || CFArrayGetCount(values) != std::ssize(names)) {
-      return HLElement::copyAttributeValues(names);
+    CFArrayRef copied = nullptr;
+    const AXError error = AXUIElementCopyMultipleAttributeValues(system(), arrayOfStrings(HLFactAttributeNames).get(),
+                                                                 AXCopyMultipleAttributeOptions(0), &copied);
+    const HLCFRef<CFArrayRef> values(copied);
+    const auto& names = HLFactAttributeNames;
+    const bool isComplete =
+        error == kAXErrorSuccess && copied != nullptr && CFArrayGetCount(copied) == std::ssize(names);
+    if (!isComplete && !concernsWholeElement(error)) return HLElement::copyFacts();
+    HLElementFacts facts;
+    if (isComplete) {
+      facts = HLFactsFromAttributes([&](std::string_view name) {
+        const CFIndex index = std::find(names.begin(), names.end(), name) - names.begin();
+        return attribute(name, CFArrayGetValueAtIndex(copied, index));
+      });
     }
-    std::vector<HLAttribute> attributes;
-    attributes.reserve(names.size());
-    for (std::size_t i = 0; i < names.size(); ++i) {
-      attributes.push_back(attribute(names[i], CFArrayGetValueAtIndex(values, static_cast<CFIndex>(i))));
-    }
-    return attributes;
+    facts.actionNames = HLNamesFromActionList(copyActionNames());
+    return facts;
   }
 }
 

@@ -13,12 +13,12 @@ class Element : public HLElement {
     return desktop_.world->read(node_, name);
   }
 
-  std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override {
+  HLElementFacts copyFacts() const override {
     const HLSimLock lock(*desktop_.clock);
-    std::vector<HLAttribute> attributes;
-    attributes.reserve(names.size());
-    for (std::string_view name : names) attributes.push_back(desktop_.world->read(node_, name));
-    return attributes;
+    HLElementFacts facts = HLFactsFromAttributes(
+        [this](std::string_view name) HL_REQUIRES(desktop_.clock) { return desktop_.world->read(node_, name); });
+    facts.actionNames = HLNamesFromActionList(desktop_.world->actionNames(node_));
+    return facts;
   }
 
   HLActionList copyActionNames() const override {

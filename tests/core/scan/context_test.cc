@@ -145,4 +145,49 @@ TEST(Context, ExtendedPieceByPieceHasTheFlagsOfTheWholeText) {
   }
 }
 
+HLElementFacts factsOfSevenTexts() {
+  HLElementFacts facts;
+  facts.role = "AXButton";
+  facts.subrole = "AXCloseButton";
+  facts.roleDescription = "Close  Button";
+  facts.title = "A\nTitle";
+  facts.description = " Some Description ";
+  facts.value = "42";
+  facts.identifier = "Identifier.One";
+  return facts;
+}
+
+TEST(SearchableContext, JoinsTheSevenTextsInTheirOrder) {
+  EXPECT_EQ(HLSearchableContext(factsOfSevenTexts()),
+            "axbutton axclosebutton close button a title some description 42 identifier.one");
+}
+
+TEST(SearchableContext, LeavesOutWhatIsEmptyOrBlank) {
+  HLElementFacts facts;
+  EXPECT_EQ(HLSearchableContext(facts), "");
+  facts.role = "AXButton";
+  facts.subrole = " \n\t";
+  facts.description = "close";
+  EXPECT_EQ(HLSearchableContext(facts), "axbutton close");
+  facts.role = "";
+  EXPECT_EQ(HLSearchableContext(facts), "close");
+}
+
+TEST(SearchableContext, LowerCasesAllOfUnicode) {
+  HLElementFacts facts;
+  facts.title = "SCHLIESSEN ÄÖÜ ПРИВЕТ";
+  EXPECT_EQ(HLSearchableContext(facts), "schliessen äöü привет");
+}
+
+TEST(StructuralContext, JoinsRoleSubroleRoleDescriptionAndIdentifierOnly) {
+  EXPECT_EQ(HLStructuralContext(factsOfSevenTexts()), "axbutton axclosebutton close button identifier.one");
+  HLElementFacts facts;
+  facts.title = "title";
+  facts.description = "description";
+  facts.value = "value";
+  EXPECT_EQ(HLStructuralContext(facts), "");
+  facts.identifier = "ID  1";
+  EXPECT_EQ(HLStructuralContext(facts), "id 1");
+}
+
 }  // namespace

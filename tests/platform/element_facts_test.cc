@@ -1,9 +1,8 @@
-#include "core/scan/element_facts.h"
+#include "platform/element_facts.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,51 +12,6 @@
 #include "tests/support/simulated_desktop.h"
 
 namespace {
-
-HLElementFacts factsOfSevenTexts() {
-  HLElementFacts facts;
-  facts.role = "AXButton";
-  facts.subrole = "AXCloseButton";
-  facts.roleDescription = "Close  Button";
-  facts.title = "A\nTitle";
-  facts.description = " Some Description ";
-  facts.value = "42";
-  facts.identifier = "Identifier.One";
-  return facts;
-}
-
-TEST(SearchableContext, JoinsTheSevenTextsInTheirOrder) {
-  EXPECT_EQ(HLSearchableContext(factsOfSevenTexts()),
-            "axbutton axclosebutton close button a title some description 42 identifier.one");
-}
-
-TEST(SearchableContext, LeavesOutWhatIsEmptyOrBlank) {
-  HLElementFacts facts;
-  EXPECT_EQ(HLSearchableContext(facts), "");
-  facts.role = "AXButton";
-  facts.subrole = " \n\t";
-  facts.description = "close";
-  EXPECT_EQ(HLSearchableContext(facts), "axbutton close");
-  facts.role = "";
-  EXPECT_EQ(HLSearchableContext(facts), "close");
-}
-
-TEST(SearchableContext, LowerCasesAllOfUnicode) {
-  HLElementFacts facts;
-  facts.title = "SCHLIESSEN ÄÖÜ ПРИВЕТ";
-  EXPECT_EQ(HLSearchableContext(facts), "schliessen äöü привет");
-}
-
-TEST(StructuralContext, JoinsRoleSubroleRoleDescriptionAndIdentifierOnly) {
-  EXPECT_EQ(HLStructuralContext(factsOfSevenTexts()), "axbutton axclosebutton close button identifier.one");
-  HLElementFacts facts;
-  facts.title = "title";
-  facts.description = "description";
-  facts.value = "value";
-  EXPECT_EQ(HLStructuralContext(facts), "");
-  facts.identifier = "ID  1";
-  EXPECT_EQ(HLStructuralContext(facts), "id 1");
-}
 
 constexpr std::string_view kElements = R"({
   "applications": [{"pid": 400, "windows": [
@@ -81,8 +35,8 @@ class ElementFacts : public testing::Test {
   SimulatedDesktop desktop_{kElements};
 };
 
-TEST_F(ElementFacts, HoldWhatTheElementSays) {
-  const HLElementFacts facts = HLReadElementFacts(*desktop_.element("full"));
+TEST_F(ElementFacts, HoldTheAttributesOfTheElement) {
+  const HLElementFacts facts = desktop_.element("full")->copyFacts();
   EXPECT_EQ(facts.role, "AXGroup");
   EXPECT_EQ(facts.subrole, "AXNotificationCenterAlert");
   EXPECT_EQ(facts.roleDescription, "group");
@@ -97,12 +51,12 @@ TEST_F(ElementFacts, HoldWhatTheElementSays) {
 TEST_F(ElementFacts, ListChildrenThenRowsThenVisibleChildrenWithRepetitions) {
   const HLElementRef child = desktop_.element("child");
   const HLElementRef row = desktop_.element("row");
-  EXPECT_EQ(HLReadElementFacts(*desktop_.element("full")).children,
+  EXPECT_EQ(desktop_.element("full")->copyFacts().children,
             (std::vector<HLElementRef>{child, row, row, child, row, row}));
 }
 
-TEST_F(ElementFacts, AFailingAttributeIsMissingAndTheOthersAreRead) {
-  const HLElementFacts facts = HLReadElementFacts(*desktop_.element("broken"));
+TEST_F(ElementFacts, SkipFailingAttributesOnly) {
+  const HLElementFacts facts = desktop_.element("broken")->copyFacts();
   EXPECT_EQ(facts.role, "AXButton");
   EXPECT_EQ(facts.title, "");
   EXPECT_TRUE(facts.frame.isNull());
@@ -110,10 +64,10 @@ TEST_F(ElementFacts, AFailingAttributeIsMissingAndTheOthersAreRead) {
   EXPECT_TRUE(facts.actionNames.empty());
 }
 
-TEST_F(ElementFacts, OneBatchTellsTheSameAsSingleReads) {
+TEST_F(ElementFacts, MatchReadsByName) {
   for (const char* id : {"full", "broken", "odd", "bare"}) {
     const HLElementRef element = desktop_.element(id);
-    const HLElementFacts facts = HLReadElementFacts(*element);
+    const HLElementFacts facts = element->copyFacts();
     const auto text = [&element](std::string_view name) { return HLStringAttribute(*element, name).value_or(""); };
     EXPECT_EQ(facts.role, text("AXRole")) << id;
     EXPECT_EQ(facts.subrole, text("AXSubrole")) << id;
@@ -135,31 +89,23 @@ TEST_F(ElementFacts, OneBatchTellsTheSameAsSingleReads) {
   }
 }
 
-// Returns fewer attributes than it is asked for.
-class ShortElement : public FakeElement {
- public:
-  [[nodiscard]] std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override {
-    return FakeElement::copyAttributeValues(names.first(3));
+TEST_F(ElementFacts, LeaveUnansweredAttributesMissing) {
+  FakeElement terse;
+  terse.attributes["AXTitle"] = {HLAXErrorSuccess, "T"};
+  terse.attributes["AXPosition"] = {HLAXErrorSuccess, HLPoint{1, 2}};
+  const HLElementFacts facts = terse.copyFacts();
+  for (const HLTextAttribute& attribute : HLTextAttributes) {
+    EXPECT_EQ(facts.*attribute.text, attribute.name == "AXTitle" ? "T" : "") << attribute.name;
   }
-};
-
-TEST_F(ElementFacts, TreatAttributesThatAreNotReturnedAsMissing) {
-  ShortElement element;
-  for (const char* name : {"AXRole", "AXTitle", "AXIdentifier"}) {
-    element.attributes[name] = {HLAXErrorSuccess, std::string(name)};
-  }
-  element.attributes["AXChildren"] = {HLAXErrorSuccess, HLArray{std::make_shared<FakeElement>()}};
-  const HLElementFacts facts = HLReadElementFacts(element);
-  EXPECT_EQ(HLSearchableContext(facts), "axrole");
   EXPECT_TRUE(facts.frame.isNull());
   EXPECT_TRUE(facts.children.empty());
 }
 
-TEST_F(ElementFacts, AnElementThatCannotBeReadHasNone) {
+TEST_F(ElementFacts, AreMissingOnDestroyedElements) {
   FakeElement gone;
-  gone.actions.error = HLAXErrorInvalidElement;
-  const HLElementFacts facts = HLReadElementFacts(gone);
-  EXPECT_EQ(HLSearchableContext(facts), "");
+  gone.actions = {HLAXErrorInvalidElement, {"AXPress"}};
+  const HLElementFacts facts = gone.copyFacts();
+  for (const HLTextAttribute& attribute : HLTextAttributes) EXPECT_EQ(facts.*attribute.text, "") << attribute.name;
   EXPECT_TRUE(facts.actionNames.empty());
   EXPECT_TRUE(facts.frame.isNull());
   EXPECT_TRUE(facts.children.empty());
