@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "core/scan/element_access.h"
-#include "platform/element_facts.h"
 #include "core/scan/scoring.h"
 #include "core/scan/tree_walk.h"
 #include "core/scan/words.h"
+#include "platform/element_facts.h"
 #include "platform/text.h"
 
 namespace {

@@ -40,27 +40,27 @@ class WatchedElement : public ForwardingElement {
     return attribute;
   }
 
-  std::vector<HLAttribute> copyAttributeValues(std::span<const std::string_view> names) const override {
-    std::vector<HLAttribute> attributes;
-    attributes.reserve(names.size());
+  HLElementFacts copyFacts() const override {
     seen_->last = {};
     HLAttribute position{HLAXErrorNoValue, {}};
     HLAttribute size = position;
-    for (std::string_view name : names) {
-      const HLAttribute& attribute = attributes.emplace_back(read(name));
+    HLElementFacts facts = HLFactsFromAttributes([&](std::string_view name) {
+      HLAttribute attribute = read(name);
       const auto text = std::find(kTexts.begin(), kTexts.end(), name);
       if (text != kTexts.end()) seen_->last.texts[static_cast<std::size_t>(text - kTexts.begin())] = textOf(attribute);
       if (name == "AXPosition") position = attribute;
       if (name == "AXSize") size = attribute;
       if (const auto* list = attribute.value.as<HLArray>()) append(*list, seen_->last.children);
-    }
+      return attribute;
+    });
     const auto* point = position.value.as<HLPoint>();
     const auto* extent = size.value.as<HLSize>();
     if (point != nullptr && extent != nullptr && extent->width > 0 && extent->height > 0) {
       seen_->last.framed = true;
       seen_->last.frame = {point->x, point->y, extent->width, extent->height};
     }
-    return attributes;
+    facts.actionNames = HLNamesFromActionList(copyActionNames());
+    return facts;
   }
 
   HLActionList copyActionNames() const override {

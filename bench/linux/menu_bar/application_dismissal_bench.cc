@@ -17,7 +17,7 @@
 namespace {
 
 constexpr int kRounds = 5;  // of each program, in turns
-constexpr std::chrono::seconds kPatience{30};
+constexpr std::chrono::seconds kTimeout{30};
 constexpr const char* kOutcome = "dismissNotifications outcome ";
 
 // One click, in milliseconds.
@@ -78,7 +78,7 @@ class Desk {
     const std::size_t outcomes = countOutcomes();
     sleeps_.forget();
     std::optional<Run> run = click(icon_->x, icon_->y, program_->pid(), ids);
-    if (!run || !Eventually([&] { return countOutcomes() > outcomes; }, kPatience)) return std::nullopt;
+    if (!run || !Eventually([&] { return countOutcomes() > outcomes; }, kTimeout)) return std::nullopt;
     run->paused = sleeps_.between(clicked_, empty_);
     run->wholePaused = sleeps_.between(clicked_, Clock::now());
     const std::string log = statusLog(session_);
@@ -114,9 +114,9 @@ class Desk {
     const bool shown = Eventually(
         [&] {
           const std::unique_ptr<ChildProcess> check = session_.start({HL_HUSHLET, "--self-check"});
-          return check->wait(kPatience).has_value() && check->output().find(wanted) != std::string::npos;
+          return check->wait(kTimeout).has_value() && check->output().find(wanted) != std::string::npos;
         },
-        kPatience);
+        kTimeout);
     return shown ? ids : std::vector<std::uint32_t>();
   }
 
@@ -126,7 +126,7 @@ class Desk {
     const pid_t server = session_.serverPid();
     const double serverBefore = processorTime(server);
     clicked_ = screen_.click(x, y);
-    if (!sender_->waitUntilClosed(ids, kPatience)) return std::nullopt;
+    if (!sender_->waitUntilClosed(ids, kTimeout)) return std::nullopt;
     empty_ = Clock::now();
     Run run;
     run.own = processorTime(program) - ownBefore;

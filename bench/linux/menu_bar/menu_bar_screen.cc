@@ -16,7 +16,7 @@ struct FreeReply {
 template <class T>
 using Reply = std::unique_ptr<T, FreeReply<T>>;
 
-constexpr std::chrono::seconds kPatience{20};
+constexpr std::chrono::seconds kTimeout{20};
 constexpr int kAwayX = 300;
 constexpr int kAwayY = 700;
 
@@ -55,7 +55,7 @@ std::optional<xcb_window_t> Screen::takeDocked() {
 }
 
 std::optional<Icon> Screen::waitForIcon() {
-  const Clock::time_point deadline = Clock::now() + kPatience;
+  const Clock::time_point deadline = Clock::now() + kTimeout;
   std::optional<xcb_window_t> window;
   while (!window && Clock::now() < deadline) window = takeDocked();
   if (!window) return std::nullopt;

@@ -15,14 +15,14 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* kRegistry = "org.a11y.atspi.Registry";
 
-// Once an application has let a call time out, it is asked more briefly until it answers again.
-constexpr std::chrono::milliseconds kPatienceWithSilent{250};
+// The timeout after an application has let a call time out, until it answers again.
+constexpr std::chrono::milliseconds kUnresponsiveTimeout{250};
 
-// A server that has just started owns its service a moment before it is on the bus.
+// A server that has just started owns its D-Bus service before it registers on the accessibility bus.
 constexpr std::chrono::milliseconds kStartupTime{2000};
 constexpr std::chrono::milliseconds kStartupPoll{20};
 
-// The applications that have registered on the bus.
+// Returns the bus names of all registered applications.
 std::vector<std::string> registeredNames(HLBus& bus) {
   std::vector<std::string> names;
   const HLBusReply reply = bus.call({kRegistry, HLAccessibleRootPath, HLAccessibleInterface, "GetChildren"});
@@ -50,8 +50,8 @@ std::string nameOfProcess(HLBus& bus, std::int32_t pid) {
   return bus.settle(0) == HLBusOutcome::answered ? found : "";
 }
 
+// Returns the AX error of an answer or an error reply to DoAction.
 HLAXError errorOf(const HLBusReply& reply) {
-  if (reply.outcome == HLBusOutcome::silent || reply.outcome == HLBusOutcome::gone) return HLAXErrorCannotComplete;
   if (!reply) {
     const bool unknown = std::string_view(reply.error).starts_with("org.freedesktop.DBus.Error.Unknown");
     return unknown ? HLAXErrorInvalidElement : HLAXErrorFailure;
@@ -77,8 +77,8 @@ std::unique_ptr<HLAccessibleApplication> HLAccessibleApplication::connect(const 
   return application->findOnBus() ? std::move(application) : nullptr;
 }
 
-// A toolkit that has been asked for its own address, or for its cache, sends the asker each of its events over the bus.
-// So the connection to the bus ends here where the application can be reached without it.
+// Closes the bus connection if the application accepts a direct one: GetApplicationBusAddress and GetItems make a GTK
+// application send every event to the caller for as long as that connection exists.
 bool HLAccessibleApplication::findOnBus() {
   const HLLock lock(mutex_);
   std::unique_ptr<HLBus> bus = HLBus::openBus(busAddress_);
@@ -103,19 +103,18 @@ bool HLAccessibleApplication::findOnBus() {
 
 HLBus* HLAccessibleApplication::connection() {
   if (connection_ == nullptr) {
-    const HLBus::Patience patience = isSilent_ ? kPatienceWithSilent : HLBusPatience;
-    connection_ =
-        peerAddress_.empty() ? HLBus::openBus(busAddress_, patience) : HLBus::openPeer(peerAddress_, patience);
-    if (connection_ == nullptr) drop(HLBusOutcome::silent);
+    const HLBus::Timeout timeout = isUnresponsive_ ? kUnresponsiveTimeout : HLBusTimeout;
+    connection_ = peerAddress_.empty() ? HLBus::openBus(busAddress_, timeout) : HLBus::openPeer(peerAddress_, timeout);
+    if (connection_ == nullptr) drop(HLBusOutcome::timedOut);
   }
   return connection_.get();
 }
 
 void HLAccessibleApplication::drop(HLBusOutcome outcome) {
   connection_ = nullptr;
-  if (outcome != HLBusOutcome::silent) return;
-  isSilent_ = true;
-  lastSilence_ = Clock::now();
+  if (outcome != HLBusOutcome::timedOut) return;
+  isUnresponsive_ = true;
+  lastTimeout_ = Clock::now();
 }
 
 std::unique_ptr<const HLAccessibleApplication::Interface> HLAccessibleApplication::read() {
@@ -135,8 +134,8 @@ std::unique_ptr<const HLAccessibleApplication::Interface> HLAccessibleApplicatio
     drop(outcome);
     return nullptr;
   }
-  isSilent_ = false;
-  interface->presentation = HLPresent(tree, banners, kind_);
+  isUnresponsive_ = false;
+  interface->mapped = HLMapTree(tree, banners, kind_);
   return interface;
 }
 
@@ -144,15 +143,15 @@ HLAXError HLAccessibleApplication::press(const std::string& path, int action) {
   const Clock::time_point asked = Clock::now();
   const HLLock lock(mutex_);
   if (hasEnded()) return HLAXErrorInvalidElement;
-  // Whoever waited here while another call timed out has waited long enough.
-  if (lastSilence_ > asked) return HLAXErrorCannotComplete;
+  // Another call timed out while this one waited for the mutex. Fail instead of waiting for another timeout.
+  if (lastTimeout_ > asked) return HLAXErrorCannotComplete;
   HLBus* bus = connection();
   if (bus == nullptr) return HLAXErrorCannotComplete;
   const HLBusReply reply = bus->call({name_, path, "org.a11y.atspi.Action", "DoAction"}, "i", action);
-  if (reply.outcome == HLBusOutcome::silent || reply.outcome == HLBusOutcome::gone) {
+  if (reply.isLost()) {
     drop(reply.outcome);
     return hasEnded() ? HLAXErrorInvalidElement : HLAXErrorCannotComplete;
   }
-  isSilent_ = false;
+  isUnresponsive_ = false;
   return errorOf(reply);
 }

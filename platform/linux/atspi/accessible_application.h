@@ -1,4 +1,4 @@
-// One application on the accessibility bus: its connection, and what it last showed.
+// An application on the accessibility bus, and the connection to it.
 #pragma once
 
 #include <chrono>
@@ -7,29 +7,30 @@
 #include <string>
 
 #include "platform/accessibility.h"
-#include "platform/linux/atspi/presentation.h"
+#include "platform/linux/atspi/mapped_tree.h"
 #include "platform/linux/session/bus.h"
 #include "platform/linux/session/process_watch.h"
 #include "platform/thread_safety.h"
 
-// The address of the session's accessibility bus; "" when there is none. Starts none.
+// Returns the address of the session's accessibility bus, or "". Starts no bus.
 [[nodiscard]] std::string HLAccessibilityBusAddress(HLBus& session);
 
-// Any thread; calls to the application itself are made one after the other.
+// Thread-safe. Calls to the application are serialized.
 class HLAccessibleApplication {
  public:
-  // nullptr when the process is not on the bus or does not answer.
+  // Returns nullptr if the process is not on the bus or does not answer. Blocks.
   [[nodiscard]] static std::unique_ptr<HLAccessibleApplication> connect(const std::string& busAddress, std::int32_t pid,
                                                                         HLProcessKind kind);
 
   struct Interface {
     HLRawTree tree;
-    HLPresentation presentation;
+    HLMappedTree mapped;
   };
-  // What is on screen now; nothing when the application does not answer.
+  // Reads the application's elements. Returns nullptr if the application does not answer. Blocks.
   [[nodiscard]] std::unique_ptr<const Interface> read();
 
-  // Performs one of the actions of the node with that path.
+  // Performs an action of the element at that object path. Returns InvalidElement once the element is destroyed or the
+  // process has exited, CannotComplete on a timeout or a lost connection. Blocks.
   [[nodiscard]] HLAXError press(const std::string& path, int action);
 
   [[nodiscard]] bool hasEnded() const { return process_.hasEnded(); }
@@ -47,11 +48,11 @@ class HLAccessibleApplication {
   const HLProcessWatch process_;
   const HLProcessKind kind_;
   const std::string busAddress_;
-  std::string name_;         // the application's on the bus
-  std::string peerAddress_;  // where it takes calls without the bus between; may be ""
+  std::string name_;         // on the accessibility bus
+  std::string peerAddress_;  // of the application's own socket; "" if calls go over the bus
 
   HLMutex mutex_;
   std::unique_ptr<HLBus> connection_ HL_GUARDED_BY(mutex_);
-  bool isSilent_ HL_GUARDED_BY(mutex_) = false;
-  std::chrono::steady_clock::time_point lastSilence_ HL_GUARDED_BY(mutex_){};
+  bool isUnresponsive_ HL_GUARDED_BY(mutex_) = false;
+  std::chrono::steady_clock::time_point lastTimeout_ HL_GUARDED_BY(mutex_){};
 };

@@ -23,14 +23,14 @@ constexpr const char* kService = "org.a11y.Bus";
 constexpr const char* kServicePath = "/org/a11y/bus";
 constexpr const char* kStatus = "org.a11y.Status";
 constexpr const char* kIsEnabled = "IsEnabled";
-// A service that has to be started first takes a while to answer.
-constexpr std::chrono::seconds kStartPatience{3};
+// Allows for the bus to start the service first.
+constexpr std::chrono::seconds kStartTimeout{3};
 
 class Snapshot;
 
 HLArray arrayOf(const std::vector<HLElementRef>& elements) { return {elements.begin(), elements.end()}; }
 
-// The application, and the newest snapshot as long as anybody holds it.
+// An application, and its newest snapshot as long as a handle or element owns that snapshot.
 struct Source {
   explicit Source(std::unique_ptr<HLAccessibleApplication> connected) : application(std::move(connected)) {}
 
@@ -44,7 +44,7 @@ struct Source {
   std::weak_ptr<const Snapshot> newestSnapshot HL_GUARDED_BY(mutex);
 };
 
-// A banner and its window may be one node of the application, but are two elements.
+// What makes two elements equal. A banner and its window may be one AT-SPI node, but are two elements.
 struct Identity {
   std::string_view path;
   bool isBanner;
@@ -68,32 +68,33 @@ class Element : public HLElement {
   [[nodiscard]] bool isEqual(const HLElement& other) const override;
 
  private:
-  // Where the element stands now; nothing when it has gone.
+  // The element in the newest snapshot.
   struct Place {
-    std::shared_ptr<const Snapshot> keeper;  // where it is not the element's own
+    std::shared_ptr<const Snapshot> owner;  // nullptr for the element's own snapshot
     const Snapshot* snapshot;
     int index;
-    [[nodiscard]] const HLPresentedNode& node() const;
+    [[nodiscard]] const HLMappedNode& node() const;
   };
+  // Returns nullopt if the element is destroyed or its process has exited. Blocks if the element was pressed.
   [[nodiscard]] std::optional<Place> place() const;
 
-  const Snapshot& snapshot_;  // it owns this element, and every handle owns it
+  const Snapshot& snapshot_;  // owns this element; handles own the snapshot
   const int index_;
-  mutable std::atomic<bool> pressed_ = false;  // it may be gone since
+  mutable std::atomic<bool> pressed_ = false;  // the element may be destroyed since; place() reads a new snapshot
 };
 
-// What an application showed at one moment. Handles of its elements share the ownership of the whole.
+// All elements of an application at one time. A handle of any of them owns the whole snapshot.
 class Snapshot : public std::enable_shared_from_this<Snapshot> {
  public:
   Snapshot(std::shared_ptr<Source> source, std::unique_ptr<const HLAccessibleApplication::Interface> interface)
       : source_(std::move(source)), interface_(std::move(interface)) {
-    const auto count = static_cast<int>(interface_->presentation.nodes.size());
+    const auto count = static_cast<int>(interface_->mapped.nodes.size());
     for (int i = 0; i < count; ++i) elements_.emplace_back(*this, i);
   }
 
   [[nodiscard]] const std::shared_ptr<Source>& source() const { return source_; }
-  [[nodiscard]] const HLPresentedNode& node(int index) const {
-    return interface_->presentation.nodes[static_cast<std::size_t>(index)];
+  [[nodiscard]] const HLMappedNode& node(int index) const {
+    return interface_->mapped.nodes[static_cast<std::size_t>(index)];
   }
   [[nodiscard]] const HLRawNode& rawNode(int raw) const { return interface_->tree[static_cast<std::size_t>(raw)]; }
   [[nodiscard]] Identity identity(int index) const { return {rawNode(node(index).raw).path, node(index).isBanner}; }
@@ -109,7 +110,7 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
     return handles;
   }
 
-  [[nodiscard]] HLArray windows() const { return arrayOf(handles(interface_->presentation.windows)); }
+  [[nodiscard]] HLArray windows() const { return arrayOf(handles(interface_->mapped.windows)); }
 
   [[nodiscard]] std::optional<int> find(const Identity& wanted) const {
     std::call_once(indexed_, [this] {
@@ -123,13 +124,14 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
  private:
   const std::shared_ptr<Source> source_;
   const std::unique_ptr<const HLAccessibleApplication::Interface> interface_;
-  mutable std::deque<Element> elements_;  // handles are not const, though nothing changes an element
-  mutable std::once_flag indexed_;        // only elements of older snapshots ask
+  mutable std::deque<Element> elements_;  // HLElementRef is a pointer to non-const; elements are immutable
+  mutable std::once_flag indexed_;        // index_ is built on first use
   mutable std::unordered_map<Identity, int, IdentityHash> index_;
 };
 
-const HLPresentedNode& Element::Place::node() const { return snapshot->node(index); }
+const HLMappedNode& Element::Place::node() const { return snapshot->node(index); }
 
+// Returns nullptr if the application does not answer. Blocks.
 std::shared_ptr<const Snapshot> takeSnapshot(const std::shared_ptr<Source>& source) {
   std::unique_ptr<const HLAccessibleApplication::Interface> interface = source->application->read();
   if (interface == nullptr) return nullptr;
@@ -151,7 +153,7 @@ std::optional<Element::Place> Element::place() const {
 HLAttribute Element::copyAttributeValue(std::string_view name) const {
   const std::optional<Place> now = place();
   if (!now) return {HLAXErrorInvalidElement, {}};
-  const HLPresentedNode& node = now->node();
+  const HLMappedNode& node = now->node();
   for (const HLTextAttribute& attribute : HLTextAttributes) {
     const std::string& text = node.facts.*attribute.text;
     if (name == attribute.name && !text.empty()) return {HLAXErrorSuccess, text};
@@ -180,11 +182,11 @@ HLActionList Element::copyActionNames() const {
 HLAXError Element::performAction(std::string_view name) const {
   const std::optional<Place> now = place();
   if (!now) return HLAXErrorInvalidElement;
-  const HLPresentedNode& node = now->node();
+  const HLMappedNode& node = now->node();
   const std::vector<std::string>& names = node.facts.actionNames;
   const auto found = std::find(names.begin(), names.end(), name);
   if (found == names.end()) return HLAXErrorActionUnsupported;
-  const HLPresentedAction& action = node.actions[static_cast<std::size_t>(found - names.begin())];
+  const HLMappedAction& action = node.actions[static_cast<std::size_t>(found - names.begin())];
   const std::string& path = now->snapshot->rawNode(action.node).path;
   const HLAXError error = snapshot_.source()->application->press(path, action.action);
   if (error == HLAXErrorSuccess) pressed_ = true;
@@ -232,12 +234,12 @@ class ApplicationElement : public HLElement {
     return shown_;
   }
 
-  // What the making of this element read, to whoever is first to ask, and asks at once.
+  // Returns createApplication()'s snapshot to the first caller, if under 5 ms old, else nullptr. Saves a second read.
   [[nodiscard]] std::shared_ptr<const Snapshot> justRead() const {
-    constexpr std::chrono::milliseconds kMoment{5};  // a reading may take longer itself
+    constexpr std::chrono::milliseconds kMaxAge{5};
     const HLLock lock(source_->mutex);
     const bool isFirst = std::exchange(isUnread_, false);
-    return isFirst && std::chrono::steady_clock::now() - made_ <= kMoment ? shown_ : nullptr;
+    return isFirst && std::chrono::steady_clock::now() - made_ <= kMaxAge ? shown_ : nullptr;
   }
 
   [[nodiscard]] HLAttribute windows() const;
@@ -261,13 +263,13 @@ HLAttribute ApplicationElement::windows() const {
   return {HLAXErrorSuccess, shown()->windows()};
 }
 
-// The address of the session's accessibility bus; "" where there is none.
+// Returns the address of the session's accessibility bus, or "".
 std::string sessionBusAddress() {
   const std::unique_ptr<HLBus> session = HLBus::openSession();
   return session == nullptr ? "" : HLAccessibilityBusAddress(*session);
 }
 
-// nullptr when the process is not on the bus or does not answer.
+// Returns nullptr if the process is not on the bus or does not answer. Blocks.
 std::shared_ptr<Source> connect(std::int32_t pid, HLRunningApplications& servers) {
   const std::string address = sessionBusAddress();
   if (address.empty()) return nullptr;
@@ -288,7 +290,7 @@ bool isTrusted() {
 }
 
 bool switchOn() {
-  const std::unique_ptr<HLBus> session = HLBus::openSession(kStartPatience);
+  const std::unique_ptr<HLBus> session = HLBus::openSession(kStartTimeout);
   if (session == nullptr) return false;
   (void)session->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "StartServiceByName"},
                       "su", kService, std::uint32_t{0});
@@ -300,7 +302,7 @@ bool switchOn() {
 
 bool HLLinuxAccessibility::isProcessTrusted(bool prompt) {
   if (isTrusted()) return true;
-  // Here the user has nothing to answer: to have asked for access is to want it switched on.
+  // Linux desktops have no permission prompt. A request for access switches accessibility on.
   return prompt && switchOn() && isTrusted();
 }
 

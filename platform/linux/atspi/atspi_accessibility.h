@@ -1,4 +1,4 @@
-// The accessibility bus in the home platform's terms.
+// HLAccessibility over AT-SPI.
 #pragma once
 
 #include <cstdint>
@@ -8,17 +8,19 @@
 #include "platform/linux/session/linux_run_loop.h"
 #include "platform/running_applications.h"
 
-// Trust is that the session has accessibility switched on and this process reaches its bus. An application element
-// stands for a process that is on that bus and has answered; reading its "AXWindows" reads the whole interface afresh,
-// and all its elements answer from there until the next such read. Actions always go to the process itself. A process
-// that falls silent keeps the windows that it last showed, so that silence is never taken for an empty screen.
+// A process is trusted if accessibility is switched on in its session and it can connect to the accessibility bus.
+//
+// An application element exists only for a process that is on that bus and answers. Reading "AXWindows" reads a
+// snapshot of the whole application; its elements answer from that snapshot until the next such read. Actions always
+// call the process. While a process does not answer, "AXWindows" returns the last snapshot, so that an unresponsive
+// process never looks like an empty screen.
 class HLLinuxAccessibility : public HLAccessibility {
  public:
-  // A process that these list is a notification server. Observers are served by the run loop.
+  // The processes that `servers` lists are notification servers. Observers run on `runLoop`.
   HLLinuxAccessibility(HLRunningApplications& servers, HLLinuxRunLoop& runLoop)
       : servers_(servers), runLoop_(runLoop) {}
 
-  // Prompting switches accessibility on for the whole session; without it nothing is changed or started by asking.
+  // With `prompt`, switches accessibility on for the session, if necessary. Else changes and starts nothing.
   [[nodiscard]] bool isProcessTrusted(bool prompt) override;
   [[nodiscard]] HLElementRef createApplication(std::int32_t pid) override;
   [[nodiscard]] std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) override;

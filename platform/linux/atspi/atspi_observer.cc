@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
+
+#include "platform/element_facts.h"
+#include "platform/linux/atspi/mapped_tree.h"
 
 namespace {
 
@@ -10,27 +14,10 @@ constexpr std::array<std::string_view, 8> kNotifications = {
     "AXWindowCreated",   "AXCreated",      "AXUIElementDestroyed", "AXLayoutChanged",
     "AXChildrenChanged", "AXValueChanged", "AXTitleChanged",       "AXAnnouncementRequested"};
 
-// What applications are asked to send. They send nothing that nobody has asked the registry for.
+// Applications send only events for which a listener is registered with the registry.
 constexpr std::array kWantedEvents = {"object:children-changed", "object:state-changed:showing",
                                       "object:property-change:accessible-name",
                                       "object:property-change:accessible-description", "window:create"};
-
-std::string textOf(const HLElement& element, std::string_view attribute) {
-  const HLAttribute value = element.copyAttributeValue(attribute);
-  const std::string* text = value.value.as<std::string>();
-  return text != nullptr ? *text : "";
-}
-
-std::vector<HLElementRef> elementsOf(const HLElement& element, std::string_view attribute) {
-  std::vector<HLElementRef> elements;
-  const HLAttribute value = element.copyAttributeValue(attribute);
-  const HLArray* members = value.value.as<HLArray>();
-  if (members == nullptr) return elements;
-  for (const HLValue& member : *members) {
-    if (const HLElementRef* each = member.as<HLElementRef>()) elements.push_back(*each);
-  }
-  return elements;
-}
 
 }  // namespace
 
@@ -83,11 +70,12 @@ void HLLinuxObserver::detach() {
 
 std::vector<HLLinuxObserver::Shown> HLLinuxObserver::read() const {
   std::vector<Shown> shown;
-  for (const HLElementRef& window : elementsOf(*application_, "AXWindows")) {
-    shown.push_back({window, nullptr, textOf(*window, "AXTitle")});
-    for (const HLElementRef& child : elementsOf(*window, "AXChildren")) {
-      if (textOf(*child, "AXSubrole") != "AXNotificationCenterAlert") continue;
-      shown.push_back({child, window, textOf(*child, "AXDescription")});
+  for (const HLElementRef& window : HLElementsFromAttribute(application_->copyAttributeValue("AXWindows"))) {
+    const HLElementFacts facts = window->copyFacts();
+    shown.push_back({window, nullptr, facts.title});
+    for (const HLElementRef& child : facts.children) {
+      HLElementFacts below = child->copyFacts();
+      if (below.subrole == HLBannerSubrole) shown.push_back({child, window, std::move(below.description)});
     }
   }
   return shown;
@@ -103,7 +91,7 @@ bool HLLinuxObserver::takeEvents() {
   return true;
 }
 
-// The callback may do anything but destroy the observer: everything that is looked at here is a copy.
+// The callback may add or remove notifications, so this iterates over copies only. It must not destroy the observer.
 void HLLinuxObserver::compare(const std::vector<Shown>& before, const std::vector<Shown>& now) {
   const auto find = [](const std::vector<Shown>& list, const Shown& wanted) {
     return std::find_if(list.begin(), list.end(),
@@ -116,7 +104,7 @@ void HLLinuxObserver::compare(const std::vector<Shown>& before, const std::vecto
   };
   for (const Shown& each : before) {
     if (find(now, each) != now.end()) continue;
-    tell(each, "AXUIElementDestroyed");
+    notify(each, "AXUIElementDestroyed");
     if (each.window != nullptr) noteChange(each);
   }
   for (const Shown& each : now) {
@@ -124,17 +112,17 @@ void HLLinuxObserver::compare(const std::vector<Shown>& before, const std::vecto
     const bool isNew = known == before.end();
     if (!isNew && known->text == each.text) continue;
     if (each.window == nullptr) {
-      tell(each, isNew ? "AXWindowCreated" : "AXTitleChanged");
+      notify(each, isNew ? "AXWindowCreated" : "AXTitleChanged");
       continue;
     }
-    tell(each, isNew ? "AXCreated" : "AXValueChanged");
-    tell(each, "AXLayoutChanged");
+    notify(each, isNew ? "AXCreated" : "AXValueChanged");
+    notify(each, "AXLayoutChanged");
     if (isNew) noteChange(each);
   }
-  for (const Shown& window : changed) tell(window, "AXChildrenChanged");
+  for (const Shown& window : changed) notify(window, "AXChildrenChanged");
 }
 
-void HLLinuxObserver::tell(const Shown& about, std::string_view notification) {
+void HLLinuxObserver::notify(const Shown& about, std::string_view notification) {
   const bool wanted = std::any_of(registrations_.begin(), registrations_.end(),
                                   [&about, notification, this](const Registration& registration) {
                                     const HLElement& element = *registration.first;

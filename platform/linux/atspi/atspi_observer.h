@@ -10,21 +10,20 @@
 #include "platform/linux/session/bus.h"
 #include "platform/linux/session/linux_run_loop.h"
 
-// The bus's events differ from toolkit to toolkit, come before what they tell of is complete, and are missing for some
-// changes. So they are taken as hints that something has changed: the windows and banners are read anew and compared
-// with what was there before, and the differences are told in the home platform's words.
+// AT-SPI events differ between toolkits, precede the change that they report, or are missing. On any event the observer
+// therefore reads windows and banners again and reports the differences as AX notifications:
 //
 //   a new window            AXWindowCreated
 //   a new banner            AXCreated and AXLayoutChanged about it
 //   a banner's new text     AXValueChanged and AXLayoutChanged about it
 //   a window's new title    AXTitleChanged
-//   a window's other list   AXChildrenChanged
-//   something has gone      AXUIElementDestroyed
+//   a window's new list     AXChildrenChanged, when banners were added to it or removed
+//   a removed element       AXUIElementDestroyed
 //
-// "AXAnnouncementRequested" can be registered and is never sent: the bus knows no such event.
+// "AXAnnouncementRequested" can be registered, but AT-SPI has no such event.
 class HLLinuxObserver : public HLObserver {
  public:
-  // Takes the connection, on which the events are watched already.
+  // `events` is a connection of HLWatchAccessibilityEvents().
   HLLinuxObserver(HLLinuxRunLoop& runLoop, std::unique_ptr<HLBus> events, HLElementRef application,
                   HLObserverCallback callback);
   ~HLLinuxObserver() override;
@@ -35,18 +34,18 @@ class HLLinuxObserver : public HLObserver {
   void detach() override;
 
  private:
-  // A window, or a banner in one.
+  // A window or a banner.
   struct Shown {
     HLElementRef element;
-    HLElementRef window;  // of a banner
-    std::string text;     // a banner's description, a window's title
+    HLElementRef window;  // of the banner; nullptr for a window
+    std::string text;     // the banner's description or the window's title
   };
   using Registration = std::pair<HLElementRef, std::string>;
 
   [[nodiscard]] std::vector<Shown> read() const;
   [[nodiscard]] bool takeEvents();
   void compare(const std::vector<Shown>& before, const std::vector<Shown>& now);
-  void tell(const Shown& about, std::string_view notification);
+  void notify(const Shown& about, std::string_view notification);
 
   HLLinuxRunLoop& runLoop_;
   const std::unique_ptr<HLBus> events_;
@@ -57,6 +56,6 @@ class HLLinuxObserver : public HLObserver {
   int source_ = 0;  // 0 when detached
 };
 
-// Watches the events of the application of that name on the accessibility bus. Nothing when the bus cannot be reached.
+// Subscribes to the events of the application with that bus name. Returns nullptr if the bus cannot be reached.
 [[nodiscard]] std::unique_ptr<HLBus> HLWatchAccessibilityEvents(const std::string& busAddress,
                                                                 const std::string& application);

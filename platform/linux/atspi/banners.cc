@@ -6,44 +6,22 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/linux/atspi/close_words.h"
 #include "platform/text.h"
 
 namespace {
 
 const HLRawNode& at(const HLRawTree& tree, int index) { return tree[static_cast<std::size_t>(index)]; }
 
-template <class Value, std::size_t size>
-bool isOneOf(const Value (&values)[size], const Value& value) {
-  return std::find(std::begin(values), std::end(values), value) != std::end(values);
-}
+bool isButton(const HLRawNode& node) { return node.role == HLRawRole::pushButton; }
 
-bool isButton(const HLRawNode& node) { return node.role == HLRawRole::kPushButton; }
-
-bool isLabel(const HLRawNode& node) {
-  static constexpr std::uint32_t kLabels[] = {HLRawRole::kLabel, HLRawRole::kStatic, HLRawRole::kParagraph,
-                                              HLRawRole::kHeading, HLRawRole::kSection};
-  return isOneOf(kLabels, node.role);
-}
+bool isLabel(const HLRawNode& node) { return node.is(HLRoleTrait::kLabel); }
 
 bool hasBannerRole(const HLRawNode& node) {
-  return node.isShowing() && (node.role == HLRawRole::kNotification || node.role == HLRawRole::kAlert);
+  return node.isShowing() && (node.role == HLRawRole::notification || node.role == HLRawRole::alert);
 }
 
-// What a window that shows nothing but notifications is made of.
-bool isPlainRole(std::uint32_t role) {
-  static constexpr std::uint32_t kPlain[] = {
-      HLRawRole::kAlert,       HLRawRole::kComboBox,     HLRawRole::kEntry,    HLRawRole::kDialog,
-      HLRawRole::kDrawingArea, HLRawRole::kFiller,       HLRawRole::kFrame,    HLRawRole::kGrouping,
-      HLRawRole::kHeading,     HLRawRole::kIcon,         HLRawRole::kImage,    HLRawRole::kLabel,
-      HLRawRole::kLayeredPane, HLRawRole::kLink,         HLRawRole::kList,     HLRawRole::kListBox,
-      HLRawRole::kListItem,    HLRawRole::kNotification, HLRawRole::kPanel,    HLRawRole::kParagraph,
-      HLRawRole::kProgressBar, HLRawRole::kPushButton,   HLRawRole::kRootPane, HLRawRole::kScrollPane,
-      HLRawRole::kSection,     HLRawRole::kSeparator,    HLRawRole::kStatic,   HLRawRole::kText,
-      HLRawRole::kUnknown,     HLRawRole::kViewport,     HLRawRole::kWindow};
-  return isOneOf(kPlain, role);
-}
-
-// Everything at and below the node, in tree order, without what lies below those for which visit says no.
+// Visits the node and its descendants in tree order. Returning false from `visit` prunes that subtree.
 template <class Visit>
 void walk(const HLRawTree& tree, int index, const Visit& visit) {
   if (!visit(index)) return;
@@ -74,38 +52,10 @@ bool holdsText(const HLRawTree& tree, const HLBanner& banner) {
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What a close control is called.
+// Close controls
 
-// The names of a close button are in the language of the desktop.
-bool isCloseName(const std::string& lower) {
-  // clang-format off
-  static constexpr std::string_view kNames[] = {
-      "close", "dismiss", "close notification", "dismiss notification", "schließen", "fermer", "cerrar",
-      "chiudi", "fechar", "sluiten", "закрыть", "закрити", "zamknij", "zavřít", "zavrieť", "stäng", "luk",
-      "lukk", "sulje", "sulge", "kapat", "bezárás", "închide", "zapri", "zatvori", "κλείσιμο", "tanca", "关闭",
-      "關閉", "閉じる", "닫기", "إغلاق"};
-  // clang-format on
-  return isOneOf(kNames, std::string_view(lower));
-}
-
-bool isCloseGlyph(const std::string& lower) {
-  static constexpr std::string_view kGlyphs[] = {"x", "×", "✕", "✖", "✗", "✘", "⨯", "╳", "🗙"};
-  return isOneOf(kGlyphs, std::string_view(lower));
-}
-
-// "Closes the notification." and its translations, by what their inflections have in common.
-bool speaksOfClosing(const std::string& lower) {
-  static constexpr std::string_view kStems[] = {
-      "close",  "dismiss", "schließ", "ferme", "cierra", "cerrar", "chiud", "fecha", "slui",   "закр", "zamyka",
-      "zamkni", "zavř",    "zavírá",  "stäng", "lukke",  "sulkee", "kapat", "bezár", "închid", "閉じ", "关闭"};
-  return std::any_of(std::begin(kStems), std::end(kStems),
-                     [&lower](std::string_view stem) { return lower.find(stem) != std::string::npos; });
-}
-
-// ---------------------------------------------------------------------------------------------------------------------
-// Where a close control is.
-
-// An icon, not a text: roughly square, and small. Scaled desktops report up to twice the size.
+// Whether the frame is small and roughly square, as icons are and texts are not. Scaled desktops report up to twice the
+// icon's size.
 bool hasIconShape(const HLRect& frame) {
   constexpr double kSide = 64;
   constexpr double kStretch = 1.35;
@@ -113,7 +63,8 @@ bool hasIconShape(const HLRect& frame) {
          frame.width <= kStretch * frame.height && frame.height <= kStretch * frame.width;
 }
 
-// At the left or right edge, not below the middle. The buttons of the application stand below the text.
+// Whether the button is at the left or right edge and not below the middle. The application's buttons are below the
+// text.
 bool isInUpperCorner(const HLRect& button, const HLRect& banner) {
   const double margin = std::max(48.0, banner.width / 8);
   const bool left = std::abs(button.x - banner.x) <= margin;
@@ -126,28 +77,29 @@ bool showsText(const HLRawTree& tree, int button) {
                   [](const HLRawNode& node) { return isLabel(node) && node.isShowing() && !node.name.empty(); });
 }
 
-// How sure it is that the button closes the banner; 0 is not enough.
+// Ranks the evidence that the button closes the banner, from 4 (its description says so) to 1 (an unnamed icon in an
+// upper corner). 0 is not a close control.
 int certainty(const HLRawTree& tree, const HLBanner& banner, int index) {
   const HLRawNode& button = at(tree, index);
   const std::string name = HLLowercase(HLTrim(button.name));
   const std::string description = HLLowercase(HLTrim(button.description));
-  const bool named = isCloseName(name) || isCloseGlyph(name);
-  if (speaksOfClosing(description) && (name.empty() || named)) return 4;
+  const bool named = HLIsCloseName(name) || HLIsCloseGlyph(name);
+  if (HLMentionsClosing(description) && (name.empty() || named)) return 4;
   const std::optional<HLRect>& frame = button.extents;
   const std::optional<HLRect>& whole = at(tree, banner.node).extents;
   if (!frame || !whole || !hasIconShape(*frame) || !isInUpperCorner(*frame, *whole)) return 0;
-  if (isCloseGlyph(name)) return 3;
-  if (isCloseName(name)) return showsText(tree, index) ? 0 : 2;
+  if (HLIsCloseGlyph(name)) return 3;
+  if (HLIsCloseName(name)) return showsText(tree, index) ? 0 : 2;
   return name.empty() && description.empty() ? 1 : 0;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Banners that bear no role of their own.
+// Banners without the role notification or alert
 
-// Whether the button may turn out to close something; said without extents.
+// Whether the button could be a close control. Uses no extents.
 bool mayClose(const HLRawNode& button) {
   const std::string name = HLLowercase(HLTrim(button.name));
-  return name.empty() || isCloseName(name) || isCloseGlyph(name);
+  return name.empty() || HLIsCloseName(name) || HLIsCloseGlyph(name);
 }
 
 bool mayBeWholeBanner(const HLRawTree& tree, int index) {
@@ -158,10 +110,9 @@ bool mayBeWholeBanner(const HLRawTree& tree, int index) {
 
 bool isContent(const HLRawNode& node) { return isButton(node) || (isLabel(node) && !node.name.empty()); }
 
-// The children that show something, and those of them that may be banners themselves.
 struct Content {
-  std::vector<int> parts;
-  std::vector<int> banners;
+  std::vector<int> parts;    // children that are or contain a button or a text
+  std::vector<int> banners;  // those of the parts that could be a whole banner
 };
 
 Content contentOf(const HLRawTree& tree, int index) {
@@ -175,8 +126,8 @@ Content contentOf(const HLRawTree& tree, int index) {
   return content;
 }
 
-// One window may hold several banners, each a child of its own. A banner itself has no two parts that both hold texts
-// and something to close it with.
+// Adds the banners at and below a node. A window may contain several banners, one per child. No single banner has two
+// parts that each contain a text and a possible close control.
 void findByStructure(const HLRawTree& tree, int index, std::vector<HLBanner>& found) {
   const Content content = contentOf(tree, index);
   if (content.banners.size() >= 2) {
@@ -192,7 +143,7 @@ void findByStructure(const HLRawTree& tree, int index, std::vector<HLBanner>& fo
   if (holdsText(tree, banner)) found.push_back(std::move(banner));
 }
 
-// The outermost nodes whose role says that they are a banner, without mere containers of others.
+// Adds the nodes with a banner role that contain no other such node.
 void findByRole(const HLRawTree& tree, int index, std::vector<int>& found) {
   const HLRawNode& node = at(tree, index);
   if (hasBannerRole(node) && !anyBelow(tree, index, hasBannerRole)) {
@@ -202,8 +153,8 @@ void findByRole(const HLRawTree& tree, int index, std::vector<int>& found) {
   for (int child : node.children) findByRole(tree, child, found);
 }
 
-// A window may be the banner as a whole: its role is borne by the text inside only, with the close control beside it.
-// Then it holds nothing else that is put together of several parts.
+// Returns the node that contains the whole banner: the node with the banner role, or its window. Some servers give the
+// role to the text only and put the close control beside it. Such a window contains no other compound element.
 int wholeBanner(const HLRawTree& tree, int index, std::size_t inWindow) {
   const int parent = at(tree, index).parent;
   const bool alone = inWindow == 1 && parent > 0 && at(tree, parent).parent == 0;
@@ -218,22 +169,23 @@ int wholeBanner(const HLRawTree& tree, int index, std::size_t inWindow) {
 bool isPlain(const HLRawTree& tree, int window) {
   bool plain = true;
   walk(tree, window, [&](int index) {
-    plain &= isPlainRole(at(tree, index).role);
-    return plain && at(tree, index).role != HLRawRole::kComboBox;  // many actions are offered as a choice
+    plain &= at(tree, index).is(HLRoleTrait::kPlain);
+    // Servers offer many actions as a combo box, whose items may have any role.
+    return plain && at(tree, index).role != HLRawRole::comboBox;
   });
   return plain;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What a banner says.
+// Texts
 
-bool saysSomething(const HLRawNode& label) { return label.isVisible() && !HLTrim(label.name).empty(); }
+bool hasText(const HLRawNode& label) { return label.isVisible() && !HLTrim(label.name).empty(); }
 
-// Some toolkits list labels in no order. Those that are cut off have no place, and come last.
+// Sorts by position, since some toolkits list labels in no order. Labels without extents (scrolled away) come last.
 std::vector<std::string> textsInReadingOrder(const HLRawTree& tree, const HLBanner& banner) {
   std::vector<int> labels;
   std::copy_if(banner.labels.begin(), banner.labels.end(), std::back_inserter(labels),
-               [&](int label) { return saysSomething(at(tree, label)); });
+               [&](int label) { return hasText(at(tree, label)); });
   std::stable_sort(labels.begin(), labels.end(), [&](int a, int b) {
     const std::optional<HLRect>& first = at(tree, a).extents;
     const std::optional<HLRect>& second = at(tree, b).extents;
@@ -245,16 +197,16 @@ std::vector<std::string> textsInReadingOrder(const HLRawTree& tree, const HLBann
   return texts;
 }
 
-// Servers that name the application have a label for each of its name, the title and the body, if only a hidden empty
-// one; an empty one before them stands for the icon.
+// Whether the first text is the application's name. Servers that show the name have three labels from there on: name,
+// title and body, the last possibly empty and hidden. An empty label before them is the icon.
 bool namesApplication(const HLRawTree& tree, const HLBanner& banner) {
-  const auto first = std::find_if(banner.labels.begin(), banner.labels.end(),
-                                  [&](int label) { return saysSomething(at(tree, label)); });
+  const auto first =
+      std::find_if(banner.labels.begin(), banner.labels.end(), [&](int label) { return hasText(at(tree, label)); });
   return std::count_if(first, banner.labels.end(),
                        [&](int label) { return at(tree, label).isVisible() || at(tree, label).name.empty(); }) >= 3;
 }
 
-// Some servers say title and body once more, as name and description of the node that bears the role.
+// Returns the node with a banner role whose name and description repeat title and body, or nullptr.
 const HLRawNode* nodeWithOwnTexts(const HLRawTree& tree, int index) {
   const HLRawNode& node = at(tree, index);
   if (hasBannerRole(node) && !node.name.empty() && !node.description.empty()) return &node;
@@ -267,8 +219,8 @@ const HLRawNode* nodeWithOwnTexts(const HLRawTree& tree, int index) {
 }  // namespace
 
 bool HLIsPressAction(std::string_view name) {
-  static constexpr std::string_view kPresses[] = {"click", "press", "activate"};
-  return isOneOf(kPresses, std::string_view(HLLowercase(name)));
+  const std::string lower = HLLowercase(name);
+  return lower == "click" || lower == "press" || lower == "activate";
 }
 
 std::vector<HLBanner> HLFindBanners(const HLRawTree& tree) {
@@ -283,7 +235,7 @@ std::vector<HLBanner> HLFindBanners(const HLRawTree& tree) {
     if (marked.empty()) unmarked.push_back(window);
     onlyNotifications &= isPlain(tree, window);
   }
-  // A desktop shell shows much else that has a text and a close button, the users' own windows not least.
+  // A desktop shell has other elements with a text and a close button, such as its list of windows.
   if (!onlyNotifications) return banners;
   for (int window : unmarked) findByStructure(tree, window, banners);
   return banners;
@@ -297,7 +249,7 @@ std::optional<HLCloseControl> HLFindCloseControl(const HLRawTree& tree, const HL
     const auto press = std::find_if(actions.begin(), actions.end(), HLIsPressAction);
     const int sure = press == actions.end() ? 0 : certainty(tree, banner, button);
     if (sure == 0 || sure < best) continue;
-    // Of two that are equally likely, one may be the application's.
+    // Of two equally likely buttons, one may be the application's, so neither is chosen.
     control.reset();
     if (sure > best) control = HLCloseControl{button, static_cast<int>(press - actions.begin())};
     best = sure;

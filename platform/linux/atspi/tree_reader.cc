@@ -1,7 +1,6 @@
 #include "platform/linux/atspi/tree_reader.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <limits>
@@ -15,17 +14,16 @@ namespace {
 constexpr const char* kAction = "org.a11y.atspi.Action";
 constexpr const char* kComponent = "org.a11y.atspi.Component";
 
-// The engine looks at so many elements of a window; a walk reads no more of one, and of three such windows in all.
+// A scan visits at most 1,400 elements per window, so a walk reads no more of one window.
 constexpr int kWindowLimit = 1400;
 constexpr int kWalkLimit = 3 * kWindowLimit;
-// Below an element that is hidden, so many levels are read: some close buttons are there, but appear only under the
-// pointer.
+// Levels that are read below a hidden element. Some close buttons show only while the pointer hovers over the banner.
 constexpr int kHiddenLevels = 2;
-// More calls under way at once make nothing faster.
-constexpr std::size_t kCallsUnderWay = 48;
+// Calls in flight. More are not faster.
+constexpr std::size_t kMaxCallsInFlight = 48;
 
-// An application may answer each call just before it would be given up; the whole of them is given up after that.
-constexpr std::chrono::seconds kWalkPatience{5};
+// Limits a whole walk: an application may answer each call just before that call's own timeout.
+constexpr std::chrono::seconds kWalkTimeout{5};
 
 constexpr std::uint32_t kScreenCoordinates = 0;
 constexpr std::int32_t kOffScreen = std::numeric_limits<std::int32_t>::min();
@@ -48,12 +46,19 @@ std::uint64_t readStates(sd_bus_message* message) {
   return halves[0] | static_cast<std::uint64_t>(halves[1]) << 32;
 }
 
+bool readRole(sd_bus_message* message, HLRawRole& role) {
+  std::uint32_t number = 0;
+  if (sd_bus_message_read_basic(message, 'u', &number) <= 0) return false;
+  role = HLRawRole{number};
+  return true;
+}
+
 struct Reference {
   std::string_view application;
   std::string_view path;
 };
 
-// Points into the message.
+// `reference` points into the message.
 bool readReference(sd_bus_message* message, Reference& reference) {
   const char* application = nullptr;
   const char* path = nullptr;
@@ -83,36 +88,7 @@ std::vector<std::string> readActions(sd_bus_message* message) {
   return names;
 }
 
-// Roles that only arrange, show or hold text. Asking them for actions costs a round trip each and brings none.
-bool isPassiveRole(std::uint32_t role) {
-  static constexpr std::array kPassive = {
-      HLRawRole::kFiller, HLRawRole::kImage,      HLRawRole::kLabel,        HLRawRole::kLayeredPane,
-      HLRawRole::kPanel,  HLRawRole::kScrollPane, HLRawRole::kSeparator,    HLRawRole::kSplitPane,
-      HLRawRole::kStatic, HLRawRole::kViewport,   HLRawRole::kFrame,        HLRawRole::kWindow,
-      HLRawRole::kDialog, HLRawRole::kAlert,      HLRawRole::kNotification, HLRawRole::kProgressBar};
-  return std::find(kPassive.begin(), kPassive.end(), role) != kPassive.end();
-}
-
-// Passive roles whose names and descriptions nobody sees.
-bool isContainerRole(std::uint32_t role) {
-  static constexpr std::array kContainers = {HLRawRole::kFiller,     HLRawRole::kLayeredPane, HLRawRole::kPanel,
-                                             HLRawRole::kScrollPane, HLRawRole::kSeparator,   HLRawRole::kSplitPane,
-                                             HLRawRole::kViewport};
-  return std::find(kContainers.begin(), kContainers.end(), role) != kContainers.end();
-}
-
-// Roles whose name is the text that they show, and all that they say.
-bool isTextRole(std::uint32_t role) { return role == HLRawRole::kLabel || role == HLRawRole::kStatic; }
-
-// Roles of which no toolkit puts anything below that could be acted on.
-bool isLeafRole(std::uint32_t role) {
-  static constexpr std::array kLeaves = {HLRawRole::kLabel, HLRawRole::kStatic,      HLRawRole::kIcon,
-                                         HLRawRole::kImage, HLRawRole::kCheckBox,    HLRawRole::kRadioButton,
-                                         HLRawRole::kEntry, HLRawRole::kProgressBar, HLRawRole::kSeparator};
-  return std::find(kLeaves.begin(), kLeaves.end(), role) != kLeaves.end();
-}
-
-// One element of the application's own cache.
+// An element in the answer of GetItems. `parent` points into the message.
 struct CacheItem {
   HLRawNode node;
   std::string_view parent;
@@ -140,7 +116,7 @@ bool readItem(sd_bus_message* message, CacheItem& item) {
   }
   if (sd_bus_message_exit_container(message) < 0) return false;
   item.node.name = readText(message);
-  if (sd_bus_message_read_basic(message, 'u', &item.node.role) <= 0) return false;
+  if (!readRole(message, item.node.role)) return false;
   item.node.description = readText(message);
   item.node.states = readStates(message);
   return sd_bus_message_exit_container(message) >= 0;
@@ -151,25 +127,24 @@ class Walk {
   Walk(HLBus& bus, const std::string& application, HLRawTree& tree)
       : bus_(bus), application_(application), tree_(tree) {
     if (tree_.empty()) add(-1, HLAccessibleRootPath);
-    tree_.front().role = HLRawRole::kApplication;
+    tree_.front().role = HLRawRole::application;
   }
 
-  // Takes what the application's cache holds. Elements that came up a moment ago may not be in it yet: run() asks for
-  // them.
+  // Adds the items of the application's cache. The cache may lack new elements; run() reads those.
   void adopt(std::vector<CacheItem>& items);
 
-  // Reads what is still unknown: everything, where nothing was adopted.
+  // Reads every element that adopt() has not added.
   HLBusOutcome run(bool adopted) {
     if (!adopted) partial_.push_back(0);
     for (int index : partial_) askForChildren(index);
-    const auto deadline = std::chrono::steady_clock::now() + kWalkPatience;
+    const auto deadline = std::chrono::steady_clock::now() + kWalkTimeout;
     while (std::chrono::steady_clock::now() < deadline) {
       const bool more = next_ < toRead_.size();
       if (more) ask(toRead_[next_++]);
-      const HLBusOutcome outcome = bus_.settle(more ? kCallsUnderWay : 0);
+      const HLBusOutcome outcome = bus_.settle(more ? kMaxCallsInFlight : 0);
       if (outcome != HLBusOutcome::answered || (!more && next_ == toRead_.size())) return outcome;
     }
-    return HLBusOutcome::silent;
+    return HLBusOutcome::timedOut;
   }
 
  private:
@@ -185,13 +160,14 @@ class Walk {
   HLBus& bus_;
   const std::string& application_;
   HLRawTree& tree_;
-  std::vector<int> partial_;  // known but for some or all of their children
+  std::vector<int> partial_;  // adopted nodes of which children are missing
   std::vector<int> toRead_;
-  std::size_t next_ = 0;
-  std::unordered_set<std::string> known_;
-  std::vector<int> window_;             // of each node: the child of the application that it lies in
-  std::unordered_map<int, int> sizes_;  // of each window
-  std::vector<int> hiddenLevel_;
+  std::size_t next_ = 0;                   // in toRead_
+  std::unordered_set<std::string> known_;  // paths in the tree
+  // Per node:
+  std::vector<int> window_;             // the child of the application above the node, or the node itself
+  std::vector<int> hiddenLevel_;        // 0 when showing, else how many hidden ancestors lead up to it, itself included
+  std::unordered_map<int, int> sizes_;  // per window: its nodes
 };
 
 int Walk::add(int parent, std::string_view path) {
@@ -208,7 +184,7 @@ int Walk::add(int parent, std::string_view path) {
   return index;
 }
 
-// Also counts how deep below something hidden the node lies.
+// Returns whether the node's children are to be read. Sets the node's hiddenLevel_, from its parent's.
 bool Walk::wantsChildren(int index) {
   const auto at = static_cast<std::size_t>(index);
   const HLRawNode& node = tree_[at];
@@ -246,14 +222,14 @@ void Walk::adopt(std::vector<CacheItem>& items) {
   }
 }
 
-// Role and state first, since they tell what else is worth a round trip.
+// Queues GetRole and GetState first: both decide which other calls are worth a round trip.
 void Walk::ask(int index) {
   const std::string path = pathOf(index);
   bus_.start({application_, path, HLAccessibleInterface, "GetRole"}, [this, index](const HLBusReply& reply) {
-    if (reply) sd_bus_message_read_basic(reply.message.get(), 'u', &node(index).role);
+    if (reply) readRole(reply.message.get(), node(index).role);
   });
   bus_.start({application_, path, HLAccessibleInterface, "GetState"}, [this, index](const HLBusReply& reply) {
-    if (!reply) return;  // it has vanished
+    if (!reply) return;  // the element no longer exists
     node(index).states = readStates(reply.message.get());
     askForMore(index);
   });
@@ -262,21 +238,21 @@ void Walk::ask(int index) {
 void Walk::askForMore(int index) {
   HLRawNode& known = node(index);
   known.hasExtents = true;
-  known.hasActions = !isPassiveRole(known.role);
+  known.hasActions = !known.is(HLRoleTrait::kPassive);
   const HLBusCall property{application_, known.path, HLPropertiesInterface, "Get"};
-  if (!isContainerRole(known.role)) {
+  if (!known.is(HLRoleTrait::kContainer)) {
     const auto take = [this, index](const HLBusReply& reply) {
       if (reply) node(index).name = readPropertyText(reply.message.get());
     };
     bus_.start(property, take, "ss", HLAccessibleInterface, "Name");
   }
-  if (!isContainerRole(known.role) && !isTextRole(known.role)) {
+  if (!known.is(HLRoleTrait::kContainer) && !known.is(HLRoleTrait::kText)) {
     const auto take = [this, index](const HLBusReply& reply) {
       if (reply) node(index).description = readPropertyText(reply.message.get());
     };
     bus_.start(property, take, "ss", HLAccessibleInterface, "Description");
   }
-  if (wantsChildren(index) && !isLeafRole(known.role)) askForChildren(index);
+  if (wantsChildren(index) && !known.is(HLRoleTrait::kLeaf)) askForChildren(index);
 }
 
 void Walk::askForChildren(int index) {
@@ -290,7 +266,7 @@ void Walk::takeChildren(int parent, sd_bus_message* message) {
   if (sd_bus_message_enter_container(message, 'a', "(so)") <= 0) return;
   Reference child;
   while (readReference(message, child)) {
-    // Another application's elements may be plugged in here; they are not this one's to close.
+    // A child may be an element of another process (AT-SPI sockets). Only the application's own are read.
     const bool own = child.application.empty() || child.application == application_;
     const int window = window_[static_cast<std::size_t>(parent)];
     const bool full = static_cast<int>(tree_.size()) >= kWalkLimit || (parent != 0 && sizes_[window] >= kWindowLimit);
@@ -299,7 +275,7 @@ void Walk::takeChildren(int parent, sd_bus_message* message) {
   }
 }
 
-// Nothing when the application keeps no cache, or none that can be read.
+// Empty when the application has no cache or answers with another signature (Qt).
 std::vector<CacheItem> readCache(const HLBusReply& reply) {
   std::vector<CacheItem> items;
   sd_bus_message* message = reply.message.get();
@@ -319,7 +295,7 @@ std::vector<CacheItem> readCache(const HLBusReply& reply) {
 HLBusOutcome HLReadTree(HLBus& bus, const std::string& application, HLRawTree& tree) {
   tree.clear();
   const HLBusReply reply = bus.call({application, "/org/a11y/atspi/cache", "org.a11y.atspi.Cache", "GetItems"});
-  if (reply.outcome == HLBusOutcome::gone || reply.outcome == HLBusOutcome::silent) return reply.outcome;
+  if (reply.isLost()) return reply.outcome;
   std::vector<CacheItem> items = reply ? readCache(reply) : std::vector<CacheItem>();
   Walk walk(bus, application, tree);
   if (!items.empty()) walk.adopt(items);
@@ -336,14 +312,14 @@ HLBusOutcome HLReadDetails(HLBus& bus, const std::string& application, HLRawTree
           if (reply) node.extents = readExtents(reply.message.get());
         },
         "u", kScreenCoordinates);
-    if (const HLBusOutcome outcome = bus.settle(kCallsUnderWay); outcome != HLBusOutcome::answered) return outcome;
+    if (const HLBusOutcome outcome = bus.settle(kMaxCallsInFlight); outcome != HLBusOutcome::answered) return outcome;
   }
   for (int index : actionsOf) {
     HLRawNode& node = tree[static_cast<std::size_t>(index)];
     bus.start({application, node.path, kAction, "GetActions"}, [&node](const HLBusReply& reply) {
       if (reply) node.actions = readActions(reply.message.get());
     });
-    if (const HLBusOutcome outcome = bus.settle(kCallsUnderWay); outcome != HLBusOutcome::answered) return outcome;
+    if (const HLBusOutcome outcome = bus.settle(kMaxCallsInFlight); outcome != HLBusOutcome::answered) return outcome;
   }
   return bus.settle(0);
 }

@@ -1,4 +1,4 @@
-// Reading an application's interface from the accessibility bus, with as few round trips as the application allows.
+// Reads an application's elements over AT-SPI in as few round trips as its toolkit allows.
 #pragma once
 
 #include <string>
@@ -10,10 +10,10 @@
 inline constexpr const char* HLAccessibleInterface = "org.a11y.atspi.Accessible";
 inline constexpr const char* HLAccessibleRootPath = "/org/a11y/atspi/accessible/root";
 
-// Everything on screen but actions and extents; windows that are not showing are left out. Elements that vanish
-// meanwhile are missing or not showing. The tree is only of use when the answer is "answered".
+// Reads all elements except their actions and extents. Windows that are not showing are left out. Elements that
+// disappear during the call are missing or not showing. `tree` is complete only when the result is `answered`. Blocks.
 [[nodiscard]] HLBusOutcome HLReadTree(HLBus& bus, const std::string& application, HLRawTree& tree);
 
-// Adds the extents and the actions of those nodes; off-screen extents read as none.
+// Reads the extents and actions of the given nodes. Off-screen extents become nullopt. Blocks.
 [[nodiscard]] HLBusOutcome HLReadDetails(HLBus& bus, const std::string& application, HLRawTree& tree,
                                          const std::vector<int>& extentsOf, const std::vector<int>& actionsOf);

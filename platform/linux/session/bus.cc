@@ -13,10 +13,10 @@ std::uint64_t microseconds(Clock::duration duration) {
   return count > 0 ? static_cast<std::uint64_t>(count) : 0;
 }
 
-// The errors that tell of nobody at the other end. The bus answers "no reply" at once when the peer goes away under the
-// call; the library gives the same name to a call that timed out, which is told apart by the clock. "System.Error" is
-// how the library reports what the socket said.
-bool namesAbsence(std::string_view error) {
+// Whether the error means that the peer has disconnected. The bus sends NoReply when the peer disconnects during a
+// call. sd-bus also reports timeouts as NoReply; finish() distinguishes them by elapsed time. sd-bus reports socket
+// errors as "System.Error.*".
+bool isPeerGone(std::string_view error) {
   return error == SD_BUS_ERROR_SERVICE_UNKNOWN || error == SD_BUS_ERROR_NAME_HAS_NO_OWNER ||
          error == SD_BUS_ERROR_NO_REPLY || error == SD_BUS_ERROR_DISCONNECTED || error == SD_BUS_ERROR_NO_SERVER ||
          error == SD_BUS_ERROR_TIMEOUT || error.starts_with("System.Error.");
@@ -25,27 +25,27 @@ bool namesAbsence(std::string_view error) {
 HLBusReply failure(const sd_bus_error& error) {
   HLBusReply reply;
   reply.error = error.name == nullptr ? "" : error.name;
-  reply.outcome = reply.error.empty() || namesAbsence(reply.error) ? HLBusOutcome::gone : HLBusOutcome::refused;
+  reply.outcome = reply.error.empty() || isPeerGone(reply.error) ? HLBusOutcome::disconnected : HLBusOutcome::refused;
   return reply;
 }
 
 }  // namespace
 
-std::unique_ptr<HLBus> HLBus::openSession(Patience patience) {
+std::unique_ptr<HLBus> HLBus::openSession(Timeout timeout) {
   sd_bus* bus = nullptr;
   if (sd_bus_open_user(&bus) < 0) return nullptr;
-  return finishOpening(bus, false, patience);
+  return finishOpening(bus, false, timeout);
 }
 
-std::unique_ptr<HLBus> HLBus::openBus(const std::string& address, Patience patience) {
-  return openAddress(address, false, patience);
+std::unique_ptr<HLBus> HLBus::openBus(const std::string& address, Timeout timeout) {
+  return openAddress(address, false, timeout);
 }
 
-std::unique_ptr<HLBus> HLBus::openPeer(const std::string& address, Patience patience) {
-  return openAddress(address, true, patience);
+std::unique_ptr<HLBus> HLBus::openPeer(const std::string& address, Timeout timeout) {
+  return openAddress(address, true, timeout);
 }
 
-std::unique_ptr<HLBus> HLBus::openAddress(const std::string& address, bool isPeer, Patience patience) {
+std::unique_ptr<HLBus> HLBus::openAddress(const std::string& address, bool isPeer, Timeout timeout) {
   sd_bus* bus = nullptr;
   if (sd_bus_new(&bus) < 0) return nullptr;
   if (sd_bus_set_address(bus, address.c_str()) < 0 || sd_bus_set_bus_client(bus, isPeer ? 0 : 1) < 0 ||
@@ -53,13 +53,14 @@ std::unique_ptr<HLBus> HLBus::openAddress(const std::string& address, bool isPee
     sd_bus_close_unref(bus);
     return nullptr;
   }
-  return finishOpening(bus, isPeer, patience);
+  return finishOpening(bus, isPeer, timeout);
 }
 
-// Opening only begins the handshake; a stopped peer would hold the first call for the library's own half minute.
-std::unique_ptr<HLBus> HLBus::finishOpening(sd_bus* bus, bool isPeer, Patience patience) {
-  std::unique_ptr<HLBus> opened(new HLBus(bus, isPeer, patience));
-  const Clock::time_point deadline = Clock::now() + patience;
+// Waits until the handshake is complete. sd_bus_start() only begins it; the first call to a stopped peer would then
+// block for sd-bus's own timeout.
+std::unique_ptr<HLBus> HLBus::finishOpening(sd_bus* bus, bool isPeer, Timeout timeout) {
+  std::unique_ptr<HLBus> opened(new HLBus(bus, isPeer, timeout));
+  const Clock::time_point deadline = Clock::now() + timeout;
   while (sd_bus_is_ready(bus) == 0) {
     const int processed = sd_bus_process(bus, nullptr);
     if (processed < 0) return nullptr;
@@ -93,12 +94,13 @@ HLBusReply HLBus::finish(sd_bus_message* message) {
   const Clock::time_point begin = Clock::now();
   sd_bus_error error{};
   sd_bus_message* answer = nullptr;
-  if (sd_bus_call(bus_, message, microseconds(patience_), &error, &answer) >= 0) {
+  if (sd_bus_call(bus_, message, microseconds(timeout_), &error, &answer) >= 0) {
     reply.message.reset(answer);
     reply.outcome = HLBusOutcome::answered;
   } else {
     reply = failure(error);
-    if (reply.outcome == HLBusOutcome::gone && Clock::now() - begin >= patience_) reply.outcome = HLBusOutcome::silent;
+    if (reply.outcome == HLBusOutcome::disconnected && Clock::now() - begin >= timeout_)
+      reply.outcome = HLBusOutcome::timedOut;
   }
   sd_bus_error_free(&error);
   return reply;
@@ -111,7 +113,7 @@ void HLBus::enqueue(sd_bus_message* message, std::function<void(const HLBusReply
     lastAnswer_ = Clock::now();
   }
   Pending& pending = pending_.emplace_back(Pending{this, std::move(handler)});
-  // settle() watches the clock for all of them together.
+  // No timeout per call: settle() applies one to all of them.
   if (sd_bus_call_async(bus_, nullptr, message, &HLBus::deliver, &pending, UINT64_MAX) < 0) return lose();
   ++unanswered_;
 }
@@ -130,7 +132,7 @@ int HLBus::deliver(sd_bus_message* message, void* pending, sd_bus_error*) {
     reply.message.reset(sd_bus_message_ref(message));
     reply.outcome = HLBusOutcome::answered;
   }
-  if (reply.outcome == HLBusOutcome::gone) {
+  if (reply.outcome == HLBusOutcome::disconnected) {
     bus.lose();
     return 0;
   }
@@ -145,9 +147,9 @@ HLBusOutcome HLBus::settle(std::size_t unanswered) {
     if (processed < 0) {
       lose();
     } else if (processed == 0) {
-      const Clock::duration left = lastAnswer_ + patience_ - Clock::now();
+      const Clock::duration left = lastAnswer_ + timeout_ - Clock::now();
       if (left <= Clock::duration::zero()) {
-        lost_ = HLBusOutcome::silent;
+        lost_ = HLBusOutcome::timedOut;
       } else if (sd_bus_wait(bus_, microseconds(left)) < 0) {
         lose();
       }

@@ -1,4 +1,4 @@
-// Bounded calls over D-Bus: to the session's bus, to the accessibility bus, or straight to one application.
+// D-Bus calls with a timeout: to the session bus, to the accessibility bus, or directly to one application.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -14,17 +14,17 @@
 inline constexpr const char* HLPropertiesInterface = "org.freedesktop.DBus.Properties";
 inline constexpr const char* HLNotificationService = "org.freedesktop.Notifications";
 
-// How long a peer may stay silent before a call is given up.
-inline constexpr std::chrono::milliseconds HLBusPatience{1000};
+// The default timeout of a call.
+inline constexpr std::chrono::milliseconds HLBusTimeout{1000};
 
 enum class HLBusOutcome {
   answered,
-  refused,  // the peer answered with an error
-  gone,     // the peer, or the way to it, is no longer there
-  silent,   // nothing came in time
+  refused,       // the peer answered with an error
+  disconnected,  // the peer has exited, or the connection is lost
+  timedOut,
 };
 
-// Where a call goes. A connection that leads straight to one application has no use for the destination.
+// A method to call. Direct connections ignore the destination.
 struct HLBusCall {
   std::string destination;
   std::string path;
@@ -38,29 +38,33 @@ struct HLBusMessageDeleter {
 using HLBusMessage = std::unique_ptr<sd_bus_message, HLBusMessageDeleter>;
 
 struct HLBusReply {
-  HLBusOutcome outcome = HLBusOutcome::gone;
-  HLBusMessage message;  // the answer, or nullptr
-  std::string error;     // the name of the peer's error
+  HLBusOutcome outcome = HLBusOutcome::disconnected;
+  HLBusMessage message;  // nullptr unless answered
+  std::string error;     // the D-Bus error's name, if refused
 
   explicit operator bool() const { return outcome == HLBusOutcome::answered; }
+  // Whether the connection is of no further use.
+  [[nodiscard]] bool isLost() const {
+    return outcome == HLBusOutcome::disconnected || outcome == HLBusOutcome::timedOut;
+  }
 };
 
-// One connection. One thread at a time. None of the calls starts the service that it addresses, and none waits longer
-// than the connection's patience, nor does opening it.
+// A D-Bus connection. Opening it and each call block for at most the connection's timeout. No call starts the service
+// that it is sent to. One thread at a time.
 class HLBus {
  public:
-  using Patience = std::chrono::milliseconds;
+  using Timeout = std::chrono::milliseconds;
 
-  // nullptr when the bus is not there or does not answer.
-  [[nodiscard]] static std::unique_ptr<HLBus> openSession(Patience patience = HLBusPatience);
-  [[nodiscard]] static std::unique_ptr<HLBus> openBus(const std::string& address, Patience patience = HLBusPatience);
-  [[nodiscard]] static std::unique_ptr<HLBus> openPeer(const std::string& address, Patience patience = HLBusPatience);
+  // Return nullptr if the bus does not exist or does not answer.
+  [[nodiscard]] static std::unique_ptr<HLBus> openSession(Timeout timeout = HLBusTimeout);
+  [[nodiscard]] static std::unique_ptr<HLBus> openBus(const std::string& address, Timeout timeout = HLBusTimeout);
+  [[nodiscard]] static std::unique_ptr<HLBus> openPeer(const std::string& address, Timeout timeout = HLBusTimeout);
 
   HLBus(const HLBus&) = delete;
   HLBus& operator=(const HLBus&) = delete;
   ~HLBus();
 
-  // The arguments are appended as sd_bus_message_append takes them.
+  // Calls a method and waits for the reply. The arguments are those of sd_bus_message_append(). Blocks.
   template <class... Argument>
   [[nodiscard]] HLBusReply call(const HLBusCall& to, const char* types = "", Argument... arguments) {
     HLBusMessage message = newCall(to);
@@ -68,7 +72,7 @@ class HLBus {
     return finish(message.get());
   }
 
-  // Queues a call; its handler runs within a later settle(). After a settle() that failed, no handler runs any more.
+  // Queues a call. settle() runs the handler, unless it fails before the reply arrives.
   template <class... Argument>
   void start(const HLBusCall& to, std::function<void(const HLBusReply&)> handler, const char* types = "",
              Argument... arguments) {
@@ -77,15 +81,16 @@ class HLBus {
     enqueue(message.get(), std::move(handler));
   }
 
-  // Waits until at most so many of the started calls are unanswered. Fails as gone or silent, after which the
-  // connection is of no further use.
+  // Waits until at most `unanswered` of the queued calls are unanswered. Returns `answered`, or, once the connection is
+  // of no further use, `disconnected` or `timedOut`. Blocks.
   HLBusOutcome settle(std::size_t unanswered);
 
-  // Has the bus send the signals that match the rule. False when it will not.
+  // Subscribes to the signals that match the rule. Returns false if the bus refuses.
   [[nodiscard]] bool watch(const std::string& rule);
-  // Becomes readable when something has arrived.
+  // Readable when a message has arrived.
   [[nodiscard]] int descriptor() const { return sd_bus_get_fd(bus_); }
-  // Takes what has arrived, without waiting: how many watched signals, or nothing when the connection has been lost.
+  // Consumes the messages that have arrived. Returns how many watched signals were among them, or nullopt if the
+  // connection is lost. Does not block.
   [[nodiscard]] std::optional<int> takeSignals();
 
  private:
@@ -94,21 +99,21 @@ class HLBus {
     std::function<void(const HLBusReply&)> handler;
   };
 
-  HLBus(sd_bus* bus, bool isPeer, Patience patience) : bus_(bus), isPeer_(isPeer), patience_(patience) {}
-  static std::unique_ptr<HLBus> finishOpening(sd_bus* bus, bool isPeer, Patience patience);
-  static std::unique_ptr<HLBus> openAddress(const std::string& address, bool isPeer, Patience patience);
+  HLBus(sd_bus* bus, bool isPeer, Timeout timeout) : bus_(bus), isPeer_(isPeer), timeout_(timeout) {}
+  static std::unique_ptr<HLBus> finishOpening(sd_bus* bus, bool isPeer, Timeout timeout);
+  static std::unique_ptr<HLBus> openAddress(const std::string& address, bool isPeer, Timeout timeout);
   static int count(sd_bus_message* message, void* bus, sd_bus_error* error);
   static int deliver(sd_bus_message* message, void* pending, sd_bus_error* error);
 
   [[nodiscard]] HLBusMessage newCall(const HLBusCall& to) const;
   [[nodiscard]] HLBusReply finish(sd_bus_message* message);
   void enqueue(sd_bus_message* message, std::function<void(const HLBusReply&)> handler);
-  void lose() { lost_ = HLBusOutcome::gone; }
+  void lose() { lost_ = HLBusOutcome::disconnected; }
 
   sd_bus* bus_;
   const bool isPeer_;
-  const Patience patience_;
-  std::deque<Pending> pending_;  // of the batch that is under way; the library keeps their addresses
+  const Timeout timeout_;
+  std::deque<Pending> pending_;  // calls since the last time all were answered; sd-bus keeps their addresses
   std::size_t unanswered_ = 0;
   int signals_ = 0;
   std::chrono::steady_clock::time_point lastAnswer_;

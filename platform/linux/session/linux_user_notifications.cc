@@ -17,7 +17,7 @@
 namespace {
 
 // A service that the bus has to start first takes a while to answer.
-constexpr std::chrono::seconds kStartPatience{10};
+constexpr std::chrono::seconds kStartTimeout{10};
 
 // Whether the service is there, if need be because the bus has now started it.
 bool haveService(HLBus& bus) {
@@ -31,7 +31,7 @@ bool haveService(HLBus& bus) {
 }
 
 void post(const HLUserNotification& notification) {
-  const std::unique_ptr<HLBus> bus = HLBus::openSession(kStartPatience);
+  const std::unique_ptr<HLBus> bus = HLBus::openSession(kStartTimeout);
   if (bus == nullptr) return;
   if (!haveService(*bus)) return;
   const HLBusCall notify{HLNotificationService, "/org/freedesktop/Notifications", HLNotificationService, "Notify"};
@@ -57,7 +57,7 @@ void post(const HLUserNotification& notification) {
 
 void HLLinuxUserNotifications::requestAuthorization(
     std::function<void(bool granted, std::optional<std::string> error)> answer) {
-  const std::unique_ptr<HLBus> bus = HLBus::openSession(kStartPatience);
+  const std::unique_ptr<HLBus> bus = HLBus::openSession(kStartTimeout);
   if (bus == nullptr) return answer(false, "there is no session bus");
   if (!haveService(*bus)) return answer(false, "the session has no notification service");
   answer(true, std::nullopt);

@@ -20,7 +20,7 @@ namespace {
 constexpr std::string_view kAccessibilityPane =
     "x-apple.systempreferences:com.apple.settings.PrivacySecurity.extension?Privacy_Accessibility";
 constexpr std::size_t kLongestAddress = 8192;
-constexpr std::chrono::seconds kPortalPatience{3};
+constexpr std::chrono::seconds kPortalTimeout{3};
 
 struct Screen {
   std::string_view desktop;  // as it stands in XDG_CURRENT_DESKTOP
@@ -54,7 +54,7 @@ bool isAddressCharacter(char c) {
 }
 
 bool openByPortal(const std::string& address) {
-  const std::unique_ptr<HLBus> session = HLBus::openSession(kPortalPatience);
+  const std::unique_ptr<HLBus> session = HLBus::openSession(kPortalTimeout);
   if (session == nullptr) return false;
   constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
   (void)session->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "StartServiceByName"},

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/scan/element_facts.h"
+#include "platform/element_facts.h"
 #include "platform/run_loop.h"
 #include "tests/support/fake_element.h"
 #include "tests/support/simulated_desktop.h"

@@ -13,43 +13,16 @@
 
 namespace {
 
-constexpr std::pair<std::string_view, std::uint32_t> kRoles[] = {
-    {"alert", HLRawRole::kAlert},
-    {"button", HLRawRole::kPushButton},
-    {"combo box", HLRawRole::kComboBox},
-    {"dialog", HLRawRole::kDialog},
-    {"drawing area", HLRawRole::kDrawingArea},
-    {"filler", HLRawRole::kFiller},
-    {"frame", HLRawRole::kFrame},
-    {"icon", HLRawRole::kIcon},
-    {"label", HLRawRole::kLabel},
-    {"list", HLRawRole::kList},
-    {"list item", HLRawRole::kListItem},
-    {"menu", HLRawRole::kMenu},
-    {"menu bar", HLRawRole::kMenuBar},
-    {"menu item", HLRawRole::kMenuItem},
-    {"notification", HLRawRole::kNotification},
-    {"page tab list", HLRawRole::kPageTabList},
-    {"panel", HLRawRole::kPanel},
-    {"scroll bar", HLRawRole::kScrollBar},
-    {"text", HLRawRole::kText},
-    {"toggle button", HLRawRole::kToggleButton},
-    {"tool bar", HLRawRole::kToolBar},
-    {"window", HLRawRole::kWindow},
-};
-
-std::uint32_t roleNumber(const std::string& name) {
-  for (const auto& [word, number] : kRoles) {
-    if (word == name) return number;
-  }
-  return static_cast<std::uint32_t>(std::stoul(name));
+// A role without a name is written as its number.
+HLRawRole roleNamed(const std::string& name) {
+  const auto* const found =
+      std::find_if(HLRoles.begin(), HLRoles.end(), [&name](const HLRole& role) { return role.name == name; });
+  return found != HLRoles.end() ? found->number : HLRawRole{static_cast<std::uint32_t>(std::stoul(name))};
 }
 
-std::string roleName(std::uint32_t number) {
-  for (const auto& [word, known] : kRoles) {
-    if (known == number) return std::string(word);
-  }
-  return std::to_string(number);
+std::string nameOf(HLRawRole role) {
+  const std::string_view name = HLRoleOf(role).name;
+  return name.empty() ? std::to_string(static_cast<std::uint32_t>(role)) : std::string(name);
 }
 
 HLRawNode parseNode(const std::string& line) {
@@ -58,7 +31,7 @@ HLRawNode parseNode(const std::string& line) {
   std::smatch parts;
   if (!std::regex_match(line, parts, pattern)) throw std::runtime_error("not a node: " + line);
   HLRawNode node;
-  node.role = roleNumber(parts[1]);
+  node.role = roleNamed(parts[1]);
   node.name = parts[2];
   node.description = parts[3];
   node.states = parts[4] == "covered" ? HLRawState::kVisible : parts[4] == "hidden" ? 0 : HLRawState::kShowing;
@@ -77,7 +50,7 @@ HLRawNode parseNode(const std::string& line) {
 void print(const HLRawTree& tree, int index, int depth, std::ostream& out) {
   const HLRawNode& node = tree[static_cast<std::size_t>(index)];
   if (index != 0) {
-    out << std::string(static_cast<std::size_t>(2 * depth), ' ') << roleName(node.role) << " '" << node.name << "'";
+    out << std::string(static_cast<std::size_t>(2 * depth), ' ') << nameOf(node.role) << " '" << node.name << "'";
     if (!node.description.empty()) out << " / '" << node.description << "'";
     if (!node.isShowing()) out << (node.isVisible() ? " (covered)" : " (hidden)");
     if (node.extents) {
@@ -94,7 +67,7 @@ void print(const HLRawTree& tree, int index, int depth, std::ostream& out) {
 
 HLRawTree ParseTree(std::string_view text) {
   HLRawTree tree(1);
-  tree.front().role = HLRawRole::kApplication;
+  tree.front().role = HLRawRole::application;
   std::vector<int> path = {0};  // the ancestors of the next line
   std::istringstream lines{std::string(text)};
   for (std::string line; std::getline(lines, line);) {

@@ -27,7 +27,7 @@
 // What it waits for in vain ends the test.
 class ApplicationDesktop : public RealDesktop {
  protected:
-  static constexpr std::chrono::seconds kPatience{30};  // for an instrumented program on a busy machine
+  static constexpr std::chrono::seconds kTimeout{30};  // for an instrumented program on a busy machine
   static constexpr const char* kProduct = HL_PROGRAM;
   static constexpr const char* kPersonal = HL_PERSONAL_PROGRAM;
   static constexpr const char* kSettings = "Hushlet Settings";
@@ -35,7 +35,7 @@ class ApplicationDesktop : public RealDesktop {
   inline static const std::vector<int> kDefaultShortcut = {KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_N};
 
   static void require(const std::function<bool()>& condition, const std::function<std::string()>& otherwise) {
-    if (!Eventually(condition, kPatience)) throw std::runtime_error(otherwise());
+    if (!Eventually(condition, kTimeout)) throw std::runtime_error(otherwise());
   }
 
   void beginDesktop(const SessionSetup& setup = {}) {
@@ -157,7 +157,7 @@ class ApplicationDesktop : public RealDesktop {
   void clickPart(const std::string& name) {
     const ShownPart part = waitForPart(name);
     // A check box may be wider than what can be clicked of it.
-    const double across = part.role == HLRawRole::kCheckBox ? part.place.height : part.place.width;
+    const double across = part.role == HLRawRole::checkBox ? part.place.height : part.place.width;
     screen_->moveTo(static_cast<int>(part.place.x + across / 2),
                     static_cast<int>(part.place.y + part.place.height / 2));
     screen_->click(Screen::kLeftButton);

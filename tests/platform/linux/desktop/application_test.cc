@@ -94,17 +94,17 @@ TEST_F(Application, ClosesAutomationBannersWhileThePreferenceIsSet) {
   waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
   const std::uint32_t ordinary = sender_->send("Mail", "Lunch", "Running your automation at noon");
   const std::vector<std::uint32_t> automations = {sendAutomation("Morning"), sendAutomation("Noon")};
-  ASSERT_TRUE(sender_->waitUntilClosed(automations, kPatience));
+  ASSERT_TRUE(sender_->waitUntilClosed(automations, kTimeout));
   keepPicture("closed");
   EXPECT_EQ(sender_->closed(), (std::set<std::uint32_t>(automations.begin(), automations.end())));
   EXPECT_EQ(targets(), 2) << "the ordinary one, " << ordinary << ", and the one before, " << before;
 
   // The application also watches the server's successor.
   server_->signal(SIGKILL);
-  ASSERT_TRUE(server_->wait(kPatience));
+  ASSERT_TRUE(server_->wait(kTimeout));
   server_ = session_->startServer(kLxqt.command);
   waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
-  ASSERT_TRUE(sender_->waitUntilClosed({sendAutomation("Evening")}, kPatience));
+  ASSERT_TRUE(sender_->waitUntilClosed({sendAutomation("Evening")}, kTimeout));
 
   storeDefaults(R"({"HLAutoCloseAutomationBanners": false})");
   startApplication({"--open-settings"});

@@ -26,7 +26,7 @@ class ApplicationWindows : public ApplicationDesktop {
   // Another start, while the first runs.
   void startAgain() {
     const std::unique_ptr<ChildProcess> second = session_->start(commandLine(kProduct));
-    EXPECT_EQ(second->wait(kPatience), 0) << second->output();
+    EXPECT_EQ(second->wait(kTimeout), 0) << second->output();
     EXPECT_EQ(second->output(), "");
   }
 };
@@ -36,7 +36,7 @@ TEST_F(ApplicationWindows, ANewShortcutIsRecordedByTypingItAndKept) {
   startApplication({"--open-settings"});
   waitForWindow(kSettings);
   expectPlainFrame(kSettings);
-  EXPECT_EQ(waitForPart(kSettings).role, HLRawRole::kDialog);
+  EXPECT_EQ(waitForPart(kSettings).role, HLRawRole::dialog);
   (void)waitForPart("Ctrl+Alt+Super+N");
   clickPart("Record Shortcut");
   (void)waitForPart("Press the new shortcut. Escape cancels.");
@@ -138,7 +138,7 @@ TEST_F(ApplicationWindows, APanelThatIsRestartedGetsTheIconBack) {
   beginDesktopWith(kMate);
   startApplication();
   tray_->signal(SIGKILL);
-  ASSERT_TRUE(tray_->wait(kPatience));
+  ASSERT_TRUE(tray_->wait(kTimeout));
   startTray();
   const std::vector<std::uint32_t> ids = send(2);
   waitForTargets(2);
@@ -153,7 +153,7 @@ TEST_F(ApplicationWindows, ItIsQuitByItsMenu) {
   EXPECT_EQ(countLogged("handleClick type=2 modifiers=262144"), 1);
   screen_->press({KEY_UP});
   screen_->press({KEY_ENTER});
-  EXPECT_EQ(application_->wait(kPatience), 0) << application_->output();
+  EXPECT_EQ(application_->wait(kTimeout), 0) << application_->output();
   EXPECT_EQ(application_->output(), "");
 }
 
@@ -170,7 +170,7 @@ TEST_F(ApplicationWindows, CloseOnEscapeAndQuitOnCtrlQ) {
   startAgain();
   waitForWindow(kSettings);
   screen_->press({KEY_LEFTCTRL, KEY_Q});
-  EXPECT_EQ(application_->wait(kPatience), 0) << application_->output();
+  EXPECT_EQ(application_->wait(kTimeout), 0) << application_->output();
 }
 
 TEST_F(ApplicationWindows, GiveTheNoteBackAfterACanceledRecording) {
@@ -191,7 +191,7 @@ TEST_F(ApplicationWindows, WithoutADisplayItSaysSoAndEnds) {
   Environment without = session_->environment();
   without.erase("DISPLAY");
   ChildProcess program({kProduct}, without, session_->directory() + "/without-display");
-  EXPECT_EQ(program.wait(kPatience), 1);
+  EXPECT_EQ(program.wait(kTimeout), 1);
   EXPECT_THAT(program.output(), MatchesRegex("hushlet: [^\n]+\n"));
 }
 
@@ -213,7 +213,7 @@ TEST_P(ApplicationWindowsInMode, ArePhotographed) {
   // How light it is, of 255.
   const auto measure = session_->start(
       {"convert", directory + "/00-Hushlet Settings.png", "-format", "%wx%h %[fx:int(255*mean)]", "info:"});
-  ASSERT_EQ(measure->wait(kPatience), 0) << measure->output();
+  ASSERT_EQ(measure->wait(kTimeout), 0) << measure->output();
   int width = 0;
   int height = 0;
   int lightness = 0;
@@ -233,7 +233,7 @@ class ApplicationSetup : public ApplicationWindows, public testing::WithParamInt
     const auto tool =
         session_->start({"busctl", "--address=" + session_->environment().at("DBUS_SESSION_BUS_ADDRESS"),
                          "get-property", "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status", "IsEnabled"});
-    EXPECT_EQ(tool->wait(kPatience), 0) << tool->output();
+    EXPECT_EQ(tool->wait(kTimeout), 0) << tool->output();
     return tool->output() == "b true\n";
   }
 

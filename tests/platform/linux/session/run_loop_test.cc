@@ -34,9 +34,9 @@ class MainLoop : public testing::Test {
     return true;
   }
 
-  [[nodiscard]] bool isReadable(milliseconds patience = milliseconds(0)) const {
+  [[nodiscard]] bool isReadable(milliseconds timeout = milliseconds(0)) const {
     pollfd wanted{loop_.descriptor(), POLLIN, 0};
-    return poll(&wanted, 1, static_cast<int>(patience.count())) == 1;
+    return poll(&wanted, 1, static_cast<int>(timeout.count())) == 1;
   }
 
   HLLinuxRunLoop loop_;

@@ -3,16 +3,16 @@
 
 #include <sys/types.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "platform/geometry.h"
+#include "platform/linux/atspi/roles.h"
 #include "tests/platform/linux/support/child_process.h"
 
 struct ShownPart {
   std::string name;  // what is written on it
-  std::uint32_t role = 0;
+  HLRawRole role = HLRawRole::invalid;
   bool isChecked = false;
   HLRect place;  // on the screen
 };

@@ -31,7 +31,7 @@ using testing::StartsWith;
 
 using Clock = std::chrono::steady_clock;
 
-constexpr double kPatience = 15;
+constexpr double kTimeout = 15;
 
 std::string answerWith(const std::string& status, const std::string& body, const std::string& headers = "") {
   return "HTTP/1.1 " + status + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n" +
@@ -49,12 +49,12 @@ class Fetch : public testing::Test {
     ASSERT_THAT(answers_, SizeIs(count));
   }
 
-  void begin(const std::string& address, double timeout = kPatience) {
+  void begin(const std::string& address, double timeout = kTimeout) {
     client_->get(address, timeout, [this](HLHTTPAnswer answer) { answers_.push_back(std::move(answer)); });
   }
 
   // "status body", or "status -" without a body.
-  std::string fetch(const std::string& address, double timeout = kPatience) {
+  std::string fetch(const std::string& address, double timeout = kTimeout) {
     answers_.clear();
     begin(address, timeout);
     EXPECT_THAT(answers_, SizeIs(0)) << "it returns before it answers";
@@ -239,7 +239,7 @@ TEST_F(Fetch, EndsWithItsClientUnanswered) {
 
 TEST_F(Fetch, AnAnswerMayBeginTheNextRequest) {
   const auto server = serving(answerWith("200 OK", "x"));
-  client_->get(server->address(), kPatience, [&](HLHTTPAnswer first) {
+  client_->get(server->address(), kTimeout, [&](HLHTTPAnswer first) {
     answers_.push_back(std::move(first));
     begin(server->address());
   });

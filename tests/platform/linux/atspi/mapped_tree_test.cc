@@ -1,4 +1,4 @@
-#include "platform/linux/atspi/presentation.h"
+#include "platform/linux/atspi/mapped_tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,29 +15,29 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-HLPresentation presentServer(const HLRawTree& tree) {
-  return HLPresent(tree, HLFindBanners(tree), HLProcessKind::notificationServer);
+HLMappedTree mapServer(const HLRawTree& tree) {
+  return HLMapTree(tree, HLFindBanners(tree), HLProcessKind::notificationServer);
 }
 
-HLPresentation presentOther(const HLRawTree& tree) { return HLPresent(tree, {}, HLProcessKind::other); }
+HLMappedTree mapOther(const HLRawTree& tree) { return HLMapTree(tree, {}, HLProcessKind::other); }
 
-const HLPresentedNode& at(const HLPresentation& presentation, int index) {
-  return presentation.nodes.at(static_cast<std::size_t>(index));
+const HLMappedNode& at(const HLMappedTree& mapped, int index) {
+  return mapped.nodes.at(static_cast<std::size_t>(index));
 }
 
-// What is below, one line a node: "role/subrole 'title' 'description' 'value' <actions>".
-void describe(const HLPresentation& presentation, int index, std::vector<std::string>& lines) {
-  const HLElementFacts& facts = at(presentation, index).facts;
+// Appends a line per node of the subtree: "role/subrole 'title' 'description' 'value' <actions>".
+void describe(const HLMappedTree& mapped, int index, std::vector<std::string>& lines) {
+  const HLElementFacts& facts = at(mapped, index).facts;
   std::string line =
       facts.role + "/" + facts.subrole + " '" + facts.title + "' '" + facts.description + "' '" + facts.value + "'";
   for (const std::string& action : facts.actionNames) line += " <" + action + ">";
   lines.push_back(line);
-  for (int child : at(presentation, index).children) describe(presentation, child, lines);
+  for (int child : at(mapped, index).children) describe(mapped, child, lines);
 }
 
-std::vector<std::string> described(const HLPresentation& presentation) {
+std::vector<std::string> described(const HLMappedTree& mapped) {
   std::vector<std::string> lines;
-  for (int window : presentation.windows) describe(presentation, window, lines);
+  for (int window : mapped.windows) describe(mapped, window, lines);
   return lines;
 }
 
@@ -59,8 +59,8 @@ filler '' [974 628 300x200]
       button 'Close' [1121 821 100x25] <Press>
 )";
 
-TEST(Presentation, EachBannerIsOneChildOfItsWindowWithOneAction) {
-  EXPECT_THAT(described(presentServer(ParseTree(kLxqt))),
+TEST(MapTree, MapsBannersToOneChildOfTheirWindow) {
+  EXPECT_THAT(described(mapServer(ParseTree(kLxqt))),
               ElementsAre("AXWindow/AXStandardWindow '' '' ''",
                           "AXGroup/AXNotificationCenterAlert '' 'Mail, New message, Hello' '' <Name:Close>",
                           "AXStaticText/ '' '' ''", "AXStaticText/ '' '' 'Mail'", "AXStaticText/ '' '' 'New message'",
@@ -70,38 +70,38 @@ TEST(Presentation, EachBannerIsOneChildOfItsWindowWithOneAction) {
                           "AXStaticText/ '' '' 'Lunch?'", "AXGroup/ '' '' ''", "AXButton/ 'Close' '' ''"));
 }
 
-TEST(Presentation, TheCloseActionPressesTheControlAndNothingElse) {
+TEST(MapTree, MapsCloseActionToTheCloseControl) {
   const HLRawTree tree = ParseTree(kLxqt);
-  const HLPresentation presentation = presentServer(tree);
-  const HLPresentedNode& banner = at(presentation, at(presentation, presentation.windows.at(0)).children.at(0));
+  const HLMappedTree mapped = mapServer(tree);
+  const HLMappedNode& banner = at(mapped, at(mapped, mapped.windows.at(0)).children.at(0));
   ASSERT_THAT(banner.actions, SizeIs(1));
   EXPECT_EQ(tree.at(static_cast<std::size_t>(banner.actions.front().node)).name, "x");
   EXPECT_EQ(banner.actions.front().action, 0);
   EXPECT_EQ(banner.facts.frame, (HLRect{974, 634, 300, 86}));
 }
 
-TEST(Presentation, AWindowThatIsABannerIsShownAsBoth) {
-  const HLPresentation presentation = presentServer(ParseTree(R"(
+TEST(MapTree, MapsBannerWindowToWindowAndBanner) {
+  const HLMappedTree mapped = mapServer(ParseTree(R"(
 alert 'Notification' [820 125 454x83]
   label 'Title'
   button '' / 'Closes the notification.' [1220 135 44x34] <Click>
 )"));
-  EXPECT_THAT(described(presentation), ElementsAre("AXWindow/AXDialog 'Notification' '' ''",
-                                                   "AXGroup/AXNotificationCenterAlert '' ', Title' '' <Name:Close>",
-                                                   "AXStaticText/ '' '' 'Title'"));
-  EXPECT_EQ(at(presentation, 0).raw, at(presentation, 1).raw);
-  EXPECT_FALSE(at(presentation, 0).isBanner);
-  EXPECT_TRUE(at(presentation, 1).isBanner);
+  EXPECT_THAT(described(mapped), ElementsAre("AXWindow/AXDialog 'Notification' '' ''",
+                                             "AXGroup/AXNotificationCenterAlert '' ', Title' '' <Name:Close>",
+                                             "AXStaticText/ '' '' 'Title'"));
+  EXPECT_EQ(at(mapped, 0).raw, at(mapped, 1).raw);
+  EXPECT_FALSE(at(mapped, 0).isBanner);
+  EXPECT_TRUE(at(mapped, 1).isBanner);
 }
 
-TEST(Presentation, ABannerWithoutACloseControlHasNoAction) {
-  EXPECT_THAT(described(presentServer(ParseTree("alert '' <Click>\n  label 'Title'\n  button 'Reply' <Click>\n"))),
+TEST(MapTree, GivesUnclosableBannersNoAction) {
+  EXPECT_THAT(described(mapServer(ParseTree("alert '' <Click>\n  label 'Title'\n  button 'Reply' <Click>\n"))),
               ElementsAre("AXWindow/AXDialog '' '' ''", "AXGroup/AXNotificationCenterAlert '' ', Title' ''",
                           "AXStaticText/ '' '' 'Title'", "AXButton/ 'Reply' '' ''"));
 }
 
-TEST(Presentation, BannersOfAShellComeBeforeEverythingElseInTheirWindow) {
-  const std::vector<std::string> lines = described(presentServer(ParseTree(R"(
+TEST(MapTree, ListsBannersFirstInTheirWindow) {
+  const std::vector<std::string> lines = described(mapServer(ParseTree(R"(
 window ''
   panel ''
     menu bar 'Menus'
@@ -117,12 +117,12 @@ window ''
                                  "AXButton/ 'Notifications' '' ''", "AXGroup/ '' '' ''"));
 }
 
-TEST(Presentation, HiddenWindowsAreLeftOut) {
-  EXPECT_THAT(presentServer(ParseTree("window 'Hidden' (hidden)\n  label 'Text'\n")).windows, IsEmpty());
+TEST(MapTree, OmitsHiddenWindows) {
+  EXPECT_THAT(mapServer(ParseTree("window 'Hidden' (hidden)\n  label 'Text'\n")).windows, IsEmpty());
 }
 
-TEST(Presentation, SpeaksTheHomePlatformsWords) {
-  EXPECT_THAT(described(presentOther(ParseTree(R"(
+TEST(MapTree, MapsRolesAndActionsToAxNames) {
+  EXPECT_THAT(described(mapOther(ParseTree(R"(
 frame 'Window'
   button 'Push' <click>
   button 'Press' <Press>
@@ -140,15 +140,15 @@ frame 'Window'
                           "AXUnknown/ 'Info' '' '' <Name:expand or contract>"));
 }
 
-TEST(Presentation, AnActionThatIsListedTwiceIsPresentedOnce) {
-  const HLPresentation presentation = presentOther(ParseTree("frame ''\n  button 'Push' <SetFocus> <Press> <Press>\n"));
-  const HLPresentedNode& button = at(presentation, 1);
+TEST(MapTree, MapsTheFirstOfRepeatedActions) {
+  const HLMappedTree mapped = mapOther(ParseTree("frame ''\n  button 'Push' <SetFocus> <Press> <Press>\n"));
+  const HLMappedNode& button = at(mapped, 1);
   EXPECT_THAT(button.facts.actionNames, ElementsAre("Name:SetFocus", "AXPress"));
   ASSERT_THAT(button.actions, SizeIs(2));
   EXPECT_EQ(button.actions[1].action, 1);
 }
 
-TEST(DetailsNeeded, OfAServerAreThoseOfItsBanners) {
+TEST(DetailsNeeded, CoverBannersOfServers) {
   HLRawTree tree = ParseTree(R"(
 window '' [0 0 9x9]
   panel '' [0 0 9x9]
@@ -162,7 +162,7 @@ window '' [0 0 9x9]
   EXPECT_THAT(needed.actionsOf, ElementsAre(6));
 }
 
-TEST(DetailsNeeded, OfOtherProcessesAreThoseOfWindowsAndOfWhatCanBePressed) {
+TEST(DetailsNeeded, CoverWindowsAndPressableElementsElsewhere) {
   const HLRawTree tree = ParseTree(R"(
 frame '' [0 0 9x9]
   button 'Shown' [0 0 9x9] <Click>

@@ -1,4 +1,4 @@
-#include "platform/linux/atspi/presentation.h"
+#include "platform/linux/atspi/mapped_tree.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -10,84 +10,18 @@
 
 namespace {
 
-constexpr std::string_view kBannerSubrole = "AXNotificationCenterAlert";
 constexpr std::string_view kCloseAction = "Name:Close";
 
-struct Role {
-  std::uint32_t raw;
-  std::string_view role;
-  std::string_view subrole = "";
-};
-
-constexpr Role kRoles[] = {
-    {HLRawRole::kAlert, "AXGroup", "AXApplicationAlert"},
-    {HLRawRole::kApplication, "AXApplication"},
-    {HLRawRole::kCheckBox, "AXCheckBox"},
-    {HLRawRole::kCheckMenuItem, "AXMenuItem"},
-    {HLRawRole::kComboBox, "AXComboBox"},
-    {HLRawRole::kDialog, "AXWindow", "AXDialog"},
-    {HLRawRole::kEntry, "AXTextField"},
-    {HLRawRole::kFileChooser, "AXWindow", "AXDialog"},
-    {HLRawRole::kFiller, "AXGroup"},
-    {HLRawRole::kFrame, "AXWindow", "AXStandardWindow"},
-    {HLRawRole::kGrouping, "AXGroup"},
-    {HLRawRole::kHeading, "AXHeading"},
-    {HLRawRole::kIcon, "AXImage"},
-    {HLRawRole::kImage, "AXImage"},
-    {HLRawRole::kLabel, "AXStaticText"},
-    {HLRawRole::kLayeredPane, "AXGroup"},
-    {HLRawRole::kLink, "AXLink"},
-    {HLRawRole::kList, "AXList"},
-    {HLRawRole::kListBox, "AXList"},
-    {HLRawRole::kListItem, "AXGroup"},
-    {HLRawRole::kMenu, "AXMenu"},
-    {HLRawRole::kMenuBar, "AXMenuBar"},
-    {HLRawRole::kMenuItem, "AXMenuItem"},
-    {HLRawRole::kNotification, "AXGroup"},
-    {HLRawRole::kPageTab, "AXRadioButton", "AXTabButton"},
-    {HLRawRole::kPageTabList, "AXTabGroup"},
-    {HLRawRole::kPanel, "AXGroup"},
-    {HLRawRole::kParagraph, "AXStaticText"},
-    {HLRawRole::kPasswordText, "AXTextField", "AXSecureTextField"},
-    {HLRawRole::kPopupMenu, "AXMenu"},
-    {HLRawRole::kProgressBar, "AXProgressIndicator"},
-    {HLRawRole::kPushButton, "AXButton"},
-    {HLRawRole::kRadioButton, "AXRadioButton"},
-    {HLRawRole::kRadioMenuItem, "AXMenuItem"},
-    {HLRawRole::kScrollBar, "AXScrollBar"},
-    {HLRawRole::kScrollPane, "AXScrollArea"},
-    {HLRawRole::kSection, "AXGroup"},
-    {HLRawRole::kSeparator, "AXSplitter"},
-    {HLRawRole::kSlider, "AXSlider"},
-    {HLRawRole::kSpinButton, "AXIncrementor"},
-    {HLRawRole::kSplitPane, "AXSplitGroup"},
-    {HLRawRole::kStatic, "AXStaticText"},
-    {HLRawRole::kTable, "AXTable"},
-    {HLRawRole::kTableCell, "AXCell"},
-    {HLRawRole::kTableRow, "AXRow"},
-    {HLRawRole::kTearoffMenuItem, "AXMenuItem"},
-    {HLRawRole::kText, "AXTextArea"},
-    {HLRawRole::kToggleButton, "AXCheckBox", "AXToggle"},
-    {HLRawRole::kToolBar, "AXToolbar"},
-    {HLRawRole::kToolTip, "AXHelpTag"},
-    {HLRawRole::kTree, "AXOutline"},
-    {HLRawRole::kTreeItem, "AXRow", "AXOutlineRow"},
-    {HLRawRole::kTreeTable, "AXOutline"},
-    {HLRawRole::kViewport, "AXScrollArea"},
-    {HLRawRole::kWindow, "AXWindow", "AXStandardWindow"},
-};
-
-// Every child of the application is a window, whatever it calls itself: some toolkits call theirs fillers.
-Role roleOf(const HLRawNode& node) {
-  const auto* const end = std::end(kRoles);
-  const auto* const found =
-      std::find_if(std::begin(kRoles), end, [&](const Role& role) { return role.raw == node.role; });
-  const Role role = found == end ? Role{node.role, "AXUnknown"} : *found;
+// A child of the application is a window, whatever its AT-SPI role: Qt reports some windows as fillers.
+HLRole roleOf(const HLRawNode& node) {
+  HLRole role = HLRoleOf(node.role);
   if (node.parent != 0 || role.role == "AXWindow") return role;
-  return {node.role, "AXWindow", node.role == HLRawRole::kAlert ? "AXDialog" : "AXStandardWindow"};
+  role.role = "AXWindow";
+  role.subrole = node.role == HLRawRole::alert ? "AXDialog" : "AXStandardWindow";
+  return role;
 }
 
-// An action that the home platform has no word for is presented as one that the application has named itself.
+// Returns the AX name of an AT-SPI action. An action without one is named like an application's own: "Name:...".
 std::string actionName(std::string_view name) {
   const std::string lower = HLLowercase(name);
   if (HLIsPressAction(lower)) return "AXPress";
@@ -97,22 +31,22 @@ std::string actionName(std::string_view name) {
   return "Name:" + std::string(name);
 }
 
-class Presenter {
+class Mapper {
  public:
-  Presenter(const HLRawTree& tree, const std::vector<HLBanner>& banners, HLProcessKind kind)
+  Mapper(const HLRawTree& tree, const std::vector<HLBanner>& banners, HLProcessKind kind)
       : tree_(tree), banners_(banners), kind_(kind), isBanner_(tree.size(), false) {
     for (const HLBanner& banner : banners_) isBanner_[static_cast<std::size_t>(banner.node)] = true;
   }
 
-  HLPresentation present() {
+  HLMappedTree map() {
     for (int window : raw(0).children) {
       if (!raw(window).isShowing()) continue;
-      const int presented = add(window);
-      result_.windows.push_back(presented);
+      const int mapped = add(window);
+      result_.windows.push_back(mapped);
       for (const HLBanner& banner : banners_) {
-        if (windowOf(banner.node) == window) adopt(presented, addBanner(banner));
+        if (windowOf(banner.node) == window) adopt(mapped, addBanner(banner));
       }
-      if (!isBanner(window)) addChildren(presented, window, kNone);
+      if (!isBanner(window)) addChildren(mapped, window, kNone);
     }
     return std::move(result_);
   }
@@ -121,7 +55,7 @@ class Presenter {
   static constexpr int kNone = -1;
 
   const HLRawNode& raw(int index) const { return tree_[static_cast<std::size_t>(index)]; }
-  HLPresentedNode& presented(int index) { return result_.nodes[static_cast<std::size_t>(index)]; }
+  HLMappedNode& mapped(int index) { return result_.nodes[static_cast<std::size_t>(index)]; }
   bool isBanner(int index) const { return isBanner_[static_cast<std::size_t>(index)]; }
 
   int windowOf(int index) const {
@@ -129,12 +63,12 @@ class Presenter {
     return index;
   }
 
-  void adopt(int parent, int child) { presented(parent).children.push_back(child); }
+  void adopt(int parent, int child) { mapped(parent).children.push_back(child); }
 
   int add(int index) {
     const HLRawNode& node = raw(index);
-    const Role role = roleOf(node);
-    HLPresentedNode& added = result_.nodes.emplace_back();
+    const HLRole role = roleOf(node);
+    HLMappedNode& added = result_.nodes.emplace_back();
     added.raw = index;
     added.facts.role = role.role;
     added.facts.subrole = role.subrole;
@@ -145,8 +79,8 @@ class Presenter {
     return static_cast<int>(result_.nodes.size()) - 1;
   }
 
-  // A name that an element bears twice can be performed once.
-  static void addActions(HLPresentedNode& added, const HLRawNode& node, int index) {
+  // Of several actions with one name the first is mapped.
+  static void addActions(HLMappedNode& added, const HLRawNode& node, int index) {
     for (std::size_t i = 0; i < node.actions.size(); ++i) {
       const std::string name = actionName(node.actions[i]);
       const std::vector<std::string>& known = added.facts.actionNames;
@@ -154,7 +88,7 @@ class Presenter {
     }
   }
 
-  static void addAction(HLPresentedNode& added, std::string_view name, int node, std::size_t action) {
+  static void addAction(HLMappedNode& added, std::string_view name, int node, std::size_t action) {
     added.facts.actionNames.emplace_back(name);
     added.actions.push_back({node, static_cast<int>(action)});
   }
@@ -166,11 +100,11 @@ class Presenter {
 
   int addBanner(const HLBanner& banner) {
     const int index = static_cast<int>(result_.nodes.size());
-    HLPresentedNode& added = result_.nodes.emplace_back();
+    HLMappedNode& added = result_.nodes.emplace_back();
     added.raw = banner.node;
     added.isBanner = true;
     added.facts.role = "AXGroup";
-    added.facts.subrole = kBannerSubrole;
+    added.facts.subrole = HLBannerSubrole;
     added.facts.description = HLBannerText(tree_, banner);
     added.facts.frame = frameOf(raw(banner.node));
     const std::optional<HLCloseControl> control = HLFindCloseControl(tree_, banner);
@@ -192,7 +126,7 @@ class Presenter {
   const std::vector<HLBanner>& banners_;
   const HLProcessKind kind_;
   std::vector<bool> isBanner_;
-  HLPresentation result_;
+  HLMappedTree result_;
 };
 
 }  // namespace
@@ -216,7 +150,7 @@ HLNeededDetails HLDetailsNeeded(const HLRawTree& tree, const std::vector<HLBanne
     }
     return needed;
   }
-  // Nobody can press what is hidden; and where something is, matters for windows and for what can be pressed only.
+  // Hidden elements cannot be pressed. Only windows and elements with actions need extents.
   for (std::size_t i = 1; i < tree.size(); ++i) {
     if (!tree[i].isShowing()) continue;
     if (tree[i].hasActions) needed.actionsOf.push_back(static_cast<int>(i));
@@ -225,6 +159,6 @@ HLNeededDetails HLDetailsNeeded(const HLRawTree& tree, const std::vector<HLBanne
   return needed;
 }
 
-HLPresentation HLPresent(const HLRawTree& tree, const std::vector<HLBanner>& banners, HLProcessKind kind) {
-  return Presenter(tree, banners, kind).present();
+HLMappedTree HLMapTree(const HLRawTree& tree, const std::vector<HLBanner>& banners, HLProcessKind kind) {
+  return Mapper(tree, banners, kind).map();
 }
