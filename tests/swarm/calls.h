@@ -2,6 +2,7 @@
 // run is under way. The linker puts these functions in their place (--wrap).
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -31,7 +32,8 @@ class CallWatch {
   Watcher& watcher_;
   const std::string home_;
   const std::string state_;
-  int statusLog_ = -1;
-  int diagnosticsLog_ = -1;
+  // Callers close their sockets on threads of their own.
+  std::atomic<int> statusLog_ = -1;
+  std::atomic<int> diagnosticsLog_ = -1;
   std::int64_t allocations_ = 0;
 };

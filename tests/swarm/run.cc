@@ -133,7 +133,9 @@ class Run {
 }  // namespace
 
 RunReport RunPlan(const Plan& plan, const std::string& home) {
-  const std::int64_t threads = threadCount();
+  // A sanitizer starts a thread of its own beside the first one of a process.
+  static const bool hasHadThreads = (std::thread([] {}).join(), true);
+  const std::int64_t threads = hasHadThreads ? threadCount() : 0;
   const int descriptor = lowestFreeDescriptor();
   Course course(plan);
   Checker checker;
