@@ -15,10 +15,10 @@
 #include "core/scan/notification_center.h"
 #include "daemon/self_check.h"
 #include "platform/application/status_item.h"
+#include "platform/application/user_defaults.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
 #include "platform/running_applications.h"
-#include "platform/user_defaults.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
 #include "platform/application/login_item.h"
-#include "platform/user_defaults.h"
+#include "platform/application/user_defaults.h"
 
 namespace {
 

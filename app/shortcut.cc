@@ -6,8 +6,8 @@
 #include "base/log.h"
 #include "base/paths.h"
 #include "platform/application/status_item.h"
+#include "platform/application/user_defaults.h"
 #include "platform/platform.h"
-#include "platform/user_defaults.h"
 
 namespace {
 

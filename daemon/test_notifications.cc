@@ -12,7 +12,7 @@
 #include "base/log.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 #include "platform/user_notifications.h"
 
 namespace {

@@ -7,7 +7,7 @@
 
 #include "base/format.h"
 #include "platform/text.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "core/dismissal/dismiss_run.h"
 #include "core/dismissal/result.h"
 #include "platform/application/application_platform.h"
-#include "platform/user_defaults.h"
+#include "platform/application/user_defaults.h"
 #include "tests/platform/sim/scene_desktop.h"
 #include "tests/support/faults.h"
 #include "tests/support/temporary_directory.h"

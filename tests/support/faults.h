@@ -12,7 +12,7 @@
 
 #include "platform/accessibility.h"
 #include "platform/platform.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 #include "tests/support/forwarding.h"
 
 // Called before each call that can fail, with the method ("HLElement::performAction") and its argument as text: the

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/swarm/course.h"
-#include "tests/swarm/plan.h"
+#include "tests/swarm/check/course.h"
+#include "tests/swarm/generate/plan.h"
 
 // Serves the plan's callers and tells the daemon to quit. Blocks until each has been served. What "dismiss" is answered
 // with is known to the course alone: `wanted` is then "dismiss".

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string>
 
-#include "tests/swarm/checks.h"
-#include "tests/swarm/course.h"
+#include "tests/swarm/check/checks.h"
+#include "tests/swarm/check/course.h"
 #include "tests/swarm/watch.h"
 
 class CallWatch {

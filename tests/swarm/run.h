@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/swarm/checks.h"
-#include "tests/swarm/plan.h"
+#include "tests/swarm/check/checks.h"
+#include "tests/swarm/generate/plan.h"
 
 struct RunReport {
   std::vector<Violation> violations;

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tests/swarm/plan.h"
+#include "tests/swarm/generate/plan.h"
 
 // The plan without all that is not needed for its first violation; as it is when it has none.
 [[nodiscard]] Plan Shrunk(Plan plan, const std::string& folder);

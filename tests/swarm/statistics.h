@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "tests/swarm/plan.h"
+#include "tests/swarm/generate/plan.h"
 #include "tests/swarm/run.h"
 
 struct Statistics {

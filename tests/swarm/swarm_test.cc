@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "tests/support/temporary_directory.h"
-#include "tests/swarm/checks.h"
-#include "tests/swarm/plan.h"
+#include "tests/swarm/check/checks.h"
+#include "tests/swarm/generate/plan.h"
 #include "tests/swarm/shrink.h"
 #include "tests/swarm/workers.h"
 

@@ -11,8 +11,8 @@
 
 #include "platform/platform.h"
 #include "tests/support/forwarding.h"
-#include "tests/swarm/checks.h"
-#include "tests/swarm/course.h"
+#include "tests/swarm/check/checks.h"
+#include "tests/swarm/check/course.h"
 
 // What all watched interfaces share.
 struct Watcher {

@@ -10,7 +10,7 @@
 #include "platform/linux/atspi/mapped_tree.h"
 #include "platform/linux/session/bus.h"
 #include "platform/linux/session/process_watch.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 
 // Returns the address of the session's accessibility bus, or "". Starts no bus.
 [[nodiscard]] std::string HLAccessibilityBusAddress(HLBus& session);

@@ -15,7 +15,7 @@
 #include "platform/linux/atspi/accessible_application.h"
 #include "platform/linux/atspi/atspi_observer.h"
 #include "platform/linux/session/bus.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 
 namespace {
 

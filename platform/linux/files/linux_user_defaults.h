@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "platform/application/user_defaults.h"
 #include "platform/linux/text/json_document.h"
 #include "platform/process_info.h"
-#include "platform/user_defaults.h"
 
 // Where they stand: the folder of the bundle in the user's configuration directory, "defaults.json".
 [[nodiscard]] std::string HLUserDefaultsPath(HLProcessInfo& process);

@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/thread_safety.h"
-#include "platform/thread_start.h"
+#include "platform/threads/thread_safety.h"
+#include "platform/threads/thread_start.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "platform/due_queue.h"
 #include "platform/linux/session/thread_queue.h"
 #include "platform/run_loop.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/due_queue.h"
+#include "platform/threads/thread_safety.h"
 
 class HLLinuxRunLoop : public HLRunLoop {
  public:

@@ -9,7 +9,7 @@
 #include "platform/linux/session/linux_run_loop.h"
 #include "platform/linux/session/process_watch.h"
 #include "platform/running_applications.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 
 // Whoever owns the notification service of the session bus is listed under Notification Center's bundle identifier;
 // nobody else is listed. Asking never starts a server, but a list() after the death of one that was sent a signal has

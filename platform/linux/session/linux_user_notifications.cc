@@ -10,9 +10,9 @@
 #include <memory>
 #include <thread>
 
-#include "platform/due_queue.h"
 #include "platform/file_mode_mask.h"
 #include "platform/linux/session/bus.h"
+#include "platform/threads/due_queue.h"
 
 namespace {
 

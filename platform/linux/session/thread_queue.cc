@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/thread_start.h"
+#include "platform/threads/thread_start.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/run_loop.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 
 // Starts a worker only when an operation finds none idle, so that a queue of one operation costs one thread. Where no
 // worker can be started, the operation waits for a busy one, and without any worker for the thread that waits for the

@@ -8,8 +8,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/due_queue.h"
 #include "platform/macos/values/values.h"
+#include "platform/threads/due_queue.h"
 
 static_assert(static_cast<int>(HLQualityOfService::userInitiated) == QOS_CLASS_USER_INITIATED);
 static_assert(static_cast<int>(HLQualityOfService::userInitiated) == NSQualityOfServiceUserInitiated);

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/user_defaults.h"
+#include "platform/application/user_defaults.h"
 
 class HLMacUserDefaults : public HLUserDefaults {
  public:

@@ -7,8 +7,8 @@
 #include <memory>
 #include <thread>
 
-#include "platform/due_queue.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/due_queue.h"
+#include "platform/threads/thread_safety.h"
 
 // The events that the world has scheduled. The clock calls both with its mutex held.
 struct HLSimEvents {

@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "platform/sim/desktop/clock.h"
-#include "platform/thread_start.h"
+#include "platform/threads/thread_start.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/thread_start.h"
+#include "platform/threads/thread_start.h"
 
 namespace {
 

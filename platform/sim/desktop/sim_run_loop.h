@@ -9,9 +9,9 @@
 #include <thread>
 #include <vector>
 
-#include "platform/due_queue.h"
 #include "platform/run_loop.h"
 #include "platform/sim/desktop/desktop.h"
+#include "platform/threads/due_queue.h"
 
 class HLSimRunLoop : public HLRunLoop {
  public:

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/sim/desktop/clock.h"
-#include "platform/thread_start.h"
+#include "platform/threads/thread_start.h"
 
 namespace {
 

@@ -13,10 +13,10 @@
 #include <vector>
 
 #include "platform/accessibility.h"
-#include "platform/due_queue.h"
 #include "platform/running_applications.h"
 #include "platform/sim/desktop/simulation.h"
 #include "platform/sim/scene/scene.h"
+#include "platform/threads/due_queue.h"
 
 struct HLSimApplication;
 struct HLSimNode;

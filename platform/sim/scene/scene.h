@@ -14,7 +14,7 @@
 #include "platform/application/events.h"
 #include "platform/application/hot_keys.h"
 #include "platform/application/http_client.h"
-#include "platform/due_queue.h"
+#include "platform/threads/due_queue.h"
 #include "platform/value.h"
 
 // For std::visit: one function per alternative, so that a missing one does not compile.

@@ -15,10 +15,10 @@
 #include "platform/application/hot_keys.h"
 #include "platform/application/http_client.h"
 #include "platform/application/login_item.h"
+#include "platform/application/user_defaults.h"
 #include "platform/application/workspace.h"
 #include "platform/sim/desktop/desktop.h"
 #include "platform/sim/desktop/sim_run_loop.h"
-#include "platform/user_defaults.h"
 
 class HLSimMenuBarApplication;
 

@@ -13,7 +13,7 @@
 #include "core/dismissal/result.h"
 #include "core/scan/notification_center.h"
 #include "platform/run_loop.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 #include "tests/support/descriptions.h"
 #include "tests/support/fake_element.h"
 #include "tests/support/scenes.h"

@@ -18,9 +18,9 @@
 #include "platform/application/http_client.h"
 #include "platform/application/login_item.h"
 #include "platform/application/status_item.h"
+#include "platform/application/user_defaults.h"
 #include "platform/application/windows.h"
 #include "platform/application/workspace.h"
-#include "platform/user_defaults.h"
 #include "tests/platform/sim/scene_desktop.h"
 
 class MenuBar {

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 #include "tests/platform/sim/scene_desktop.h"
 
 namespace {

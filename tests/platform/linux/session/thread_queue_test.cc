@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "platform/linux/session/linux_run_loop.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 
 namespace {
 

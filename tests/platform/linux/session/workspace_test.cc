@@ -21,7 +21,7 @@
 #include "platform/file_mode_mask.h"
 #include "platform/linux/session/detached_program.h"
 #include "platform/linux/session/linux_workspace.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 #include "tests/platform/linux/session/fake_process.h"
 #include "tests/platform/linux/support/desktop_session.h"
 #include "tests/support/processes.h"

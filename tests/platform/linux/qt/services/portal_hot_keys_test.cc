@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "platform/linux/qt/services/linux_hot_keys.h"
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 #include "tests/platform/linux/support/desktop_session.h"
 
 namespace {

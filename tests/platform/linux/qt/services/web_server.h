@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/thread_safety.h"
+#include "platform/threads/thread_safety.h"
 
 // One connection of a client.
 class WebConnection {

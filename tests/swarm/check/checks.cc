@@ -1,4 +1,4 @@
-#include "tests/swarm/checks.h"
+#include "tests/swarm/check/checks.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
-#include "tests/swarm/words.h"
+#include "tests/swarm/generate/words.h"
 
 #include <array>
 #include <cstdio>
 #include <string_view>
 
-#include "tests/swarm/plan.h"
+#include "tests/swarm/generate/plan.h"
 
 namespace {
 

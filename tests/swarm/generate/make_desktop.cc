@@ -1,10 +1,10 @@
-#include "tests/swarm/make_desktop.h"
+#include "tests/swarm/generate/make_desktop.h"
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 
-#include "tests/swarm/words.h"
+#include "tests/swarm/generate/words.h"
 
 namespace {
 

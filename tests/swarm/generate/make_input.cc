@@ -1,10 +1,10 @@
-#include "tests/swarm/make_input.h"
+#include "tests/swarm/generate/make_input.h"
 
 #include <array>
 #include <string_view>
 
-#include "tests/swarm/make_faults.h"
-#include "tests/swarm/words.h"
+#include "tests/swarm/generate/make_faults.h"
+#include "tests/swarm/generate/words.h"
 
 namespace {
 

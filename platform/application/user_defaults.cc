@@ -1,4 +1,4 @@
-#include "platform/user_defaults.h"
+#include "platform/application/user_defaults.h"
 
 #include <algorithm>
 #include <limits>

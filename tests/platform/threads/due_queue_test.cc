@@ -1,4 +1,4 @@
-#include "platform/due_queue.h"
+#include "platform/threads/due_queue.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

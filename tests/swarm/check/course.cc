@@ -1,4 +1,4 @@
-#include "tests/swarm/course.h"
+#include "tests/swarm/check/course.h"
 
 #include <algorithm>
 #include <csignal>

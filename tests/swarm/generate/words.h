@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tests/swarm/random.h"
+#include "tests/swarm/generate/random.h"
 
 // A text without regard to what bears it: ordinary, empty, huge, of any script, with control characters, with half of a
 // pair, with words that the program looks for. UTF-8; half of a pair is written as kHalfMark.

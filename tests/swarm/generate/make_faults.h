@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/swarm/make_desktop.h"
-#include "tests/swarm/plan.h"
-#include "tests/swarm/random.h"
+#include "tests/swarm/generate/make_desktop.h"
+#include "tests/swarm/generate/plan.h"
+#include "tests/swarm/generate/random.h"
 
 class FaultMaker {
  public:

@@ -1,8 +1,8 @@
-#include "tests/swarm/make_faults.h"
+#include "tests/swarm/generate/make_faults.h"
 
 #include <array>
 
-#include "tests/swarm/words.h"
+#include "tests/swarm/generate/words.h"
 
 std::string Moment(Random& random, double seconds) {
   static constexpr std::array kLooks = {0.0, 0.05, 0.08, 0.1, 0.3, 0.4, 0.48, 2.6, 5.0};

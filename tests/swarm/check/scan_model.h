@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/swarm/seen.h"
+#include "tests/swarm/check/seen.h"
 
 struct ModelTarget {
   Seen* element = nullptr;

@@ -1,4 +1,4 @@
-#include "platform/due_queue.h"
+#include "platform/threads/due_queue.h"
 
 #include <algorithm>
 #include <cmath>

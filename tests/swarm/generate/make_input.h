@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/swarm/plan.h"
-#include "tests/swarm/random.h"
+#include "tests/swarm/generate/plan.h"
+#include "tests/swarm/generate/random.h"
 
 // Events of the timeline within so many seconds.
 [[nodiscard]] std::vector<std::string> MakeInput(Random& random, bool isProduct, double seconds);

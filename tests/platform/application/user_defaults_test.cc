@@ -1,5 +1,5 @@
 // How a stored value is read as a number, a truth or a text.
-#include "platform/user_defaults.h"
+#include "platform/application/user_defaults.h"
 
 #include <gtest/gtest.h>
 

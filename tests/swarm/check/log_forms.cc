@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "tests/swarm/checks.h"
+#include "tests/swarm/check/checks.h"
 
 namespace {
 

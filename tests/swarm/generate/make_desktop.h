@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/swarm/random.h"
+#include "tests/swarm/generate/random.h"
 
 class DesktopMaker {
  public:

@@ -1,8 +1,8 @@
 #include "tests/swarm/daemon_double.h"
-#include "tests/swarm/make_desktop.h"
-#include "tests/swarm/make_faults.h"
-#include "tests/swarm/make_input.h"
-#include "tests/swarm/plan.h"
+#include "tests/swarm/generate/make_desktop.h"
+#include "tests/swarm/generate/make_faults.h"
+#include "tests/swarm/generate/make_input.h"
+#include "tests/swarm/generate/plan.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/thread_start.h"
+#include "platform/threads/thread_start.h"
 
 #include <cmath>
 #include <exception>

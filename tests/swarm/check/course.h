@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "core/dismissal/result.h"
-#include "tests/swarm/plan.h"
-#include "tests/swarm/scan_model.h"
+#include "tests/swarm/check/scan_model.h"
+#include "tests/swarm/generate/plan.h"
 
 // One prepared control of a batch.
 struct BatchEntry {

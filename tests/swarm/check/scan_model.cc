@@ -1,4 +1,4 @@
-#include "tests/swarm/scan_model.h"
+#include "tests/swarm/check/scan_model.h"
 
 #include <algorithm>
 #include <array>

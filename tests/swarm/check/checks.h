@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/swarm/course.h"
+#include "tests/swarm/check/course.h"
 
 enum class When { press, record, write, signal, step, idle, end };
 
