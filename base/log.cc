@@ -16,6 +16,7 @@
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "platform/text.h"
+#include "platform/threads/thread_safety.h"
 
 namespace {
 
@@ -23,14 +24,18 @@ namespace {
 std::string timestamp(double now) {
   const auto milliseconds = static_cast<std::int64_t>(std::floor(now * 1000));
   const std::time_t seconds = milliseconds / 1000;
-  std::tm local{};
-  ::tzset();  // localtime_r() itself reads the system's zone at its first call only
-  ::localtime_r(&seconds, &local);
   std::array<char, 32> date{};
   std::array<char, 16> zone{};
   std::array<char, 8> fraction{};
-  std::strftime(date.data(), date.size(), "%Y-%m-%d %H:%M:%S", &local);
-  std::strftime(zone.data(), zone.size(), "%z", &local);
+  {
+    static HLMutex mutex;  // tzset() and strftime() change the C library's one record of the zone
+    const HLLock lock(mutex);
+    std::tm local{};
+    ::tzset();  // localtime_r() itself reads the system's zone at its first call only
+    ::localtime_r(&seconds, &local);
+    std::strftime(date.data(), date.size(), "%Y-%m-%d %H:%M:%S", &local);
+    std::strftime(zone.data(), zone.size(), "%z", &local);
+  }
   std::snprintf(fraction.data(), fraction.size(), ".%03d", static_cast<int>(milliseconds % 1000));
   return HLFormat("%s%s %s", date.data(), fraction.data(), zone.data());
 }

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -44,8 +45,15 @@ int finish(const Plan& plan, const std::vector<Violation>& violations, const std
 }  // namespace
 
 int main(int argc, char** argv) {
+  const std::set<std::string> known = {"--first", "--count", "--seconds", "--jobs", "--seed", "--shrink", "--to"};
   std::map<std::string, std::string> options;
-  for (int i = 1; i + 1 < argc; i += 2) options[argv[i]] = argv[i + 1];
+  for (int i = 1; i < argc; i += 2) {
+    if (!known.contains(argv[i]) || i + 1 == argc) {
+      std::cerr << "swarm: '" << argv[i] << "' is no option, or has no value\n";
+      return EXIT_FAILURE;
+    }
+    options[argv[i]] = argv[i + 1];
+  }
   const auto number = [&options](const char* name, double otherwise) {
     const auto found = options.find(name);
     return found == options.end() ? otherwise : std::strtod(found->second.c_str(), nullptr);
