@@ -1,5 +1,5 @@
-// The two plain-text logs. Thread-safe: a line is one write to a file opened for appending, so that the lines of several
-// threads and processes do not mix.
+// The two plain-text logs. Thread-safe: a line is one write to a file opened for appending, so that the lines of
+// several threads and processes do not mix.
 #pragma once
 
 #include <optional>
