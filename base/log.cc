@@ -58,8 +58,8 @@ int openLog(const std::string& path) {
 class FileSizeSignalBlock {
  public:
   FileSizeSignalBlock() {
-    ::sigemptyset(&signal_);
-    ::sigaddset(&signal_, SIGXFSZ);
+    sigemptyset(&signal_);
+    sigaddset(&signal_, SIGXFSZ);
     wasPending_ = isPending();
     ::pthread_sigmask(SIG_BLOCK, &signal_, &before_);
   }
@@ -76,7 +76,7 @@ class FileSizeSignalBlock {
   static bool isPending() {
     sigset_t pending;
     ::sigpending(&pending);
-    return ::sigismember(&pending, SIGXFSZ) == 1;
+    return sigismember(&pending, SIGXFSZ) == 1;
   }
 
   sigset_t signal_{};
