@@ -305,8 +305,8 @@ TEST_F(Log, LeavesNoHalfOfACharacter) {
   for (const auto& [bytes, cut] :
        {std::pair{2, "a\n"}, {3, "ab\n"}, {4, "ab?\n"}, {5, "ab??\n"}, {6, "ab???\n"}, {7, "ab\U0001F600\n"}}) {
     std::filesystem::remove(path("log"));
-    (void)InChildProcess([this, &time, bytes = bytes] {
-      limitFileSize(time.size() + static_cast<rlim_t>(bytes));
+    (void)InChildProcess([this, &time, kept = bytes] {
+      limitFileSize(time.size() + static_cast<rlim_t>(kept));
       HLAppendLineToPath(path("log"), "ab\U0001F600\U0001F600");
       return std::string();
     });

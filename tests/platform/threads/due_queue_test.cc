@@ -38,7 +38,7 @@ TEST(DueQueue, GivesStepsByTimeThenFirstInFirstOut) {
   HLDueQueue queue;
   std::string ran;
   for (const auto& [time, name] : {std::pair(2, 'a'), {1, 'b'}, {2, 'c'}, {1, 'd'}}) {
-    queue.schedule(time, [&ran, name = name] { ran += name; });
+    queue.schedule(time, [&ran, step = name] { ran += step; });
   }
   EXPECT_EQ(queue.next(), 1);
   while (const HLDueQueue::Step step = queue.take(2)) step();
