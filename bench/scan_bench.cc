@@ -17,7 +17,7 @@
 
 namespace {
 
-// Alerts of ten elements each, as the home platform shows them; the window is one of the elements.
+// Alerts of ten elements each, as macOS shows them; the window is one of the elements.
 std::string bushyWindow(int elements) {
   std::string window = R"({"id": "window", "role": "AXWindow", "subrole": "AXSystemDialog",)"
                        R"("title": "Notification Center", "frame": [1080, 0, 360, 900], "children": [)";

@@ -11,7 +11,7 @@
 #include "platform/element_facts.h"
 #include "platform/value.h"
 
-// An accessibility error code; the values are the home platform's, and every host answers in them.
+// An accessibility error code; the values are those of macOS on every host.
 using HLAXError = std::int32_t;
 inline constexpr HLAXError HLAXErrorSuccess = 0;
 inline constexpr HLAXError HLAXErrorFailure = -25200;

@@ -6,7 +6,7 @@
 #include "platform/application/workspace.h"
 #include "platform/process_info.h"
 
-// Pages and mail go to the desktop's own choice, by xdg-open or else the desktop portal. The home platform's address of
+// Pages and mail go to the desktop's own choice, by xdg-open or else the desktop portal. The macOS address of
 // its Accessibility pane stands for the desktop's screen about assistive technologies. What is started runs by itself.
 class HLLinuxWorkspace : public HLWorkspace {
  public:

@@ -24,7 +24,7 @@ constexpr const char* kXml = R"(<?xml version="1.0" encoding="UTF-8"?>
 </plist>
 )";
 
-// {"a": 1, "b": "c"}, as the home platform's own tool writes it.
+// {"a": 1, "b": "c"}, as macOS's own tool writes it.
 constexpr char kBinary[] =
     "bplist00\xd2\x01\x02\x03\x04Qa\x51"
     "b\x10\x01Qc\x08\x0d\x0f\x11\x13\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x05\x00\x00\x00\x00"

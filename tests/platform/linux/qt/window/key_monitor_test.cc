@@ -1,4 +1,4 @@
-// Key presses in the program's windows, as the home platform numbers them.
+// Key presses in the program's windows, as macOS numbers them.
 #include "platform/linux/qt/window/key_monitor.h"
 
 #include <gmock/gmock.h>
