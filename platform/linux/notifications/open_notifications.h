@@ -1,0 +1,49 @@
+// The open notifications of a session, by the numbers that their server gave them: a banner without a close control is
+// closed by its number.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Names a notification to its server: by a number of org.freedesktop.Notifications, or, where that is 0, by an
+// application and its identifier of org.gtk.Notifications.
+struct HLNotificationName {
+  std::uint32_t number = 0;
+  std::string application;
+  std::string identifier;
+  bool operator==(const HLNotificationName&) const = default;
+};
+
+// The texts that a banner shows, in reading order: the application first where the server shows it, then summary and
+// body. Other texts of the server's own, such as a time, may be among them.
+using HLShownTexts = std::vector<std::string>;
+
+struct HLListedNotification {
+  HLNotificationName name;
+  std::string application;
+  std::string summary;  // "" if only the running Hushlet knows the texts
+  std::string body;
+};
+
+// Thread-safe. Calls may block for the bus's timeout.
+class HLOpenNotifications {
+ public:
+  HLOpenNotifications() = default;
+  HLOpenNotifications(const HLOpenNotifications&) = delete;
+  HLOpenNotifications& operator=(const HLOpenNotifications&) = delete;
+  virtual ~HLOpenNotifications() = default;
+
+  // Returns for each banner the open notification that it shows, each notification at most once, or nullopt where none
+  // matches without doubt. Of equal texts the oldest notification comes first, after as many of the oldest as `tray`
+  // holds. `tray` is nullopt where what is in the server's tray is not known.
+  [[nodiscard]] virtual std::vector<std::optional<HLNotificationName>> match(
+      const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) = 0;
+
+  // Returns what is on screen of a server without a usable tree, oldest first, or nullopt if that is not known.
+  [[nodiscard]] virtual std::optional<std::vector<HLListedNotification>> shown() = 0;
+
+  // Asks the server to close it. Returns false if the server refused, did not answer, or is known to answer untruly.
+  [[nodiscard]] virtual bool close(const HLNotificationName& name) = 0;
+};
