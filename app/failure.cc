@@ -18,7 +18,7 @@ bool HLHasBanner() {
     HLWalkTree({window, HLContext()}, HLScanLimit, [&found](const HLVisit& visit) {
       found = found || visit.facts.subrole == "AXNotificationCenterAlert" ||
               visit.facts.subrole == "AXNotificationCenterBanner";
-      return !found;
+      return found ? HLDescent::prune : HLDescent::enter;
     });
   }
   return found;

@@ -120,7 +120,7 @@ std::optional<HLDismissTarget> HLFocusedDismissControlInSubtree(const HLElementR
       best = std::move(control);
       best->snapshot = visit.own.empty() ? visit.context.text() : visit.own;
     }
-    return true;
+    return HLDescent::enter;
   };
   HLWalkTree({root, HLContext(HLSearchableContext(rootFacts))}, kVisitLimit, look);
   return best;

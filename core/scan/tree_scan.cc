@@ -29,10 +29,10 @@ std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::stri
   const auto look = [&targets, &keys](const HLVisit& visit) {
     std::optional<HLDismissTarget> candidate =
         HLCandidateForElement(visit.element, visit.facts, visit.context, visit.own);
-    if (!candidate) return true;
-    const bool prune = HLShouldPruneDescendantsAfterCandidate(*candidate);
+    if (!candidate) return HLDescent::enter;
+    const HLDescent descent = HLShouldPruneDescendantsAfterCandidate(*candidate) ? HLDescent::prune : HLDescent::enter;
     if (keys.insert(HLDeduplicationKeyForTarget(*candidate)).second) targets.push_back(*std::move(candidate));
-    return !prune;
+    return descent;
   };
   const std::size_t visited = HLWalkTree({root, HLContext()}, HLScanLimit, look);
   HLAppendDiagnostics("scan root=%@ visited=%ld candidates=%lu", label, static_cast<std::int64_t>(visited),

@@ -4,7 +4,8 @@
 #include <unordered_set>
 #include <utility>
 
-std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit, const std::function<bool(const HLVisit&)>& visit) {
+std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit,
+                       const std::function<HLDescent(const HLVisit&)>& visit) {
   std::deque<HLQueueItem> queue = {root};
   // Owns handles, so a freed address cannot be reused and mistaken for a visited element.
   std::unordered_set<HLElementRef> visited;
@@ -16,7 +17,7 @@ std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit, const std::fu
     const HLElementFacts facts = item.element->copyFacts();
     const std::string own = HLSearchableContext(facts);
     const HLContext context = item.context.extendedBy(own);
-    if (!visit({item.element, facts, own, context})) continue;
+    if (visit({item.element, facts, own, context}) == HLDescent::prune) continue;
     for (HLQueueItem& child : HLChildQueueItems(facts, context)) queue.push_back(std::move(child));
   }
   return visited.size();

@@ -18,9 +18,14 @@ struct HLVisit {
   const HLContext& context;  // its own words behind those of its ancestors
 };
 
-// Visits at most `limit` elements breadth-first, each handle once. Returning false from `visit` prunes that subtree.
-// Returns the visited count.
-std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit, const std::function<bool(const HLVisit&)>& visit);
+enum class HLDescent {
+  enter,
+  prune,  // the walk leaves out everything below the element
+};
+
+// Visits at most `limit` elements breadth-first, each handle once. Returns the visited count.
+std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit,
+                       const std::function<HLDescent(const HLVisit&)>& visit);
 
 // Returns the children in order, repetitions included, each with its parent's context.
 [[nodiscard]] std::vector<HLQueueItem> HLChildQueueItems(const HLElementFacts& facts, const HLContext& context);

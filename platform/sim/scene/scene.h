@@ -1,4 +1,4 @@
-// A scene as values: a simulated desktop at its start, and the events to come. scene_keys.h says how they are written.
+// A scene as values: a simulated desktop at its start, and the events to come. scene_table.h says how they are written.
 #pragma once
 
 #include <cstddef>

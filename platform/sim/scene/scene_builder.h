@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "platform/sim/scene/scene.h"
-#include "platform/sim/scene/scene_keys.h"
 #include "platform/sim/scene/scene_source.h"
+#include "platform/sim/scene/scene_table.h"
 
 class HLSceneBuilder : public HLSceneSource {
  public:

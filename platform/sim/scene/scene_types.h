@@ -1,4 +1,4 @@
-// Types for the tables of scene_keys.h, each made from the member that a key fills.
+// Types for the tables of scene_table.h, each made from the member that a key fills.
 #pragma once
 
 #include <cstdint>

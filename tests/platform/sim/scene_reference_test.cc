@@ -1,4 +1,4 @@
-// docs/scenes.md has the tables of scene_keys.h, each between "<!-- keys: NAME -->" and "<!-- end -->". With
+// docs/scenes.md has the tables of scene_table.h, each between "<!-- keys: NAME -->" and "<!-- end -->". With
 // HUSHLET_RENEW_GOLDENS set, this test writes them; tools/renew-goldens does that.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "platform/sim/scene/scene_keys.h"
+#include "platform/sim/scene/scene_table.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Tables of what a desktop consists of.
-#include "platform/sim/scene/scene_keys.h"
+#include "platform/sim/scene/scene_table.h"
 
 #include <algorithm>
 #include <array>

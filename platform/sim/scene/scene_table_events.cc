@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/sim/scene/scene_builder.h"
-#include "platform/sim/scene/scene_keys.h"
+#include "platform/sim/scene/scene_table.h"
 #include "platform/sim/scene/scene_types.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "platform/sim/scene/scene_builder.h"
-#include "platform/sim/scene/scene_keys.h"
+#include "platform/sim/scene/scene_table.h"
 #include "platform/sim/scene/scene_types.h"
 
 namespace {
