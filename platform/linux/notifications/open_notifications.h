@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,6 +28,21 @@ struct HLListedNotification {
   std::string body;
 };
 
+// Reports that notifications were posted, changed or closed. One thread.
+class HLNotificationChanges {
+ public:
+  HLNotificationChanges() = default;
+  HLNotificationChanges(const HLNotificationChanges&) = delete;
+  HLNotificationChanges& operator=(const HLNotificationChanges&) = delete;
+  virtual ~HLNotificationChanges() = default;
+
+  // Readable after a change, until take().
+  [[nodiscard]] virtual int descriptor() const = 0;
+
+  // Consumes the changes so far. Returns false once no more will be reported. Does not block.
+  [[nodiscard]] virtual bool take() = 0;
+};
+
 // Thread-safe. Calls may block for the bus's timeout.
 class HLOpenNotifications {
  public:
@@ -41,9 +57,15 @@ class HLOpenNotifications {
   [[nodiscard]] virtual std::vector<std::optional<HLNotificationName>> match(
       const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) = 0;
 
+  // Whether the session's server is known to show no usable accessibility tree, so that shown() says what is on screen.
+  [[nodiscard]] virtual bool serverLacksTree() { return false; }
+
   // Returns what is on screen of a server without a usable tree, oldest first, or nullopt if that is not known.
   [[nodiscard]] virtual std::optional<std::vector<HLListedNotification>> shown() = 0;
 
   // Asks the server to close it. Returns false if the server refused, did not answer, or is known to answer untruly.
   [[nodiscard]] virtual bool close(const HLNotificationName& name) = 0;
+
+  // Returns nullptr where changes are not known, as in a process without a monitor. The result must not outlive this.
+  [[nodiscard]] virtual std::unique_ptr<HLNotificationChanges> watch() { return nullptr; }
 };
