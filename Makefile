@@ -1,5 +1,5 @@
 # The commands; CMakePresets.json holds what they configure. Each one installs the packages that it needs and that are missing.
-.PHONY: run package release test fuzz swarm sanitize bench coverage macos mac-report lint tidy format clean
+.PHONY: run package release test fuzz swarm mutate sanitize bench coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
@@ -65,6 +65,12 @@ swarm:
 	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
 	cmake --build --preset dev -j $(JOBS) --target swarm
 	tools/swarm $(SECONDS)
+
+# Changes single tokens of the sources, and lists those changes that no test notices. Hours for all modules.
+mutate: NUMBER ?= 25
+mutate:
+	@tools/install-packages build test
+	tools/mutate --number $(NUMBER) $(if $(MODULE),--module $(MODULE)) $(if $(SEED),--seed $(SEED))
 
 bench:
 	@tools/install-packages build bench
