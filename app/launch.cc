@@ -14,6 +14,7 @@
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
 #include "daemon/self_check.h"
+#include "platform/accessibility.h"
 #include "platform/application/status_item.h"
 #include "platform/application/user_defaults.h"
 #include "platform/platform.h"
@@ -39,6 +40,7 @@ void HLAppDelegate::applicationDidFinishLaunching() {
   installStatusItem();
   installHotKeyHandler();
   observeRelaunches();
+  HLCurrentPlatform().accessibility->prepareToStay();
   updateAutoCloser();
   applyStoredHotKey();
   refreshStatusItem();

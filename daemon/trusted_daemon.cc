@@ -18,6 +18,8 @@
 #include "core/dismissal/result.h"
 #include "core/scan/element_access.h"
 #include "daemon/local_socket.h"
+#include "platform/accessibility.h"
+#include "platform/platform.h"
 #include "platform/sockets.h"
 
 namespace {
@@ -80,6 +82,7 @@ int HLRunTrustedDaemon() {
   HLAppendDiagnostics("trusted daemon starting trusted=%@ %@", HLIsAccessibilityTrusted(false),
                       HLLaunchContextSummary());
 
+  HLCurrentPlatform().accessibility->prepareToStay();
   for (bool serving = true; serving;) {
     const int connection = ::accept(listener->descriptor(), nullptr, nullptr);
     if (connection >= 0) serving = serve(connection);

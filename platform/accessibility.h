@@ -93,4 +93,8 @@ class HLAccessibility {
 
   // nullptr when the process cannot be watched. Main thread.
   [[nodiscard]] virtual std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) = 0;
+
+  // Called once by a process that stays in the session, before its first dismissal. A host that can close more when it
+  // has seen what was posted begins to watch here. Main thread.
+  virtual void prepareToStay() {}
 };

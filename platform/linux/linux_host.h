@@ -5,6 +5,7 @@
 #include "platform/linux/files/linux_property_lists.h"
 #include "platform/linux/linux_conventions.h"
 #include "platform/linux/linux_menu_bar.h"
+#include "platform/linux/notifications/session_notifications.h"
 #include "platform/linux/session/linux_process_info.h"
 #include "platform/linux/session/linux_run_loop.h"
 #include "platform/linux/session/linux_running_applications.h"
@@ -20,8 +21,9 @@ class HLLinuxHost : public HLHost {
  private:
   HLLinuxRunLoop runLoop_;
   HLLinuxRunningApplications runningApplications_{runLoop_};
-  HLLinuxAccessibility accessibility_{runningApplications_, runLoop_};
   HLLinuxProcessInfo process_;
+  HLSessionNotifications notifications_;
+  HLLinuxAccessibility accessibility_{runningApplications_, notifications_, runLoop_};
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;
   HLLinuxMenuBar menuBar_{process_, runLoop_};

@@ -69,6 +69,7 @@ class ForwardingAccessibility : public HLAccessibility {
   [[nodiscard]] std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) override {
     return inner_.createObserver(pid, std::move(callback));
   }
+  void prepareToStay() override { inner_.prepareToStay(); }
 
  private:
   HLAccessibility& inner_;

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/accessibility.h"
+#include "platform/linux/notifications/open_notifications.h"
 #include "platform/linux/session/linux_run_loop.h"
 #include "platform/running_applications.h"
 
@@ -17,15 +18,17 @@
 class HLLinuxAccessibility : public HLAccessibility {
  public:
   // The processes that `servers` lists are notification servers. Observers run on `runLoop`.
-  HLLinuxAccessibility(HLRunningApplications& servers, HLLinuxRunLoop& runLoop)
-      : servers_(servers), runLoop_(runLoop) {}
+  HLLinuxAccessibility(HLRunningApplications& servers, HLOpenNotifications& notifications, HLLinuxRunLoop& runLoop)
+      : servers_(servers), notifications_(notifications), runLoop_(runLoop) {}
 
   // With `prompt`, switches accessibility on for the session, if necessary. Else changes and starts nothing.
   [[nodiscard]] bool isProcessTrusted(bool prompt) override;
   [[nodiscard]] HLElementRef createApplication(std::int32_t pid) override;
   [[nodiscard]] std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) override;
+  void prepareToStay() override { notifications_.prepareToStay(); }
 
  private:
   HLRunningApplications& servers_;
+  HLOpenNotifications& notifications_;
   HLLinuxRunLoop& runLoop_;
 };

@@ -51,6 +51,9 @@ class HLOpenNotifications {
   HLOpenNotifications& operator=(const HLOpenNotifications&) = delete;
   virtual ~HLOpenNotifications() = default;
 
+  // Begins to learn what is posted, in a process that stays in the session. Idempotent. Main thread.
+  virtual void prepareToStay() {}
+
   // Returns for each banner the open notification that it shows, each notification at most once, or nullopt where none
   // matches without doubt. Of equal texts the oldest notification comes first, after as many of the oldest as `tray`
   // holds. `tray` is nullopt where what is in the server's tray is not known.
