@@ -6,11 +6,15 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -30,6 +34,9 @@ bool isAt(const std::string& bytes, std::size_t at, std::string_view pattern) {
   }
   return true;
 }
+
+bool isStatusLog(const std::string& path) { return path.ends_with("status.log"); }
+bool isDiagnosticsLog(const std::string& path) { return path.ends_with("hushlet_detailed_diagnostics.log"); }
 
 }  // namespace
 
@@ -56,11 +63,49 @@ std::string CallWatch::place(const std::string& path) const {
 }
 
 void CallWatch::opened(int file, const std::string& path) {
-  if (path.ends_with("status.log")) statusLog_ = file;
-  if (path.ends_with("hushlet_detailed_diagnostics.log")) diagnosticsLog_ = file;
+  if (isStatusLog(path)) statusLog_ = file;
+  if (isDiagnosticsLog(path)) diagnosticsLog_ = file;
+}
+
+const LogFault* CallWatch::logFault() const {
+  const auto& faults = watcher_.course.plan.logFaults;
+  const auto found = std::find_if(faults.begin(), faults.end(), [this](const LogFault& fault) {
+    return records_ >= fault.record && records_ - fault.record < fault.count;
+  });
+  return found == faults.end() ? nullptr : &*found;
+}
+
+bool CallWatch::keepsShut(const std::string& path) const {
+  const LogFault* fault = logFault();
+  const bool isShut = fault != nullptr && fault->room < 0 && (isStatusLog(path) || isDiagnosticsLog(path));
+  watcher_.course.logFaults += isShut ? 1 : 0;
+  return isShut;
+}
+
+std::size_t CallWatch::makeRoom(int file, const std::string& bytes) {
+  const LogFault* fault = logFault();
+  if (fault == nullptr || static_cast<std::size_t>(fault->room) >= bytes.size()) return bytes.size();
+  ++watcher_.course.logFaults;
+  auto room = static_cast<std::size_t>(fault->room);
+  if (fault->cutsCharacter) {
+    const auto isInside = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    const auto inside = std::find_if(bytes.begin() + fault->room, bytes.end(), isInside);
+    if (inside != bytes.end()) room = static_cast<std::size_t>(inside - bytes.begin());
+  }
+  if (::ftruncate(file, 0) == 0 && room > 0) {
+    cutLog_ = file;
+    watcher_.course.cut = {bytes, "", static_cast<std::int64_t>(room)};
+  }
+  return room;
 }
 
 void CallWatch::closed(int file) {
+  if (file == cutLog_) {
+    cutLog_ = -1;
+    std::ifstream log("/proc/self/fd/" + std::to_string(file), std::ios::binary);
+    watcher_.course.cut.rest.assign(std::istreambuf_iterator<char>(log), {});
+    watcher_.checker.check(When::cut, watcher_.course);
+  }
   if (file == statusLog_) statusLog_ = -1;
   if (file == diagnosticsLog_) diagnosticsLog_ = -1;
 }
@@ -77,6 +122,7 @@ bool CallWatch::takes(int file, const std::string& bytes) {
 }
 
 void CallWatch::logged(const std::string& message) {
+  ++records_;
   watcher_.now();
   watcher_.course.logged(message);
   watcher_.checker.check(When::record, watcher_.course);
@@ -99,6 +145,10 @@ int __wrap_open(const char* path, int flags, ...) {
   }
   if (current == nullptr || (flags & O_ACCMODE) == O_RDONLY) return __real_open(path, flags, mode);
   current->wrote(path, false);
+  if (current->keepsShut(path)) {
+    errno = EMFILE;
+    return -1;
+  }
   const int file = __real_open(current->place(path).c_str(), flags, mode);
   if (file >= 0) current->opened(file, path);
   return file;
@@ -112,10 +162,13 @@ int __wrap_close(int file) {
 
 ssize_t __real_write(int file, const void* bytes, size_t size);
 ssize_t __wrap_write(int file, const void* bytes, size_t size) {
-  if (current != nullptr && current->takes(file, std::string(static_cast<const char*>(bytes), size))) {
-    return static_cast<ssize_t>(size);
-  }
-  return __real_write(file, bytes, size);
+  const std::string record(static_cast<const char*>(bytes), size);
+  if (current == nullptr || !current->takes(file, record)) return __real_write(file, bytes, size);
+  const std::size_t room = current->makeRoom(file, record);
+  if (room == size) return static_cast<ssize_t>(size);
+  if (room > 0) return __real_write(file, bytes, room);
+  errno = ENOSPC;
+  return -1;
 }
 
 int __real_mkdir(const char* path, mode_t mode);

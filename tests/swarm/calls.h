@@ -23,12 +23,19 @@ class CallWatch {
   [[nodiscard]] std::string place(const std::string& path) const;
   void opened(int file, const std::string& path);
   void closed(int file);
-  // Whether these bytes go to a log. They are looked at and kept from the disk.
+  // Whether a log of that path must not open now.
+  [[nodiscard]] bool keepsShut(const std::string& path) const;
+  // Whether these bytes go to a log. They are checked, and no more of them goes to the disk than write() below says.
   [[nodiscard]] bool takes(int file, const std::string& bytes);
+  // How many bytes of that record a log has room for. Where that is less than all, the log is emptied for them.
+  [[nodiscard]] std::size_t makeRoom(int file, const std::string& bytes);
   void logged(const std::string& message);
   [[nodiscard]] bool failsAllocation();
 
  private:
+  // Of the newest record; nullptr without one.
+  [[nodiscard]] const LogFault* logFault() const;
+
   Watcher& watcher_;
   const std::string home_;
   const std::string state_;
@@ -36,4 +43,6 @@ class CallWatch {
   std::atomic<int> statusLog_ = -1;
   std::atomic<int> diagnosticsLog_ = -1;
   std::int64_t allocations_ = 0;
+  std::int64_t records_ = 0;
+  int cutLog_ = -1;
 };

@@ -28,6 +28,16 @@ void print(const Plan& plan) {
     std::cout << "reading " << jump.reading << " of the clock and later ones are off by " << jump.seconds << " s\n";
   }
   if (plan.failingAllocation > 0) std::cout << "allocation " << plan.failingAllocation << " of the batches fails\n";
+  for (const ThreadRefusal& refusal : plan.threadRefusals) {
+    std::cout << "threads are refused from start " << refusal.start << " on, " << refusal.count << " times\n";
+  }
+  for (const ShortAnswer& answer : plan.shortAnswers) {
+    std::cout << "reading " << answer.reading << " ends behind " << answer.attributes << " attributes\n";
+  }
+  for (const LogFault& fault : plan.logFaults) {
+    std::cout << "from log record " << fault.record << " on, " << fault.count << " have room for " << fault.room
+              << " bytes\n";
+  }
   for (const Caller& caller : plan.callers) {
     std::cout << "caller of manner " << static_cast<int>(caller.manner) << ", " << caller.request.size() << " bytes\n";
   }

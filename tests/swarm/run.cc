@@ -144,8 +144,12 @@ RunReport RunPlan(const Plan& plan, const std::string& home) {
     HLSimulatorSetup setup;
     setup.arguments = plan.arguments;
     setup.environment = {{"HOME", home}};
+    setup.refusesThreads = [&course] { return course.refusesThread(); };
     auto made = HLMakeSimulator(plan.scene, "scene", std::move(setup));
-    if (const auto* mistake = std::get_if<std::string>(&made)) return {{{"reads the scene", *mistake}}, "", 0, 0, 0};
+    if (const auto* mistake = std::get_if<std::string>(&made)) {
+      report.violations = {{"reads the scene", *mistake}};
+      return report;
+    }
     auto& simulator = std::get<std::unique_ptr<HLSimulator>>(made);
     Run run(*simulator, course, checker, home);
     report.outcome = run.go();
@@ -158,5 +162,8 @@ RunReport RunPlan(const Plan& plan, const std::string& home) {
   report.violations = checker.violations();
   report.presses = course.presses;
   report.callFaults = course.callFaults;
+  report.cutAnswers = course.cutAnswers;
+  report.refusedThreads = course.refusedThreads;
+  report.logFaults = course.logFaults;
   return report;
 }

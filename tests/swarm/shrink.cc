@@ -24,6 +24,7 @@ class Shrinker {
     while (smaller) {
       smaller =
           shorten(plan_.callFaults) | shorten(plan_.clockJumps) | shorten(plan_.callers) | shorten(plan_.daemonReplies);
+      smaller = shorten(plan_.threadRefusals) | shorten(plan_.shortAnswers) | shorten(plan_.logFaults) | smaller;
       smaller = dropAllocation() | thin(Pointer()) | smaller;
       std::cerr << tries_ << " tries, " << plan_.scene.size() << " bytes\n";
     }

@@ -31,6 +31,9 @@ struct Statistics {
   std::int64_t faults = 0;  // of the scene and the plan
   std::int64_t withFaults = 0;
   std::int64_t callFaults = 0;
+  std::int64_t cutAnswers = 0;
+  std::int64_t refusedThreads = 0;
+  std::int64_t logFaults = 0;
   std::int64_t inputs = 0;
   std::int64_t presses = 0;
   double seconds = 0;
@@ -45,6 +48,9 @@ struct Statistics {
     faults += shape.sceneFaults;
     withFaults += shape.sceneFaults > 0 ? 1 : 0;
     callFaults += report.callFaults;
+    cutAnswers += report.cutAnswers;
+    refusedThreads += report.refusedThreads;
+    logFaults += report.logFaults;
     inputs += shape.inputs;
     presses += report.presses;
     seconds += report.seconds;
@@ -66,6 +72,9 @@ struct Statistics {
     faults += other.faults;
     withFaults += other.withFaults;
     callFaults += other.callFaults;
+    cutAnswers += other.cutAnswers;
+    refusedThreads += other.refusedThreads;
+    logFaults += other.logFaults;
     inputs += other.inputs;
     presses += other.presses;
     seconds += other.seconds;
@@ -88,8 +97,10 @@ struct Statistics {
       }
     }
     std::printf(
-        "faults %.1f a seed, in %.1f%% of them; calls failed %ld; inputs %ld; presses %ld; virtual time %.0f s\n",
+        "faults %.1f a seed, in %.1f%% of them; calls failed %ld, of which cut short %ld; threads refused %ld; log "
+        "records cut or lost %ld; inputs %ld; presses %ld; virtual time %.0f s\n",
         static_cast<double>(faults) / count, share(withFaults), static_cast<long>(callFaults),
+        static_cast<long>(cutAnswers), static_cast<long>(refusedThreads), static_cast<long>(logFaults),
         static_cast<long>(inputs), static_cast<long>(presses), seconds);
     for (int i = 0; i < ModeCount; ++i) {
       const std::string_view name = NameOfMode(static_cast<Mode>(i));

@@ -9,6 +9,7 @@
 #include "tests/support/temporary_directory.h"
 #include "tests/swarm/check/checks.h"
 #include "tests/swarm/generate/plan.h"
+#include "tests/swarm/run.h"
 #include "tests/swarm/shrink.h"
 #include "tests/swarm/workers.h"
 
@@ -30,6 +31,45 @@ TEST(MakePlan, MakesEveryModeAndSize) {
   }
   EXPECT_EQ(modes.size(), static_cast<std::size_t>(ModeCount));
   EXPECT_GT(large, 30);
+}
+
+TEST(MakePlan, RefusesThreadsAnswersAndLogs) {
+  std::size_t refusals = 0;
+  std::size_t answers = 0;
+  std::size_t logs = 0;
+  for (std::uint64_t seed = 0; seed < 200; ++seed) {
+    PlanShape shape;
+    const Plan plan = MakePlan(seed, shape);
+    refusals += plan.threadRefusals.size();
+    answers += plan.shortAnswers.size();
+    logs += plan.logFaults.size();
+  }
+  EXPECT_GT(refusals, 5U);
+  EXPECT_GT(answers, 5U);
+  EXPECT_GT(logs, 5U);
+}
+
+TEST(RunPlan, StrikesWithPlannedLimits) {
+  const TemporaryDirectory folder;
+  Plan plan;
+  plan.mode = Mode::dismissal;
+  plan.scene = R"({"trusted": true, "applications": [{"pid": 400, "name": "Notification Center",
+    "bundleIdentifier": "com.apple.notificationcenterui", "windows": [{"role": "AXWindow", "children": [
+      {"id": "a", "role": "AXGroup", "subrole": "AXNotificationCenterAlert", "description": "Mail, Letter",
+       "actions": ["Name:Close"], "closes": "a"}]}]}]})";
+  plan.threadRefusals = {{1, 100}};
+  plan.logFaults = {{1, 2, 9, false}, {3, 1, -1, false}};
+  RunReport report = RunPlan(plan, folder.path());
+  EXPECT_EQ(report.outcome, "success");
+  EXPECT_EQ(report.refusedThreads, 1);
+  EXPECT_EQ(report.logFaults, 3);
+  EXPECT_TRUE(report.violations.empty());
+
+  plan.shortAnswers = {{2, 1}};  // of the banner, its role alone
+  report = RunPlan(plan, folder.path());
+  EXPECT_EQ(report.outcome, "nothing");
+  EXPECT_EQ(report.cutAnswers, 1);
+  EXPECT_TRUE(report.violations.empty());
 }
 
 TEST(LogForms, TakeWholeRecordsOnly) {

@@ -21,10 +21,13 @@ struct Watcher {
   HLRunLoop& innerLoop;
   double start = 0;  // of the wall clock
   std::int64_t calls = 0;
-  std::int64_t readings = 0;
+  std::int64_t readings = 0;       // of the clock
+  std::int64_t wholeReadings = 0;  // of elements
 
   // The code that this call is to give; success lets it pass.
   [[nodiscard]] HLAXError fault();
+  // How many of HLFactAttributeNames this reading of an element is to give.
+  [[nodiscard]] std::size_t attributesGiven();
   // Seconds from the start, by the scene's own clock.
   double now() { return course.now = innerLoop.now() - start; }
 };
@@ -60,6 +63,8 @@ class WatchedRunLoop : public ForwardingRunLoop {
   [[nodiscard]] double now() override;
   void postToMainQueue(std::function<void()> step) override;
   void postToMainQueueAfter(double seconds, std::function<void()> step) override;
+  void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
+                         std::function<void()> refused) override;
   [[nodiscard]] std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) override;
   [[nodiscard]] std::unique_ptr<HLOperationQueue> makeOperationQueue(const std::string& name,
                                                                      HLQualityOfService quality,

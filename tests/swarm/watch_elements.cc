@@ -42,10 +42,12 @@ class WatchedElement : public ForwardingElement {
 
   HLElementFacts copyFacts() const override {
     seen_->last = {};
+    const std::size_t given = watcher().attributesGiven();
+    std::size_t asked = 0;
     HLAttribute position{HLAXErrorNoValue, {}};
     HLAttribute size = position;
     HLElementFacts facts = HLFactsFromAttributes([&](std::string_view name) {
-      HLAttribute attribute = read(name);
+      HLAttribute attribute = asked++ < given ? read(name) : HLAttribute{HLAXErrorNoValue, {}};
       const auto text = std::find(kTexts.begin(), kTexts.end(), name);
       if (text != kTexts.end()) seen_->last.texts[static_cast<std::size_t>(text - kTexts.begin())] = textOf(attribute);
       if (name == "AXPosition") position = attribute;
@@ -59,7 +61,7 @@ class WatchedElement : public ForwardingElement {
       seen_->last.framed = true;
       seen_->last.frame = {point->x, point->y, extent->width, extent->height};
     }
-    facts.actionNames = HLNamesFromActionList(copyActionNames());
+    if (given == HLFactAttributeNames.size()) facts.actionNames = HLNamesFromActionList(copyActionNames());
     return facts;
   }
 
@@ -81,7 +83,9 @@ class WatchedElement : public ForwardingElement {
     ++watch.course.press.atOnce;
     watch.checker.check(When::press, watch.course);
     HLAXError code = watch.fault();
+    const double start = watch.now();
     if (code == 0) code = ForwardingElement::performAction(action);
+    if (!inOperation) watch.course.otherPressSeconds += watch.now() - start;
     --watch.course.press.atOnce;
     if (entry != nullptr) entry->code = code;
     return code;
@@ -197,6 +201,17 @@ HLAXError Watcher::fault() {
     return planned.code;
   }
   return HLAXErrorSuccess;
+}
+
+std::size_t Watcher::attributesGiven() {
+  ++wholeReadings;
+  for (const ShortAnswer& planned : course.plan.shortAnswers) {
+    if (planned.reading != wholeReadings) continue;
+    ++course.callFaults;
+    ++course.cutAnswers;
+    return planned.attributes;
+  }
+  return HLFactAttributeNames.size();
 }
 
 bool WatchedAccessibility::isProcessTrusted(bool prompt) {

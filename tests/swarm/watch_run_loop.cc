@@ -1,3 +1,4 @@
+#include <thread>
 #include <utility>
 
 #include "tests/swarm/watch.h"
@@ -17,6 +18,29 @@ void WatchedRunLoop::postToMainQueue(std::function<void()> step) {
 
 void WatchedRunLoop::postToMainQueueAfter(double seconds, std::function<void()> step) {
   ForwardingRunLoop::postToMainQueueAfter(seconds, Checked(watcher_, std::move(step)));
+}
+
+void WatchedRunLoop::postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
+                                       std::function<void()> refused) {
+  const double posted = watcher_.now();
+  const double pressedBefore = watcher_.course.otherPressSeconds;
+  const auto begins = [this, posted, pressedBefore, poster = std::this_thread::get_id()](bool isRefused) {
+    Course& course = watcher_.course;
+    course.work = {isRefused, std::this_thread::get_id() == poster, watcher_.now() - posted,
+                   course.otherPressSeconds - pressedBefore};
+    course.workIsRefused = isRefused;
+    watcher_.checker.check(When::work, course);
+  };
+  ForwardingRunLoop::postToGlobalQueue(
+      quality,
+      [begins, work = std::move(work)] {
+        begins(false);
+        work();
+      },
+      Checked(watcher_, std::function<void()>([begins, refused = std::move(refused)] {
+                begins(true);
+                refused();
+              })));
 }
 
 std::unique_ptr<HLTimer> WatchedRunLoop::scheduleTimer(double interval, std::function<void()> action) {

@@ -4,6 +4,8 @@
 #include <array>
 #include <optional>
 
+#include "platform/text.h"
+
 namespace {
 
 // What is wrong, or nullopt.
@@ -92,6 +94,32 @@ Finding restoresTheButton(const Course& course) {
   return "\"" + course.title + "\" " + course.image;
 }
 
+// Of a cut record, all but the end of its last line stays, and the next record begins on a line of its own.
+Finding endsCutRecords(const Course& course) {
+  constexpr std::size_t kLongestCharacter = 4;
+  const CutRecord& cut = course.cut;
+  const std::size_t room = static_cast<std::size_t>(cut.room);
+  const std::size_t kept = room - std::min(room, kLongestCharacter);
+  const bool isEnded = cut.rest.size() == room && cut.rest.ends_with('\n') && HLIsEncodable(cut.rest) &&
+                       cut.rest.substr(0, kept) == cut.record.substr(0, kept);
+  if (isEnded) return std::nullopt;
+  return std::to_string(cut.room) + " bytes left " + cut.rest;
+}
+
+Finding worksOnThreadsOfItsOwn(const Course& course) {
+  if (course.work.isRefused == course.work.onOwnThread) return std::nullopt;
+  return course.work.isRefused ? "gives up elsewhere" : "works on the main thread";
+}
+
+Finding givesUpAfterFiveSecondsWithoutAThread(const Course& course) {
+  constexpr double kLongestWait = 5;
+  const NewWork& work = course.work;
+  const bool isEarly = work.isRefused && work.seconds < kLongestWait - 1e-3;
+  const bool isLate = work.seconds > kLongestWait + work.pressSeconds + 1e-3;
+  if (!isEarly && !isLate) return std::nullopt;
+  return std::to_string(work.seconds) + (work.isRefused ? " s, given up" : " s");
+}
+
 std::int64_t alive(const Course& course, const std::string& kind) {
   const auto found = course.alive.find(kind);
   return found == course.alive.end() ? 0 : found->second;
@@ -164,6 +192,9 @@ constexpr std::array kChecks = {
     Check{When::record, "dismisses one at a time", dismissesOneAtATime},
     Check{When::write, "writes whole records", writesWholeRecords},
     Check{When::write, "writes only where named", writesOnlyWhereNamed},
+    Check{When::cut, "ends what a full disk cuts", endsCutRecords},
+    Check{When::work, "works on threads of its own", worksOnThreadsOfItsOwn},
+    Check{When::work, "gives up after 5 s without a thread", givesUpAfterFiveSecondsWithoutAThread},
     Check{When::signal, "signals only an overflowing Notification Center", signalsOnlyAnOverflowingCenter},
     Check{When::idle, "restores the button", restoresTheButton},
     Check{When::step, "keeps no more than its owners need", keepsNoMoreThanItsOwnersNeed},

@@ -6,7 +6,7 @@
 
 #include "tests/swarm/check/course.h"
 
-enum class When { press, record, write, signal, step, idle, end };
+enum class When { press, record, write, cut, signal, work, step, idle, end };
 
 struct Violation {
   std::string check;

@@ -54,6 +54,16 @@ void Course::compare(const std::string& what, std::int64_t logged, std::int64_t 
   numbers.push_back({what, logged, expected});
 }
 
+bool Course::refusesThread() {
+  ++threadStarts_;
+  const bool isRefused =
+      std::any_of(plan.threadRefusals.begin(), plan.threadRefusals.end(), [this](const ThreadRefusal& refusal) {
+        return threadStarts_ >= refusal.start && threadStarts_ - refusal.start < refusal.count;
+      });
+  refusedThreads += isRefused ? 1 : 0;
+  return isRefused;
+}
+
 // Scans
 
 void Course::windowsRead(const std::vector<Seen*>& windows) {
@@ -294,8 +304,8 @@ void Course::followApplication(const std::string& message) {
     (void)HLParseResultString(
         status + "|" + std::to_string(Field(message, "dismissed")) + "|" + std::to_string(Field(message, "remaining")),
         result);
-    HLDismissResult elsewhere{HLDismissStatusAccessDenied, 0, 0};
-    if (daemonAnswer && dismissals_.empty()) (void)HLParseResultString(daemonAnswer(), elsewhere);
+    HLDismissResult elsewhere{workIsRefused ? HLDismissStatusFailed : HLDismissStatusAccessDenied, 0, 0};
+    if (daemonAnswer && dismissals_.empty() && !workIsRefused) (void)HLParseResultString(daemonAnswer(), elsewhere);
     outcome = {result, elsewhere, 0, true, 0, 0};
     dismissalEnds(result, now);
   }

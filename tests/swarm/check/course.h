@@ -72,6 +72,19 @@ struct Outcome {
   double seconds = 0;
   double longest = 0;
 };
+// What was handed to another thread, once it runs or is given up.
+struct NewWork {
+  bool isRefused = false;
+  bool onOwnThread = false;  // that it was handed over on, the main thread
+  double seconds = 0;        // from then on
+  double pressSeconds = 0;   // for which that thread was held up meanwhile
+};
+// What a record left in its log when there was no room for all of it.
+struct CutRecord {
+  std::string record;
+  std::string rest;
+  std::int64_t room = 0;
+};
 struct CallerOutcome {
   std::string wanted;  // a reply, "" for either answer about trust, "-" for none
   std::string received;
@@ -94,6 +107,8 @@ class Course {
   bool recordIsWhole = true;
   std::string path;  // that something was written to
   bool signalIsAllowed = true;
+  NewWork work;
+  CutRecord cut;
 
   // Now.
   int dismissalsAtOnce = 0;
@@ -115,11 +130,20 @@ class Course {
   int exitCode = 0;
   double seconds = 0;
 
-  std::int64_t callFaults = 0;  // that have struck
+  // Faults that have struck; a reading that was cut short is a call, too.
+  std::int64_t callFaults = 0;
+  std::int64_t cutAnswers = 0;
+  std::int64_t refusedThreads = 0;
+  std::int64_t logFaults = 0;
   std::int64_t presses = 0;
+  double otherPressSeconds = 0;  // of presses outside batches
+  bool workIsRefused = false;
 
   // What the next dismissal in the daemon beside comes to; "" where its answer could not be read. None without one.
   std::function<std::string()> daemonAnswer;
+
+  // Whether the thread that is to start now is refused.
+  [[nodiscard]] bool refusesThread();
 
   // What the watched platform notices. All in turn, never two at once.
   void windowsRead(const std::vector<Seen*>& windows);
@@ -157,6 +181,7 @@ class Course {
   std::map<std::thread::id, Scans> scans_;
   std::list<Dismissal> dismissals_;  // under way, or not yet known to have ended
   std::set<std::string> autoClosed_;
+  std::int64_t threadStarts_ = 0;
   std::vector<std::int32_t> centers_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "platform/element_facts.h"
 #include "tests/swarm/generate/words.h"
 
 std::string Moment(Random& random, double seconds) {
@@ -113,5 +114,33 @@ void FaultMaker::addTo(Plan& plan) {
     plan.clockJumps.push_back({random_.between(1, 60), random_.pick(kJumps)});
   }
   if (random_.chance(3)) plan.failingAllocation = random_.between(1, 6);
-  faults_ += static_cast<std::int64_t>(plan.callFaults.size() + plan.clockJumps.size()) + (plan.failingAllocation > 0);
+  addLimits(plan);
+  faults_ += static_cast<std::int64_t>(plan.callFaults.size() + plan.clockJumps.size() + plan.threadRefusals.size() +
+                                       plan.shortAnswers.size() + plan.logFaults.size()) +
+             (plan.failingAllocation > 0);
+}
+
+void FaultMaker::addLimits(Plan& plan) {
+  if (random_.chance(12)) {
+    // Fifty more attempts follow a refused one before the program gives up.
+    static constexpr std::array<std::int64_t, 9> kCounts = {1, 2, 5, 20, 49, 50, 51, 120, INT64_MAX / 2};
+    for (std::size_t count = 1 + random_.below(2); count > 0; --count) {
+      const std::int64_t range = std::int64_t{1} << random_.below(6);
+      plan.threadRefusals.push_back({random_.between(1, range), random_.pick(kCounts)});
+    }
+  }
+  if (random_.chance(10)) {
+    for (std::size_t count = 1 + random_.below(4); count > 0; --count) {
+      const std::int64_t range = std::int64_t{1} << random_.below(9);
+      plan.shortAnswers.push_back({random_.between(1, range), random_.below(HLFactAttributeNames.size())});
+    }
+  }
+  if (random_.chance(10)) {
+    static constexpr std::array<std::int64_t, 4> kCounts = {1, 1, 6, INT64_MAX / 2};
+    for (std::size_t count = 1 + random_.below(3); count > 0; --count) {
+      const std::int64_t most = std::int64_t{8} << random_.below(8);
+      plan.logFaults.push_back(
+          {random_.between(1, 24), random_.pick(kCounts), random_.between(-1, most), random_.chance(50)});
+    }
+  }
 }

@@ -27,6 +27,8 @@ class FaultMaker {
  private:
   std::string notificationCenter(std::int64_t elements, int relaunches);
   std::string event();
+  // Threads, answers and a disk that come to an end.
+  void addLimits(Plan& plan);
 
   Random& random_;
   DesktopMaker& desktop_;

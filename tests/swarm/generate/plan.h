@@ -29,6 +29,27 @@ struct ClockJump {
   double seconds = 0;
 };
 
+// Threads are refused from the start with that number, 1 first, as many times as said.
+struct ThreadRefusal {
+  std::int64_t start = 0;
+  std::int64_t count = 0;
+};
+
+// The reading of a whole element with that number, 1 first, ends behind so many of the attributes that were asked for.
+struct ShortAnswer {
+  std::int64_t reading = 0;
+  std::size_t attributes = 0;
+};
+
+// From the log record with that number on, 1 first, so many find room for that many bytes only; for a negative number
+// the log does not open. It may be more bytes, where a character of several bytes is to be cut.
+struct LogFault {
+  std::int64_t record = 0;
+  std::int64_t count = 0;
+  std::int64_t room = 0;
+  bool cutsCharacter = false;
+};
+
 enum class Manner { asks, sendsInPieces, leavesEarly, staysIdle, asksWithoutEnd };
 
 // One connection to the daemon.
@@ -46,7 +67,10 @@ struct Plan {
   std::vector<CallFault> callFaults;
   std::vector<ClockJump> clockJumps;
   std::int64_t failingAllocation = 0;  // of a batch's arrays, 1 first; 0 for none
-  std::vector<Caller> callers;         // of the daemon, which is told to quit behind them
+  std::vector<ThreadRefusal> threadRefusals;
+  std::vector<ShortAnswer> shortAnswers;
+  std::vector<LogFault> logFaults;
+  std::vector<Caller> callers;  // of the daemon, which is told to quit behind them
   // Of a daemon beside the application, by their kinds in turn; empty where there is none.
   std::vector<std::size_t> daemonReplies;
 };
