@@ -16,19 +16,20 @@ run:
 	@cmake --build --preset dev -j $(JOBS) --target hushlet
 	@echo "Built build/bin/hushlet, the program itself."
 
-# The Debian package.
+# The packages, for Debian and for RPM.
 package:
 	@tools/install-packages build package
 	cmake --preset release $(CONFIGURE_FLAGS)
 	cmake --build --preset release -j $(JOBS)
 	cd build-release && cpack
 
-# The release, with each source compiled alone, and a short test of what it installs.
+# The release, with each source compiled alone, and a short test of what it installs and of its packages.
 release:
-	@tools/install-packages build test
+	@tools/install-packages build test package
 	cmake --preset release $(CONFIGURE_FLAGS)
 	cmake --build --preset release -j $(JOBS)
 	tests/packaging/install-test build-release
+	tests/packaging/package-test build-release
 
 # Every test, those on a real desktop included, after a short run of the fuzzers; then the macOS build, where a sysroot for it
 # is named.

@@ -24,6 +24,7 @@
 #include "daemon/self_check.h"
 #include "daemon/test_notifications.h"
 #include "daemon/trusted_daemon.h"
+#include "entry/switch_texts.h"
 #include "platform/platform.h"
 
 namespace {
@@ -88,53 +89,37 @@ int version(const HLModeCall& call) {
 }
 
 constexpr std::array<HLMode, 14> kModes = {{
-    {"--request-accessibility", HLModeValue::none, requestAccessibility, "ask for access to the screen"},
-    {"--daemon", HLModeValue::none, daemon, "clear banners for processes outside the session"},
-    {"--daemon-dismiss", HLModeValue::none, daemonDismiss, "clear the banners, through the daemon if necessary"},
-    {"--daemon-self-check", HLModeValue::none, daemonSelfCheck, "print whether the daemon replies"},
-    {"--auto-close-match", HLModeValue::required, autoCloseMatch,
-     "print whether TEXT describes an automation's banner"},
-    {"--close-matching", HLModeValue::required, closeMatching, "close the banners whose description contains TEXT"},
-    {"--auto-close-probe", HLModeValue::seconds, autoCloseProbe, "close the banners of automations for a while"},
-    {"--observe-nc", HLModeValue::seconds, observe, "print accessibility events of the notification server"},
-    {"--self-check", HLModeValue::none, selfCheck, "print whether access is allowed, and count the banners"},
-    {"--send-test-notifications", HLModeValue::none, sendTestNotifications, "post three notifications"},
-    {"--dismiss-now", HLModeValue::none, dismissNow, "clear the banners from this process"},
-    {"--help", HLModeValue::none, help, "print this text"},
-    {"--version", HLModeValue::none, version, "print the version"},
-    {"", HLModeValue::none, menuBarApplication, ""},
+    {"--request-accessibility", HLModeValue::none, requestAccessibility},
+    {"--daemon", HLModeValue::none, daemon},
+    {"--daemon-dismiss", HLModeValue::none, daemonDismiss},
+    {"--daemon-self-check", HLModeValue::none, daemonSelfCheck},
+    {"--auto-close-match", HLModeValue::required, autoCloseMatch},
+    {"--close-matching", HLModeValue::required, closeMatching},
+    {"--auto-close-probe", HLModeValue::seconds, autoCloseProbe},
+    {"--observe-nc", HLModeValue::seconds, observe},
+    {"--self-check", HLModeValue::none, selfCheck},
+    {"--send-test-notifications", HLModeValue::none, sendTestNotifications},
+    {"--dismiss-now", HLModeValue::none, dismissNow},
+    {"--help", HLModeValue::none, help},
+    {"--version", HLModeValue::none, version},
+    {"", HLModeValue::none, menuBarApplication},
 }};
 
-std::string_view placeholderOf(HLModeValue value) {
-  switch (value) {
-    case HLModeValue::none:
-      break;
-    case HLModeValue::required:
-      return " TEXT";
-    case HLModeValue::seconds:
-      return " [SECONDS]";
-  }
-  return "";
+void printSwitch(const HLSwitchText& text, std::ostream& out) {
+  constexpr std::size_t kColumn = 30;
+  std::string line(text.name);
+  if (!text.value.empty()) line.append(" ").append(text.value);
+  line.resize(std::max(kColumn, line.size() + 1), ' ');
+  out << "  " << line << text.summary << '\n';
 }
 
 int help(const HLModeCall& call) {
-  const auto line = [&call](std::string option, std::string_view summary) {
-    constexpr std::size_t kColumn = 30;
-    option.resize(std::max(kColumn, option.size() + 1), ' ');
-    call.out << "  " << option << summary << '\n';
-  };
   call.out << "Usage: hushlet [MODE] [OPTION...]\n\n"
               "Clears the notification banners on screen. Without a mode, starts the application,\n"
               "which clears them when its icon is clicked or its shortcut is pressed.\n\nModes:\n";
-  for (const HLMode& mode : kModes) {
-    if (!mode.switchName.empty()) {
-      line(std::string(mode.switchName).append(placeholderOf(mode.value)), mode.summary);
-    }
-  }
+  for (const HLSwitchText& text : HLModeTexts) printSwitch(text, call.out);
   call.out << "\nOptions of the application:\n";
-  line("--open-settings", "show the settings window");
-  line("--appearance-dark", "show the windows dark");
-  line("--snapshot-windows DIRECTORY", "write pictures of the windows into DIRECTORY");
+  for (const HLSwitchText& text : HLOptionTexts) printSwitch(text, call.out);
   return EXIT_SUCCESS;
 }
 

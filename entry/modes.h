@@ -28,7 +28,6 @@ struct HLMode {
   std::string_view switchName;  // "" for the menu-bar application, which runs when no switch applies
   HLModeValue value;
   HLModeFunction run;
-  std::string_view summary = "";  // for --help
 };
 
 // All modes in the order in which they are tested, the menu-bar application last.
