@@ -1,12 +1,15 @@
 #include "platform/linux/atspi/accessible_application.h"
 
+#include <array>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
 #include <thread>
 #include <utility>
-#include <vector>
+#include <variant>
 
 #include "platform/linux/atspi/banners.h"
+#include "platform/linux/atspi/closing.h"
 #include "platform/linux/atspi/tree_reader.h"
 
 namespace {
@@ -61,6 +64,25 @@ HLAXError errorOf(const HLBusReply& reply) {
   return done != 0 ? HLAXErrorSuccess : HLAXErrorFailure;
 }
 
+// Applications send only events for which a listener is registered with the registry.
+constexpr std::array kWantedEvents = {"object:children-changed", "object:state-changed:showing",
+                                      "object:property-change:accessible-name",
+                                      "object:property-change:accessible-description", "window:create"};
+
+// Subscribes to the events of the application with that bus name. Returns nullptr if the bus cannot be reached.
+std::shared_ptr<HLBus> watchEvents(const std::string& busAddress, const std::string& application) {
+  std::shared_ptr<HLBus> bus = HLBus::openBus(busAddress);
+  if (bus == nullptr) return nullptr;
+  for (const char* interface : {"org.a11y.atspi.Event.Object", "org.a11y.atspi.Event.Window"}) {
+    if (!bus->watch("type='signal',sender='" + application + "',interface='" + interface + "'")) return nullptr;
+  }
+  for (const char* event : kWantedEvents) {
+    const HLBusCall call{kRegistry, "/org/a11y/atspi/registry", "org.a11y.atspi.Registry", "RegisterEvent"};
+    if (!bus->call(call, "sass", event, 0U, "")) return nullptr;
+  }
+  return bus;
+}
+
 }  // namespace
 
 std::string HLAccessibilityBusAddress(HLBus& session) {
@@ -72,8 +94,10 @@ std::string HLAccessibilityBusAddress(HLBus& session) {
 }
 
 std::unique_ptr<HLAccessibleApplication> HLAccessibleApplication::connect(const std::string& busAddress,
-                                                                          std::int32_t pid, HLProcessKind kind) {
-  std::unique_ptr<HLAccessibleApplication> application(new HLAccessibleApplication(busAddress, pid, kind));
+                                                                          std::int32_t pid, HLProcessKind kind,
+                                                                          HLOpenNotifications* notifications) {
+  std::unique_ptr<HLAccessibleApplication> application(
+      new HLAccessibleApplication(busAddress, pid, kind, notifications));
   return application->findOnBus() ? std::move(application) : nullptr;
 }
 
@@ -117,13 +141,20 @@ void HLAccessibleApplication::drop(HLBusOutcome outcome) {
   lastTimeout_ = Clock::now();
 }
 
-std::unique_ptr<const HLAccessibleApplication::Interface> HLAccessibleApplication::read() {
+// match() may block, so it is called without the mutex: presses need not wait for it.
+std::unique_ptr<const HLShownApplication::Interface> HLAccessibleApplication::read() {
+  auto interface = std::make_unique<Interface>();
+  std::vector<HLBanner> banners;
+  if (!readTree(interface->tree, banners)) return nullptr;
+  const HLClosingActions closings = HLFindClosingActions(interface->tree, banners, std::nullopt, notifications_);
+  interface->mapped = HLMapTree(interface->tree, banners, closings, kind_);
+  return interface;
+}
+
+bool HLAccessibleApplication::readTree(HLRawTree& tree, std::vector<HLBanner>& banners) {
   const HLLock lock(mutex_);
   HLBus* bus = connection();
-  if (bus == nullptr) return nullptr;
-  auto interface = std::make_unique<Interface>();
-  HLRawTree& tree = interface->tree;
-  std::vector<HLBanner> banners;
+  if (bus == nullptr) return false;
   HLBusOutcome outcome = HLReadTree(*bus, name_, tree);
   if (outcome == HLBusOutcome::answered) {
     if (kind_ == HLProcessKind::notificationServer) banners = HLFindBanners(tree);
@@ -132,11 +163,28 @@ std::unique_ptr<const HLAccessibleApplication::Interface> HLAccessibleApplicatio
   }
   if (outcome != HLBusOutcome::answered) {
     drop(outcome);
-    return nullptr;
+    return false;
   }
   isUnresponsive_ = false;
-  interface->mapped = HLMapTree(tree, banners, kind_);
-  return interface;
+  return true;
+}
+
+HLAXError HLAccessibleApplication::perform(const Interface& interface, const HLMappedAction& action) {
+  if (const auto* name = std::get_if<HLNotificationName>(&action)) {
+    if (hasEnded()) return HLAXErrorInvalidElement;
+    return notifications_->close(*name) ? HLAXErrorSuccess : HLAXErrorFailure;
+  }
+  const HLRawAction& pressed = std::get<HLRawAction>(action);
+  return press(interface.tree[static_cast<std::size_t>(pressed.node)].path, pressed.action);
+}
+
+std::vector<HLEventSource> HLAccessibleApplication::watch() {
+  std::shared_ptr<HLBus> bus = watchEvents(busAddress_, name_);
+  if (bus == nullptr) return {};
+  std::vector<HLEventSource> sources = HLEventsOfNotifications(notifications_);
+  const int descriptor = bus->descriptor();
+  sources.push_back({descriptor, [bus = std::move(bus)] { return bus->takeSignals(); }});
+  return sources;
 }
 
 HLAXError HLAccessibleApplication::press(const std::string& path, int action) {

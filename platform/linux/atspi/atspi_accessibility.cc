@@ -14,6 +14,7 @@
 
 #include "platform/linux/atspi/accessible_application.h"
 #include "platform/linux/atspi/atspi_observer.h"
+#include "platform/linux/atspi/listed_application.h"
 #include "platform/linux/session/bus.h"
 #include "platform/threads/thread_safety.h"
 
@@ -32,14 +33,14 @@ HLArray arrayOf(const std::vector<HLElementRef>& elements) { return {elements.be
 
 // An application, and its newest snapshot as long as a handle or element owns that snapshot.
 struct Source {
-  explicit Source(std::unique_ptr<HLAccessibleApplication> connected) : application(std::move(connected)) {}
+  explicit Source(std::unique_ptr<HLShownApplication> shown) : application(std::move(shown)) {}
 
   std::shared_ptr<const Snapshot> newest() {
     const HLLock lock(mutex);
     return newestSnapshot.lock();
   }
 
-  const std::unique_ptr<HLAccessibleApplication> application;
+  const std::unique_ptr<HLShownApplication> application;
   HLMutex mutex;
   std::weak_ptr<const Snapshot> newestSnapshot HL_GUARDED_BY(mutex);
 };
@@ -86,7 +87,7 @@ class Element : public HLElement {
 // All elements of an application at one time. A handle of any of them owns the whole snapshot.
 class Snapshot : public std::enable_shared_from_this<Snapshot> {
  public:
-  Snapshot(std::shared_ptr<Source> source, std::unique_ptr<const HLAccessibleApplication::Interface> interface)
+  Snapshot(std::shared_ptr<Source> source, std::unique_ptr<const HLShownApplication::Interface> interface)
       : source_(std::move(source)), interface_(std::move(interface)) {
     const auto count = static_cast<int>(interface_->mapped.nodes.size());
     for (int i = 0; i < count; ++i) elements_.emplace_back(*this, i);
@@ -110,6 +111,10 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
     return handles;
   }
 
+  [[nodiscard]] HLAXError perform(const HLMappedAction& action) const {
+    return source_->application->perform(*interface_, action);
+  }
+
   [[nodiscard]] HLArray windows() const { return arrayOf(handles(interface_->mapped.windows)); }
 
   [[nodiscard]] std::optional<int> find(const Identity& wanted) const {
@@ -123,7 +128,7 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
 
  private:
   const std::shared_ptr<Source> source_;
-  const std::unique_ptr<const HLAccessibleApplication::Interface> interface_;
+  const std::unique_ptr<const HLShownApplication::Interface> interface_;
   mutable std::deque<Element> elements_;  // HLElementRef is a pointer to non-const; elements are immutable
   mutable std::once_flag indexed_;        // index_ is built on first use
   mutable std::unordered_map<Identity, int, IdentityHash> index_;
@@ -133,7 +138,7 @@ const HLMappedNode& Element::Place::node() const { return snapshot->node(index);
 
 // Returns nullptr if the application does not answer. Blocks.
 std::shared_ptr<const Snapshot> takeSnapshot(const std::shared_ptr<Source>& source) {
-  std::unique_ptr<const HLAccessibleApplication::Interface> interface = source->application->read();
+  std::unique_ptr<const HLShownApplication::Interface> interface = source->application->read();
   if (interface == nullptr) return nullptr;
   return std::make_shared<const Snapshot>(source, std::move(interface));
 }
@@ -186,9 +191,7 @@ HLAXError Element::performAction(std::string_view name) const {
   const std::vector<std::string>& names = node.facts.actionNames;
   const auto found = std::find(names.begin(), names.end(), name);
   if (found == names.end()) return HLAXErrorActionUnsupported;
-  const HLMappedAction& action = node.actions[static_cast<std::size_t>(found - names.begin())];
-  const std::string& path = now->snapshot->rawNode(action.node).path;
-  const HLAXError error = snapshot_.source()->application->press(path, action.action);
+  const HLAXError error = now->snapshot->perform(node.actions[static_cast<std::size_t>(found - names.begin())]);
   if (error == HLAXErrorSuccess) pressed_ = true;
   return error;
 }
@@ -226,7 +229,7 @@ class ApplicationElement : public HLElement {
     return element != nullptr && source_->application->pid() == element->source_->application->pid();
   }
 
-  [[nodiscard]] const std::string& busName() const { return source_->application->busName(); }
+  [[nodiscard]] std::vector<HLEventSource> watch() const { return source_->application->watch(); }
 
  private:
   [[nodiscard]] std::shared_ptr<const Snapshot> shown() const {
@@ -270,12 +273,14 @@ std::string sessionBusAddress() {
 }
 
 // Returns nullptr if the process is not on the bus or does not answer. Blocks.
-std::shared_ptr<Source> connect(std::int32_t pid, HLRunningApplications& servers) {
+std::unique_ptr<HLShownApplication> connect(std::int32_t pid, HLRunningApplications& servers,
+                                            HLOpenNotifications& notifications) {
+  const bool isServer = servers.find(pid).has_value();
+  if (isServer && notifications.serverLacksTree()) return std::make_unique<HLListedApplication>(pid, notifications);
   const std::string address = sessionBusAddress();
   if (address.empty()) return nullptr;
-  const HLProcessKind kind = servers.find(pid) ? HLProcessKind::notificationServer : HLProcessKind::other;
-  std::unique_ptr<HLAccessibleApplication> application = HLAccessibleApplication::connect(address, pid, kind);
-  return application == nullptr ? nullptr : std::make_shared<Source>(std::move(application));
+  return isServer ? HLAccessibleApplication::connect(address, pid, HLProcessKind::notificationServer, &notifications)
+                  : HLAccessibleApplication::connect(address, pid, HLProcessKind::other);
 }
 
 bool isTrusted() {
@@ -307,8 +312,10 @@ bool HLLinuxAccessibility::isProcessTrusted(bool prompt) {
 }
 
 HLElementRef HLLinuxAccessibility::createApplication(std::int32_t pid) {
-  std::shared_ptr<Source> source = connect(pid, servers_);
-  std::shared_ptr<const Snapshot> first = source == nullptr ? nullptr : takeSnapshot(source);
+  std::unique_ptr<HLShownApplication> application = connect(pid, servers_, notifications_);
+  if (application == nullptr) return nullptr;
+  auto source = std::make_shared<Source>(std::move(application));
+  std::shared_ptr<const Snapshot> first = takeSnapshot(source);
   if (first == nullptr) return nullptr;
   {
     const HLLock lock(source->mutex);
@@ -321,7 +328,7 @@ std::unique_ptr<HLObserver> HLLinuxAccessibility::createObserver(std::int32_t pi
   const HLElementRef application = createApplication(pid);
   const auto* element = dynamic_cast<const ApplicationElement*>(application.get());
   if (element == nullptr) return nullptr;
-  std::unique_ptr<HLBus> events = HLWatchAccessibilityEvents(sessionBusAddress(), element->busName());
-  if (events == nullptr) return nullptr;
+  std::vector<HLEventSource> events = element->watch();
+  if (events.empty()) return nullptr;
   return std::make_unique<HLLinuxObserver>(runLoop_, std::move(events), application, std::move(callback));
 }

@@ -11,13 +11,14 @@
 
 // A process is trusted if accessibility is switched on in its session and it can connect to the accessibility bus.
 //
-// An application element exists only for a process that is on that bus and answers. Reading "AXWindows" reads a
-// snapshot of the whole application; its elements answer from that snapshot until the next such read. Actions always
-// call the process. While a process does not answer, "AXWindows" returns the last snapshot, so that an unresponsive
-// process never looks like an empty screen.
+// An application element exists only for a process that is on that bus and answers, or for a notification server whose
+// banners are known without a tree. Reading "AXWindows" reads a snapshot of the whole application; its elements answer
+// from that snapshot until the next such read. Actions always call the process. While a process does not answer,
+// "AXWindows" returns the last snapshot, so that an unresponsive process never looks like an empty screen.
 class HLLinuxAccessibility : public HLAccessibility {
  public:
-  // The processes that `servers` lists are notification servers. Observers run on `runLoop`.
+  // The processes that `servers` lists are notification servers. Their banners without a close control are closed by
+  // `notifications`. Observers run on `runLoop`.
   HLLinuxAccessibility(HLRunningApplications& servers, HLOpenNotifications& notifications, HLLinuxRunLoop& runLoop)
       : servers_(servers), notifications_(notifications), runLoop_(runLoop) {}
 

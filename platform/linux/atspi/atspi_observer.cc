@@ -14,28 +14,9 @@ constexpr std::array<std::string_view, 8> kNotifications = {
     "AXWindowCreated",   "AXCreated",      "AXUIElementDestroyed", "AXLayoutChanged",
     "AXChildrenChanged", "AXValueChanged", "AXTitleChanged",       "AXAnnouncementRequested"};
 
-// Applications send only events for which a listener is registered with the registry.
-constexpr std::array kWantedEvents = {"object:children-changed", "object:state-changed:showing",
-                                      "object:property-change:accessible-name",
-                                      "object:property-change:accessible-description", "window:create"};
-
 }  // namespace
 
-std::unique_ptr<HLBus> HLWatchAccessibilityEvents(const std::string& busAddress, const std::string& application) {
-  std::unique_ptr<HLBus> bus = HLBus::openBus(busAddress);
-  if (bus == nullptr) return nullptr;
-  for (const char* interface : {"org.a11y.atspi.Event.Object", "org.a11y.atspi.Event.Window"}) {
-    if (!bus->watch("type='signal',sender='" + application + "',interface='" + interface + "'")) return nullptr;
-  }
-  for (const char* event : kWantedEvents) {
-    const HLBusCall call{"org.a11y.atspi.Registry", "/org/a11y/atspi/registry", "org.a11y.atspi.Registry",
-                         "RegisterEvent"};
-    if (!bus->call(call, "sass", event, 0U, "")) return nullptr;
-  }
-  return bus;
-}
-
-HLLinuxObserver::HLLinuxObserver(HLLinuxRunLoop& runLoop, std::unique_ptr<HLBus> events, HLElementRef application,
+HLLinuxObserver::HLLinuxObserver(HLLinuxRunLoop& runLoop, std::vector<HLEventSource> events, HLElementRef application,
                                  HLObserverCallback callback)
     : runLoop_(runLoop),
       events_(std::move(events)),
@@ -61,30 +42,34 @@ HLAXError HLLinuxObserver::removeNotification(const HLElementRef& element, std::
 }
 
 void HLLinuxObserver::attach() {
-  if (source_ == 0) source_ = runLoop_.addSource({events_->descriptor(), [this] { return takeEvents(); }});
+  if (!sources_.empty()) return;
+  for (const HLEventSource& source : events_) {
+    sources_.push_back(runLoop_.addSource({source.descriptor, [this, &source] { return takeEvents(source); }}));
+  }
 }
 
 void HLLinuxObserver::detach() {
-  if (source_ != 0) runLoop_.removeSource(std::exchange(source_, 0));
+  for (int source : std::exchange(sources_, {})) runLoop_.removeSource(source);
 }
 
 std::vector<HLLinuxObserver::Shown> HLLinuxObserver::read() const {
   std::vector<Shown> shown;
   for (const HLElementRef& window : HLElementsFromAttribute(application_->copyAttributeValue("AXWindows"))) {
     const HLElementFacts facts = window->copyFacts();
-    shown.push_back({window, nullptr, facts.title});
+    shown.push_back({window, nullptr, facts.title, false});
     for (const HLElementRef& child : facts.children) {
       HLElementFacts below = child->copyFacts();
-      if (below.subrole == HLBannerSubrole) shown.push_back({child, window, std::move(below.description)});
+      if (below.subrole != HLBannerSubrole) continue;
+      shown.push_back({child, window, std::move(below.description), !below.actionNames.empty()});
     }
   }
   return shown;
 }
 
-bool HLLinuxObserver::takeEvents() {
-  const std::optional<int> signals = events_->takeSignals();
-  if (!signals) return false;
-  if (*signals == 0) return true;
+bool HLLinuxObserver::takeEvents(const HLEventSource& source) {
+  const std::optional<int> events = source.take();
+  if (!events) return false;
+  if (*events == 0) return true;
   const std::vector<Shown> before = std::exchange(shown_, read());
   const std::vector<Shown> now = shown_;
   compare(before, now);
@@ -99,7 +84,7 @@ void HLLinuxObserver::compare(const std::vector<Shown>& before, const std::vecto
   };
   std::vector<Shown> changed;  // windows whose banners are others
   const auto noteChange = [&](const Shown& banner) {
-    const Shown window{banner.window, nullptr, ""};
+    const Shown window{banner.window, nullptr, "", false};
     if (find(now, window) != now.end() && find(changed, window) == changed.end()) changed.push_back(window);
   };
   for (const Shown& each : before) {
@@ -110,13 +95,13 @@ void HLLinuxObserver::compare(const std::vector<Shown>& before, const std::vecto
   for (const Shown& each : now) {
     const auto known = find(before, each);
     const bool isNew = known == before.end();
-    if (!isNew && known->text == each.text) continue;
+    const bool isChanged = isNew || known->text != each.text;
     if (each.window == nullptr) {
-      notify(each, isNew ? "AXWindowCreated" : "AXTitleChanged");
+      if (isChanged) notify(each, isNew ? "AXWindowCreated" : "AXTitleChanged");
       continue;
     }
-    notify(each, isNew ? "AXCreated" : "AXValueChanged");
-    notify(each, "AXLayoutChanged");
+    if (isChanged) notify(each, isNew ? "AXCreated" : "AXValueChanged");
+    if (each.isClosable && (isChanged || !known->isClosable)) notify(each, "AXLayoutChanged");
     if (isNew) noteChange(each);
   }
   for (const Shown& window : changed) notify(window, "AXChildrenChanged");
@@ -130,5 +115,5 @@ void HLLinuxObserver::notify(const Shown& about, std::string_view notification) 
                                            (element.isEqual(*application_) || element.isEqual(*about.element) ||
                                             (about.window != nullptr && element.isEqual(*about.window)));
                                   });
-  if (wanted && source_ != 0) callback_(about.element, notification);
+  if (wanted && !sources_.empty()) callback_(about.element, notification);
 }

@@ -216,6 +216,30 @@ const HLRawNode* nodeWithOwnTexts(const HLRawTree& tree, int index) {
   return nullptr;
 }
 
+struct BannerTexts {
+  std::string application;
+  std::string title;
+  std::vector<std::string> body;
+};
+
+BannerTexts textsOf(const HLRawTree& tree, const HLBanner& banner) {
+  const std::vector<std::string> texts = textsInReadingOrder(tree, banner);
+  const HLRawNode* marked = nodeWithOwnTexts(tree, banner.node);
+  BannerTexts parts;
+  parts.title = marked == nullptr ? "" : marked->name;
+  auto rest = texts.begin();
+  if (const auto known = std::find(rest, texts.end(), parts.title); marked != nullptr && known != texts.end()) {
+    if (known != rest) parts.application = *rest;
+    rest = known + 1;
+  } else if (!texts.empty()) {
+    if (namesApplication(tree, banner)) parts.application = *rest++;
+    parts.title = rest == texts.end() ? "" : *rest++;
+  }
+  parts.body.assign(rest, texts.end());
+  if (parts.body.empty() && marked != nullptr) parts.body.push_back(marked->description);
+  return parts;
+}
+
 }  // namespace
 
 bool HLIsPressAction(std::string_view name) {
@@ -241,9 +265,9 @@ std::vector<HLBanner> HLFindBanners(const HLRawTree& tree) {
   return banners;
 }
 
-std::optional<HLCloseControl> HLFindCloseControl(const HLRawTree& tree, const HLBanner& banner) {
+std::optional<HLRawAction> HLFindCloseControl(const HLRawTree& tree, const HLBanner& banner) {
   int best = 0;
-  std::optional<HLCloseControl> control;
+  std::optional<HLRawAction> control;
   for (int button : banner.buttons) {
     const std::vector<std::string>& actions = at(tree, button).actions;
     const auto press = std::find_if(actions.begin(), actions.end(), HLIsPressAction);
@@ -251,27 +275,23 @@ std::optional<HLCloseControl> HLFindCloseControl(const HLRawTree& tree, const HL
     if (sure == 0 || sure < best) continue;
     // Of two equally likely buttons, one may be the application's, so neither is chosen.
     control.reset();
-    if (sure > best) control = HLCloseControl{button, static_cast<int>(press - actions.begin())};
+    if (sure > best) control = HLRawAction{button, static_cast<int>(press - actions.begin())};
     best = sure;
   }
   return control;
 }
 
 std::string HLBannerText(const HLRawTree& tree, const HLBanner& banner) {
-  const std::vector<std::string> texts = textsInReadingOrder(tree, banner);
-  const HLRawNode* marked = nodeWithOwnTexts(tree, banner.node);
-  std::string application;
-  std::string title = marked == nullptr ? "" : marked->name;
+  const BannerTexts texts = textsOf(tree, banner);
   std::string body;
-  auto rest = texts.begin();
-  if (const auto known = std::find(rest, texts.end(), title); marked != nullptr && known != texts.end()) {
-    if (known != rest) application = *rest;
-    rest = known + 1;
-  } else if (!texts.empty()) {
-    if (namesApplication(tree, banner)) application = *rest++;
-    title = rest == texts.end() ? "" : *rest++;
-  }
-  for (; rest != texts.end(); ++rest) body += (body.empty() ? "" : " ") + *rest;
-  if (body.empty() && marked != nullptr) body = marked->description;
-  return application + ", " + title + (body.empty() ? "" : ", " + body);
+  for (const std::string& text : texts.body) body += (body.empty() ? "" : " ") + text;
+  return texts.application + ", " + texts.title + (body.empty() ? "" : ", " + body);
+}
+
+HLShownTexts HLBannerTexts(const HLRawTree& tree, const HLBanner& banner) {
+  BannerTexts texts = textsOf(tree, banner);
+  HLShownTexts shown = {std::move(texts.application), std::move(texts.title)};
+  shown.insert(shown.end(), texts.body.begin(), texts.body.end());
+  std::erase(shown, "");
+  return shown;
 }

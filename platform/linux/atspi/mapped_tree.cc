@@ -31,10 +31,16 @@ std::string actionName(std::string_view name) {
   return "Name:" + std::string(name);
 }
 
+std::string textOf(const HLNotificationName& name) {
+  const std::string text = name.number != 0 ? std::to_string(name.number) : name.application + " " + name.identifier;
+  return "notification " + text;
+}
+
 class Mapper {
  public:
-  Mapper(const HLRawTree& tree, const std::vector<HLBanner>& banners, HLProcessKind kind)
-      : tree_(tree), banners_(banners), kind_(kind), isBanner_(tree.size(), false) {
+  Mapper(const HLRawTree& tree, const std::vector<HLBanner>& banners, const HLClosingActions& closings,
+         HLProcessKind kind)
+      : tree_(tree), banners_(banners), closings_(closings), kind_(kind), isBanner_(tree.size(), false) {
     for (const HLBanner& banner : banners_) isBanner_[static_cast<std::size_t>(banner.node)] = true;
   }
 
@@ -43,8 +49,8 @@ class Mapper {
       if (!raw(window).isShowing()) continue;
       const int mapped = add(window);
       result_.windows.push_back(mapped);
-      for (const HLBanner& banner : banners_) {
-        if (windowOf(banner.node) == window) adopt(mapped, addBanner(banner));
+      for (std::size_t i = 0; i < banners_.size(); ++i) {
+        if (windowOf(banners_[i].node) == window) adopt(mapped, addBanner(banners_[i], closings_[i]));
       }
       if (!isBanner(window)) addChildren(mapped, window, kNone);
     }
@@ -84,13 +90,15 @@ class Mapper {
     for (std::size_t i = 0; i < node.actions.size(); ++i) {
       const std::string name = actionName(node.actions[i]);
       const std::vector<std::string>& known = added.facts.actionNames;
-      if (std::find(known.begin(), known.end(), name) == known.end()) addAction(added, name, index, i);
+      if (std::find(known.begin(), known.end(), name) == known.end()) {
+        addAction(added, name, HLRawAction{index, static_cast<int>(i)});
+      }
     }
   }
 
-  static void addAction(HLMappedNode& added, std::string_view name, int node, std::size_t action) {
+  static void addAction(HLMappedNode& added, std::string_view name, const HLMappedAction& action) {
     added.facts.actionNames.emplace_back(name);
-    added.actions.push_back({node, static_cast<int>(action)});
+    added.actions.push_back(action);
   }
 
   static HLRect frameOf(const HLRawNode& node) {
@@ -98,7 +106,7 @@ class Mapper {
     return HLFrameFromPointAndSize({node.extents->x, node.extents->y}, {node.extents->width, node.extents->height});
   }
 
-  int addBanner(const HLBanner& banner) {
+  int addBanner(const HLBanner& banner, const std::optional<HLMappedAction>& closing) {
     const int index = static_cast<int>(result_.nodes.size());
     HLMappedNode& added = result_.nodes.emplace_back();
     added.raw = banner.node;
@@ -107,9 +115,11 @@ class Mapper {
     added.facts.subrole = HLBannerSubrole;
     added.facts.description = HLBannerText(tree_, banner);
     added.facts.frame = frameOf(raw(banner.node));
-    const std::optional<HLCloseControl> control = HLFindCloseControl(tree_, banner);
-    if (control) addAction(added, kCloseAction, control->node, static_cast<std::size_t>(control->action));
-    addChildren(index, banner.node, control ? control->node : kNone);
+    if (closing) addAction(added, kCloseAction, *closing);
+    const auto* name = closing ? std::get_if<HLNotificationName>(&*closing) : nullptr;
+    if (name != nullptr) added.facts.roleDescription = textOf(*name);
+    const auto* control = closing ? std::get_if<HLRawAction>(&*closing) : nullptr;
+    addChildren(index, banner.node, control != nullptr ? control->node : kNone);
     return index;
   }
 
@@ -124,6 +134,7 @@ class Mapper {
 
   const HLRawTree& tree_;
   const std::vector<HLBanner>& banners_;
+  const HLClosingActions& closings_;
   const HLProcessKind kind_;
   std::vector<bool> isBanner_;
   HLMappedTree result_;
@@ -159,6 +170,7 @@ HLNeededDetails HLDetailsNeeded(const HLRawTree& tree, const std::vector<HLBanne
   return needed;
 }
 
-HLMappedTree HLMapTree(const HLRawTree& tree, const std::vector<HLBanner>& banners, HLProcessKind kind) {
-  return Mapper(tree, banners, kind).map();
+HLMappedTree HLMapTree(const HLRawTree& tree, const std::vector<HLBanner>& banners, const HLClosingActions& closings,
+                       HLProcessKind kind) {
+  return Mapper(tree, banners, closings, kind).map();
 }

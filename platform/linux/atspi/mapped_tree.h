@@ -1,20 +1,23 @@
 // An application's elements in AX terms. All functions are pure.
 #pragma once
 
+#include <optional>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "platform/element_facts.h"
 #include "platform/linux/atspi/banners.h"
 #include "platform/linux/atspi/raw_tree.h"
+#include "platform/linux/notifications/open_notifications.h"
 
 inline constexpr std::string_view HLBannerSubrole = "AXNotificationCenterAlert";
 
-// An action of a raw node.
-struct HLMappedAction {
-  int node = -1;
-  int action = 0;
-};
+// What an action does: it presses an element, or closes a notification by its name.
+using HLMappedAction = std::variant<HLRawAction, HLNotificationName>;
+
+// At each banner's index what closes it; nullopt for a banner that is left alone.
+using HLClosingActions = std::vector<std::optional<HLMappedAction>>;
 
 struct HLMappedNode {
   int raw = -1;  // index in the raw tree; a banner and its window may have the same
@@ -30,7 +33,7 @@ struct HLMappedTree {
 };
 
 enum class HLProcessKind {
-  notificationServer,  // only its banners have an action, which presses their close control
+  notificationServer,  // only its banners have an action, which closes them
   other,
 };
 
@@ -43,5 +46,8 @@ struct HLNeededDetails {
                                               HLProcessKind kind);
 
 // Maps the windows that are showing. Each banner is a child of its window, before all others; its close control is left
-// out below it. `banners` are those of HLFindBanners(), empty for other kinds of process.
-[[nodiscard]] HLMappedTree HLMapTree(const HLRawTree& tree, const std::vector<HLBanner>& banners, HLProcessKind kind);
+// out below it. A banner that is closed by name has the name in its role description, which tells it from an equal
+// banner that a server shows next in the same place. `banners` are those of HLFindBanners(), empty for other kinds of
+// process.
+[[nodiscard]] HLMappedTree HLMapTree(const HLRawTree& tree, const std::vector<HLBanner>& banners,
+                                     const HLClosingActions& closings, HLProcessKind kind);

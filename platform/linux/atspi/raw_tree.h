@@ -41,3 +41,9 @@ struct HLRawNode {
 
 // Parents precede their children. Node 0 is the application.
 using HLRawTree = std::vector<HLRawNode>;
+
+// An action of a node, by its index in the node's list.
+struct HLRawAction {
+  int node = -1;
+  int action = 0;
+};

@@ -24,7 +24,7 @@ std::vector<std::string> textsOf(const HLRawTree& tree) {
 std::vector<std::string> controlsOf(const HLRawTree& tree) {
   std::vector<std::string> controls;
   for (const HLBanner& banner : HLFindBanners(tree)) {
-    const std::optional<HLCloseControl> control = HLFindCloseControl(tree, banner);
+    const std::optional<HLRawAction> control = HLFindCloseControl(tree, banner);
     if (!control) {
       controls.emplace_back("none");
       continue;
@@ -68,7 +68,7 @@ TEST(RecordedBanners, BudgieNamesItsCloseButtonAsTheApplicationNamesIts) {
   const std::vector<HLBanner> banners = HLFindBanners(tree);
   ASSERT_THAT(banners, SizeIs(2));
   for (const HLBanner& banner : banners) {
-    const std::optional<HLCloseControl> control = HLFindCloseControl(tree, banner);
+    const std::optional<HLRawAction> control = HLFindCloseControl(tree, banner);
     ASSERT_TRUE(control);
     EXPECT_EQ(tree[static_cast<std::size_t>(control->node)].extents->width, 24);  // the application's is 85 wide
   }

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/atspi/closing.h"
 #include "tests/platform/linux/atspi/recorded_tree.h"
 
 namespace {
@@ -16,10 +17,12 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 HLMappedTree mapServer(const HLRawTree& tree) {
-  return HLMapTree(tree, HLFindBanners(tree), HLProcessKind::notificationServer);
+  const std::vector<HLBanner> banners = HLFindBanners(tree);
+  const HLClosingActions closings = HLFindClosingActions(tree, banners, std::nullopt, nullptr);
+  return HLMapTree(tree, banners, closings, HLProcessKind::notificationServer);
 }
 
-HLMappedTree mapOther(const HLRawTree& tree) { return HLMapTree(tree, {}, HLProcessKind::other); }
+HLMappedTree mapOther(const HLRawTree& tree) { return HLMapTree(tree, {}, {}, HLProcessKind::other); }
 
 const HLMappedNode& at(const HLMappedTree& mapped, int index) {
   return mapped.nodes.at(static_cast<std::size_t>(index));
@@ -75,8 +78,9 @@ TEST(MapTree, MapsCloseActionToTheCloseControl) {
   const HLMappedTree mapped = mapServer(tree);
   const HLMappedNode& banner = at(mapped, at(mapped, mapped.windows.at(0)).children.at(0));
   ASSERT_THAT(banner.actions, SizeIs(1));
-  EXPECT_EQ(tree.at(static_cast<std::size_t>(banner.actions.front().node)).name, "x");
-  EXPECT_EQ(banner.actions.front().action, 0);
+  const HLRawAction& action = std::get<HLRawAction>(banner.actions.front());
+  EXPECT_EQ(tree.at(static_cast<std::size_t>(action.node)).name, "x");
+  EXPECT_EQ(action.action, 0);
   EXPECT_EQ(banner.facts.frame, (HLRect{974, 634, 300, 86}));
 }
 
@@ -145,7 +149,7 @@ TEST(MapTree, MapsTheFirstOfRepeatedActions) {
   const HLMappedNode& button = at(mapped, 1);
   EXPECT_THAT(button.facts.actionNames, ElementsAre("Name:SetFocus", "AXPress"));
   ASSERT_THAT(button.actions, SizeIs(2));
-  EXPECT_EQ(button.actions[1].action, 1);
+  EXPECT_EQ(std::get<HLRawAction>(button.actions[1]).action, 1);
 }
 
 TEST(DetailsNeeded, CoverBannersOfServers) {
