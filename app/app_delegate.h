@@ -1,5 +1,5 @@
 // The application delegate. Its methods are defined in launch.cc, status_button.cc, dismiss_action.cc, setup_window.cc,
-// shortcut.cc, settings_window.cc and update_check.cc.
+// shortcut.cc, settings_window.cc, trial_button.cc and update_check.cc.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "app/trial.h"
 #include "autoclose/auto_closer.h"
 #include "core/dismissal/result.h"
 #include "platform/application/application.h"
@@ -69,6 +71,9 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void updateAutoCloser();
   void toggleOpenAtLogin(bool on);
 
+  // Trials, on hosts that offer them. Ignored while a trial or a dismissal is in flight.
+  void tryIt();
+
   // Updates
   void checkForUpdates();
 
@@ -91,6 +96,11 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void bringToFront(HLWindow& window);
   [[nodiscard]] const HLConventions& conventions() const;
 
+  void addTrial(HLWindowDescription& window, std::vector<HLControl> besides);
+  void refreshTrialButtons();
+  void finishTrial(const HLTrialReport& report);
+  void showTrialReport(const HLTrialReport& report);
+
   void registerDefaultShortcut();
   void installHotKeyHandler();
   void unregisterHotKey() { hotKeyRef_ = nullptr; }
@@ -102,6 +112,7 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   const HLApplicationPlatform& host_;
 
   bool dismissInFlight_ = false;
+  bool trialInFlight_ = false;
   bool promptedAccessibilityThisRun_ = false;
   std::unique_ptr<HLHotKey> hotKeyRef_;
   std::unique_ptr<HLKeyMonitor> recordMonitor_;  // non-null while recording

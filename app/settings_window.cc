@@ -22,8 +22,6 @@ constexpr const char* kAutoCloseCheckbox = "autoCloseCheckbox";
 constexpr const char* kOpenAtLoginCheckbox = "openAtLoginCheckbox";
 constexpr const char* kFailureLabel = "failureLabel";
 
-constexpr double kRowSpacing = 10;
-
 HLStackItem heading(const char* text) { return {HLLabel{"", text, 13, HLFontWeight::semibold}, 8, false}; }
 
 }  // namespace
@@ -36,22 +34,25 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
   const HLLabel shortcut{kShortcutValueLabel, "", 15, HLFontWeight::medium};
   const HLButton record{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }};
   const HLButton clear{"", "Clear", "", [this] { clearShortcut(); }};
-  const HLRow accessibility = {
-      {HLLabel{kAccessibilityLabel, "", 13}, HLButton{"", "Set Up Accessibility", "", [this] { showSetupWindow(); }}},
-      kRowSpacing};
+  const std::vector<HLControl> accessibility = {
+      HLLabel{kAccessibilityLabel, "", 13}, HLButton{"", "Set Up Accessibility", "", [this] { showSetupWindow(); }}};
   window.stack = {heading("Shortcut")};
   if (conventions().spellsModifiers) {
     window.stack.push_back({shortcut, 8, true});
-    window.stack.push_back({HLRow{{record, clear}, kRowSpacing}, 8, false});
+    window.stack.push_back({HLRow{{record, clear}, HLRowSpacing}, 8, false});
   } else {
-    window.stack.push_back({HLRow{{shortcut, record, clear}, kRowSpacing}, 8, false});
+    window.stack.push_back({HLRow{{shortcut, record, clear}, HLRowSpacing}, 8, false});
   }
   const std::vector<HLStackItem> rest = {
       {HLLabel{kShortcutNoteLabel, shortcutNote_.text, 12, HLFontWeight::regular, shortcutNote_.color}, 18, true},
       heading("Accessibility"),
-      {accessibility, 18, false},
   };
   window.stack.insert(window.stack.end(), rest.begin(), rest.end());
+  if (host_.trials != nullptr) {
+    addTrial(window, accessibility);
+  } else {
+    window.stack.push_back({HLRow{accessibility, HLRowSpacing}, 18, false});
+  }
   if (conventions().offersAutoClose) {
     window.stack.push_back(
         {HLCheckBox{kAutoCloseCheckbox, "Close Shortcuts Automation Banners", [this](bool on) { toggleAutoClose(on); }},
@@ -85,6 +86,7 @@ void HLAppDelegate::updateSettingsState() {
   if (HLIsProductFlavor()) {
     settingsWindow_->setCheckBox(kOpenAtLoginCheckbox, host_.loginItem->status() == HLLoginItemStatus::enabled);
   }
+  refreshTrialButtons();
   settingsWindow_->setEnabled(kRecordButton, true);
   settingsWindow_->setEnabled(kAutoCloseCheckbox, true);
   settingsWindow_->setCheckBox(kAutoCloseCheckbox, HLBooleanDefault(host_.userDefaults, kAutoClose));

@@ -33,8 +33,13 @@ HLWindowDescription HLAppDelegate::setupWindowDescription() {
       {HLLabel{"", named(texts.accessSteps, name), 13}, 12, true},
       {HLLabel{"", named(texts.accessNote, name), 12, HLFontWeight::regular, HLTextColor::secondary}, 18, true},
       {HLLabel{kStatusLabel, "", 13, HLFontWeight::medium}, 12, true},
-      {HLButton{kPrimaryButton, texts.accessButton, "\r", [this] { setupPrimaryAction(); }}, 12, false},
   };
+  const HLButton primary{kPrimaryButton, texts.accessButton, "\r", [this] { setupPrimaryAction(); }};
+  if (host_.trials != nullptr) {
+    addTrial(window, {primary});
+  } else {
+    window.stack.push_back({primary, 12, false});
+  }
   window.willClose = [this] { trustPollTimer_ = nullptr; };
   return window;
 }
@@ -56,6 +61,7 @@ void HLAppDelegate::updateSetupState() {
     setupWindow_->setLabel(kStatusLabel, HLFormat("Allowed. %@", dismissHint()), HLTextColor::green);
     setupWindow_->setButtonTitle(kPrimaryButton, "Done");
   }
+  refreshTrialButtons();
   refreshStatusItem();
 }
 

@@ -6,6 +6,8 @@
 
 #include "platform/application/windows.h"
 
+inline constexpr double HLRowSpacing = 10;
+
 [[nodiscard]] inline HLWindowDescription HLEmptyWindow(std::string title, double width, double height) {
   constexpr double kSideMargin = 24;
   constexpr double kVerticalMargin = 22;

@@ -12,6 +12,7 @@ class HLHTTPClient;
 class HLHotKeys;
 class HLLoginItem;
 class HLStatusItem;
+class HLTrials;
 class HLUserDefaults;
 class HLWindows;
 class HLWorkspace;
@@ -26,5 +27,6 @@ struct HLApplicationPlatform {
   HLReference<HLUserDefaults> userDefaults;
   HLReference<HLHTTPClient> httpClient;
   HLReference<HLWorkspace> workspace;
-  std::optional<HLConventions> conventions;  // nullopt for those of macOS
+  std::optional<HLConventions> conventions = std::nullopt;  // nullopt for those of macOS
+  HLTrials* trials = nullptr;                               // nullptr: the windows offer none
 };

@@ -11,6 +11,7 @@
 #include "platform/linux/linux_conventions.h"
 #include "platform/linux/session/desktop_module.h"
 #include "platform/linux/session/linux_workspace.h"
+#include "platform/linux/settings/linux_trials.h"
 
 namespace {
 
@@ -30,16 +31,28 @@ std::variant<HLMakeDesktopFunction*, std::string> loadModule(const std::string& 
 
 struct HLLinuxMenuBar::Parts {
   Parts(HLProcessInfo& process, std::unique_ptr<HLDesktop> made)
-      : desktop(std::move(made)), loginItem(process), userDefaults(HLUserDefaultsPath(process)), workspace(process) {}
+      : desktop(std::move(made)),
+        loginItem(process),
+        userDefaults(HLUserDefaultsPath(process)),
+        workspace(process),
+        trials(process, HLDisplayName(process)) {}
 
   const std::unique_ptr<HLDesktop> desktop;
   HLLinuxLoginItem loginItem;
   HLLinuxUserDefaults userDefaults;
   HLLinuxWorkspace workspace;
-  const HLApplicationPlatform platform{desktop->application(), desktop->statusItem(), desktop->windows(),
-                                       desktop->alerts(),      desktop->hotKeys(),    loginItem,
-                                       userDefaults,           desktop->httpClient(), workspace,
-                                       HLLinuxConventions()};
+  HLLinuxTrials trials;
+  const HLApplicationPlatform platform{desktop->application(),
+                                       desktop->statusItem(),
+                                       desktop->windows(),
+                                       desktop->alerts(),
+                                       desktop->hotKeys(),
+                                       loginItem,
+                                       userDefaults,
+                                       desktop->httpClient(),
+                                       workspace,
+                                       HLLinuxConventions(),
+                                       &trials};
 };
 
 HLLinuxMenuBar::HLLinuxMenuBar(HLProcessInfo& process, HLLinuxRunLoop& runLoop)

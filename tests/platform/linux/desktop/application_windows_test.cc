@@ -134,6 +134,29 @@ TEST_F(ApplicationWindows, StayClosedWhileTheIconExplains) {
   EXPECT_FALSE(screen_->findTitled(kSettings));
 }
 
+class TrialButton : public ApplicationWindows, public testing::WithParamInterface<Server> {};
+
+TEST_P(TrialButton, ClearsItsOwnNotificationOnly) {
+  beginDesktopWith(GetParam());
+  const std::vector<std::uint32_t> others = send(3);
+  waitForTargets(3);
+  startApplication({"--open-settings"});
+  waitForWindow(kSettings);
+  clickPart("Try It");
+  waitForLogged("trial outcome=");
+  EXPECT_EQ(countLogged("trial outcome=Works here"), 1) << testing::PrintToString(logged());
+  (void)waitForPart("Works here");
+  keepPicture("works");
+  EXPECT_EQ(targets(), 3);
+  const std::set<std::uint32_t> closed = sender_->closed();
+  EXPECT_EQ(closed.size(), 1U) << "its own";
+  for (const std::uint32_t other : others) EXPECT_EQ(closed.count(other), 0U);
+  EXPECT_TRUE(sender_->invoked().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Servers, TrialButton, testing::Values(kMate, kLxqt),
+                         [](const auto& server) { return server.param.name; });
+
 TEST_F(ApplicationWindows, APanelThatIsRestartedGetsTheIconBack) {
   beginDesktopWith(kMate);
   startApplication();

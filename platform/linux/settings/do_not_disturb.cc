@@ -1,0 +1,92 @@
+#include "platform/linux/settings/do_not_disturb.h"
+
+#include <array>
+#include <string_view>
+
+#include "platform/linux/files/files.h"
+#include "platform/linux/settings/program_output.h"
+
+namespace {
+
+constexpr const char* kNotificationPath = "/org/freedesktop/Notifications";
+
+// A key of the desktop's settings that says whether a server shows banners.
+struct SilencingKey {
+  std::string_view server;
+  std::string_view vendor;
+  const char* schema;
+  const char* key;
+  const char* silencing;  // the value
+};
+
+constexpr std::array<SilencingKey, 3> kKeys = {{
+    {"gnome-shell", "GNOME", "org.gnome.desktop.notifications", "show-banners", "false"},
+    {"cinnamon", "GNOME", "org.cinnamon.desktop.notifications", "display-notifications", "false"},
+    {"Notification Daemon", "MATE", "org.mate.NotificationDaemon", "do-not-disturb", "true"},
+}};
+
+std::optional<bool> booleanIn(const HLBusReply& reply, const char* container) {
+  if (!reply) return std::nullopt;
+  int value = 0;
+  if (container != nullptr && sd_bus_message_enter_container(reply.message.get(), 'v', container) <= 0) {
+    return std::nullopt;
+  }
+  if (sd_bus_message_read_basic(reply.message.get(), 'b', &value) <= 0) return std::nullopt;
+  return value != 0;
+}
+
+// A property of the notification server's object.
+std::optional<bool> property(HLBus& session, const char* interface, const char* name) {
+  const HLBusCall get{HLNotificationService, kNotificationPath, HLPropertiesInterface, "Get"};
+  return booleanIn(session.call(get, "ss", interface, name), "b");
+}
+
+std::optional<bool> swayncSetting(HLBus& session) {
+  constexpr const char* kService = "org.erikreider.swaync.cc";
+  return booleanIn(session.call({kService, "/org/erikreider/swaync/cc", kService, "GetDnd"}), nullptr);
+}
+
+std::optional<bool> xfceSetting(HLBus& session) {
+  constexpr const char* kService = "org.xfce.Xfconf";
+  const HLBusReply reply =
+      session.call({kService, "/org/xfce/Xfconf", kService, "GetProperty"}, "ss", "xfce4-notifyd", "/do-not-disturb");
+  if (reply.error == "org.xfce.Xfconf.Error.PropertyNotFound") return false;
+  return booleanIn(reply, "b");
+}
+
+std::optional<bool> lxqtSetting(const std::string& configHome) {
+  const HLFileContent file = HLReadFile(configHome + "/lxqt/notifications.conf");
+  return file.error == 0 && ("\n" + file.content).find("\ndoNotDisturb=true\n") != std::string::npos;
+}
+
+std::optional<bool> desktopSetting(const HLServerInformation& server) {
+  for (const SilencingKey& known : kKeys) {
+    if (server.name != known.server || server.vendor != known.vendor) continue;
+    const std::optional<std::string> value = HLReadDesktopSetting(known.schema, known.key);
+    if (value) return *value == known.silencing;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<HLServerInformation> HLReadServerInformation(HLBus& session) {
+  const HLBusCall get{HLNotificationService, kNotificationPath, HLNotificationService, "GetServerInformation"};
+  const HLBusReply reply = session.call(get);
+  const char* name = nullptr;
+  const char* vendor = nullptr;
+  const char* version = nullptr;
+  if (!reply || sd_bus_message_read(reply.message.get(), "sss", &name, &vendor, &version) < 0) return std::nullopt;
+  return HLServerInformation{name, vendor, version};
+}
+
+std::optional<bool> HLReadDoNotDisturb(HLBus& session, const std::string& configHome) {
+  const std::optional<HLServerInformation> server = HLReadServerInformation(session);
+  if (!server) return std::nullopt;
+  if (const auto inhibited = property(session, HLNotificationService, "Inhibited")) return inhibited;
+  if (const auto paused = property(session, "org.dunstproject.cmd0", "paused")) return paused;
+  if (const auto silenced = swayncSetting(session)) return silenced;
+  if (server->name == "Xfce Notify Daemon") return xfceSetting(session);
+  if (server->name == "lxqt-notificationd") return lxqtSetting(configHome);
+  return desktopSetting(*server);
+}
