@@ -22,7 +22,7 @@ class HLLinuxHost : public HLHost {
   HLLinuxRunLoop runLoop_;
   HLLinuxRunningApplications runningApplications_{runLoop_};
   HLLinuxProcessInfo process_;
-  HLSessionNotifications notifications_;
+  HLSessionNotifications notifications_{[this] { return HLMayWatchNotifications(process_); }};
   HLLinuxAccessibility accessibility_{runningApplications_, notifications_, runLoop_};
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;

@@ -72,6 +72,13 @@ class HLBus {
     return finish(message.get());
   }
 
+  // The same for arguments that `append` appends to the message; it returns a negative number if it cannot.
+  [[nodiscard]] HLBusReply callWith(const HLBusCall& to, const std::function<int(sd_bus_message*)>& append) {
+    HLBusMessage message = newCall(to);
+    if (message == nullptr || append(message.get()) < 0) return {};
+    return finish(message.get());
+  }
+
   // Queues a call. settle() runs the handler, unless it fails before the reply arrives.
   template <class... Argument>
   void start(const HLBusCall& to, std::function<void(const HLBusReply&)> handler, const char* types = "",
@@ -87,6 +94,9 @@ class HLBus {
 
   // Subscribes to the signals that match the rule. Returns false if the bus refuses.
   [[nodiscard]] bool watch(const std::string& rule);
+  // The connection, for calls that this class does not wrap. Stays this object's.
+  [[nodiscard]] sd_bus* handle() const { return bus_; }
+
   // Readable when a message has arrived.
   [[nodiscard]] int descriptor() const { return sd_bus_get_fd(bus_); }
   // Consumes the messages that have arrived. Returns how many watched signals were among them, or nullopt if the

@@ -1,0 +1,35 @@
+// Questions of one Hushlet process to another about open notifications (docs/linux.md).
+#pragma once
+
+#include <systemd/sd-bus.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/linux/notifications/open_notifications.h"
+
+inline constexpr const char* HLNotificationsName = "com.tessaly.hushlet.Notifications";
+inline constexpr const char* HLNotificationsPath = "/com/tessaly/hushlet/Notifications";
+
+// A question with more is refused, and the asking process does not ask about more.
+inline constexpr std::size_t HLMostBannersAsked = 256;
+inline constexpr std::size_t HLMostTrayEntriesAsked = 1024;
+inline constexpr std::size_t HLMostTextsAsked = 16;
+inline constexpr std::size_t HLLongestTextAsked = 16384;
+
+// Answers a question that arrived on a connection; other messages for the path get an error. `answers` outlives the
+// connection. Returns a negative number if the connection cannot take it.
+[[nodiscard]] int HLServeNotifications(sd_bus* bus, HLOpenNotifications& answers);
+
+// Asks whoever has HLNotificationsName. Each question is one call on a connection of its own. Thread-safe.
+class HLAskedNotifications : public HLOpenNotifications {
+ public:
+  [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
+      const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) override;
+  // Without summaries and bodies.
+  [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
+  // Nobody else closes for this process.
+  [[nodiscard]] bool close(const HLNotificationName&) override { return false; }
+};

@@ -1,0 +1,36 @@
+// What is known about notification servers.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// As GetServerInformation says.
+struct HLServerInformation {
+  std::string name;
+  std::string vendor;
+  std::string version;
+};
+
+enum class HLClosingTrust {
+  truthful,  // what it says is closed is gone
+  unknown,   // not tried: trusted until a banner stays that it said it closed
+  false_,    // says closed, and keeps the banner
+};
+
+// Where to learn which notifications are on screen.
+enum class HLScreenSource {
+  tree,          // the accessibility tree
+  counts,        // how many, from the server; which, from the table
+  list,          // the server's own list
+  configuration  // the table, by the time that the server's configuration says it shows a banner
+};
+
+struct HLServerTraits {
+  std::string_view closingName;  // the bus name that takes CloseNotification
+  HLClosingTrust trust;
+  bool hasTray;  // keeps notifications open after it has hidden their banners
+  HLScreenSource screen;
+};
+
+// One table: every difference between servers that this program knows by name is in it.
+[[nodiscard]] HLServerTraits HLTraitsOfServer(const HLServerInformation& server);

@@ -1,0 +1,59 @@
+#include "platform/linux/notifications/server_connection.h"
+
+#include <utility>
+
+namespace {
+
+constexpr const char* kPath = "/org/freedesktop/Notifications";
+constexpr const char* kNamed = "org.gtk.Notifications";
+constexpr const char* kNamedPath = "/org/gtk/Notifications";
+
+}  // namespace
+
+HLBus* HLServerConnection::connection() {
+  if (bus_ == nullptr) bus_ = HLBus::openSession();
+  return bus_.get();
+}
+
+std::optional<HLPresentServer> HLServerConnection::server() {
+  const HLBusReply owned =
+      call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner"}, "s",
+           HLNotificationService);
+  const char* owner = nullptr;
+  if (!owned || sd_bus_message_read_basic(owned.message.get(), 's', &owner) <= 0) return std::nullopt;
+  {
+    const HLLock lock(mutex_);
+    if (known_ && known_->owner == owner) return known_;
+  }
+  const HLBusReply reply = call({owner, kPath, HLNotificationService, "GetServerInformation"});
+  const char* name = nullptr;
+  const char* vendor = nullptr;
+  const char* version = nullptr;
+  if (!reply || sd_bus_message_read(reply.message.get(), "sss", &name, &vendor, &version) <= 0) return std::nullopt;
+  const HLServerInformation information{name, vendor, version};
+  const HLPresentServer server{owner, information, HLTraitsOfServer(information)};
+  const HLLock lock(mutex_);
+  known_ = server;
+  return server;
+}
+
+bool HLServerConnection::close(const HLNotificationName& name) {
+  if (name.number == 0) {
+    return static_cast<bool>(call({kNamed, kNamedPath, kNamed, "RemoveNotification"}, "ss", name.application.c_str(),
+                                  name.identifier.c_str()));
+  }
+  const std::optional<HLPresentServer> present = server();
+  if (!present || present->traits.trust == HLClosingTrust::false_ || isDistrusted(*present)) return false;
+  return static_cast<bool>(call(
+      {std::string(present->traits.closingName), kPath, HLNotificationService, "CloseNotification"}, "u", name.number));
+}
+
+void HLServerConnection::distrust(const HLPresentServer& server) {
+  const HLLock lock(mutex_);
+  distrusted_.insert(server.owner);
+}
+
+bool HLServerConnection::isDistrusted(const HLPresentServer& server) {
+  const HLLock lock(mutex_);
+  return distrusted_.count(server.owner) != 0;
+}

@@ -1,0 +1,54 @@
+// The session's notification server, as a client of it.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "platform/linux/notifications/notification_server.h"
+#include "platform/linux/notifications/open_notifications.h"
+#include "platform/linux/session/bus.h"
+#include "platform/threads/thread_safety.h"
+
+struct HLPresentServer {
+  std::string owner;  // the unique name
+  HLServerInformation information;
+  HLServerTraits traits;
+};
+
+// Opens its connection to the session bus when it is first asked, and again after it was lost. Starts no server.
+// Thread-safe. Calls block for the bus's timeout at most.
+class HLServerConnection {
+ public:
+  // Returns nullopt if there is no server or it does not answer. A server is asked for its information once.
+  [[nodiscard]] std::optional<HLPresentServer> server();
+
+  // Asks the server to close a notification, or, if it has no number, to remove it. Returns false if the server
+  // refused, did not answer, or is known to answer untruly.
+  [[nodiscard]] bool close(const HLNotificationName& name);
+
+  // A call about what is on screen. The arguments are those of HLBus::call().
+  template <class... Argument>
+  [[nodiscard]] HLBusReply call(const HLBusCall& to, const char* types = "", Argument... arguments) {
+    const HLLock lock(mutex_);
+    HLBus* bus = connection();
+    if (bus == nullptr) return {};
+    HLBusReply reply = bus->call(to, types, arguments...);
+    // A peer that has gone is reported like a lost connection.
+    if (reply.isLost()) bus_ = nullptr;
+    return reply;
+  }
+
+  // Has close() return false for the present server from now on.
+  void distrust(const HLPresentServer& server);
+  [[nodiscard]] bool isDistrusted(const HLPresentServer& server);
+
+ private:
+  [[nodiscard]] HLBus* connection() HL_REQUIRES(mutex_);
+
+  HLMutex mutex_;
+  std::unique_ptr<HLBus> bus_ HL_GUARDED_BY(mutex_);
+  std::optional<HLPresentServer> known_ HL_GUARDED_BY(mutex_);
+  std::set<std::string> distrusted_ HL_GUARDED_BY(mutex_);  // owners
+};
