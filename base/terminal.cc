@@ -15,13 +15,26 @@ int markIndex() {
   return index;
 }
 
+int columnsIndex() {
+  static const int index = std::ios_base::xalloc();
+  return index;
+}
+
 bool isControl(char32_t codePoint) { return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0); }
 
 }  // namespace
 
-void HLMarkAsTerminal(std::ostream& stream) { stream.iword(markIndex()) = 1; }
+void HLMarkAsTerminal(std::ostream& stream, int columns) {
+  stream.iword(markIndex()) = 1;
+  stream.iword(columnsIndex()) = columns;
+}
 
 bool HLIsTerminal(std::ostream& stream) { return stream.iword(markIndex()) == 1; }
+
+int HLTerminalColumns(std::ostream& stream, int otherwise) {
+  const auto columns = static_cast<int>(stream.iword(columnsIndex()));
+  return HLIsTerminal(stream) && columns > 0 ? columns : otherwise;
+}
 
 std::string HLVisibleText(std::string_view text) {
   std::string visible;

@@ -1,3 +1,4 @@
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -11,6 +12,16 @@
 #include "platform/platform.h"
 #include "platform/process_info.h"
 
+namespace {
+
+// Returns 0 when the terminal does not say.
+int columnsOf(int descriptor) {
+  winsize size{};
+  return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   HLRestrictFileModeMask();
   const auto made = HLMakeHost(argc, argv);
@@ -20,8 +31,8 @@ int main(int argc, char** argv) {
   }
   const HLPlatform& platform = std::get<std::unique_ptr<HLHost>>(made)->platform();
   HLInstallPlatform(&platform);
-  if (::isatty(STDOUT_FILENO) == 1) HLMarkAsTerminal(std::cout);
-  if (::isatty(STDERR_FILENO) == 1) HLMarkAsTerminal(std::cerr);
+  if (::isatty(STDOUT_FILENO) == 1) HLMarkAsTerminal(std::cout, columnsOf(STDOUT_FILENO));
+  if (::isatty(STDERR_FILENO) == 1) HLMarkAsTerminal(std::cerr, columnsOf(STDERR_FILENO));
   const int code = HLRunMode(HLSelectMode(platform.process->arguments()), std::cout, std::cerr);
   HLInstallPlatform(nullptr);
   return code;

@@ -26,6 +26,7 @@
 #include "daemon/trusted_daemon.h"
 #include "entry/switch_texts.h"
 #include "platform/platform.h"
+#include "report/explain.h"
 
 namespace {
 
@@ -88,7 +89,9 @@ int version(const HLModeCall& call) {
   return EXIT_SUCCESS;
 }
 
-constexpr std::array<HLMode, 14> kModes = {{
+int explain(const HLModeCall& call) { return HLExplainScreen(call.out, call.err); }
+
+constexpr std::array<HLMode, 15> kModes = {{
     {"--request-accessibility", HLModeValue::none, requestAccessibility},
     {"--daemon", HLModeValue::none, daemon},
     {"--daemon-dismiss", HLModeValue::none, daemonDismiss},
@@ -102,6 +105,7 @@ constexpr std::array<HLMode, 14> kModes = {{
     {"--dismiss-now", HLModeValue::none, dismissNow},
     {"--help", HLModeValue::none, help},
     {"--version", HLModeValue::none, version},
+    {"--explain", HLModeValue::none, explain},
     {"", HLModeValue::none, menuBarApplication},
 }};
 
@@ -118,6 +122,8 @@ int help(const HLModeCall& call) {
               "Clears the notification banners on screen. Without a mode, starts the application,\n"
               "which clears them when its icon is clicked or its shortcut is pressed.\n\nModes:\n";
   for (const HLSwitchText& text : HLModeTexts) printSwitch(text, call.out);
+  call.out << "\nOptions of --explain:\n";
+  for (const HLSwitchText& text : HLReportTexts) printSwitch(text, call.out);
   call.out << "\nOptions of the application:\n";
   for (const HLSwitchText& text : HLOptionTexts) printSwitch(text, call.out);
   return EXIT_SUCCESS;

@@ -11,6 +11,7 @@
 #include "platform/reference.h"
 
 class HLAccessibility;
+class HLHostReport;
 struct HLApplicationPlatform;
 class HLProcessInfo;
 class HLPropertyLists;
@@ -39,6 +40,7 @@ struct HLPlatform {
   std::function<std::variant<const HLApplicationPlatform*, std::string>()> applicationPlatform;
   // nullopt where commands print nothing but what programs read.
   std::optional<HLCommandAdvice> commandAdvice = std::nullopt;
+  HLHostReport* report = nullptr;  // nullptr where the host tells nothing of itself
 };
 
 // The platform stays the caller's and must outlive its use; nullptr takes it out again. Not while other threads use it.

@@ -186,3 +186,9 @@ std::int64_t HLLeadingInteger(std::string_view text) {
   if (negative) return number;
   return number == Limits::min() ? Limits::max() : -number;
 }
+
+bool HLIsWordCharacter(char32_t codePoint) {
+  if (codePoint >= 0x80) return HLHostIsWordCharacter(codePoint);
+  return (codePoint >= '0' && codePoint <= '9') || (codePoint >= 'A' && codePoint <= 'Z') ||
+         (codePoint >= 'a' && codePoint <= 'z');
+}

@@ -28,6 +28,9 @@
   return codePoint == 0x20 || (codePoint >= 0x09 && codePoint <= 0x0D);
 }
 
+// Whether the code point is a letter, a mark or a digit of any script, by Unicode's general categories L, M and N.
+[[nodiscard]] bool HLIsWordCharacter(char32_t codePoint);
+
 // Without white space and line breaks at both ends.
 [[nodiscard]] std::string_view HLTrim(std::string_view text);
 
@@ -63,3 +66,4 @@
 [[nodiscard]] std::u16string HLHostLowercase(std::u16string_view text);
 [[nodiscard]] std::u16string HLHostUppercase(std::u16string_view text);
 [[nodiscard]] std::u16string HLHostFoldCase(std::u16string_view text);
+[[nodiscard]] bool HLHostIsWordCharacter(char32_t codePoint);

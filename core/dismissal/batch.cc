@@ -34,31 +34,6 @@ ZeroedArray<T> makeZeroedArray(std::size_t count) {
 
 std::int64_t milliseconds(double seconds) { return std::llround(seconds * 1000); }
 
-// The targets of a batch, and at the same index the control that each resolved to.
-struct PreparedBatch {
-  std::vector<HLDismissTarget> prepared;
-  std::vector<HLDismissTarget> resolved;
-  double resolutionSeconds = 0;
-};
-
-PreparedBatch prepare(const std::vector<HLDismissTarget>& eligible) {
-  HLRunLoop& clock = HLCurrentPlatform().runLoop;
-  PreparedBatch batch;
-  for (const HLDismissTarget& target : eligible) {
-    const double start = clock.now();
-    HLDismissTarget control = HLResolvedTarget(target);
-    batch.resolutionSeconds += clock.now() - start;
-    if (control.element == nullptr) continue;
-    const bool duplicate =
-        std::any_of(batch.resolved.begin(), batch.resolved.end(),
-                    [&control](const HLDismissTarget& earlier) { return control.element->isEqual(*earlier.element); });
-    if (duplicate) continue;
-    batch.prepared.push_back(target);
-    batch.resolved.push_back(std::move(control));
-  }
-  return batch;
-}
-
 // Performs every action and stores its code and duration in seconds. Returns the wall time in seconds.
 double perform(const std::vector<HLDismissTarget>& controls, HLAXError* codes, double* durations) {
   HLRunLoop& runLoop = HLCurrentPlatform().runLoop;
@@ -87,8 +62,26 @@ std::string HLProgressIdentityKeyForTarget(const HLDismissTarget& target) {
   return target.action + "|" + target.snapshot;
 }
 
+HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible) {
+  HLRunLoop& clock = HLCurrentPlatform().runLoop;
+  HLPreparedBatch batch;
+  for (const HLDismissTarget& target : eligible) {
+    const double start = clock.now();
+    HLDismissTarget control = HLResolvedTarget(target);
+    batch.resolutionSeconds += clock.now() - start;
+    if (control.element == nullptr) continue;
+    const bool duplicate =
+        std::any_of(batch.resolved.begin(), batch.resolved.end(),
+                    [&control](const HLDismissTarget& earlier) { return control.element->isEqual(*earlier.element); });
+    if (duplicate) continue;
+    batch.prepared.push_back(target);
+    batch.resolved.push_back(std::move(control));
+  }
+  return batch;
+}
+
 std::vector<HLDismissTarget> HLRunDismissBatch(const std::vector<HLDismissTarget>& eligible, HLKeySet& ineffective) {
-  const PreparedBatch batch = prepare(eligible);
+  const HLPreparedBatch batch = HLPrepareBatch(eligible);
   const std::size_t count = batch.prepared.size();
   const auto codes = makeZeroedArray<HLAXError>(count);
   const auto durations = makeZeroedArray<double>(count);

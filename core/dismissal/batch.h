@@ -17,7 +17,17 @@ inline constexpr std::array<double, 2> HLBatchVerificationDelays = {0.08, 0.32};
 // Returns action, "|" and snapshot, which recognize a control with the same content across scans.
 [[nodiscard]] std::string HLProgressIdentityKeyForTarget(const HLDismissTarget& target);
 
-// Resolves each target and performs its action, at most four concurrently, each control once. Returns the eligible
+// The targets of a batch, and at the same index the control that each resolved to.
+struct HLPreparedBatch {
+  std::vector<HLDismissTarget> prepared;
+  std::vector<HLDismissTarget> resolved;
+  double resolutionSeconds = 0;
+};
+
+// Resolves each target; of those that lead to one control the first stays. Presses nothing.
+[[nodiscard]] HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible);
+
+// Performs the action of each prepared target, at most four concurrently, each control once. Returns the eligible
 // targets whose action succeeded, in order; adds keys of failed ones to `ineffective`. Blocks.
 [[nodiscard]] std::vector<HLDismissTarget> HLRunDismissBatch(const std::vector<HLDismissTarget>& eligible,
                                                              HLKeySet& ineffective);

@@ -7,7 +7,6 @@
 
 #include "base/format.h"
 #include "core/scan/element_access.h"
-#include "core/scan/tree_scan.h"
 #include "platform/platform.h"
 
 std::optional<HLRunningApplication> HLNotificationCenterApplication() {
@@ -25,12 +24,12 @@ std::vector<HLElementRef> HLNotificationWindows(const HLElement& application) {
   return HLElementsFromAttribute(application.copyAttributeValue("AXWindows"));
 }
 
-std::vector<HLDismissTarget> HLCurrentTargets(const HLElement& application) {
+std::vector<HLDismissTarget> HLCurrentTargets(const HLElement& application, const HLScanListener& listener) {
   std::vector<HLDismissTarget> targets;
   std::set<std::string> keys;
   std::int64_t index = 0;
   for (const HLElementRef& window : HLNotificationWindows(application)) {
-    for (HLDismissTarget& target : HLTargetsInRoot(window, HLFormat("window-%ld", index++))) {
+    for (HLDismissTarget& target : HLTargetsInRoot(window, HLFormat("window-%ld", index++), listener)) {
       if (keys.insert(HLDeduplicationKeyForTarget(target)).second) targets.push_back(std::move(target));
     }
   }

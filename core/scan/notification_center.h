@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/scan/records.h"
+#include "core/scan/tree_scan.h"
 #include "platform/accessibility.h"
 #include "platform/running_applications.h"
 
@@ -20,5 +21,7 @@ inline constexpr std::string_view HLNotificationCenterBundleIdentifier = "com.ap
 
 [[nodiscard]] std::vector<HLElementRef> HLNotificationWindows(const HLElement& application);
 
-// Returns the targets of all windows, unsorted; of several with equal keys the first.
-[[nodiscard]] std::vector<HLDismissTarget> HLCurrentTargets(const HLElement& application);
+// Returns the targets of all windows, unsorted; of several with equal keys the first. The listener is that of
+// HLTargetsInRoot.
+[[nodiscard]] std::vector<HLDismissTarget> HLCurrentTargets(const HLElement& application,
+                                                            const HLScanListener& listener = nullptr);

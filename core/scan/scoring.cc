@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "core/scan/element_access.h"
 #include "core/scan/words.h"
@@ -19,15 +20,22 @@ bool isSmall(const HLRect& frame) {
 
 // Points and reason words, in the order in which they are tested.
 struct Score {
+  HLScoreDetails* details;
   std::int64_t points = 0;
   std::string reason;
 
   void add(std::int64_t more, std::string_view word) {
+    if (details != nullptr) details->parts.push_back({more, word});
     points += more;
     if (!reason.empty()) reason += ',';
     reason += word;
   }
 };
+
+std::optional<HLDismissTarget> refuse(HLScoreDetails* details, HLRefusal refusal) {
+  if (details != nullptr) details->refusal = refusal;
+  return std::nullopt;
+}
 
 }  // namespace
 
@@ -37,45 +45,50 @@ bool HLIsMenuLike(const HLElementFacts& facts) {
 }
 
 std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element, const HLElementFacts& facts,
-                                                     const HLContext& context, const std::string& own) {
+                                                     const HLContext& context, const std::string& own,
+                                                     HLScoreDetails* details) {
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
+  Score score{details, 0, ""};
 
   // Before the menu veto and whatever the words: the text of a notification must not keep it on screen.
   if (explicitAction && HLIsNotificationBannerSubrole(facts.subrole)) {
+    score.add(kShortcutScore, "notification-subrole-explicit-action");
     return HLDismissTarget{element,
                            *explicitAction,
                            facts.frame,
-                           kShortcutScore,
+                           score.points,
                            HLUtf16Prefix(own, HLSnapshotLimit),
-                           "notification-subrole-explicit-action"};
+                           std::move(score.reason)};
   }
   const bool pressable = HLIsPressable(facts.actionNames);
-  if (!explicitAction && !(pressable && context.isNotification())) return std::nullopt;  // nothing to perform
-  if (HLIsMenuLike(facts)) return std::nullopt;
+  if (!explicitAction && !pressable) return refuse(details, HLRefusal::noPress);
+  if (!explicitAction && !context.isNotification()) return refuse(details, HLRefusal::outsideNotification);
+  if (HLIsMenuLike(facts)) return refuse(details, HLRefusal::menu);
 
   const bool closeWords = HLLowercaseContainsAny(own, HLOwnCloseWords) || context.hasCloseWord();
-  const bool negativeWords = HLLowercaseContainsAny(own, HLNegativeWords);
+  const std::optional<std::string_view> negativeWord = HLWordIn(own, HLNegativeWords);
   const bool buttonLike = facts.role == "AXButton" || HLLowercaseContainsAny(own, HLButtonWords);
   const bool small = isSmall(facts.frame);
+  if (details != nullptr) details->negativeWord = negativeWord.value_or("");
 
-  Score score;
-  std::string action = explicitAction.value_or("");
   if (explicitAction) score.add(120, "explicit-action");
   if (context.isNotification()) score.add(40, "notification-context");
   if (closeWords) score.add(30, "close-words");
   if (buttonLike && pressable) score.add(14, "pressable-button");
   if (small) score.add(8, "small-frame");
-  if (negativeWords) score.add(-100, "negative-words");
-  if (!explicitAction && (closeWords || (buttonLike && !negativeWords && small))) {
-    action = "AXPress";
+  if (negativeWord) score.add(-100, "negative-words");
+  if (!explicitAction) {
+    if (!closeWords && !buttonLike) return refuse(details, HLRefusal::notAButton);
+    if (!closeWords && negativeWord) return refuse(details, HLRefusal::negativeWord);
+    if (!closeWords && !small) return refuse(details, HLRefusal::tooLarge);
     score.add(0, "press-fallback");
   }
-  if (action.empty() || score.points < kAcceptance) return std::nullopt;
+  if (score.points < kAcceptance) return refuse(details, HLRefusal::lowScore);
 
   return HLDismissTarget{element,
-                         action,
+                         explicitAction.value_or("AXPress"),
                          facts.frame,
                          score.points,
                          own.empty() ? context.beginning(HLSnapshotLimit) : HLUtf16Prefix(own, HLSnapshotLimit),
-                         score.reason};
+                         std::move(score.reason)};
 }

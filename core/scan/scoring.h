@@ -1,8 +1,11 @@
 // Whether an element dismisses a notification: an additive score over yes/no tests of what was read of it.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "core/scan/context.h"
 #include "core/scan/records.h"
@@ -11,8 +14,33 @@
 // Whether role, subrole or structural words mark a part of a menu.
 [[nodiscard]] bool HLIsMenuLike(const HLElementFacts& facts);
 
+// Why an element is no target: the first test that it failed.
+enum class HLRefusal {
+  none,
+  noPress,              // no action that names closing, and no plain press
+  outsideNotification,  // a plain press, outside of a notification
+  menu,
+  notAButton,    // no closing words, and no button
+  negativeWord,  // no closing words, and words of something else
+  tooLarge,      // no closing words, and no small frame
+  lowScore,
+};
+
+struct HLScorePart {
+  std::int64_t points = 0;
+  std::string_view word;  // as in a target's reason
+};
+
+// How a decision about one element came about.
+struct HLScoreDetails {
+  HLRefusal refusal = HLRefusal::none;
+  std::vector<HLScorePart> parts;  // those added before the decision
+  std::string_view negativeWord;   // the first one in the element's own words, once they were searched; else ""
+};
+
 // Returns the element as a target, or nullopt when it dismisses nothing. `own` are its searchable words, which end
-// `context`.
+// `context`. Fills `details`, which must be empty, unless it is nullptr.
 [[nodiscard]] std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element,
                                                                    const HLElementFacts& facts,
-                                                                   const HLContext& context, const std::string& own);
+                                                                   const HLContext& context, const std::string& own,
+                                                                   HLScoreDetails* details = nullptr);

@@ -23,18 +23,24 @@ bool HLShouldPruneDescendantsAfterCandidate(const HLDismissTarget& target) {
   return target.frame.isNull() || (target.frame.width <= kPruningWidth && target.frame.height <= kPruningHeight);
 }
 
-std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::string_view label) {
+std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::string_view label,
+                                             const HLScanListener& listener) {
   std::vector<HLDismissTarget> targets;
   std::set<std::string> keys;
-  const auto look = [&targets, &keys](const HLVisit& visit) {
+  const auto look = [&targets, &keys, &listener](const HLVisit& visit) {
+    HLScoreDetails details;
     std::optional<HLDismissTarget> candidate =
-        HLCandidateForElement(visit.element, visit.facts, visit.context, visit.own);
-    if (!candidate) return HLDescent::enter;
-    const HLDescent descent = HLShouldPruneDescendantsAfterCandidate(*candidate) ? HLDescent::prune : HLDescent::enter;
-    if (keys.insert(HLDeduplicationKeyForTarget(*candidate)).second) targets.push_back(*std::move(candidate));
+        HLCandidateForElement(visit.element, visit.facts, visit.context, visit.own, listener ? &details : nullptr);
+    const bool prune = candidate && HLShouldPruneDescendantsAfterCandidate(*candidate);
+    const HLDescent descent = prune ? HLDescent::prune : HLDescent::enter;
+    if (listener) listener({visit, details, candidate, descent});
+    if (candidate && keys.insert(HLDeduplicationKeyForTarget(*candidate)).second) {
+      targets.push_back(*std::move(candidate));
+    }
     return descent;
   };
   const std::size_t visited = HLWalkTree({root, HLContext()}, HLScanLimit, look);
+  if (listener) return targets;
   HLAppendDiagnostics("scan root=%@ visited=%ld candidates=%lu", label, static_cast<std::int64_t>(visited),
                       targets.size());
   return targets;

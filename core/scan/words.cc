@@ -26,8 +26,13 @@ bool HLStringContainsAny(std::string_view text, HLWordList words) {
   return HLLowercaseContainsAny(HLLowercase(text), words);
 }
 
-bool HLLowercaseContainsAny(std::string_view text, HLWordList words) {
-  return std::any_of(words.begin(), words.end(), [text](std::string_view word) { return contains(text, word); });
+bool HLLowercaseContainsAny(std::string_view text, HLWordList words) { return HLWordIn(text, words).has_value(); }
+
+std::optional<std::string_view> HLWordIn(std::string_view text, HLWordList words) {
+  for (std::string_view word : words) {
+    if (contains(text, word)) return word;
+  }
+  return std::nullopt;
 }
 
 std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames) {

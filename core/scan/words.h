@@ -39,6 +39,9 @@ inline constexpr std::array<std::string_view, 3> HLMenuStructureWords = {"menu i
 // The same for a text that is lower-cased already.
 [[nodiscard]] bool HLLowercaseContainsAny(std::string_view text, HLWordList words);
 
+// Returns the first word of the list that a lower-cased text contains, or nullopt.
+[[nodiscard]] std::optional<std::string_view> HLWordIn(std::string_view text, HLWordList words);
+
 // Returns the first action, unchanged, whose name contains a dismiss word.
 [[nodiscard]] std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames);
 

@@ -67,7 +67,7 @@ std::string unfolded(const std::string& output) {
   Json last = Json::object();
   std::istringstream lines(output);
   for (std::string line; std::getline(lines, line);) {
-    if (!line.starts_with('{')) {
+    if (!line.starts_with("{\"")) {
       text += line + "\n";
       continue;
     }
@@ -123,6 +123,13 @@ TEST_P(Golden, IsWhatTheSceneComesTo) {
   expectGolden(GetParam(), run(GetParam(), {"--self-check"}) + "\n" + run(GetParam(), {"--dismiss-now"}));
 }
 
+// What a person is told of each scene.
+class ExplanationGolden : public testing::TestWithParam<std::string> {};
+
+TEST_P(ExplanationGolden, IsWhatTheSceneComesTo) {
+  expectGolden("explain/" + GetParam(), run(GetParam(), {"--explain", "--keep-texts"}));
+}
+
 // The menu-bar application on scenes with a timeline of what a user does.
 class ApplicationGolden : public testing::TestWithParam<std::string> {};
 
@@ -134,9 +141,16 @@ std::string nameOf(const testing::TestParamInfo<std::string>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Scenes, Golden, testing::ValuesIn(namesIn(kScenes, ".json")), nameOf);
 
+INSTANTIATE_TEST_SUITE_P(Scenes, ExplanationGolden, testing::ValuesIn(namesIn(kScenes, ".json")), nameOf);
+
 INSTANTIATE_TEST_SUITE_P(Scenes, ApplicationGolden, testing::ValuesIn(namesIn(kScenes / "app", ".json")), nameOf);
 
 constexpr const char* kEveryMode = "every_mode";
+constexpr const char* kExplanationData = "explanation_data";
+
+TEST(Goldens, ShowAnExplanationAsData) {
+  expectGolden(kExplanationData, run("plain_buttons", {"--explain", "--json", "--keep-texts"}));
+}
 
 TEST(Goldens, ShowWhatEveryModeDoesWhileAnAutomationRuns) {
   const std::vector<std::vector<std::string>> calls = {
@@ -161,8 +175,9 @@ TEST(Goldens, AreThereForScenesOnly) {
   EXPECT_FALSE(namesIn(kScenes, ".json").empty());
   const std::vector<std::string> scenes = namesIn(kScenes, ".json");
   EXPECT_EQ(namesIn(kGoldens / "app", ".txt"), namesIn(kScenes / "app", ".json"));
+  EXPECT_EQ(namesIn(kGoldens / "explain", ".txt"), scenes);
   for (const std::string& golden : namesIn(kGoldens, ".txt")) {
-    if (golden == "CMakeLists" || golden == kEveryMode) continue;
+    if (golden == "CMakeLists" || golden == kEveryMode || golden == kExplanationData) continue;
     EXPECT_TRUE(std::binary_search(scenes.begin(), scenes.end(), golden)) << golden << ".txt has no scene";
   }
 }

@@ -67,3 +67,9 @@ std::u16string HLHostFoldCase(std::u16string_view text) {
     return foldCase(out, room, text.data(), static_cast<std::int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &error);
   });
 }
+
+bool HLHostIsWordCharacter(char32_t codePoint) {
+  static const auto charType = reinterpret_cast<decltype(&u_charType)>(functionOfIcu(HL_NAME_OF(u_charType)));
+  const auto category = static_cast<std::uint32_t>(charType(static_cast<UChar32>(codePoint)));
+  return (U_MASK(category) & (U_GC_L_MASK | U_GC_M_MASK | U_GC_N_MASK)) != 0;
+}

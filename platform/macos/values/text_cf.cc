@@ -34,3 +34,8 @@ std::u16string HLHostFoldCase(std::u16string_view text) {
   return changed(
       text, [](CFMutableStringRef string) { CFStringFold(string, kCFCompareCaseInsensitive, CFLocaleGetSystem()); });
 }
+
+bool HLHostIsWordCharacter(char32_t codePoint) {
+  // The set's general categories are L, M and N.
+  return CFCharacterSetIsLongCharacterMember(CFCharacterSetGetPredefined(kCFCharacterSetAlphaNumeric), codePoint);
+}

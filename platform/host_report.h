@@ -1,0 +1,31 @@
+// What a host can tell, for a report to a person, of itself and of the program that shows notifications.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// Texts that are not known are "".
+struct HLServerVersion {
+  std::string name;
+  std::string vendor;
+  std::string version;
+};
+
+// An attribute by which a host may say why an element that looks like a close control is not taken for one: a short
+// text of the host's own, without texts of notifications. The engine does not read it.
+inline constexpr std::string_view HLDoubtAttributeName = "HLCloseDoubt";
+
+class HLHostReport {
+ public:
+  HLHostReport() = default;
+  HLHostReport(const HLHostReport&) = delete;
+  HLHostReport& operator=(const HLHostReport&) = delete;
+  virtual ~HLHostReport() = default;
+
+  // Returns name and version of the operating system. Any thread.
+  [[nodiscard]] virtual std::string systemVersion() = 0;
+
+  // Returns what the program that shows notifications says of itself. May block. Any thread.
+  [[nodiscard]] virtual HLServerVersion serverVersion(std::int32_t pid) = 0;
+};

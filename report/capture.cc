@@ -1,0 +1,168 @@
+#include "report/capture.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+
+#include "core/scan/element_access.h"
+#include "core/scan/notification_center.h"
+#include "platform/element_facts.h"
+#include "platform/platform.h"
+
+namespace {
+
+constexpr std::string_view kWindows = "AXWindows";
+// What is read beyond HLFactAttributeNames: the controls that an element may name, and the host's own words.
+constexpr std::array<std::string_view, 4> kFurtherAttributes = {"AXCloseButton", "AXCancelButton", "AXDefaultButton",
+                                                                HLDoubtAttributeName};
+
+// One of the handles of an element that has many.
+class FreshHandle : public HLElement {
+ public:
+  explicit FreshHandle(const HLCapturedElement& element) : element_(element) {}
+
+  [[nodiscard]] const HLCapturedElement& element() const { return element_; }
+
+  [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override {
+    return element_.copyAttributeValue(name);
+  }
+  [[nodiscard]] HLActionList copyActionNames() const override { return element_.copyActionNames(); }
+  [[nodiscard]] HLAXError performAction(std::string_view action) const override {
+    return element_.performAction(action);
+  }
+  [[nodiscard]] bool isEqual(const HLElement& other) const override { return element_.isEqual(other); }
+
+ private:
+  const HLCapturedElement& element_;
+};
+
+void replaceFreshHandles(HLValue& value) {
+  if (const HLElementRef* held = value.as<HLElementRef>()) {
+    const auto* element = dynamic_cast<const HLCapturedElement*>(held->get());
+    if (element != nullptr && element->freshHandles) value = std::make_shared<FreshHandle>(*element);
+  } else if (auto* members = std::get_if<HLArray>(&value)) {
+    for (HLValue& member : *members) replaceFreshHandles(member);
+  }
+}
+
+class Reader {
+ public:
+  explicit Reader(HLCapture& capture) : capture_(capture) {}
+
+  void read(const HLElementRef& application) {
+    readAttribute(capture_.add(), *application, kWindows);
+    // Elements are found while others are read.
+    for (std::size_t next = 0; next < found_.size(); ++next) {
+      const auto [number, handle] = found_[next];
+      HLCapturedElement& element = capture_.elements[static_cast<std::size_t>(number)];
+      for (std::string_view name : HLFactAttributeNames) readAttribute(element, *handle, name);
+      for (std::string_view name : kFurtherAttributes) readAttribute(element, *handle, name);
+      element.actions = handle->copyActionNames();
+    }
+  }
+
+ private:
+  void readAttribute(HLCapturedElement& element, const HLElement& handle, std::string_view name) {
+    HLAttribute answer = handle.copyAttributeValue(name);
+    if (answer.error == HLAXErrorNoValue) return;
+    adopt(answer.value);
+    element.attributes.push_back({std::string(name), std::move(answer)});
+  }
+
+  // Replaces the elements of a value by captured ones.
+  void adopt(HLValue& value) {
+    if (const HLElementRef* held = value.as<HLElementRef>()) {
+      const int number = *held == nullptr ? -1 : numberOf(*held);
+      value = number < 0 ? HLValue() : HLValue(capture_.handle(number));
+    } else if (auto* members = std::get_if<HLArray>(&value)) {
+      for (HLValue& member : *members) adopt(member);
+    }
+  }
+
+  int numberOf(const HLElementRef& handle) {
+    if (const auto known = numbers_.find(handle); known != numbers_.end()) return known->second;
+    const auto equal = std::find_if(found_.begin(), found_.end(),
+                                    [&handle](const Found& found) { return found.handle->isEqual(*handle); });
+    if (equal != found_.end()) {
+      const int number = equal->number;
+      numbers_.emplace(handle, number);
+      if (!std::exchange(capture_.elements[static_cast<std::size_t>(number)].freshHandles, true)) meetChildren(*handle);
+      return number;
+    }
+    if (capture_.elements.size() >= HLCaptureLimit) {
+      capture_.isComplete = false;
+      return -1;
+    }
+    const int number = capture_.add().number();
+    numbers_.emplace(handle, number);
+    found_.push_back({number, handle});
+    return number;
+  }
+
+  // A scan reads an element once for each of its handles, and finds out whether the children too come as further ones.
+  void meetChildren(const HLElement& element) {
+    for (std::string_view name : HLChildAttributes) {
+      for (const HLElementRef& child : HLElementsFromAttribute(element.copyAttributeValue(name))) (void)numberOf(child);
+    }
+  }
+
+  struct Found {
+    int number;
+    HLElementRef handle;
+  };
+
+  HLCapture& capture_;
+  std::deque<Found> found_;
+  std::unordered_map<HLElementRef, int> numbers_;  // owns the handles, so that no address is used again
+};
+
+}  // namespace
+
+HLAttribute HLCapturedElement::copyAttributeValue(std::string_view name) const {
+  const auto found = std::find_if(attributes.begin(), attributes.end(),
+                                  [name](const HLCapturedAttribute& attribute) { return attribute.name == name; });
+  if (found == attributes.end()) return {HLAXErrorNoValue, {}};
+  HLAttribute answer = found->answer;
+  replaceFreshHandles(answer.value);
+  return answer;
+}
+
+bool HLCapturedElement::isEqual(const HLElement& other) const { return HLCapturedNumber(other) == number_; }
+
+std::unique_ptr<HLCapture> HLCaptureScreen() {
+  auto capture = std::make_unique<HLCapture>();
+  const HLPlatform& platform = HLCurrentPlatform();
+  capture->trusted = HLIsAccessibilityTrusted(false);
+  capture->process = HLNotificationCenterApplication();
+  if (platform.report != nullptr) {
+    capture->host = platform.report->systemVersion();
+    if (capture->process) capture->server = platform.report->serverVersion(capture->process->pid);
+  }
+  if (!capture->process) return capture;
+  const HLElementRef application = HLNotificationCenterElement(capture->process->pid);
+  if (application != nullptr) Reader(*capture).read(application);
+  return capture;
+}
+
+int HLCapturedNumber(const HLElement& element) {
+  if (const auto* captured = dynamic_cast<const HLCapturedElement*>(&element)) return captured->number();
+  const auto* handle = dynamic_cast<const FreshHandle*>(&element);
+  return handle == nullptr ? -1 : handle->element().number();
+}
+
+std::vector<int> HLCapturedList(const HLCapturedElement& element, std::string_view name) {
+  std::vector<int> numbers;
+  for (const HLElementRef& member : HLElementsFromAttribute(element.copyAttributeValue(name))) {
+    numbers.push_back(HLCapturedNumber(*member));
+  }
+  return numbers;
+}
+
+std::vector<int> HLCapturedChildren(const HLCapturedElement& element) {
+  std::vector<int> numbers;
+  for (std::string_view name : HLChildAttributes) {
+    const std::vector<int> members = HLCapturedList(element, name);
+    numbers.insert(numbers.end(), members.begin(), members.end());
+  }
+  return numbers;
+}

@@ -1,0 +1,153 @@
+#include "report/explanation.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "core/dismissal/resolution.h"
+#include "core/scan/element_access.h"
+#include "core/scan/tree_scan.h"
+#include "core/scan/words.h"
+
+namespace {
+
+// What the scan said of an element when it met it first.
+struct Step {
+  HLScoreDetails details;
+  std::optional<HLDismissTarget> candidate;
+  HLDescent descent = HLDescent::enter;
+};
+
+class Explainer {
+ public:
+  explicit Explainer(HLCapture& capture) : capture_(capture), explanation_{capture, {}, {}, {}} {}
+
+  HLExplanation run() {
+    const HLJudgement judgement = HLJudgeCapture(capture_, [this](const HLScanStep& step) {
+      steps_.try_emplace(HLCapturedNumber(*step.visit.element), Step{step.details, step.candidate, step.descent});
+    });
+    explanation_.presses = judgement.batch.resolved;
+    for (const HLDismissTarget& target : judgement.targets) addTarget(target, judgement.batch);
+    if (!capture_.elements.empty()) addWindows();
+    return std::move(explanation_);
+  }
+
+ private:
+  void addTarget(const HLDismissTarget& target, const HLPreparedBatch& batch) {
+    HLExplainedTarget& added = explanation_.targets.emplace_back();
+    added.target = target;
+    added.control = HLResolvedTarget(target);
+    const auto isControl = [&added](const HLDismissTarget& control) {
+      return added.control.element->isEqual(*control.element);
+    };
+    const auto press = std::find_if(batch.resolved.begin(), batch.resolved.end(), isControl);
+    added.press = static_cast<std::size_t>(press - batch.resolved.begin());
+    added.presses = added.press == pressesSoFar_;
+    if (added.presses) ++pressesSoFar_;
+    targets_.try_emplace(HLCapturedNumber(*target.element), explanation_.targets.size() - 1);
+  }
+
+  struct Place {
+    int number;
+    int window;
+    int depth;
+    bool isPruned;  // below a control that the scan is sure of
+  };
+
+  void addWindows() {
+    std::vector<Place> stack;
+    int window = 0;
+    for (int number : HLCapturedList(capture_.element(0), "AXWindows")) stack.push_back({number, window++, 0, false});
+    std::reverse(stack.begin(), stack.end());
+    while (!stack.empty()) {
+      const Place place = stack.back();
+      stack.pop_back();
+      if (!add(place)) continue;
+      const auto step = steps_.find(place.number);
+      const bool isPruned = place.isPruned || (step != steps_.end() && step->second.descent == HLDescent::prune);
+      std::vector<int> children = HLCapturedChildren(capture_.element(place.number));
+      std::set<int> listed;  // the same child is usually in several lists
+      children.erase(std::remove_if(children.begin(), children.end(),
+                                    [&listed](int child) { return !listed.insert(child).second; }),
+                     children.end());
+      for (auto child = children.rbegin(); child != children.rend(); ++child) {
+        stack.push_back({*child, place.window, place.depth + 1, isPruned});
+      }
+    }
+  }
+
+  // Returns false for an element that was added before.
+  bool add(const Place& place) {
+    const HLCapturedElement& captured = capture_.element(place.number);
+    HLExplainedElement& added = explanation_.elements.emplace_back();
+    added.number = place.number;
+    added.window = place.window;
+    added.depth = place.depth;
+    added.isRepeat = !added_.insert(place.number).second;
+    added.facts = captured.copyFacts();
+    added.doubt = HLStringAttribute(captured, HLDoubtAttributeName).value_or("");
+    if (const auto step = steps_.find(place.number); step != steps_.end()) {
+      added.scanned = HLScanned::yes;
+      added.details = step->second.details;
+      added.candidate = step->second.candidate;
+    } else if (capture_.trusted) {
+      added.scanned = place.isPruned ? HLScanned::belowStrongTarget : HLScanned::beyondLimit;
+    }
+    if (const auto target = targets_.find(place.number); target != targets_.end()) added.target = target->second;
+    return !added.isRepeat;
+  }
+
+  HLCapture& capture_;
+  HLExplanation explanation_;
+  std::size_t pressesSoFar_ = 0;
+  std::map<int, Step> steps_;
+  std::map<int, std::size_t> targets_;
+  std::set<int> added_;
+};
+
+std::string inQuotes(std::string_view word) { return "\"" + std::string(word) + "\""; }
+
+std::string refusalOf(const HLScoreDetails& details, bool isBanner) {
+  switch (details.refusal) {
+    case HLRefusal::none:
+      return "";
+    case HLRefusal::noPress:
+      return isBanner ? "no action that closes it" : "no press action";
+    case HLRefusal::outsideNotification:
+      return "not in a notification";
+    case HLRefusal::menu:
+      return "part of a menu";
+    case HLRefusal::notAButton:
+      return "not a button";
+    case HLRefusal::negativeWord:
+      return "its words have " + inQuotes(details.negativeWord);
+    case HLRefusal::tooLarge:
+      return "too large for a close button without a word for closing";
+    case HLRefusal::lowScore:
+      return details.negativeWord.empty() ? "too few points" : "its words have " + inQuotes(details.negativeWord);
+  }
+  return "";
+}
+
+}  // namespace
+
+HLExplanation HLExplain(HLCapture& capture) { return Explainer(capture).run(); }
+
+std::string HLRefusalText(const HLExplainedElement& element) {
+  const bool isBanner = HLIsNotificationBannerSubrole(element.facts.subrole);
+  const bool isPressable = HLIsPressable(element.facts.actionNames);
+  if (element.candidate || element.isRepeat) return "";
+  if (!isBanner && !isPressable && element.facts.role != "AXButton") return "";
+  std::string text;
+  if (element.scanned == HLScanned::beyondLimit) {
+    text = "beyond the limit of " + std::to_string(HLScanLimit) + " elements";
+  } else if (element.scanned == HLScanned::belowStrongTarget) {
+    text = "part of a control that is pressed";
+  } else {
+    text = refusalOf(element.details, isBanner);
+  }
+  if (!text.empty() && !element.doubt.empty()) text += "; ";
+  return text + element.doubt;
+}

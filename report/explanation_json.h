@@ -1,0 +1,7 @@
+// An explanation as data.
+#pragma once
+
+#include "platform/value.h"
+#include "report/explanation.h"
+
+[[nodiscard]] HLValue HLExplanationData(const HLExplanation& explanation, bool keepsTexts);

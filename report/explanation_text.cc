@@ -1,0 +1,213 @@
+#include "report/explanation_text.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "base/format.h"
+#include "base/terminal.h"
+#include "platform/text.h"
+
+namespace {
+
+enum class Tone { plain, strong, good, bad, faint };
+
+std::string_view codeOf(Tone tone) {
+  switch (tone) {
+    case Tone::plain:
+      break;
+    case Tone::strong:
+      return "\033[1m";
+    case Tone::good:
+      return "\033[32m";
+    case Tone::bad:
+      return "\033[33m";
+    case Tone::faint:
+      return "\033[2m";
+  }
+  return "";
+}
+
+std::size_t columnsOf(std::string_view text) {
+  std::size_t count = 0;
+  for (std::size_t next = 0; next < text.size(); ++count) (void)HLNextCodePoint(text, next);
+  return count;
+}
+
+std::string cut(std::string_view text, std::size_t columns) {
+  if (columnsOf(text) <= columns) return std::string(text);
+  std::size_t next = 0;
+  for (std::size_t i = 1; i < columns; ++i) (void)HLNextCodePoint(text, next);
+  return std::string(text.substr(0, next)) + "…";
+}
+
+std::string number(double value) { return HLFormat("%.0f", value); }
+
+std::string frameText(const HLRect& frame) {
+  if (frame.isNull()) return "";
+  return " [" + number(frame.x) + " " + number(frame.y) + " " + number(frame.width) + "x" + number(frame.height) + "]";
+}
+
+// macOS writes what a custom action calls behind its name, each on a line of its own.
+std::string_view firstLine(std::string_view action) { return action.substr(0, action.find('\n')); }
+
+std::string actionsText(const std::vector<std::string>& actions) {
+  std::string text;
+  for (const std::string& action : actions) (text += text.empty() ? " {" : ", ") += firstLine(action);
+  return text.empty() ? "" : text + "}";
+}
+
+std::string partsText(const HLScoreDetails& details) {
+  std::string text;
+  for (const HLScorePart& part : details.parts) {
+    text += (text.empty() ? "" : ", ") + std::string(part.word) + HLFormat(" %ld", part.points);
+  }
+  return text;
+}
+
+class Printer {
+ public:
+  Printer(const HLExplanation& explanation, const HLExplanationStyle& style, std::ostream& out)
+      : explanation_(explanation), style_(style), out_(out) {}
+
+  void print() {
+    printHead();
+    printTree();
+    if (!explanation_.targets.empty()) printTargets();
+    printPresses();
+  }
+
+ private:
+  // Texts of other programs may hold line feeds, and sequences that a terminal obeys.
+  void line(Tone tone, std::string_view text) {
+    const std::string visible = HLVisibleText(HLEncodableText(text));
+    if (style_.hasColors && tone != Tone::plain) {
+      out_ << codeOf(tone) << visible << "\033[0m\n";
+    } else {
+      out_ << visible << '\n';
+    }
+  }
+
+  void printHead() {
+    const HLCapture& capture = explanation_.capture;
+    if (!capture.host.empty()) line(Tone::plain, "system: " + capture.host);
+    if (!capture.process) {
+      line(Tone::bad, "process: none, nothing shows notifications here");
+    } else {
+      const HLRunningApplication& process = *capture.process;
+      line(Tone::plain, HLFormat("process: %@, pid %d, %@", process.name.value_or("without a name"), process.pid,
+                                 process.bundleIdentifier.value_or("without a bundle identifier")));
+    }
+    if (!capture.server.name.empty()) {
+      const HLServerVersion& server = capture.server;
+      line(Tone::plain, "server: " + server.name + (server.version.empty() ? "" : " " + server.version) +
+                            (server.vendor.empty() ? "" : " by " + server.vendor));
+    }
+    if (capture.trusted) {
+      line(Tone::plain, "access: granted");
+    } else {
+      line(Tone::bad, "access: not granted to this process, so nothing can be read");
+    }
+    if (!style_.keepsTexts) line(Tone::plain, "texts: replaced; --keep-texts shows them");
+    if (!capture.isComplete) {
+      line(Tone::bad, HLFormat("elements: more than %lu, the others are left out", HLCaptureLimit));
+    }
+  }
+
+  void printTree() {
+    int window = -1;
+    if (explanation_.elements.empty() && explanation_.capture.trusted && explanation_.capture.process) {
+      line(Tone::plain, explanation_.capture.elements.empty() ? "\nits interface cannot be read" : "\nno window");
+    }
+    for (const HLExplainedElement& element : explanation_.elements) {
+      if (element.window != window) {
+        out_ << '\n';
+        window = element.window;
+        line(Tone::strong, HLFormat("window %d", window));
+      }
+      printElement(element);
+    }
+  }
+
+  void printElement(const HLExplainedElement& element) {
+    constexpr int kDeepest = 30;  // indented
+    const std::string margin(static_cast<std::size_t>(2 * std::min(element.depth, kDeepest) + 2), ' ');
+    line(element.candidate ? Tone::good : Tone::plain, described(margin, element));
+    if (element.isRepeat) return;
+    if (element.candidate) {
+      const std::string rank =
+          element.target ? HLFormat("target %lu", *element.target + 1) : std::string("another target's equal");
+      line(Tone::good, margin + "  = " + rank + HLFormat(", score %ld: ", element.candidate->score) +
+                           (element.details.parts.size() > 1 ? partsText(element.details) : element.candidate->reason));
+    } else if (const std::string refusal = HLRefusalText(element); !refusal.empty()) {
+      line(Tone::bad, margin + "  - not pressed: " + refusal);
+    }
+  }
+
+  // The element in one line, its name cut to what the rest leaves.
+  [[nodiscard]] std::string described(const std::string& margin, const HLExplainedElement& element) const {
+    const HLElementFacts& facts = element.facts;
+    std::string front = margin + (facts.role.empty() ? "(no role)" : facts.role);
+    if (!facts.subrole.empty()) front += " " + facts.subrole;
+    std::string behind = frameText(facts.frame) + actionsText(facts.actionNames);
+    if (element.isRepeat) behind += " (as above)";
+    return front + nameText(facts, columnsOf(front) + columnsOf(behind)) + behind;
+  }
+
+  [[nodiscard]] std::string nameText(const HLElementFacts& facts, std::size_t taken) const {
+    const std::string* name = &facts.title;
+    if (name->empty()) name = &facts.description;
+    if (name->empty()) name = &facts.value;
+    if (name->empty()) return "";
+    constexpr std::size_t kLeast = 12;
+    const std::size_t columns = static_cast<std::size_t>(style_.columns);
+    const std::size_t room = columns > taken + 3 ? columns - taken - 3 : 0;
+    return " \"" + cut(HLVisibleText(*name), std::max(room, kLeast)) + "\"";
+  }
+
+  [[nodiscard]] std::string controlText(const HLDismissTarget& control) const {
+    const HLElementFacts facts = control.element->copyFacts();
+    std::string text = std::string(firstLine(control.action)) + " of " +
+                       (facts.role.empty() ? "an element without a role" : facts.role);
+    if (!facts.subrole.empty()) text += " " + facts.subrole;
+    return text + nameText(facts, columnsOf(text) + columnsOf(frameText(control.frame)) + 6) + frameText(control.frame);
+  }
+
+  void printTargets() {
+    out_ << '\n';
+    line(Tone::strong, "targets");
+    for (std::size_t i = 0; i < explanation_.targets.size(); ++i) {
+      const HLExplainedTarget& target = explanation_.targets[i];
+      std::string text = HLFormat("  %lu. score %ld, ", i + 1, target.target.score);
+      if (target.control.element->isEqual(*target.target.element)) {
+        (text += "pressed itself: ") += firstLine(target.target.action);
+      } else {
+        text += HLFormat("resolves to another control, score %ld: %@", target.control.score, target.control.reason);
+      }
+      if (!target.presses) text += HLFormat("; the same control as press %lu", target.press + 1);
+      line(Tone::plain, text);
+    }
+  }
+
+  void printPresses() {
+    if (!explanation_.capture.trusted || !explanation_.capture.process) return;
+    out_ << '\n';
+    if (explanation_.presses.empty()) return line(Tone::strong, "nothing would be pressed");
+    line(Tone::strong, "would press, in this order");
+    for (std::size_t i = 0; i < explanation_.presses.size(); ++i) {
+      line(Tone::good, HLFormat("  %lu. ", i + 1) + controlText(explanation_.presses[i]));
+    }
+  }
+
+  const HLExplanation& explanation_;
+  const HLExplanationStyle& style_;
+  std::ostream& out_;
+};
+
+}  // namespace
+
+void HLPrintExplanation(const HLExplanation& explanation, const HLExplanationStyle& style, std::ostream& out) {
+  Printer(explanation, style, out).print();
+}

@@ -1,0 +1,34 @@
+// What the engine thinks of a captured interface, and what it would do first.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/dismissal/batch.h"
+#include "core/scan/records.h"
+#include "core/scan/tree_scan.h"
+#include "report/capture.h"
+
+struct HLJudgement {
+  std::vector<HLDismissTarget> targets;  // in the order in which they are considered
+  HLPreparedBatch batch;                 // of the first attempt
+};
+
+// Scans, orders and resolves as the first attempt of a dismissal does; presses and logs nothing. The listener is that
+// of HLCurrentTargets. Of a process that this one may not read it is empty.
+[[nodiscard]] HLJudgement HLJudgeCapture(HLCapture& capture, const HLScanListener& listener = nullptr);
+
+// What two judgements have in common when they come to the same, whatever the texts: trust, targets, which of them
+// count as one, and presses. Element numbers are replaced by `order[number]`.
+struct HLJudgementOutline {
+  bool trusted = false;
+  std::vector<std::string> targets;       // as the log describes them, without snapshots
+  std::vector<std::size_t> alike;         // for each target, the first one with the same progress identity key
+  std::vector<std::size_t> applications;  // for each target, the first one of the same application
+  std::vector<std::pair<int, std::string>> presses;  // elements and actions
+  bool operator==(const HLJudgementOutline&) const = default;
+};
+[[nodiscard]] HLJudgementOutline HLOutlineOf(const HLCapture& capture, const HLJudgement& judgement,
+                                             const std::vector<int>& order);

@@ -1,0 +1,226 @@
+#include "report/masked_capture.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <map>
+#include <numeric>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "autoclose/rules.h"
+#include "core/scan/alert_description.h"
+#include "core/scan/context.h"
+#include "core/scan/notification_center.h"
+#include "core/scan/records.h"
+#include "platform/element_facts.h"
+#include "platform/text.h"
+
+namespace {
+
+bool stays(std::string_view attribute) {
+  return attribute == "AXRole" || attribute == "AXSubrole" || attribute == "AXIdentifier" ||
+         attribute == HLDoubtAttributeName;
+}
+
+// Cuts in the texts of elements: by number and attribute, in lower-cased UTF-16 units of the text.
+using Cuts = std::map<std::pair<int, std::string>, std::vector<std::size_t>>;
+
+// Returns how many lower-cased units of the text, as written, make so many compacted ones.
+std::size_t unitsBefore(std::string_view text, std::size_t compacted) {
+  const std::u16string units = HLUtf16Units(HLLowercase(HLEncodableText(text)));
+  std::size_t seen = 0;
+  bool isBlank = true;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const bool blank = HLIsWhitespace(units[i]);
+    if (!blank || !isBlank) {
+      if (seen == compacted) return i;
+      ++seen;
+    }
+    isBlank = blank;
+  }
+  return units.size();
+}
+
+// Adds the cut that a snapshot makes in the searchable words of one element, `limit` units from their beginning.
+void cutElement(const HLCapturedElement& element, std::size_t limit, Cuts& cuts) {
+  std::size_t position = 0;
+  for (const HLTextAttribute& attribute : HLTextAttributes) {
+    const std::string text = HLStringFromAttribute(element.copyAttributeValue(attribute.name)).value_or("");
+    const std::size_t length = HLUtf16Length(HLCompactSnapshot(HLLowercase(text)));
+    if (length == 0) continue;
+    if (position > 0) ++position;
+    if (limit < position) return;
+    if (limit < position + length) {
+      cuts[{element.number(), std::string(attribute.name)}].push_back(unitsBefore(text, limit - position));
+      return;
+    }
+    position += length;
+  }
+}
+
+// Where snapshots cut texts: in an element's own words, or, where it has none, in those of the elements above it, by
+// the path on which a scan meets it.
+class CutFinder {
+ public:
+  explicit CutFinder(HLCapture& capture) : capture_(capture) {
+    for (const HLCapturedElement& element : capture.elements) cutElement(element, HLSnapshotLimit, cuts_);
+  }
+
+  Cuts find() {
+    std::map<int, int> parents;
+    (void)HLCurrentTargets(*capture_.handle(0), [&](const HLScanStep& step) {
+      const int number = HLCapturedNumber(*step.visit.element);
+      for (const HLElementRef& child : step.visit.facts.children) parents.emplace(HLCapturedNumber(*child), number);
+      if (step.visit.own.empty() && step.candidate) cutPath(number, parents);
+    });
+    return std::move(cuts_);
+  }
+
+ private:
+  void cutPath(int number, const std::map<int, int>& parents) {
+    std::vector<int> path;
+    for (auto parent = parents.find(number); parent != parents.end(); parent = parents.find(parent->second)) {
+      if (std::find(path.begin(), path.end(), parent->second) != path.end()) break;
+      path.push_back(parent->second);
+    }
+    std::size_t position = 0;
+    for (auto above = path.rbegin(); above != path.rend(); ++above) {
+      const HLCapturedElement& element = capture_.element(*above);
+      const std::size_t length = HLUtf16Length(HLSearchableContext(element.copyFacts()));
+      if (length == 0) continue;
+      if (position > 0) ++position;
+      if (position > HLSnapshotLimit) return;
+      if (HLSnapshotLimit < position + length) return cutElement(element, HLSnapshotLimit - position, cuts_);
+      position += length;
+    }
+  }
+
+  HLCapture& capture_;
+  Cuts cuts_;
+};
+
+class Masker {
+ public:
+  Masker(HLCapture& from, HLCapture& to, HLWordMask::Key key)
+      : from_(from), to_(to), rules_(HLAutoCloseRules(std::nullopt)), mask_(key), cuts_(CutFinder(from).find()) {}
+
+  void run() {
+    for (std::size_t i = 0; i < from_.elements.size(); ++i) to_.add();
+    for (const HLCapturedElement& element : from_.elements) {
+      for (const HLCapturedAttribute& attribute : element.attributes) meet(attribute);
+    }
+    for (const HLCapturedElement& element : from_.elements) {
+      HLCapturedElement& copy = to_.elements[static_cast<std::size_t>(element.number())];
+      copy.actions = element.actions;
+      copy.freshHandles = element.freshHandles;
+      for (const HLCapturedAttribute& attribute : element.attributes) {
+        copy.attributes.push_back({attribute.name, {attribute.answer.error, masked(element.number(), attribute)}});
+      }
+    }
+  }
+
+ private:
+  void meet(const HLCapturedAttribute& attribute) {
+    const std::string text = HLStringFromAttribute(attribute.answer).value_or("");
+    if (stays(attribute.name)) return mask_.meetKept(text);
+    mask_.meet(text);
+    if (const auto* words = attribute.answer.value.as<std::string>()) {
+      for (const std::string& kept : automationTexts(*words)) mask_.meetKept(kept);
+    }
+  }
+
+  // What a rule for the banners of automations reads in the text, if it matches.
+  [[nodiscard]] std::vector<std::string> automationTexts(std::string_view description) const {
+    if (!HLAlertDescriptionMatchesAutoClose(description, rules_)) return {};
+    const HLAlertDescription parts = HLSplitAlertDescription(description);
+    const std::string body = HLLowercase(*parts.rest);
+    std::vector<std::string> texts = {std::string(parts.application)};
+    for (const HLAutoCloseRule& rule : rules_) {
+      for (const std::string& phrase : rule.bodyPhrases) {
+        if (body.find(phrase) != std::string::npos) texts.push_back(phrase);
+      }
+    }
+    return texts;
+  }
+
+  [[nodiscard]] HLValue masked(int number, const HLCapturedAttribute& attribute) {
+    const HLValue& value = attribute.answer.value;
+    if (stays(attribute.name)) {
+      const auto* text = value.as<std::string>();
+      return text == nullptr ? value : HLValue(HLEncodableText(*text));
+    }
+    const auto cuts = cuts_.find({number, attribute.name});
+    return masked(value, cuts == cuts_.end() ? std::vector<std::size_t>() : cuts->second);
+  }
+
+  [[nodiscard]] HLValue masked(const HLValue& value, const std::vector<std::size_t>& cuts) {
+    if (const auto* text = value.as<std::string>()) return maskedText(*text, cuts);
+    if (const auto* integer = value.as<std::int64_t>()) return maskedInteger(*integer, cuts);
+    if (const auto* real = value.as<double>()) return maskedReal(*real, cuts);
+    if (const auto* element = value.as<HLElementRef>()) return to_.handle(HLCapturedNumber(**element));
+    if (const auto* members = value.as<HLArray>()) {
+      HLArray copy;
+      for (const HLValue& member : *members) copy.push_back(masked(member, {}));
+      return copy;
+    }
+    if (value.as<HLDictionary>() != nullptr) return HLDictionary();
+    return value;  // missing, a truth value, a point or a size
+  }
+
+  [[nodiscard]] std::string maskedText(const std::string& text, const std::vector<std::size_t>& cuts) {
+    std::vector<HLTextSpan> kept;
+    const std::u16string lower = HLUtf16Units(HLLowercase(HLEncodableText(text)));
+    for (const std::string& words : automationTexts(text)) {
+      const std::u16string units = HLUtf16Units(HLLowercase(words));
+      if (const std::size_t at = lower.find(units); at != std::u16string::npos) kept.push_back({at, at + units.size()});
+    }
+    return mask_.replaced(text, cuts, kept);
+  }
+
+  [[nodiscard]] HLValue maskedInteger(std::int64_t integer, const std::vector<std::size_t>& cuts) {
+    const std::string text = mask_.replaced(std::to_string(integer), cuts);
+    const HLValue number = std::int64_t{std::strtoll(text.c_str(), nullptr, 10)};
+    return HLNumberText(number) == text ? number : HLValue(text);
+  }
+
+  // A real number whose replacement would not be read as the same text stays.
+  [[nodiscard]] HLValue maskedReal(double real, const std::vector<std::size_t>& cuts) {
+    const std::string text = mask_.replaced(HLNumberText(real).value_or(""), cuts);
+    const HLValue number = std::strtod(text.c_str(), nullptr);
+    return HLNumberText(number) == text ? number : HLValue(real);
+  }
+
+  HLCapture& from_;
+  HLCapture& to_;
+  const HLAutoCloseRuleList rules_;
+  HLTextMask mask_;
+  const Cuts cuts_;
+};
+
+}  // namespace
+
+std::unique_ptr<HLCapture> HLMaskedCapture(HLCapture& capture, HLWordMask::Key key) {
+  auto copy = std::make_unique<HLCapture>();
+  copy->trusted = capture.trusted;
+  copy->host = capture.host;
+  copy->server = capture.server;
+  copy->process = capture.process;
+  copy->isComplete = capture.isComplete;
+  if (!capture.elements.empty()) Masker(capture, *copy, key).run();
+  return copy;
+}
+
+std::unique_ptr<HLCapture> HLMaskedCapture(HLCapture& capture, const HLJudgement& judgement) {
+  constexpr int kKeys = 4;
+  std::vector<int> sameOrder(capture.elements.size());
+  std::iota(sameOrder.begin(), sameOrder.end(), 0);
+  const HLJudgementOutline wanted = HLOutlineOf(capture, judgement, sameOrder);
+  for (int i = 0; i < kKeys; ++i) {
+    std::unique_ptr<HLCapture> masked = HLMaskedCapture(capture, HLRandomMaskKey());
+    if (HLOutlineOf(*masked, HLJudgeCapture(*masked), sameOrder) == wanted) return masked;
+  }
+  return nullptr;
+}

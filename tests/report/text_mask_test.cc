@@ -1,0 +1,117 @@
+#include "report/text_mask.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "core/scan/context.h"
+#include "platform/text.h"
+
+namespace {
+
+constexpr HLWordMask::Key kKey = {7, 11};
+
+std::string replaced(std::string_view text) {
+  HLTextMask mask(kKey);
+  mask.meet(text);
+  return mask.replaced(text);
+}
+
+std::string shapeOf(const std::string& text) {
+  std::string shape;
+  for (const char c : text) {
+    const bool isUpper = c >= 'A' && c <= 'Z';
+    const bool isLower = c >= 'a' && c <= 'z';
+    const bool isDigit = c >= '0' && c <= '9';
+    shape += isUpper ? 'A' : isLower ? 'a' : isDigit ? '9' : c;
+  }
+  return shape;
+}
+
+TEST(TextMask, KeepsCaseLengthAndPunctuation) {
+  const std::string text = "Ana Petrova, Dinner at 19:30 (Lindenstr. 12)!";
+  EXPECT_NE(replaced(text), text);
+  EXPECT_EQ(shapeOf(replaced(text)), shapeOf(text));
+}
+
+TEST(TextMask, LeavesNoWordReadable) {
+  const std::string hidden = replaced("Ana Petrova meets Tom");
+  for (const char* word : {"Ana", "Petrova", "meets", "Tom"}) EXPECT_EQ(hidden.find(word), std::string::npos) << hidden;
+}
+
+TEST(TextMask, KeepsPhrasesOfTheEngine) {
+  for (const std::string_view phrase : HLEnginePhrases()) {
+    EXPECT_NE(replaced("zq" + std::string(phrase) + "t").find(phrase), std::string::npos) << phrase;
+  }
+  EXPECT_NE(replaced("Show the REPLY").find("REPLY"), std::string::npos);
+  EXPECT_NE(replaced("Clear \n menu").find("Clear \n menu"), std::string::npos);
+}
+
+TEST(TextMask, MakesNoPhraseOfTheEngine) {
+  for (std::uint64_t key = 0; key < 400; ++key) {
+    HLTextMask mask({key, 3});
+    // Whatever letter is put before "allow", it must not be a c.
+    const std::string hidden = HLLowercase(mask.replaced("xallow"));
+    EXPECT_EQ(hidden.find("call"), std::string::npos) << key;
+    EXPECT_TRUE(hidden.ends_with("allow"));
+  }
+}
+
+TEST(TextMask, KeepsEqualWordsEqualAndOthersDifferent) {
+  HLTextMask mask(kKey);
+  EXPECT_EQ(HLLowercase(mask.replaced("Tom")), HLLowercase(mask.replaced("TOM")));
+  std::set<std::string> hidden;
+  for (char first = 'a'; first <= 'z'; ++first) {
+    hidden.insert(mask.replaced(std::string(1, first)));
+    for (char second = 'a'; second <= 'z'; ++second) hidden.insert(mask.replaced(std::string{first, second}));
+  }
+  for (int number = 0; number < 1000; ++number) hidden.insert(mask.replaced(std::to_string(number)));
+  EXPECT_EQ(hidden.size(), 26U + 26 * 26 + 1000);
+}
+
+TEST(TextMask, KeepsHalvesOfAPhraseThatTextsBringTogether) {
+  HLTextMask mask(kKey);
+  mask.meet("Main menu");
+  mask.meet("item seven");
+  EXPECT_TRUE(mask.replaced("item seven").starts_with("item "));
+  HLTextMask without(kKey);
+  without.meet("item seven");
+  EXPECT_FALSE(without.replaced("item seven").starts_with("item "));
+}
+
+TEST(TextMask, KeepsWordsOfTextsThatStay) {
+  HLTextMask mask(kKey);
+  mask.meetKept("body-7");
+  EXPECT_EQ(mask.replaced("Body 7"), "Body 7");
+  EXPECT_NE(mask.replaced("Bodyguard"), "Bodyguard");
+}
+
+TEST(TextMask, ReplacesBothSidesOfACutApart) {
+  HLTextMask mask(kKey);
+  const std::string first = mask.replaced("foobar", {5});
+  const std::string second = mask.replaced("foobaz", {5});
+  EXPECT_EQ(first.substr(0, 5), second.substr(0, 5));
+  EXPECT_NE(first, second);
+}
+
+TEST(TextMask, KeepsTheLengthOfTheLowerCasedText) {
+  for (const char* text : {"İstanbul", "ΣΊΣΥΦΟΣ", "Straße", "日本語", "𝔘nicode", "ﬁne", "naïve", "💬 Ça va?"}) {
+    EXPECT_EQ(HLUtf16Length(HLLowercase(replaced(text))), HLUtf16Length(HLLowercase(text))) << text;
+  }
+  EXPECT_TRUE(replaced("💬 Ça va?").starts_with("💬 "));
+}
+
+TEST(TextMask, ReplacesHalvesOfPairs) { EXPECT_EQ(replaced("\xED\xA0\xBD"), "\xEF\xBF\xBD"); }
+
+TEST(TextMask, KeepsNumbersNumbers) {
+  EXPECT_EQ(replaced("0"), "0");
+  EXPECT_EQ(replaced("1"), "1");
+  EXPECT_EQ(replaced("007").substr(0, 2), "00");
+  EXPECT_TRUE(replaced("1200").ends_with("00"));
+  EXPECT_NE(replaced("120")[0], '0');
+  EXPECT_LE(replaced("9223372036854775807"), "9223372036854775807");
+}
+
+}  // namespace
