@@ -120,11 +120,9 @@ int HLServeNotifications(sd_bus* bus, HLOpenNotifications& answers) {
 
 Names HLAskedNotifications::match(const Texts& banners, const std::optional<Texts>& tray) {
   Names names(banners.size());
-  const std::unique_ptr<HLBus> bus = HLBus::openSession();
-  if (bus == nullptr) return names;
   // A tray that is too large to ask about is an unknown one.
   const bool isTrayKnown = tray && tray->size() <= HLMostTrayEntriesAsked;
-  const HLBusReply reply = bus->callWith(questionNamed("Match"), [&](sd_bus_message* question) {
+  const HLBusReply reply = connection_.callWith(questionNamed("Match"), [&](sd_bus_message* question) {
     appendTexts(question, banners, HLMostBannersAsked);
     sd_bus_message_append(question, "b", isTrayKnown ? 1 : 0);
     return appendTexts(question, isTrayKnown ? *tray : Texts(), HLMostTrayEntriesAsked);
@@ -141,9 +139,7 @@ Names HLAskedNotifications::match(const Texts& banners, const std::optional<Text
 }
 
 std::optional<std::vector<HLListedNotification>> HLAskedNotifications::shown() {
-  const std::unique_ptr<HLBus> bus = HLBus::openSession();
-  if (bus == nullptr) return std::nullopt;
-  const HLBusReply reply = bus->call(questionNamed("Shown"));
+  const HLBusReply reply = connection_.call(questionNamed("Shown"));
   int isKnown = 0;
   if (!reply || sd_bus_message_read_basic(reply.message.get(), 'b', &isKnown) <= 0 || isKnown == 0 ||
       sd_bus_message_enter_container(reply.message.get(), 'a', "(us)") < 0) {

@@ -4,11 +4,11 @@
 #include <systemd/sd-bus.h>
 
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <vector>
 
 #include "platform/linux/notifications/open_notifications.h"
+#include "platform/linux/notifications/server_connection.h"
 
 inline constexpr const char* HLNotificationsName = "com.tessaly.hushlet.Notifications";
 inline constexpr const char* HLNotificationsPath = "/com/tessaly/hushlet/Notifications";
@@ -23,13 +23,19 @@ inline constexpr std::size_t HLLongestTextAsked = 16384;
 // connection. Returns a negative number if the connection cannot take it.
 [[nodiscard]] int HLServeNotifications(sd_bus* bus, HLOpenNotifications& answers);
 
-// Asks whoever has HLNotificationsName. Each question is one call on a connection of its own. Thread-safe.
+// Asks whoever has HLNotificationsName. Thread-safe.
 class HLAskedNotifications : public HLOpenNotifications {
  public:
+  // The connection must outlive this.
+  explicit HLAskedNotifications(HLServerConnection& connection) : connection_(connection) {}
+
   [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
       const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) override;
   // Without summaries and bodies.
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
   // Nobody else closes for this process.
   [[nodiscard]] bool close(const HLNotificationName&) override { return false; }
+
+ private:
+  HLServerConnection& connection_;
 };

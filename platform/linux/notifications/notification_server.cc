@@ -25,7 +25,7 @@ constexpr auto kServers = std::to_array<Row>({
     {"Notification Daemon", "MATE", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::tree}},
     {"lxqt-notificationd", "lxqt.org", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::tree}},
     // Seen with 3.20, its last release: the banner stays, and later ones never appear.
-    {"Notification Daemon", "GNOME", {kStandardName, HLClosingTrust::false_, false, HLScreenSource::tree}},
+    {"Notification Daemon", "GNOME", {kStandardName, HLClosingTrust::untruthful, false, HLScreenSource::tree}},
     {"dunst", "knopwob", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::counts}},
     {"mako", "emersion", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::list}},
     {"SwayNotificationCenter",

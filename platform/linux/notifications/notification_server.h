@@ -12,9 +12,9 @@ struct HLServerInformation {
 };
 
 enum class HLClosingTrust {
-  truthful,  // what it says is closed is gone
-  unknown,   // not tried: trusted until a banner stays that it said it closed
-  false_,    // says closed, and keeps the banner
+  truthful,    // what it says is closed is gone
+  unknown,     // not tried: trusted until a banner stays that it said it closed
+  untruthful,  // says closed, and keeps the banner
 };
 
 // Where to learn which notifications are on screen.

@@ -19,7 +19,7 @@ std::vector<std::optional<HLNotificationName>> HLOwnNotifications::match(
     const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) {
   std::vector<std::optional<HLNotificationName>> names(banners.size());
   const std::optional<HLPresentServer> server = connection_.server();
-  if (!server || server->traits.trust == HLClosingTrust::false_ || server->owner != table_.server()) return names;
+  if (!server || server->traits.trust == HLClosingTrust::untruthful || server->owner != table_.server()) return names;
   const std::vector<HLOpenNotificationRef> open = table_.open();
   if (server->traits.trust == HLClosingTrust::unknown && showsWhatItClosed(banners, open))
     connection_.distrust(*server);

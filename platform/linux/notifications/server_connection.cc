@@ -10,9 +10,14 @@ constexpr const char* kNamedPath = "/org/gtk/Notifications";
 
 }  // namespace
 
-HLBus* HLServerConnection::connection() {
+HLBusReply HLServerConnection::callWith(const HLBusCall& to, const std::function<int(sd_bus_message*)>& append) {
+  const HLLock lock(mutex_);
   if (bus_ == nullptr) bus_ = HLBus::openSession();
-  return bus_.get();
+  if (bus_ == nullptr) return {};
+  HLBusReply reply = bus_->callWith(to, append);
+  // A service without an owner is reported like a lost connection.
+  if (reply.isLost()) bus_ = nullptr;
+  return reply;
 }
 
 std::optional<HLPresentServer> HLServerConnection::server() {
@@ -43,7 +48,7 @@ bool HLServerConnection::close(const HLNotificationName& name) {
                                   name.identifier.c_str()));
   }
   const std::optional<HLPresentServer> present = server();
-  if (!present || present->traits.trust == HLClosingTrust::false_ || isDistrusted(*present)) return false;
+  if (!present || present->traits.trust == HLClosingTrust::untruthful || isDistrusted(*present)) return false;
   return static_cast<bool>(call(
       {std::string(present->traits.closingName), kPath, HLNotificationService, "CloseNotification"}, "u", name.number));
 }

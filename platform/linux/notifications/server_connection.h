@@ -1,6 +1,7 @@
 // The session's notification server, as a client of it.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -28,16 +29,11 @@ class HLServerConnection {
   // refused, did not answer, or is known to answer untruly.
   [[nodiscard]] bool close(const HLNotificationName& name);
 
-  // A call about what is on screen. The arguments are those of HLBus::call().
+  // A call to the server or another process of the session, as by HLBus::callWith() and HLBus::call().
+  [[nodiscard]] HLBusReply callWith(const HLBusCall& to, const std::function<int(sd_bus_message*)>& append);
   template <class... Argument>
   [[nodiscard]] HLBusReply call(const HLBusCall& to, const char* types = "", Argument... arguments) {
-    const HLLock lock(mutex_);
-    HLBus* bus = connection();
-    if (bus == nullptr) return {};
-    HLBusReply reply = bus->call(to, types, arguments...);
-    // A peer that has gone is reported like a lost connection.
-    if (reply.isLost()) bus_ = nullptr;
-    return reply;
+    return callWith(to, [&](sd_bus_message* message) { return sd_bus_message_append(message, types, arguments...); });
   }
 
   // Has close() return false for the present server from now on.
@@ -45,8 +41,6 @@ class HLServerConnection {
   [[nodiscard]] bool isDistrusted(const HLPresentServer& server);
 
  private:
-  [[nodiscard]] HLBus* connection() HL_REQUIRES(mutex_);
-
   HLMutex mutex_;
   std::unique_ptr<HLBus> bus_ HL_GUARDED_BY(mutex_);
   std::optional<HLPresentServer> known_ HL_GUARDED_BY(mutex_);

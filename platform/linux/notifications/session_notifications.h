@@ -22,8 +22,10 @@
 // again. Any other process asks one that stays, if there is one.
 class HLSessionNotifications : public HLOpenNotifications {
  public:
+  using MayWatch = std::function<bool()>;
+
   // `mayWatch` is asked when the process is said to stay.
-  explicit HLSessionNotifications(std::function<bool()> mayWatch) : mayWatch_(std::move(mayWatch)) {}
+  explicit HLSessionNotifications(MayWatch mayWatch) : mayWatch_(std::move(mayWatch)) {}
 
   void prepareToStay() override;
   [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
@@ -37,11 +39,11 @@ class HLSessionNotifications : public HLOpenNotifications {
   // Whether this process's table says what is open.
   [[nodiscard]] bool knows();
 
-  const std::function<bool()> mayWatch_;
+  const MayWatch mayWatch_;
   HLNotificationTable table_;
   HLServerConnection connection_;
   HLOwnNotifications own_{table_, connection_};
-  HLAskedNotifications asked_;
+  HLAskedNotifications asked_{connection_};
   std::atomic<bool> stays_ = false;
   HLNotificationMonitor monitor_{table_, own_};  // its thread uses the others
 };
