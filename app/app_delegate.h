@@ -11,6 +11,7 @@
 
 #include "app/trial.h"
 #include "autoclose/auto_closer.h"
+#include "autoclose/user_rules.h"
 #include "core/dismissal/result.h"
 #include "platform/application/application.h"
 #include "platform/application/application_platform.h"
@@ -96,6 +97,8 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void bringToFront(HLWindow& window);
   [[nodiscard]] const HLConventions& conventions() const;
 
+  void readUserRules();
+  void addAutoClose(HLWindowDescription& window);
   void addTrial(HLWindowDescription& window, std::vector<HLControl> besides);
   void refreshTrialButtons();
   void finishTrial(const HLTrialReport& report);
@@ -118,6 +121,7 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   std::unique_ptr<HLKeyMonitor> recordMonitor_;  // non-null while recording
   HLShortcutNote shortcutNote_;
   HLShortcutNote noteBeforeRecording_;
+  HLUserRules userRules_;
   std::unique_ptr<HLAutoCloser> autoCloser_;
   std::unique_ptr<HLTimer> failureTimer_;   // while the status item explains a failure
   std::optional<bool> loggedAvailability_;  // the latest in the log

@@ -40,6 +40,7 @@ void HLAppDelegate::applicationDidFinishLaunching() {
   installStatusItem();
   installHotKeyHandler();
   observeRelaunches();
+  readUserRules();
   HLCurrentPlatform().accessibility->prepareToStay();
   updateAutoCloser();
   applyStoredHotKey();

@@ -22,6 +22,8 @@ constexpr const char* kAutoCloseCheckbox = "autoCloseCheckbox";
 constexpr const char* kOpenAtLoginCheckbox = "openAtLoginCheckbox";
 constexpr const char* kFailureLabel = "failureLabel";
 
+constexpr double kRepeatAfter = 5;  // seconds
+
 HLStackItem heading(const char* text) { return {HLLabel{"", text, 13, HLFontWeight::semibold}, 8, false}; }
 
 }  // namespace
@@ -53,11 +55,7 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
   } else {
     window.stack.push_back({HLRow{accessibility, HLRowSpacing}, 18, false});
   }
-  if (conventions().offersAutoClose) {
-    window.stack.push_back(
-        {HLCheckBox{kAutoCloseCheckbox, "Close Shortcuts Automation Banners", [this](bool on) { toggleAutoClose(on); }},
-         8, false});
-  }
+  addAutoClose(window);
   if (HLIsProductFlavor()) {
     window.stack.push_back(
         {HLCheckBox{kOpenAtLoginCheckbox, "Open at Login", [this](bool on) { toggleOpenAtLogin(on); }}, 8, false});
@@ -106,7 +104,24 @@ void HLAppDelegate::setRecordButtonTitle(const std::string& title) {
   settingsWindow_->setButtonTitle(kRecordButton, title);
 }
 
-// Automation banners
+// Banners that are closed as they appear
+
+void HLAppDelegate::readUserRules() {
+  if (!conventions().offersUserRules) return;
+  userRules_ = HLReadUserRules(host_.userDefaults->value(HLUserRulesKey));
+  for (const std::string& mistake : userRules_.mistakes) HLAppendLog("autoClose mistake=%@", mistake);
+}
+
+void HLAppDelegate::addAutoClose(HLWindowDescription& window) {
+  const auto addBox = [this, &window](const char* title) {
+    window.stack.push_back({HLCheckBox{kAutoCloseCheckbox, title, [this](bool on) { toggleAutoClose(on); }}, 8, false});
+  };
+  if (conventions().offersAutoClose) addBox("Close Shortcuts Automation Banners");
+  if (!userRules_.rules.empty()) addBox("Close Banners by Your Own Rules");
+  for (const std::string& mistake : userRules_.mistakes) {
+    window.stack.push_back({HLLabel{"", mistake, 12, HLFontWeight::regular, HLTextColor::orange}, 8, true});
+  }
+}
 
 void HLAppDelegate::toggleAutoClose(bool on) {
   host_.userDefaults->setValue(kAutoClose, on);
@@ -116,7 +131,8 @@ void HLAppDelegate::toggleAutoClose(bool on) {
 
 void HLAppDelegate::updateAutoCloser() {
   // The auto-closer presses in this process and cannot use a trusted daemon.
-  const bool want = HLBooleanDefault(host_.userDefaults, kAutoClose) && HLIsAccessibilityTrusted(false);
+  const bool hasRules = conventions().offersAutoClose || !userRules_.rules.empty();
+  const bool want = hasRules && HLBooleanDefault(host_.userDefaults, kAutoClose) && HLIsAccessibilityTrusted(false);
   if (!want) {
     autoCloser_ = nullptr;
     return;
@@ -125,7 +141,9 @@ void HLAppDelegate::updateAutoCloser() {
   if (autoCloser_ != nullptr && autoCloser_->pid() != 0 && center && autoCloser_->pid() == center->pid) return;
   if (autoCloser_ == nullptr) {
     autoCloser_ = std::make_unique<HLAutoCloser>();
-    autoCloser_->setRules(HLAutoCloseRules(std::nullopt));
+    autoCloser_->setRules(conventions().offersAutoClose ? HLAutoCloseRules(std::nullopt) : userRules_.rules);
+    // Other than an automation's banner, one of these may come again with the same texts.
+    if (!conventions().offersAutoClose) autoCloser_->setRepeatAfter(kRepeatAfter);
   }
   autoCloser_->startForCurrentNotificationCenter();
 }

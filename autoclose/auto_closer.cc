@@ -58,9 +58,14 @@ void HLAutoCloser::handleEvent(const HLElement& element) {
   if (HLStringAttribute(element, "AXSubrole") != "AXNotificationCenterAlert") return;
   const std::string description = HLStringAttribute(element, "AXDescription").value_or("");
   if (!HLAlertDescriptionMatchesAutoClose(description, rules_)) return;
+  forgetOldDescriptions();
   // An alert is laid out many times while it moves: act on each description once, whether closing succeeds or not.
   if (!handled_.insert(description).second) return;
-  if (handled_.size() > kHandledLimit) handled_.clear();
+  if (repeatAfter_) expiry_.emplace_back(HLCurrentPlatform().runLoop->now() + *repeatAfter_, description);
+  if (handled_.size() > kHandledLimit) {
+    handled_.clear();
+    expiry_.clear();
+  }
 
   const std::optional<std::string> action = HLCloseAction(HLActionNames(element));
   if (!action) return;
@@ -68,6 +73,15 @@ void HLAutoCloser::handleEvent(const HLElement& element) {
   if (error == HLAXErrorSuccess) ++closed_;
   HLAppendLog("auto-close app=%@ error=%d closed=%ld", HLSplitAlertDescription(description).application, error,
               closed_);
+}
+
+void HLAutoCloser::forgetOldDescriptions() {
+  if (expiry_.empty()) return;
+  const double now = HLCurrentPlatform().runLoop->now();
+  while (!expiry_.empty() && expiry_.front().first <= now) {
+    handled_.erase(expiry_.front().second);
+    expiry_.pop_front();
+  }
 }
 
 int HLRunAutoCloseProbe(double seconds, std::ostream& out) {

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "autoclose/rules.h"
 #include "platform/accessibility.h"
@@ -22,17 +25,21 @@ class HLAutoCloser {
   // Nothing is closed until there are rules.
   void setRules(HLAutoCloseRuleList rules) { rules_ = std::move(rules); }
 
+  // Has it act on a description again, so many seconds after the last time.
+  void setRepeatAfter(double seconds) { repeatAfter_ = seconds; }
+
   // Watches the Notification Center that runs now, instead of any other. Success shows in pid().
   void startForCurrentNotificationCenter();
   void stop();
 
   [[nodiscard]] std::int32_t pid() const { return pid_; }        // 0 when not watching
   [[nodiscard]] std::int64_t closed() const { return closed_; }  // since construction
-  // Descriptions of the alerts that it acted on; it acts on each once.
+  // Descriptions of the alerts that it acted on; it acts on each once, unless setRepeatAfter() was called.
   [[nodiscard]] const std::set<std::string>& handled() const { return handled_; }
 
  private:
   void handleEvent(const HLElement& element);
+  void forgetOldDescriptions();
 
   std::unique_ptr<HLObserver> observer_;
   HLElementRef application_;
@@ -40,6 +47,8 @@ class HLAutoCloser {
   HLAutoCloseRuleList rules_;
   std::int64_t closed_ = 0;
   std::set<std::string> handled_;
+  std::optional<double> repeatAfter_;                  // seconds
+  std::deque<std::pair<double, std::string>> expiry_;  // of handled_, oldest first; with repeatAfter_ only
 };
 
 // Runs an auto-closer for `seconds` with the built-in rule and that of the environment variable

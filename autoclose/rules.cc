@@ -54,7 +54,7 @@ bool HLAlertDescriptionMatchesAutoClose(std::string_view description, const HLAu
   const std::string application = HLLowercase(parts.application);
   const std::string body = HLLowercase(*parts.rest);
   return std::any_of(rules.begin(), rules.end(), [&application, &body](const HLAutoCloseRule& rule) {
-    return rule.applicationNames.count(application) > 0 &&
+    return (rule.applicationNames.empty() || rule.applicationNames.count(application) > 0) &&
            std::any_of(rule.bodyPhrases.begin(), rule.bodyPhrases.end(),
                        [&body](const std::string& phrase) { return body.find(phrase) != std::string::npos; });
   });

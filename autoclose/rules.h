@@ -10,7 +10,7 @@
 
 // All texts are lower-cased.
 struct HLAutoCloseRule {
-  std::set<std::string> applicationNames;
+  std::set<std::string> applicationNames;  // empty for any application
   std::set<std::string> bodyPhrases;
 };
 

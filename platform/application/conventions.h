@@ -21,6 +21,7 @@ struct HLConventions {
 
   bool spellsModifiers = false;       // shortcuts are too long to share a row with their buttons
   bool offersAutoClose = true;        // the host has automations whose banners can be closed
+  bool offersUserRules = false;       // the preferences may hold rules for banners to close
   bool restoresShortcutNote = false;  // when a recording is canceled
   bool logsUnchangedPolls = true;     // of the setup window
   bool explainsFailures = false;      // of dismissals: by the status item, or without one by the settings window

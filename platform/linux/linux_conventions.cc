@@ -50,6 +50,7 @@ HLConventions HLLinuxConventions() {
   conventions.shortcutText = shortcutText;
   conventions.spellsModifiers = true;
   conventions.offersAutoClose = false;
+  conventions.offersUserRules = true;
   conventions.restoresShortcutNote = true;
   conventions.logsUnchangedPolls = false;
   conventions.explainsFailures = true;

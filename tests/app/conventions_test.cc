@@ -95,6 +95,51 @@ TEST(Conventions, HideTheAutoCloseCheckBox) {
   }
 }
 
+// The check boxes and orange lines of the settings window on a host with the user's own rules.
+Calls autoCloseParts(const std::string& stored, Calls* mistakes) {
+  Application application(R"("trusted": true, "defaults": {)" + stored + "}");
+  HLConventions conventions = HLMacConventions();
+  conventions.offersAutoClose = false;
+  conventions.offersUserRules = true;
+  application.host.platform.conventions = conventions;
+  application.delegate->applicationDidFinishLaunching();
+  application.delegate->showSettingsWindow();
+  Calls parts;
+  for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
+    if (const auto* box = std::get_if<HLCheckBox>(&item.what)) parts.push_back(box->title);
+    const auto* label = std::get_if<HLLabel>(&item.what);
+    if (label != nullptr && label->color == HLTextColor::orange) parts.push_back(label->text);
+  }
+  *mistakes = application.messages("autoClose mistake=");
+  return parts;
+}
+
+TEST(Conventions, OfferTheUsersOwnRules) {
+  Calls mistakes;
+  EXPECT_THAT(autoCloseParts("", &mistakes), ElementsAre("Open at Login"));
+  EXPECT_THAT(autoCloseParts(R"("HLAutoCloseRules": ["Backup|done"])", &mistakes),
+              ElementsAre("Close Banners by Your Own Rules", "Open at Login"));
+  EXPECT_THAT(mistakes, IsEmpty());
+  const std::string wrong = R"(Rule 1 is ignored: "Backup" is not "APPLICATION|PHRASE".)";
+  EXPECT_THAT(autoCloseParts(R"("HLAutoCloseRules": ["Backup"])", &mistakes), ElementsAre(wrong, "Open at Login"));
+  EXPECT_THAT(mistakes, ElementsAre("autoClose mistake=" + wrong));
+}
+
+TEST(Conventions, CloseByTheUsersOwnRules) {
+  for (const bool on : {false, true}) {
+    Application application(R"("trusted": true, "defaults": {"HLAutoCloseRules": ["Backup|done"],
+      "HLAutoCloseAutomationBanners": )" +
+                            std::string(on ? "true" : "false") + R"(}, "applications": [{"pid": 400,
+      "bundleIdentifier": "com.apple.notificationcenterui"}])");
+    HLConventions conventions = HLMacConventions();
+    conventions.offersAutoClose = false;
+    conventions.offersUserRules = true;
+    application.host.platform.conventions = conventions;
+    application.delegate->applicationDidFinishLaunching();
+    EXPECT_EQ(application.messages("auto-close watching").size(), on ? 1U : 0U);
+  }
+}
+
 TEST(Conventions, RestoreTheNoteOfACanceledRecording) {
   const auto cancelByEscape = [](HLAppDelegate& delegate, SpyHost&) { delegate.recordEvent({53, 0, ""}); };
   const auto cancelByButton = [](HLAppDelegate& delegate, SpyHost&) { delegate.toggleRecording(); };

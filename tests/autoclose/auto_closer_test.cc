@@ -139,6 +139,16 @@ TEST(AutoCloser, ForgetsWhatItHandledAfterTwoHundredDescriptions) {
   EXPECT_EQ(presses(desktop).back().first, "a1");
 }
 
+TEST(AutoCloser, RepeatsAfterAWhileIfToldSo) {
+  // Layout changes at 0.5, 1, ... 2.5 seconds.
+  SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"), layoutChanges({"a", "a", "a", "a", "a"})));
+  HLAutoCloser closer;
+  closer.setRepeatAfter(1.2);
+  watch(closer, 10);
+  EXPECT_EQ(closer.closed(), 2);
+  EXPECT_EQ(closer.handled().size(), 1U);
+}
+
 TEST(AutoCloser, IsToldOfALaidOutElementBelowTheApplication) {
   SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"),
                                  R"(,"timeline": [{"at": 0.5, "notify": "AXCreated", "element": "a"}])"));

@@ -79,7 +79,7 @@ INSTANTIATE_TEST_SUITE_P(Real, ApplicationWithServer, testing::Values(kMate, kLx
 
 class Application : public ApplicationDesktop {};
 
-TEST_F(Application, ClosesAutomationBannersWhileThePreferenceIsSet) {
+TEST_F(Application, ClosesBannersByRulesWhileSwitchedOn) {
   beginDesktopWith(kLxqt);
   startApplication();
   const auto sendAutomation = [this](const std::string& name) {
@@ -89,7 +89,8 @@ TEST_F(Application, ClosesAutomationBannersWhileThePreferenceIsSet) {
   waitForTargets(1);
   EXPECT_EQ(countLogged("auto-close watching"), 0);
 
-  storeDefaults(R"({"HLAutoCloseAutomationBanners": true})");
+  const std::string rules = R"("HLAutoCloseRules": ["Shortcuts|running your automation"])";
+  storeDefaults("{" + rules + R"(, "HLAutoCloseAutomationBanners": true})");
   startApplication();
   waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
   const std::uint32_t ordinary = sender_->send("Mail", "Lunch", "Running your automation at noon");
@@ -106,10 +107,11 @@ TEST_F(Application, ClosesAutomationBannersWhileThePreferenceIsSet) {
   waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
   ASSERT_TRUE(sender_->waitUntilClosed({sendAutomation("Evening")}, kTimeout));
 
-  storeDefaults(R"({"HLAutoCloseAutomationBanners": false})");
+  storeDefaults("{" + rules + R"(, "HLAutoCloseAutomationBanners": false})");
   startApplication({"--open-settings"});
   waitForWindow(kSettings);
   EXPECT_FALSE(findPart("Close Shortcuts Automation Banners"));
+  (void)waitForPart("Close Banners by Your Own Rules");
   (void)sendAutomation("Night");
   waitForTargets(1);
 }

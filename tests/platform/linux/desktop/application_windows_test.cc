@@ -134,6 +134,24 @@ TEST_F(ApplicationWindows, StayClosedWhileTheIconExplains) {
   EXPECT_FALSE(screen_->findTitled(kSettings));
 }
 
+TEST_F(ApplicationWindows, CloseBannersByTheUsersOwnRules) {
+  beginDesktopWith(kMate);
+  storeDefaults(R"({"HLAutoCloseRules": ["*|number 2", "a mistake"]})");
+  startApplication({"--open-settings"});
+  waitForWindow(kSettings);
+  const std::string mistake = R"(Rule 2 is ignored: "a mistake" is not "APPLICATION|PHRASE".)";
+  (void)waitForPart(mistake);
+  EXPECT_EQ(countLogged("autoClose mistake=" + mistake), 1);
+  clickPart("Close Banners by Your Own Rules");
+  waitForLogged("autoClose want=on");
+  waitForLogged("auto-close watching ");
+  keepPicture("rules");
+  const std::vector<std::uint32_t> ids = send(3);
+  ASSERT_TRUE(sender_->waitUntilClosed({ids[1]}, kTimeout));
+  waitForTargets(2);
+  EXPECT_EQ(sender_->closed(), std::set<std::uint32_t>{ids[1]});
+}
+
 class TrialButton : public ApplicationWindows, public testing::WithParamInterface<Server> {};
 
 TEST_P(TrialButton, ClearsItsOwnNotificationOnly) {
