@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
@@ -34,7 +35,6 @@
 
 namespace {
 
-// The permissions of a file, 0 where there is none.
 // The local time zone, and the file mode mask, for one test.
 class Log : public testing::Test {
  protected:
@@ -325,6 +325,29 @@ TEST_F(Log, KeepsTheCallersOwnSignal) {
               return std::string(isFileSizeSignalPending() && isFileSizeSignalBlocked() ? "kept" : "lost");
             }),
             "kept");
+}
+
+TEST_F(Log, WritesWhileStandardInputIsClosed) {
+  const int input = dup(0);
+  close(0);
+  HLAppendLineToPath(path("log"), "descriptor 0");
+  dup2(input, 0);
+  close(input);
+  EXPECT_NE(content("log").find(" descriptor 0\n"), std::string::npos);
+}
+
+TEST_F(Log, LeavesNoDescriptorOpen) {
+  const auto firstFree = [] {
+    const int free = dup(0);
+    close(free);
+    return free;
+  };
+  const int before = firstFree();
+  for (const char* name : {"log", "log", "new/log"}) {
+    errno = ENOENT;
+    HLAppendLineToPath(path(name), "message");
+  }
+  EXPECT_EQ(firstFree(), before);
 }
 
 TEST_F(Log, TheDiagnosticsLogIsThatOfTheState) {
