@@ -52,14 +52,15 @@ std::string chainWindow(int elements, const std::string& title = "") {
   return window + "}";
 }
 
-// A window with a title of that many bytes over 699 elements.
-std::string titledWindow(int bytes) {
+// A window with a title of that many bytes over 699 elements, each with these further keys.
+std::string titledWindow(int bytes, const std::string& keys = "") {
   std::string window = R"({"id": "window", "role": "AXWindow", "title": ")";
   while (window.size() < static_cast<std::size_t>(bytes)) window += "Lunch on Friday at the usual place, ";
   window += R"(or not", "children": [)";
   for (int i = 0; i < 699; ++i) {
     window += i == 0 ? "" : ",";
-    window += R"({"role": "AXGroup", "value": "Level )" + std::to_string(i) + R"(", "frame": [0, 0, 400, 400]})";
+    window +=
+        R"({"role": "AXGroup", "value": "Level )" + std::to_string(i) + R"(", "frame": [0, 0, 400, 400])" + keys + "}";
   }
   return window + "]}";
 }
@@ -147,6 +148,13 @@ void scanTitled(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(HLTargetsInRoot(desktop.window(), "window-0").data());
 }
 BENCHMARK(scanTitled)->Arg(0)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
+// Whether an element that can be pressed is a notification depends on the title, too.
+void scanTitledButtons(benchmark::State& state) {
+  const Desktop desktop(titledWindow(static_cast<int>(state.range(0)), R"(, "actions": ["AXPress"])"));
+  for (auto _ : state) benchmark::DoNotOptimize(HLTargetsInRoot(desktop.window(), "window-0").data());
+}
+BENCHMARK(scanTitledButtons)->Arg(0)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <utility>
+#include <variant>
 
 #include "platform/accessibility.h"
 
@@ -31,9 +32,9 @@ HLElementFacts HLFactsFromAttributes(const std::function<HLAttribute(std::string
   return facts;
 }
 
-std::optional<std::string> HLStringFromAttribute(const HLAttribute& attribute) {
+std::optional<std::string> HLStringFromAttribute(HLAttribute attribute) {
   if (attribute.error != HLAXErrorSuccess) return std::nullopt;
-  if (const std::string* text = attribute.value.as<std::string>()) return *text;
+  if (auto* text = std::get_if<std::string>(&attribute.value)) return std::move(*text);
   return HLNumberText(attribute.value);
 }
 

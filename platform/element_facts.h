@@ -64,7 +64,7 @@ inline constexpr auto HLFactAttributeNames = [] {
 [[nodiscard]] HLElementFacts HLFactsFromAttributes(const std::function<HLAttribute(std::string_view name)>& read);
 
 // A string as is, a number or boolean in decimal; else nullopt.
-[[nodiscard]] std::optional<std::string> HLStringFromAttribute(const HLAttribute& attribute);
+[[nodiscard]] std::optional<std::string> HLStringFromAttribute(HLAttribute attribute);
 
 // (NaN, NaN) when missing.
 [[nodiscard]] HLPoint HLPointFromAttribute(const HLAttribute& attribute);

@@ -36,9 +36,11 @@ void append(std::string& text, char32_t codePoint) {
   }
 }
 
+char lowercaseAscii(char c) { return static_cast<char>(c + (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0)); }
+
 std::string lowercaseAscii(std::string_view text) {
   std::string lower(text);
-  for (char& c : lower) c = static_cast<char>(c + (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0));
+  for (char& c : lower) c = lowercaseAscii(c);
   return lower;
 }
 
@@ -121,6 +123,15 @@ std::string HLTextOfUtf16(std::u16string_view units) {
 
 std::string HLLowercase(std::string_view text) {
   return isAscii(text) ? lowercaseAscii(text) : HLTextOfUtf16(HLHostLowercase(HLUtf16Units(text)));
+}
+
+void HLMakeLowercase(std::string& text) {
+  unsigned char all = 0;
+  for (char& c : text) {
+    all = static_cast<unsigned char>(all | static_cast<unsigned char>(c));
+    c = lowercaseAscii(c);  // no mapping of another character depends on the case of an ASCII letter
+  }
+  if (all >= 0x80) text = HLLowercase(text);
 }
 
 std::string HLUppercase(std::string_view text) { return HLTextOfUtf16(HLHostUppercase(HLUtf16Units(text))); }

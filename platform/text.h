@@ -36,6 +36,7 @@
 
 // Full Unicode mappings that depend on no locale.
 [[nodiscard]] std::string HLLowercase(std::string_view text);
+void HLMakeLowercase(std::string& text);  // the same, without a copy of plain ASCII
 [[nodiscard]] std::string HLUppercase(std::string_view text);
 [[nodiscard]] std::string HLFoldCase(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "core/scan/context.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
 #include <utility>
 #include <vector>
@@ -19,14 +20,37 @@ constexpr std::size_t longestWord(HLWordList words) {
 }
 constexpr std::size_t kReach = std::max(longestWord(HLNotificationWords), longestWord(HLDismissWords)) - 1;
 
+// The words that contain no other one, first. A text that contains any of the rest contains one of these.
+template <std::size_t Count>
+struct ShortestWords {
+  std::array<std::string_view, Count> words = {};
+  std::size_t count = 0;
+
+  explicit constexpr ShortestWords(const std::array<std::string_view, Count>& all) {
+    for (std::string_view word : all) {
+      const bool containsAnother = std::any_of(all.begin(), all.end(), [word](std::string_view other) {
+        return word != other && word.find(other) != std::string_view::npos;
+      });
+      if (!containsAnother) words[count++] = word;
+    }
+  }
+  [[nodiscard]] constexpr HLWordList list() const { return HLWordList(words).first(count); }
+};
+constexpr ShortestWords kNotificationWords(HLNotificationWords);
+constexpr ShortestWords kDismissWords(HLDismissWords);
+
 std::string joinedWords(std::initializer_list<std::string_view> texts) {
+  std::size_t size = 0;
+  for (std::string_view text : texts) size += text.size() + 1;
   std::string joined;
+  joined.reserve(size);
   for (std::string_view text : texts) {
     if (text.empty()) continue;
     if (!joined.empty()) joined += ' ';
     joined += text;
   }
-  return HLCompactSnapshot(HLLowercase(joined));
+  HLMakeLowercase(joined);
+  return HLCompactSnapshot(std::move(joined));
 }
 
 }  // namespace
@@ -40,21 +64,40 @@ std::string HLStructuralContext(const HLElementFacts& facts) {
   return joinedWords({facts.role, facts.subrole, facts.roleDescription, facts.identifier});
 }
 
-HLContext HLContext::extendedBy(std::string_view own) const {
+HLContext HLContext::extendedBy(std::string own) const {
   if (own.empty()) return *this;
-  // A word may straddle the joint, and then has all but one of its bytes at most on either side.
-  const std::string joint = last_ == nullptr ? "" : lastBytes(kReach) + ' ' + std::string(own.substr(0, kReach));
-  const auto holdsAny = [own, &joint](HLWordList words) {
-    return HLLowercaseContainsAny(joint, words) || HLLowercaseContainsAny(own, words);
-  };
   auto words = std::make_shared<Words>();
   words->before = last_;
-  words->own = own;
-  words->isNotification = isNotification() || holdsAny(HLNotificationWords);
-  words->hasCloseWord = hasCloseWord() || holdsAny(HLDismissWords);
+  words->own = std::move(own);
   HLContext child;
   child.last_ = std::move(words);
   return child;
+}
+
+bool HLContext::isNotification() const { return holdsAny(kNotificationWords.list(), &Words::isNotification); }
+
+bool HLContext::hasCloseWord() const { return holdsAny(kDismissWords.list(), &Words::hasCloseWord); }
+
+bool HLContext::holdsAny(HLWordList words, std::optional<bool> Words::*known) const {
+  const Words* last = last_.get();
+  while (last != nullptr && !(last->*known) && !last->holdsAny(words)) last = last->before.get();
+  const bool found = last != nullptr && (last->*known).value_or(true);
+  // All from there on, down to this context, have the same answer.
+  const Words* end = last == nullptr ? nullptr : last->before.get();
+  for (Words* each = last_.get(); each != end; each = each->before.get()) each->*known = found;
+  return found;
+}
+
+bool HLContext::Words::holdsAny(HLWordList words) const {
+  if (HLLowercaseContainsAny(own, words)) return true;
+  if (before == nullptr) return false;
+  // A word may straddle the joint, and then has all but one of its bytes at most on either side.
+  return HLLowercaseContainsAny(before->lastBytes(kReach) + ' ' + own.substr(0, kReach), words);
+}
+
+const std::string& HLContext::lastWords() const {
+  static const std::string none;
+  return last_ == nullptr ? none : last_->own;
 }
 
 std::string HLContext::text() const { return firstBytes(std::string::npos); }
@@ -78,9 +121,9 @@ std::string HLContext::firstBytes(std::size_t count) const {
   return text;
 }
 
-std::string HLContext::lastBytes(std::size_t count) const {
+std::string HLContext::Words::lastBytes(std::size_t count) const {
   std::string text;
-  for (const Words* words = last_.get(); words != nullptr && text.size() < count; words = words->before.get()) {
+  for (const Words* words = this; words != nullptr && text.size() < count; words = words->before.get()) {
     if (!text.empty()) text.insert(0, 1, ' ');
     const std::size_t missing = count - std::min(count, text.size());
     text.insert(0, words->own, words->own.size() - std::min(words->own.size(), missing));

@@ -3,9 +3,12 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "core/scan/words.h"
 #include "platform/element_facts.h"
 
 // Returns the element's own words: its seven texts, lower-cased and compacted, the non-empty ones joined by spaces.
@@ -15,36 +18,44 @@
 [[nodiscard]] std::string HLStructuralContext(const HLElementFacts& facts);
 
 // An immutable value; cheap to copy. A context shares the words of its parent, so that a tree takes as much memory as
-// its words have, and extending a context searches its new words only.
+// its words have. Words are searched once, when a context first asks for them: long texts are common, questions are
+// not. One thread at a time may use contexts that share words.
 class HLContext {
  public:
   HLContext() = default;  // has no words
-  explicit HLContext(std::string_view words) : HLContext(HLContext().extendedBy(words)) {}
+  explicit HLContext(std::string words) : HLContext(HLContext().extendedBy(std::move(words))) {}
 
   // Returns the context of a child whose own words, lower-cased and compacted, these are.
-  [[nodiscard]] HLContext extendedBy(std::string_view own) const;
+  [[nodiscard]] HLContext extendedBy(std::string own) const;
 
   // Returns the words of the whole path from the root, joined by spaces. Copies them: O(length).
   [[nodiscard]] std::string text() const;
   // Returns the first `units` UTF-16 code units of text() without making the rest.
   [[nodiscard]] std::string beginning(std::size_t units) const;
 
-  [[nodiscard]] bool isNotification() const { return last_ != nullptr && last_->isNotification; }
-  [[nodiscard]] bool hasCloseWord() const { return last_ != nullptr && last_->hasCloseWord; }
+  [[nodiscard]] bool isNotification() const;
+  [[nodiscard]] bool hasCloseWord() const;
+
+  // The words that the context was last extended by, if any. Valid while the context lives.
+  [[nodiscard]] const std::string& lastWords() const;
 
  private:
-  // The words of one element, never empty, and what they and those before them hold.
+  // The words of one element, never empty, and what they and those before them hold, as far as it is known.
   struct Words {
-    std::shared_ptr<const Words> before;
+    std::shared_ptr<Words> before;
     std::string own;
-    bool isNotification = false;
-    bool hasCloseWord = false;
+    std::optional<bool> isNotification;
+    std::optional<bool> hasCloseWord;
+
+    // Whether any of them is in the own words or straddles the joint with those before.
+    [[nodiscard]] bool holdsAny(HLWordList words) const;
+    [[nodiscard]] std::string lastBytes(std::size_t count) const;
   };
 
+  [[nodiscard]] bool holdsAny(HLWordList words, std::optional<bool> Words::*known) const;
   [[nodiscard]] std::string firstBytes(std::size_t count) const;
-  [[nodiscard]] std::string lastBytes(std::size_t count) const;
 
-  std::shared_ptr<const Words> last_;  // nullptr without words
+  std::shared_ptr<Words> last_;  // nullptr without words
 };
 
 // Whether a context with these words, in any letter case, belongs to a notification.

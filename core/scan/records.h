@@ -28,7 +28,7 @@ struct HLDismissTarget {
 inline constexpr std::size_t HLSnapshotLimit = 180;  // UTF-16 code units
 
 // Returns the words separated by one space, without white space at the ends. Keeps letter case.
-[[nodiscard]] std::string HLCompactSnapshot(std::string_view text);
+[[nodiscard]] std::string HLCompactSnapshot(std::string text);
 
 // Within one scan, targets with equal keys are the same control.
 [[nodiscard]] std::string HLDeduplicationKeyForTarget(const HLDismissTarget& target);

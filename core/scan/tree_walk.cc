@@ -15,9 +15,10 @@ std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit,
     if (item.element == nullptr || !visited.insert(item.element).second) continue;
 
     const HLElementFacts facts = item.element->copyFacts();
-    const std::string own = HLSearchableContext(facts);
-    const HLContext context = item.context.extendedBy(own);
-    if (visit({item.element, facts, own, context}) == HLDescent::prune) continue;
+    std::string own = HLSearchableContext(facts);
+    const bool hasWords = !own.empty();
+    const HLContext context = item.context.extendedBy(std::move(own));
+    if (visit({item.element, facts, hasWords ? context.lastWords() : own, context}) == HLDescent::prune) continue;
     for (HLQueueItem& child : HLChildQueueItems(facts, context)) queue.push_back(std::move(child));
   }
   return visited.size();

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -81,6 +83,20 @@ TEST(Lowercase, IsFullUnicodeWithoutALocale) {
   EXPECT_EQ(HLLowercase("\U00010400"), "\U00010428");
   EXPECT_EQ(HLLowercase("ǅ Ⅷ"), "ǆ ⅷ");
   EXPECT_EQ(HLLowercase(""), "");
+}
+
+// It lowers the ASCII letters first; no other letter's mapping may depend on that.
+TEST(Lowercase, IsTheSameInPlace) {
+  constexpr std::array<std::string_view, 14> kPieces = {"A",      "i", "I", "\u0307", "\u0130", "\u03A3", " ", "\u0345",
+                                                        "\u0300", "Z", "J", "\u00AD", ".",      "\u1E9E"};
+  std::mt19937 random(20261122);
+  for (int round = 0; round < 5000; ++round) {
+    std::string text;
+    for (std::size_t length = random() % 7; length > 0; --length) text += kPieces[random() % kPieces.size()];
+    std::string made = text;
+    HLMakeLowercase(made);
+    ASSERT_EQ(made, HLLowercase(text)) << text;
+  }
 }
 
 TEST(Lowercase, PassesLoneHalvesOfPairsThrough) {

@@ -97,6 +97,25 @@ TEST(Context, AWordIsFoundAcrossTheJoint) {
   EXPECT_TRUE(HLContext("notification").extendedBy("center").isNotification());
 }
 
+// A context that is asked finds the answers of those above it, in whatever order they were asked before.
+TEST(Context, AnswersAlikeInEveryOrder) {
+  for (int asked = 0; asked < 16; ++asked) {
+    std::vector<HLContext> path = {HLContext("axwindow")};
+    for (const char* own : {"a from", "iphone", "axgroup"}) path.push_back(path.back().extendedBy(own));
+    for (std::size_t i = 0; i < path.size(); ++i) {
+      if ((asked >> i & 1) != 0) {
+        EXPECT_EQ(path[i].isNotification(), i >= 2) << asked;
+      }
+    }
+    for (std::size_t i = path.size(); i-- > 0;) {
+      EXPECT_EQ(path[i].isNotification(), i >= 2) << asked;
+      EXPECT_FALSE(path[i].hasCloseWord());
+    }
+    EXPECT_TRUE(path[1].extendedBy("iphone").isNotification());
+    EXPECT_FALSE(path[1].extendedBy("ipad").isNotification());
+  }
+}
+
 TEST(Context, ABlankComesBetweenParentAndChild) {
   EXPECT_FALSE(HLContext("notifi").extendedBy("cation").isNotification());
   EXPECT_FALSE(HLContext("stack").extendedBy("ed").isNotification());
@@ -135,7 +154,7 @@ TEST(Context, ExtendedPieceByPieceHasTheFlagsOfTheWholeText) {
       const std::string_view piece = pieces[random() % pieces.size()];
       if (!whole.empty()) whole += ' ';
       whole += piece;
-      context = context.extendedBy(piece);
+      context = context.extendedBy(std::string(piece));
       ASSERT_EQ(context.text(), whole);
       ASSERT_EQ(context.isNotification(), isNotification(whole)) << whole;
       ASSERT_EQ(context.hasCloseWord(), hasCloseWord(whole)) << whole;
