@@ -79,6 +79,13 @@ bench:
 	cmake --build --preset release -j $(JOBS)
 	tools/bench build-release
 
+# The program on every notification server of Debian 12; writes the tables of docs/desktops.md. Needs no screen.
+desktops:
+	@tools/install-packages build desktops
+	cmake --preset release $(CONFIGURE_FLAGS)
+	cmake --build --preset release -j $(JOBS) --target hushlet
+	tests/desktops/run --program build-release/bin/hushlet
+
 coverage:
 	@tools/install-packages build test coverage
 	tools/coverage

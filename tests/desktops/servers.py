@@ -1,0 +1,67 @@
+"""The notification servers: how each is started, what shows its screen, and what it keeps."""
+import dataclasses
+import typing
+
+
+@dataclasses.dataclass(frozen=True)
+class Server:
+    name: str
+    title: str
+    package: str  # of Debian
+    commands: tuple  # each a list of words; the first window manager or shell first
+    screen: str = "x11"  # "x11", "sway", or "own" for a shell that is its own compositor
+    desktop: str = ""  # XDG_CURRENT_DESKTOP
+    shell: bool = False  # it takes long to start, and its pictures change by themselves
+    close_at: str = "org.freedesktop.Notifications"  # the bus name whose CloseNotification is called; "" for none
+    expiry: int = 0  # of the notifications, in milliseconds; 0 for never
+    keeps_in: str = ""  # where it keeps what was closed or expired
+    count_kept: typing.Callable = None  # how much that is, given a bus
+    environment: tuple = ()  # pairs of names and values
+    remark: str = ""  # for the table
+
+
+def _dunst_history(bus) -> int:
+    return bus.get("org.freedesktop.Notifications", "/org/freedesktop/Notifications", "org.dunstproject.cmd0",
+                   "historyLength")
+
+
+def _swaync_count(bus) -> int:
+    return bus.call("org.erikreider.swaync.cc", "/org/erikreider/swaync/cc", "org.erikreider.swaync.cc",
+                    "NotificationCount")[0]
+
+
+OPENBOX = ["openbox", "--sm-disable"]
+
+SERVERS = {server.name: server for server in [
+    Server("gnome-x11", "GNOME Shell, X11", "gnome-shell", (["gnome-shell", "--x11"],), desktop="GNOME", shell=True,
+           close_at="org.gnome.Shell", keeps_in="message tray",
+           remark="by number; the message tray keeps what was not on screen"),
+    Server("gnome-wayland", "GNOME Shell, Wayland", "gnome-shell",
+           (["gnome-shell", "--headless", "--virtual-monitor", "1280x720", "--wayland"],), screen="own",
+           desktop="GNOME", shell=True, close_at="org.gnome.Shell", keeps_in="message tray",
+           remark="by number; the message tray keeps what was not on screen"),
+    Server("cinnamon", "Cinnamon", "cinnamon", (["cinnamon", "--replace"],), desktop="X-Cinnamon", shell=True,
+           keeps_in="tray", remark="by number; its tray keeps what was not on screen"),
+    Server("budgie", "Budgie", "budgie-core", (["budgie-wm", "--x11"], ["budgie-daemon"], ["budgie-panel"]),
+           desktop="Budgie:GNOME", shell=True),
+    Server("plasma", "Plasma, X11", "plasma-workspace", (["kwin_x11"], ["plasmashell"]), desktop="KDE", shell=True,
+           environment=(("KWIN_COMPOSE", "N"), ("QT_QUICK_BACKEND", "software")),  # OpenGL without hardware is too slow
+           remark="shows four at a time; the next follow at once"),
+    Server("mate", "mate-notification-daemon", "mate-notification-daemon",
+           (OPENBOX, ["/usr/lib/mate-notification-daemon/mate-notification-daemon"]), desktop="MATE"),
+    Server("lxqt", "lxqt-notificationd", "lxqt-notificationd", (OPENBOX, ["lxqt-notificationd"]), desktop="LXQt"),
+    Server("xfce", "xfce4-notifyd", "xfce4-notifyd",
+           (OPENBOX, ["/usr/lib/x86_64-linux-gnu/xfce4/notifyd/xfce4-notifyd"]), desktop="XFCE", remark="by number"),
+    Server("notification-daemon", "notification-daemon", "notification-daemon",
+           (OPENBOX, ["/usr/lib/notification-daemon/notification-daemon"]), close_at="",
+           remark="shows one at a time; the next follows at once"),
+    Server("notify-osd", "notify-osd", "notify-osd", (OPENBOX, ["/usr/lib/x86_64-linux-gnu/notify-osd"]), close_at="",
+           expiry=-1, remark="its bubbles cannot be closed; they go by themselves"),
+    Server("dunst", "dunst", "dunst", (OPENBOX, ["dunst"]), keeps_in="history", count_kept=_dunst_history,
+           remark="by number; its history keeps them"),
+    Server("mako", "mako", "mako-notifier", (["mako"],), screen="sway", desktop="sway",
+           remark="by number; they can be restored"),
+    Server("swaync", "swaync", "sway-notification-center", (["swaync"],), screen="sway", desktop="sway",
+           keeps_in="control center",
+           count_kept=_swaync_count, remark="by number"),
+]}
