@@ -99,6 +99,7 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
 
   void readUserRules();
   void addAutoClose(HLWindowDescription& window);
+  void addHostChoice(HLWindowDescription& window);
   void addTrial(HLWindowDescription& window, std::vector<HLControl> besides);
   void refreshTrialButtons();
   void finishTrial(const HLTrialReport& report);

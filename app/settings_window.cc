@@ -19,6 +19,7 @@ constexpr const char* kShortcutNoteLabel = "shortcutNoteLabel";
 constexpr const char* kRecordButton = "recordButton";
 constexpr const char* kAccessibilityLabel = "settingsAccessibilityLabel";
 constexpr const char* kAutoCloseCheckbox = "autoCloseCheckbox";
+constexpr const char* kHostChoiceCheckbox = "hostChoiceCheckbox";
 constexpr const char* kOpenAtLoginCheckbox = "openAtLoginCheckbox";
 constexpr const char* kFailureLabel = "failureLabel";
 
@@ -56,6 +57,7 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
     window.stack.push_back({HLRow{accessibility, HLRowSpacing}, 18, false});
   }
   addAutoClose(window);
+  addHostChoice(window);
   if (HLIsProductFlavor()) {
     window.stack.push_back(
         {HLCheckBox{kOpenAtLoginCheckbox, "Open at Login", [this](bool on) { toggleOpenAtLogin(on); }}, 8, false});
@@ -88,7 +90,22 @@ void HLAppDelegate::updateSettingsState() {
   settingsWindow_->setEnabled(kRecordButton, true);
   settingsWindow_->setEnabled(kAutoCloseCheckbox, true);
   settingsWindow_->setCheckBox(kAutoCloseCheckbox, HLBooleanDefault(host_.userDefaults, kAutoClose));
+  if (conventions().choice) {
+    settingsWindow_->setCheckBox(kHostChoiceCheckbox, HLBooleanDefault(host_.userDefaults, conventions().choice->key));
+  }
   updateAutoCloser();
+}
+
+void HLAppDelegate::addHostChoice(HLWindowDescription& window) {
+  if (!conventions().choice) return;
+  const HLHostChoice& choice = *conventions().choice;
+  host_.userDefaults->registerDefaults({{choice.key, true}});
+  const auto store = [this, key = choice.key](bool on) {
+    host_.userDefaults->setValue(key, on);
+    HLAppendLog("choice %@=%@", key, on ? "on" : "off");
+  };
+  window.stack.push_back({HLCheckBox{kHostChoiceCheckbox, choice.title, store}, 2, false});
+  window.stack.push_back({HLLabel{"", choice.note, 12, HLFontWeight::regular, HLTextColor::secondary}, 8, true});
 }
 
 void HLAppDelegate::showFailureInSettings(const std::string& reason) {

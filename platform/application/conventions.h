@@ -6,6 +6,13 @@
 #include <optional>
 #include <string>
 
+// A preference of the host's own, with a check box in the settings window. It is on unless stored otherwise.
+struct HLHostChoice {
+  std::string key;
+  std::string title;
+  std::string note;  // what it does, and when a change counts
+};
+
 struct HLConventions {
   // The setup window's way to the permission. "%@" stands for the application's name.
   std::string accessExplanation;
@@ -18,6 +25,8 @@ struct HLConventions {
   std::string modifierChoice;  // the modifiers of which a shortcut needs one, such as "Command, Option or Control"
   // Formats a shortcut for display.
   std::function<std::string(std::uint64_t modifiers, const std::optional<std::string>& keyLabel)> shortcutText;
+
+  std::optional<HLHostChoice> choice = std::nullopt;
 
   bool spellsModifiers = false;       // shortcuts are too long to share a row with their buttons
   bool offersAutoClose = true;        // the host has automations whose banners can be closed

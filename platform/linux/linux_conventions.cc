@@ -33,7 +33,9 @@ HLConventions HLLinuxConventions() {
   conventions.accessExplanation =
       "%@ clears notification banners by pressing their close buttons for you. It reaches them through your "
       "desktop's accessibility interface. It only looks at the program that shows your notifications, and nothing "
-      "leaves your computer.";
+      "leaves your computer.\n\n"
+      "Some banners have no close button. To close those too, %@ watches which notifications are posted while it "
+      "runs, and remembers the open ones in memory. It never stores, logs or sends them. The settings switch that off.";
   conventions.accessSteps =
       "1. Click Switch On Accessibility.\n"
       "2. If your desktop shows its own settings, there is nothing to change in them.\n"
@@ -48,6 +50,8 @@ HLConventions HLLinuxConventions() {
   conventions.fallbackHint = "Run \"hushlet --dismiss-now\" to clear notifications.";
   conventions.modifierChoice = "Super, Alt or Ctrl";
   conventions.shortcutText = shortcutText;
+  conventions.choice = {"HLWatchNotifications", "Watch Which Notifications Are Posted",
+                        "In memory only, to close banners that have no close button. Counts from the next start."};
   conventions.spellsModifiers = true;
   conventions.offersAutoClose = false;
   conventions.offersUserRules = true;

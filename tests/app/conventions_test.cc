@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/application/user_defaults.h"
 #include "tests/app/spied_application.h"
 
 namespace {
@@ -92,6 +93,29 @@ TEST(Conventions, HideTheAutoCloseCheckBox) {
     }
     EXPECT_EQ(titles,
               offered ? Calls({"Close Shortcuts Automation Banners", "Open at Login"}) : Calls({"Open at Login"}));
+  }
+}
+
+TEST(Conventions, OfferTheHostsOwnChoice) {
+  for (const bool stored : {true, false}) {
+    Application application(R"("trusted": true)" + std::string(stored ? "" : R"(, "defaults": {"Watch": false})"));
+    application.host.platform.conventions =
+        conventionsWith(&HLConventions::choice, std::optional<HLHostChoice>({"Watch", "Watch It", "To see it."}));
+    application.delegate->showSettingsWindow();
+    const HLCheckBox* box = nullptr;
+    Calls labels;
+    for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
+      const auto* found = std::get_if<HLCheckBox>(&item.what);
+      if (found != nullptr && found->title == "Watch It") box = found;
+      if (const auto* label = std::get_if<HLLabel>(&item.what)) labels.push_back(label->text);
+    }
+    ASSERT_NE(box, nullptr);
+    EXPECT_THAT(labels, Contains("To see it."));
+    HLUserDefaults& defaults = application.host.platform.userDefaults;
+    EXPECT_EQ(HLBooleanDefault(defaults, "Watch"), stored) << "on if nothing is stored";
+    box->action(!stored);
+    EXPECT_EQ(HLBooleanDefault(defaults, "Watch"), !stored);
+    EXPECT_THAT(application.messages("choice"), ElementsAre(std::string("choice Watch=") + (stored ? "off" : "on")));
   }
 }
 

@@ -38,6 +38,16 @@ TEST(LinuxConventions, AvoidTheWordsOfMacOS) {
   }
 }
 
+TEST(LinuxConventions, TellOfTheWatchBeforeAccess) {
+  const HLConventions conventions = HLLinuxConventions();
+  EXPECT_THAT(
+      conventions.accessExplanation,
+      HasSubstr("watches which notifications are posted while it runs, and remembers the open ones in memory. It "
+                "never stores, logs or sends them. The settings switch that off."));
+  ASSERT_TRUE(conventions.choice);
+  EXPECT_EQ(conventions.choice->key, "HLWatchNotifications");
+}
+
 TEST(LinuxConventions, WriteShortcutsInWords) {
   const auto text = HLLinuxConventions().shortcutText;
   EXPECT_EQ(text(HLModifierControl | HLModifierOption | HLModifierCommand, "N"), "Ctrl+Alt+Super+N");
