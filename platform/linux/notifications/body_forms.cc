@@ -143,12 +143,17 @@ struct Reading {
   bool hasOtherElements = false;  // beyond those that strict servers understand
 };
 
-// Reads as browsers do: whatever is no tag and no reference is text.
+// Reads as browsers do: whatever is no tag, no comment and no reference is text.
 Reading readMarkup(std::string_view body) {
+  constexpr std::string_view kCommentEnd = "-->";
   Reading reading;
   std::vector<std::string_view> open;
   for (std::size_t i = 0; i < body.size();) {
     const std::string_view rest = body.substr(i);
+    if (const std::size_t end = rest.find(kCommentEnd, 4); rest.starts_with("<!--") && end != std::string_view::npos) {
+      i += end + kCommentEnd.size();
+      continue;
+    }
     if (const auto tag = rest.front() == '<' ? tagAt(rest) : std::nullopt) {
       reading.hasOtherElements |= !isPlainElement(tag->name);
       if (breaksLine(tag->name)) reading.text += ' ';
@@ -174,6 +179,18 @@ Reading readMarkup(std::string_view body) {
   }
   reading.isWellFormed &= open.empty();
   return reading;
+}
+
+// Returns the body without whatever is between angle brackets or behind the last one, as Qt reads it.
+std::string withoutBrackets(std::string_view body) {
+  std::string text;
+  while (!body.empty()) {
+    const std::size_t begin = std::min(body.find('<'), body.size());
+    text += body.substr(0, begin);
+    const std::size_t end = body.find('>', begin);
+    body.remove_prefix(end == std::string_view::npos ? body.size() : end + 1);
+  }
+  return text;
 }
 
 // Reads with only <b>, <i>, <u> and XML's named entities understood, all else literal; nullopt where those three do not
@@ -244,6 +261,7 @@ std::vector<std::string> HLBodyForms(std::string_view body) {
   const std::optional<std::string> basic = readBasicMarkup(body);
   if (basic) add(*basic);
   if (!basic || !reading.isWellFormed || reading.hasOtherElements) add(body);
+  if (!reading.isWellFormed) add(readMarkup(withoutBrackets(body)).text);
   if (reading.hasOtherElements) add("");
   return forms;
 }

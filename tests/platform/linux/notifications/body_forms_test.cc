@@ -42,9 +42,19 @@ TEST(BodyForms, KeepElementsOfBasicServers) {
 }
 
 TEST(BodyForms, KeepIllFormedMarkupWhole) {
-  EXPECT_THAT(HLBodyForms("1 < 2 & 3"), ElementsAre("1 < 2 & 3"));
+  EXPECT_THAT(HLBodyForms("2 & 3"), ElementsAre("2 & 3"));
   EXPECT_THAT(HLBodyForms("<b>bold"), UnorderedElementsAre("bold", "<b>bold"));
   EXPECT_THAT(HLBodyForms("<b><i>x</b></i>"), UnorderedElementsAre("x", "<b><i>x</b></i>"));
+}
+
+TEST(BodyForms, DropBracketsOfIllFormedMarkup) {
+  EXPECT_THAT(HLBodyForms("1 < 2"), UnorderedElementsAre("1 < 2", "1"));
+  EXPECT_THAT(HLBodyForms("a <-> b <3 c"), UnorderedElementsAre("a <-> b <3 c", "a b"));
+}
+
+TEST(BodyForms, DropComments) {
+  EXPECT_THAT(HLBodyForms("a<!-- <b> -->c"), UnorderedElementsAre("ac", "a<!-- <b> -->c"));
+  EXPECT_THAT(HLBodyForms("a<!-->c"), Contains("a<!-->c"));
 }
 
 TEST(BodyForms, DropImagesAndBreakLines) {

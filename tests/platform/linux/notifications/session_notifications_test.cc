@@ -20,7 +20,7 @@ using testing::Eq;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-const HLServerInformation kXfce = {"Xfce Notify Daemon", "Xfce", "0.7.3"};
+const HLServerInformation kKnown = {"Xfce Notify Daemon", "Xfce", "0.7.3"};
 
 HLNotificationName numbered(std::uint32_t number) { return {number, "", ""}; }
 
@@ -51,7 +51,7 @@ class SessionNotifications : public testing::Test {
 };
 
 TEST_F(SessionNotifications, MatchAndClose) {
-  FakeServer server(kXfce);
+  FakeServer server(kKnown);
   stay();
   Poster poster;
   (void)poster.post("Ada", "Lunch?");
@@ -65,7 +65,7 @@ TEST_F(SessionNotifications, MatchAndClose) {
 }
 
 TEST_F(SessionNotifications, FailWhereTheServerRefuses) {
-  FakeServer server(kXfce);
+  FakeServer server(kKnown);
   server.refusesToClose = true;
   EXPECT_FALSE(notifications_.close(numbered(1)));
   EXPECT_THAT(server.askedToClose(), SizeIs(1));
@@ -107,7 +107,7 @@ TEST_F(SessionNotifications, DistrustUnknownServersThatKeepBanners) {
 }
 
 TEST_F(SessionNotifications, TrustKnownServersThatAreSlow) {
-  FakeServer server(kXfce);
+  FakeServer server(kKnown);
   stay();
   Poster poster;
   (void)poster.post("Ada", "Lunch?");
@@ -157,7 +157,7 @@ TEST_F(SessionNotifications, RemoveWhatHasNoNumber) {
 }
 
 TEST_F(SessionNotifications, ReportChanges) {
-  const FakeServer server(kXfce);
+  const FakeServer server(kKnown);
   EXPECT_EQ(notifications_.watch(), nullptr);
   stay();
   const auto changes = notifications_.watch();
@@ -258,7 +258,7 @@ TEST_F(SessionNotifications, ListByConfiguredTimes) {
 // One process asks another
 
 TEST_F(SessionNotifications, AskADaemon) {
-  FakeServer server(kXfce);
+  FakeServer server(kKnown);
   const std::unique_ptr<ChildProcess> daemon = session_.start({HL_PROGRAM, "--daemon"});
   ASSERT_TRUE(Eventually([] {
     const auto bus = HLBus::openSession();
@@ -278,7 +278,7 @@ TEST_F(SessionNotifications, AskADaemon) {
 }
 
 TEST_F(SessionNotifications, AskTheNextWhenTheFirstEnds) {
-  const FakeServer server(kXfce);
+  const FakeServer server(kKnown);
   auto first = std::make_unique<HLSessionNotifications>(always());
   first->prepareToStay();
   ASSERT_TRUE(Eventually([&first] { return first->watch() != nullptr; }));
@@ -307,7 +307,7 @@ TEST_F(SessionNotifications, AskOnlyNumbersAndApplications) {
 }
 
 TEST_F(SessionNotifications, RefuseLargeOrOddQuestions) {
-  const FakeServer server(kXfce);
+  const FakeServer server(kKnown);
   stay();
   Poster poster;
   (void)poster.post("Ada");
@@ -337,7 +337,7 @@ TEST_F(SessionNotifications, RefuseLargeOrOddQuestions) {
 }
 
 TEST_F(SessionNotifications, AskAboutNoMoreThanIsAnswered) {
-  const FakeServer server(kXfce);
+  const FakeServer server(kKnown);
   HLSessionNotifications running(always());
   running.prepareToStay();
   ASSERT_TRUE(Eventually([&running] { return running.watch() != nullptr; }));
@@ -354,7 +354,7 @@ TEST_F(SessionNotifications, AskAboutNoMoreThanIsAnswered) {
 }
 
 TEST_F(SessionNotifications, StayAwayWhereTheUserSaysSo) {
-  const FakeServer server(kXfce);
+  const FakeServer server(kKnown);
   HLSessionNotifications unwatching([] { return false; });
   unwatching.prepareToStay();
   EXPECT_EQ(unwatching.watch(), nullptr);
