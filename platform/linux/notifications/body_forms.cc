@@ -193,9 +193,9 @@ std::string withoutBrackets(std::string_view body) {
   return text;
 }
 
-// Reads with only <b>, <i>, <u> and XML's named entities understood, all else literal; nullopt where those three do not
-// nest.
-std::optional<std::string> readBasicMarkup(std::string_view body) {
+// Reads with only <b>, <i>, <u>, XML's named entities and perhaps decimal references understood, all else literal;
+// nullopt where those three do not nest.
+std::optional<std::string> readBasicMarkup(std::string_view body, bool knowsDecimals) {
   std::string text;
   std::string open;
   for (std::size_t i = 0; i < body.size();) {
@@ -213,8 +213,9 @@ std::optional<std::string> readBasicMarkup(std::string_view body) {
       i += name + 2;
       continue;
     }
-    const bool isNamed = rest.front() == '&' && rest.size() > 1 && rest[1] != '#';
-    if (const auto reference = isNamed ? referenceAt(rest, kXmlEntities) : std::nullopt) {
+    const bool isDecimal = rest.starts_with("&#") && !rest.starts_with("&#x") && !rest.starts_with("&#X");
+    const bool isKnown = rest.starts_with("&#") ? isDecimal && knowsDecimals : rest.front() == '&';
+    if (const auto reference = isKnown ? referenceAt(rest, kXmlEntities) : std::nullopt) {
       appendCodePoint(text, reference->point);
       i += reference->size;
       continue;
@@ -258,8 +259,9 @@ std::vector<std::string> HLBodyForms(std::string_view body) {
   }
   const Reading reading = readMarkup(body);
   add(reading.text);
-  const std::optional<std::string> basic = readBasicMarkup(body);
+  const std::optional<std::string> basic = readBasicMarkup(body, false);
   if (basic) add(*basic);
+  if (const auto withDecimals = readBasicMarkup(body, true)) add(*withDecimals);
   if (!basic || !reading.isWellFormed || reading.hasOtherElements) add(body);
   if (!reading.isWellFormed) add(readMarkup(withoutBrackets(body)).text);
   if (reading.hasOtherElements) add("");

@@ -39,6 +39,7 @@ TEST(BodyForms, KeepElementsOfBasicServers) {
               UnorderedElementsAre("see this", "see <a href=\"https://example.org\">this</a>"));
   EXPECT_THAT(HLBodyForms("&#65;&nbsp;&hellip;"), Contains("&#65;&nbsp;&hellip;"));
   EXPECT_THAT(HLBodyForms("&#65;&nbsp;&hellip;"), Contains("A …"));
+  EXPECT_THAT(HLBodyForms("&#65;&#x42;"), UnorderedElementsAre("&#65;&#x42;", "A&#x42;", "AB"));
 }
 
 TEST(BodyForms, KeepIllFormedMarkupWhole) {
