@@ -27,10 +27,12 @@
 #include "entry/switch_texts.h"
 #include "platform/platform.h"
 #include "report/explain.h"
+#include "report/record_scene.h"
 
 namespace {
 
 constexpr double kDefaultSeconds = 10.0;
+constexpr const char* kProgram = "hushlet " HL_VERSION;
 
 // Returns an empty text for a status that needs no advice, and where the host has none.
 std::string adviceFor(HLDismissStatus status) {
@@ -85,13 +87,15 @@ int menuBarApplication(const HLModeCall& call) { return HLRunApplication(call.er
 int help(const HLModeCall& call);
 
 int version(const HLModeCall& call) {
-  call.out << "hushlet " HL_VERSION "\n";
+  call.out << kProgram << '\n';
   return EXIT_SUCCESS;
 }
 
 int explain(const HLModeCall& call) { return HLExplainScreen(call.out, call.err); }
 
-constexpr std::array<HLMode, 15> kModes = {{
+int recordScene(const HLModeCall& call) { return HLRecordScene(call.value, kProgram, call.out, call.err); }
+
+constexpr std::array<HLMode, 16> kModes = {{
     {"--request-accessibility", HLModeValue::none, requestAccessibility},
     {"--daemon", HLModeValue::none, daemon},
     {"--daemon-dismiss", HLModeValue::none, daemonDismiss},
@@ -106,6 +110,7 @@ constexpr std::array<HLMode, 15> kModes = {{
     {"--help", HLModeValue::none, help},
     {"--version", HLModeValue::none, version},
     {"--explain", HLModeValue::none, explain},
+    {"--record-scene", HLModeValue::required, recordScene},
     {"", HLModeValue::none, menuBarApplication},
 }};
 
@@ -122,7 +127,7 @@ int help(const HLModeCall& call) {
               "Clears the notification banners on screen. Without a mode, starts the application,\n"
               "which clears them when its icon is clicked or its shortcut is pressed.\n\nModes:\n";
   for (const HLSwitchText& text : HLModeTexts) printSwitch(text, call.out);
-  call.out << "\nOptions of --explain:\n";
+  call.out << "\nOptions of --explain and --record-scene:\n";
   for (const HLSwitchText& text : HLReportTexts) printSwitch(text, call.out);
   call.out << "\nOptions of the application:\n";
   for (const HLSwitchText& text : HLOptionTexts) printSwitch(text, call.out);

@@ -1,6 +1,6 @@
 # All switches of the command line: the source of --help, the manual page and the shells' completions.
 # Whoever includes this file defines hl_switch(KIND NAME VALUE SUMMARY MANUAL) first, which is called for each, in the order
-# in which they are listed. KIND is mode, report (an option of --explain) or option (of the application). VALUE is "", TEXT, [SECONDS] or DIRECTORY. SUMMARY is a
+# in which they are listed. KIND is mode, report (an option of --explain and --record-scene) or option (of the application). VALUE is "", TEXT, FILE, [SECONDS] or DIRECTORY. SUMMARY is a
 # line of --help; MANUAL is roff.
 
 hl_switch(mode --dismiss-now "" "clear the banners from this process"
@@ -31,9 +31,11 @@ hl_switch(mode --version "" "print the version"
   "Print the version.")
 hl_switch(mode --explain "" "print what is on screen, and what would be pressed and why"
   "Print what is on screen, and what would be pressed and why. Presses nothing. In a file or pipe the texts of notifications are made unreadable.")
+hl_switch(mode --record-scene FILE "record what is on screen, as a test of this program"
+  "Write what is on screen into a new file, as a simulated desktop for this program's tests. The texts of notifications are made unreadable.")
 
-hl_switch(report --json "" "print data"
-  "Print the same as data.")
+hl_switch(report --json "" "print data (--explain)"
+  "Print the same as data (\\-\\-explain).")
 hl_switch(report --keep-texts "" "keep the texts of notifications readable"
   "Keep the texts of notifications readable in a file or pipe, too.")
 

@@ -45,9 +45,9 @@ void replaceFreshHandles(HLValue& value) {
   }
 }
 
-class Reader {
+class ScreenReader {
  public:
-  explicit Reader(HLCapture& capture) : capture_(capture) {}
+  explicit ScreenReader(HLCapture& capture) : capture_(capture) {}
 
   void read(const HLElementRef& application) {
     readAttribute(capture_.add(), *application, kWindows);
@@ -55,8 +55,7 @@ class Reader {
     for (std::size_t next = 0; next < found_.size(); ++next) {
       const auto [number, handle] = found_[next];
       HLCapturedElement& element = capture_.elements[static_cast<std::size_t>(number)];
-      for (std::string_view name : HLFactAttributeNames) readAttribute(element, *handle, name);
-      for (std::string_view name : kFurtherAttributes) readAttribute(element, *handle, name);
+      for (std::string_view name : names_) readAttribute(element, *handle, name);
       element.actions = handle->copyActionNames();
     }
   }
@@ -112,6 +111,7 @@ class Reader {
   };
 
   HLCapture& capture_;
+  const std::vector<std::string_view> names_ = HLCapturedAttributeNames();
   std::deque<Found> found_;
   std::unordered_map<HLElementRef, int> numbers_;  // owns the handles, so that no address is used again
 };
@@ -140,8 +140,14 @@ std::unique_ptr<HLCapture> HLCaptureScreen() {
   }
   if (!capture->process) return capture;
   const HLElementRef application = HLNotificationCenterElement(capture->process->pid);
-  if (application != nullptr) Reader(*capture).read(application);
+  if (application != nullptr) ScreenReader(*capture).read(application);
   return capture;
+}
+
+std::vector<std::string_view> HLCapturedAttributeNames() {
+  std::vector<std::string_view> names(HLFactAttributeNames.begin(), HLFactAttributeNames.end());
+  names.insert(names.end(), kFurtherAttributes.begin(), kFurtherAttributes.end());
+  return names;
 }
 
 int HLCapturedNumber(const HLElement& element) {

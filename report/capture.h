@@ -71,6 +71,9 @@ struct HLCapture {
 // Reads everything that the engine may read of the process, from its windows down, each element once. Blocks.
 [[nodiscard]] std::unique_ptr<HLCapture> HLCaptureScreen();
 
+// Returns the names of the attributes that are read of each element, in order.
+[[nodiscard]] std::vector<std::string_view> HLCapturedAttributeNames();
+
 // Returns the number of a captured element, by any of its handles; -1 for an element of another kind.
 [[nodiscard]] int HLCapturedNumber(const HLElement& element);
 

@@ -26,12 +26,14 @@ class Simulator : public HLSimulator {
         showsScreen_(setup.showsScreen),
         endsProcess_(setup.endsProcess),
         process_(*scene, setup),
+        report_(*scene),
         propertyLists_(desktop_),
         userNotifications_(desktop_),
         interface_(desktop_, runLoop_),
         platform_{accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, [this] {
                     return std::variant<const HLApplicationPlatform*, std::string>(&interface_.platform);
                   }} {
+    platform_.report = &report_;
     desktop_.scene = std::move(scene);
     desktop_.refusesThreads = std::move(setup.refusesThreads);
     desktop_.world = std::make_unique<HLSimWorld>(
@@ -132,6 +134,7 @@ class Simulator : public HLSimulator {
   const bool showsScreen_;
   const bool endsProcess_;
   HLSimProcessInfo process_;
+  HLSimHostReport report_;
   HLSimPropertyLists propertyLists_;
   HLSimUserNotifications userNotifications_;
   HLSimUserInterface interface_;

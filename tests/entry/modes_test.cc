@@ -26,7 +26,8 @@ const std::vector<std::pair<std::string, HLModeValue>> kTable = {{"--request-acc
                                                                  {"--dismiss-now", HLModeValue::none},
                                                                  {"--help", HLModeValue::none},
                                                                  {"--version", HLModeValue::none},
-                                                                 {"--explain", HLModeValue::none}};
+                                                                 {"--explain", HLModeValue::none},
+                                                                 {"--record-scene", HLModeValue::required}};
 
 std::string selected(Arguments arguments) {
   arguments.insert(arguments.begin(), "/opt/hushlet/hushlet");
@@ -61,7 +62,8 @@ TEST(Help, ListsEveryModeWithItsSummary) {
   const std::string text = outputOf("--help");
   EXPECT_EQ(text.find("Usage: hushlet "), 0U);
   for (const auto& [name, value] : kTable) {
-    const std::string placeholder = value == HLModeValue::none       ? ""
+    const std::string placeholder = name == "--record-scene"         ? " FILE"
+                                    : value == HLModeValue::none     ? ""
                                     : value == HLModeValue::required ? " TEXT"
                                                                      : " [SECONDS]";
     const std::size_t line = text.find("\n  " + name + placeholder + "  ");
@@ -78,7 +80,7 @@ TEST(Help, ListsEveryModeWithItsSummary) {
 
 TEST(Help, ListsNoUnknownMode) {
   std::string text = outputOf("--help");
-  text.resize(text.find("\nOptions of --explain:"));
+  text.resize(text.find("\nOptions of --explain and --record-scene:"));
   std::size_t modes = 0;
   for (std::size_t at = text.find("\n  --"); at != std::string::npos; at = text.find("\n  --", at + 1)) ++modes;
   EXPECT_EQ(modes, kTable.size());

@@ -69,3 +69,22 @@ std::optional<std::string> HLSimProcessInfo::applicationSupportDirectory() {
   if (data.starts_with('/')) return withoutSlash(data);
   return homeDirectory() + "/.local/share";
 }
+
+namespace {
+
+std::string textAt(const HLDictionary& dictionary, std::string_view key) {
+  const HLValue* value = HLDictionaryValue(dictionary, key);
+  const auto* text = value == nullptr ? nullptr : value->as<std::string>();
+  return text == nullptr ? "" : *text;
+}
+
+}  // namespace
+
+std::string HLSimHostReport::systemVersion() { return textAt(scene_.recorded, "system"); }
+
+HLServerVersion HLSimHostReport::serverVersion(std::int32_t) {
+  const HLValue* value = HLDictionaryValue(scene_.recorded, "server");
+  const auto* server = value == nullptr ? nullptr : value->as<HLDictionary>();
+  if (server == nullptr) return {};
+  return {textAt(*server, "name"), textAt(*server, "vendor"), textAt(*server, "version")};
+}

@@ -1,6 +1,7 @@
 // The simulated process, and the running applications.
 #pragma once
 
+#include "platform/host_report.h"
 #include "platform/process_info.h"
 #include "platform/running_applications.h"
 #include "platform/sim/desktop/desktop.h"
@@ -39,4 +40,16 @@ class HLSimProcessInfo : public HLProcessInfo {
  private:
   const HLScene& scene_;
   const HLSimulatorSetup setup_;
+};
+
+// Tells what a recording says of the desktop that it was made on.
+class HLSimHostReport : public HLHostReport {
+ public:
+  explicit HLSimHostReport(const HLScene& scene) : scene_(scene) {}
+
+  [[nodiscard]] std::string systemVersion() override;
+  [[nodiscard]] HLServerVersion serverVersion(std::int32_t pid) override;
+
+ private:
+  const HLScene& scene_;
 };

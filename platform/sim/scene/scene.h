@@ -204,7 +204,8 @@ struct HLSceneServices {
 };
 
 struct HLScene {
-  std::string name;  // of its file
+  std::string name;       // of its file
+  HLDictionary recorded;  // where the scene comes from, if it is a recording
   // Owns all elements and applications, those of later events included.
   std::deque<HLSceneElement> elements;
   std::deque<HLSceneApplication> allApplications;

@@ -28,6 +28,7 @@ void readTimeline(Builder& builder, const Spot& spot, HLScene& scene) {
 }
 
 constexpr HLSceneKey<HLScene> kScene[] = {
+    {"recorded", HLSceneDictionary<&HLScene::recorded>, "{}", "see [Recordings](#recordings)"},
     {"trusted", HLSceneBoolean<&HLScene::trusted>, "true", "whether the program may read and press at the start"},
     {"clock",
      {R"("virtual" or "real")",

@@ -1,0 +1,99 @@
+#include "report/record_scene.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <numeric>
+#include <optional>
+#include <ostream>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/terminal.h"
+#include "platform/platform.h"
+#include "platform/process_info.h"
+#include "platform/text.h"
+#include "report/json_text.h"
+#include "report/judgement.h"
+#include "report/masked_capture.h"
+#include "report/scene_text.h"
+
+namespace {
+
+std::string systemMessage() { return std::strerror(errno); }
+
+// Writes everything, or says why not.
+std::optional<std::string> writeAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(file, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return systemMessage();
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  if (::fsync(file) != 0 && errno != EINVAL) return systemMessage();
+  return std::nullopt;
+}
+
+// Makes the file with its whole content, or leaves nothing and says why. A file that is there stays as it is. The
+// content is written under another name first, since a link to a new name never replaces what has that name.
+std::optional<std::string> createFile(const std::string& path, std::string_view text) {
+  struct stat existing {};
+  if (::lstat(path.c_str(), &existing) == 0) return std::strerror(EEXIST);
+  std::string draft = path + ".XXXXXX";
+  const int file = ::mkstemp(draft.data());
+  if (file < 0) return systemMessage();
+  std::optional<std::string> mistake = writeAll(file, text);
+  if (::fchmod(file, S_IRUSR | S_IWUSR) != 0 && !mistake) mistake = systemMessage();
+  if (::close(file) != 0 && !mistake) mistake = systemMessage();
+  if (!mistake && ::link(draft.c_str(), path.c_str()) != 0) mistake = systemMessage();
+  ::unlink(draft.c_str());
+  return mistake;
+}
+
+}  // namespace
+
+std::variant<HLRecording, std::string> HLRecordingOf(std::unique_ptr<HLCapture> capture, bool keepsTexts,
+                                                     const std::string& program) {
+  const HLJudgement seen = HLJudgeCapture(*capture);
+  if (!keepsTexts) {
+    std::unique_ptr<HLCapture> masked = HLMaskedCapture(*capture, seen);
+    if (masked == nullptr) return "with its texts replaced it would be judged otherwise; --keep-texts keeps them";
+    capture = std::move(masked);
+  }
+  const HLJudgement judgement = HLJudgeCapture(*capture);
+  const HLRecordedScene scene = HLSceneOfCapture(*capture, judgement, {program, keepsTexts});
+  HLRecording recording{HLJsonText(scene.document), capture->elements.size()};
+  const std::unique_ptr<HLCapture> again = HLCaptureOfScene(recording.scene);
+  if (again == nullptr || again->elements.size() != capture->elements.size()) return "it could not be read again";
+  std::vector<int> sameOrder(again->elements.size());
+  std::iota(sameOrder.begin(), sameOrder.end(), 0);
+  if (HLOutlineOf(*again, HLJudgeCapture(*again), sameOrder) != HLOutlineOf(*capture, judgement, scene.order)) {
+    return "the recording would be judged otherwise than the screen";
+  }
+  return recording;
+}
+
+int HLRecordScene(const std::string& path, const std::string& program, std::ostream& out, std::ostream& err) {
+  const auto fail = [&err, &path](const std::string& reason) {
+    err << "hushlet: " << HLVisibleText(HLEncodableText(path)) << ": not recorded: " << reason << '\n';
+    return EXIT_FAILURE;
+  };
+  if (path.empty() || path.starts_with("--")) return fail("a path is expected");
+  const std::vector<std::string> arguments = HLCurrentPlatform().process->arguments();
+  const bool keepsTexts = std::find(arguments.begin(), arguments.end(), "--keep-texts") != arguments.end();
+  const auto recorded = HLRecordingOf(HLCaptureScreen(), keepsTexts, program);
+  if (const auto* reason = std::get_if<std::string>(&recorded)) return fail(*reason);
+  const auto& recording = std::get<HLRecording>(recorded);
+  if (const auto mistake = createFile(path, recording.scene)) return fail(*mistake);
+  // The application's own element is no element of the scene.
+  out << HLVisibleText(HLEncodableText(path)) << ": "
+      << recording.elements - std::min<std::size_t>(1, recording.elements) << " elements, texts "
+      << (keepsTexts ? "kept" : "replaced") << '\n';
+  return EXIT_SUCCESS;
+}

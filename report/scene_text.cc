@@ -1,0 +1,329 @@
+#include "report/scene_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "core/scan/context.h"
+#include "core/scan/element_access.h"
+#include "core/scan/words.h"
+#include "platform/platform.h"
+#include "platform/process_info.h"
+
+namespace {
+
+constexpr int kNestedElements = 60;  // each takes two levels of JSON, of which some parsers read about 500
+
+bool isList(std::string_view attribute) {
+  return attribute == "AXWindows" || std::any_of(HLSceneListKeys.begin(), HLSceneListKeys.end(),
+                                                 [&](const auto& list) { return list.attribute == attribute; });
+}
+
+// Calls `found` with the number of each element in the value.
+template <class Found>
+void forEachElement(const HLValue& value, const Found& found) {
+  if (const auto* element = value.as<HLElementRef>()) return found(HLCapturedNumber(**element));
+  if (const auto* members = value.as<HLArray>()) {
+    for (const HLValue& member : *members) forEachElement(member, found);
+  }
+}
+
+// How the elements of a capture hang together.
+struct Links {
+  std::map<int, int> owners;  // of each element: the first that names it, breadth-first
+  std::set<int> listed;       // those that are in a list
+  std::set<int> named;        // those that need an id
+};
+
+Links linksOf(const HLCapture& capture) {
+  Links links;
+  std::set<int> seen;
+  for (const HLCapturedElement& element : capture.elements) {
+    for (const HLCapturedAttribute& attribute : element.attributes) {
+      forEachElement(attribute.answer.value, [&](int number) {
+        links.owners.emplace(number, element.number());
+        if (isList(attribute.name)) links.listed.insert(number);
+        if (!seen.insert(number).second) links.named.insert(number);
+      });
+    }
+  }
+  return links;
+}
+
+// A whole number is written without a fraction. JSON has no infinities.
+HLValue coordinate(double value) {
+  constexpr double kMost = std::numeric_limits<double>::max();
+  constexpr double kWhole = 1e15;
+  const bool isWhole = std::trunc(value) == value && std::abs(value) < kWhole && !(value == 0 && std::signbit(value));
+  if (isWhole) return static_cast<std::int64_t>(value);
+  return std::clamp(value, -kMost, kMost);
+}
+
+// JSON has no NaN either. A frame with one is no frame.
+HLValue coordinates(double first, double second) {
+  if (std::isnan(first) || std::isnan(second)) return {};
+  return HLArray{coordinate(first), coordinate(second)};
+}
+
+class SceneWriter {
+ public:
+  SceneWriter(const HLCapture& capture, const HLJudgement& judgement)
+      : capture_(capture), links_(linksOf(capture)), order_(capture.elements.size(), -1) {
+    if (!order_.empty()) order_[0] = 0;
+    for (const HLDismissTarget& press : judgement.batch.resolved) addCloses(HLCapturedNumber(*press.element));
+    for (const HLCapturedElement& element : capture.elements) {
+      if (HLExplicitDismissAction(element.copyFacts().actionNames)) addCloses(element.number());
+    }
+  }
+
+  HLValue windows() {
+    const HLAttribute answer = capture_.element(0).copyAttributeValue("AXWindows");
+    const auto* members = answer.value.as<HLArray>();
+    if (members == nullptr) return {};
+    HLArray windows;
+    HLDictionary* last = nullptr;
+    windows.reserve(members->size());
+    for (const HLValue& member : *members) {
+      const std::size_t before = written_;
+      windows.push_back(memberValue(member, 0));
+      if (written_ > before) last = std::get_if<HLDictionary>(&windows.back());
+    }
+    if (last != nullptr && !deep_.empty()) addDeep(*last);
+    return windows;
+  }
+
+  [[nodiscard]] std::vector<int> order() && { return std::move(order_); }
+
+ private:
+  void addCloses(int control) {
+    const int notification = notificationAbove(control);
+    closes_[control] = notification;
+    links_.named.insert(notification);
+  }
+
+  // The nearest element at or above the control with a banner's subrole, or else with words of a notification and below
+  // a window; the control itself where there is none.
+  [[nodiscard]] int notificationAbove(int control) const {
+    std::vector<int> path = {control};
+    for (auto owner = links_.owners.find(control); owner != links_.owners.end() && owner->second != 0;
+         owner = links_.owners.find(owner->second)) {
+      if (std::find(path.begin(), path.end(), owner->second) != path.end()) break;
+      path.push_back(owner->second);
+    }
+    for (int number : path) {
+      if (HLIsNotificationBannerSubrole(capture_.element(number).copyFacts().subrole)) return number;
+    }
+    if (path.size() > 1) path.pop_back();  // the window
+    for (int number : path) {
+      if (HLIsNotificationContext(HLSearchableContext(capture_.element(number).copyFacts()))) return number;
+    }
+    return control;
+  }
+
+  [[nodiscard]] static std::string idOf(int number) { return "e" + std::to_string(number); }
+
+  HLValue reference(int number) {
+    links_.named.insert(number);
+    return HLDictionary{{"ref", idOf(number)}};
+  }
+
+  // A member of a list: an element, a reference to one, or another value.
+  HLValue memberValue(const HLValue& member, int depth) {
+    if (const auto* held = member.as<HLElementRef>()) {
+      const int number = HLCapturedNumber(**held);
+      if (order_[static_cast<std::size_t>(number)] >= 0 || isPending(number)) return reference(number);
+      if (depth < kNestedElements) return elementValue(number, depth);
+      deep_.push_back(number);
+      pending_.insert(number);
+      return reference(number);
+    }
+    const bool isScalar = member.as<std::string>() != nullptr || HLNumberText(member);
+    return isScalar ? member : HLValue();
+  }
+
+  [[nodiscard]] bool isPending(int number) const { return pending_.count(number) > 0; }
+
+  HLValue elementValue(int number, int depth) {
+    order_[static_cast<std::size_t>(number)] = static_cast<int>(++written_);
+    const HLCapturedElement& element = capture_.element(number);
+    HLDictionary value;
+    HLDictionary errors;
+    HLDictionary further;
+    if (links_.named.count(number) > 0) value.push_back({"id", idOf(number)});
+    std::set<std::string_view> done;
+    for (const auto& [key, name] : HLSceneTextKeys) {
+      const HLValue text = element.copyAttributeValue(name).value;
+      if (text.as<std::string>() == nullptr && !(key == "value" && HLNumberText(text))) continue;
+      value.push_back({std::string(key), text});
+      done.insert(name);
+    }
+    if (addFrame(element, value)) done.insert({HLPositionAttributeName, HLSizeAttributeName});
+    if (element.actions.error == HLAXErrorSuccess && !element.actions.names.empty()) {
+      value.push_back({"actions", HLArray(element.actions.names.begin(), element.actions.names.end())});
+    }
+    if (const auto closes = closes_.find(number); closes != closes_.end()) {
+      value.push_back({"closes", idOf(closes->second)});
+    }
+    if (element.freshHandles) value.push_back({"freshHandles", true});
+    for (const auto& [key, name] : HLSceneListKeys) {
+      const HLAttribute answer = element.copyAttributeValue(name);
+      const auto* members = answer.value.as<HLArray>();
+      if (members == nullptr) continue;
+      HLArray list;
+      for (const HLValue& member : *members) list.push_back(memberValue(member, depth + 1));
+      value.push_back({std::string(key), std::move(list)});
+      done.insert(name);
+    }
+    for (const HLCapturedAttribute& attribute : element.attributes) {
+      if (done.count(attribute.name) > 0) continue;
+      further.push_back({attribute.name, attributeValue(attribute.answer.value, depth)});
+      const HLAXError error = attribute.answer.error;
+      if (error != HLAXErrorSuccess) errors.push_back({attribute.name, std::int64_t{error}});
+    }
+    if (element.actions.error != HLAXErrorSuccess) {
+      errors.push_back({"actions", std::int64_t{element.actions.error}});
+    }
+    if (!further.empty()) value.push_back({"attributes", std::move(further)});
+    if (!errors.empty()) value.push_back({"errors", std::move(errors)});
+    return value;
+  }
+
+  static bool addFrame(const HLCapturedElement& element, HLDictionary& value) {
+    const HLValue position = element.copyAttributeValue(HLPositionAttributeName).value;
+    const HLValue size = element.copyAttributeValue(HLSizeAttributeName).value;
+    const auto* point = position.as<HLPoint>();
+    const auto* extent = size.as<HLSize>();
+    if (point == nullptr || extent == nullptr) return false;
+    const HLValue first = coordinates(point->x, point->y);
+    const HLValue second = coordinates(extent->width, extent->height);
+    if (first.isMissing() || second.isMissing()) return false;
+    HLArray frame = *first.as<HLArray>();
+    for (const HLValue& number : *second.as<HLArray>()) frame.push_back(number);
+    value.push_back({"frame", std::move(frame)});
+    return true;
+  }
+
+  // An attribute that no shorter key holds.
+  HLValue attributeValue(const HLValue& value, int depth) {
+    if (const auto* held = value.as<HLElementRef>()) {
+      const int number = HLCapturedNumber(**held);
+      const bool isElsewhere = links_.listed.count(number) > 0 || order_[static_cast<std::size_t>(number)] >= 0;
+      if (isElsewhere || isPending(number)) return reference(number);
+      if (depth >= kNestedElements) {
+        deep_.push_back(number);
+        pending_.insert(number);
+        return reference(number);
+      }
+      return HLDictionary{{"element", elementValue(number, depth + 1)}};
+    }
+    if (const auto* members = value.as<HLArray>()) {
+      HLArray list;
+      for (const HLValue& member : *members) {
+        list.push_back(member.as<HLElementRef>() != nullptr ? attributeValue(member, depth)
+                                                            : memberValue(member, depth));
+      }
+      return list;
+    }
+    if (const auto* point = value.as<HLPoint>()) {
+      const HLValue both = coordinates(point->x, point->y);
+      return both.isMissing() ? HLValue() : HLDictionary{{"point", both}};
+    }
+    if (const auto* size = value.as<HLSize>()) {
+      const HLValue both = coordinates(size->width, size->height);
+      return both.isMissing() ? HLValue() : HLDictionary{{"size", both}};
+    }
+    if (value.as<HLDictionary>() != nullptr) return HLDictionary();
+    return value;
+  }
+
+  void addDeep(HLDictionary& window) {
+    HLArray elements;
+    for (std::size_t next = 0; next < deep_.size(); ++next) {
+      const int number = deep_[next];
+      if (order_[static_cast<std::size_t>(number)] >= 0) continue;
+      elements.push_back(HLDictionary{{"element", elementValue(number, 0)}});
+    }
+    const auto attributes = std::find_if(window.begin(), window.end(),
+                                         [](const HLDictionaryEntry& entry) { return entry.key == "attributes"; });
+    HLDictionaryEntry deep = {std::string(HLSceneDeepAttribute), std::move(elements)};
+    if (attributes == window.end()) {
+      window.push_back({"attributes", HLDictionary{std::move(deep)}});
+    } else {
+      std::get<HLDictionary>(attributes->value).push_back(std::move(deep));
+    }
+  }
+
+  const HLCapture& capture_;
+  Links links_;
+  std::map<int, int> closes_;  // controls, and what they close
+  std::vector<int> order_;     // -1 for what is not written yet
+  std::vector<int> deep_;
+  std::set<int> pending_;  // those of deep_ that are not written yet, and those that are
+  std::size_t written_ = 0;
+};
+
+std::string withoutHome(const std::string& path) {
+  const std::string home = HLCurrentPlatform().process->homeDirectory();
+  const bool isInHome =
+      home.size() > 1 && path.starts_with(home) && (path.size() == home.size() || path[home.size()] == '/');
+  return isInHome ? "~" + path.substr(home.size()) : path;
+}
+
+void addText(HLDictionary& dictionary, std::string key, const std::optional<std::string>& text) {
+  if (text && !text->empty()) dictionary.push_back({std::move(key), *text});
+}
+
+// What this program reads of its own bundle.
+HLDictionary bundleValue() {
+  HLProcessInfo& process = HLCurrentPlatform().process;
+  HLDictionary bundle;
+  const auto path = [](const std::optional<std::string>& found) {
+    return found ? std::optional(withoutHome(*found)) : std::nullopt;
+  };
+  addText(bundle, "path", path(process.bundlePath()));
+  addText(bundle, "executablePath", path(process.executablePath()));
+  addText(bundle, "identifier", process.bundleIdentifier());
+  HLDictionary info;
+  for (const HLDictionaryEntry& entry : process.informationDictionary()) {
+    if (entry.value.as<std::string>() != nullptr) info.push_back(entry);
+  }
+  if (!info.empty()) bundle.push_back({"info", std::move(info)});
+  return bundle;
+}
+
+HLDictionary noteValue(const HLCapture& capture, const HLRecordingNote& note) {
+  HLDictionary server;
+  addText(server, "name", capture.server.name);
+  addText(server, "vendor", capture.server.vendor);
+  addText(server, "version", capture.server.version);
+  HLDictionary value = {{"program", note.program}, {"texts", note.keepsTexts ? "kept" : "replaced"}};
+  addText(value, "system", capture.host);
+  if (!server.empty()) value.push_back({"server", std::move(server)});
+  if (!capture.isComplete) value.push_back({"complete", false});
+  return value;
+}
+
+}  // namespace
+
+HLRecordedScene HLSceneOfCapture(const HLCapture& capture, const HLJudgement& judgement, const HLRecordingNote& note) {
+  HLDictionary scene = {{"recorded", noteValue(capture, note)}, {"trusted", capture.trusted}};
+  if (HLDictionary bundle = bundleValue(); !bundle.empty()) scene.push_back({"bundle", std::move(bundle)});
+  SceneWriter writer(capture, judgement);
+  if (capture.process) {
+    HLDictionary application = {{"pid", std::int64_t{capture.process->pid}}};
+    addText(application, "bundleIdentifier", capture.process->bundleIdentifier);
+    addText(application, "name", capture.process->name);
+    if (capture.process->terminated) application.push_back({"terminated", true});
+    if (capture.elements.empty()) {
+      application.push_back({"elementFails", true});
+    } else {
+      application.push_back({"windows", writer.windows()});
+    }
+    scene.push_back({"applications", HLArray{std::move(application)}});
+  }
+  return {std::move(scene), std::move(writer).order()};
+}

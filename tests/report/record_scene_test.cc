@@ -1,0 +1,74 @@
+#include "report/record_scene.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <sstream>
+#include <string>
+
+#include "tests/support/processes.h"
+#include "tests/support/scenes.h"
+#include "tests/support/simulated_desktop.h"
+
+namespace {
+
+constexpr const char* kRecordedBanner = R"({"title": "Notification Center", "children": [
+  {"id": "b", "role": "AXGroup", "subrole": "AXNotificationCenterAlert", "description": "Mail, Tom, Lunch",
+   "children": [{"id": "x", "role": "AXButton", "title": "Close", "actions": ["AXPress"], "frame": [0, 0, 16, 16]}]}]})";
+
+class RecordScene : public testing::Test {
+ protected:
+  int record(const std::string& path) { return HLRecordScene(path, "hushlet 9", out_, err_); }
+
+  SimulatedDesktop desktop_{NotificationCenterScene(kRecordedBanner)};
+  const std::string path_ = desktop_.home() + "/scene.json";
+  std::ostringstream out_;
+  std::ostringstream err_;
+};
+
+TEST_F(RecordScene, WritesAFileForItsUserAlone) {
+  EXPECT_EQ(record(path_), 0);
+  EXPECT_EQ(out_.str(), path_ + ": 3 elements, texts replaced\n");
+  EXPECT_EQ(err_.str(), "");
+  struct stat status {};
+  ASSERT_EQ(::stat(path_.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777U, 0600U);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(desktop_.home()), {}), 1);
+  EXPECT_TRUE(desktop_.simulator().actions().empty());
+  EXPECT_TRUE(desktop_.diagnostics().empty());
+}
+
+TEST_F(RecordScene, LeavesNoTextReadable) {
+  EXPECT_EQ(record(path_), 0);
+  const std::string scene = FileContent(path_);
+  for (const char* text : {"Tom", "Lunch", "Mail"}) EXPECT_EQ(scene.find(text), std::string::npos) << scene;
+  EXPECT_NE(scene.find("Close"), std::string::npos);
+  EXPECT_NE(scene.find(R"("texts": "replaced")"), std::string::npos);
+}
+
+TEST_F(RecordScene, ClosesTheNotificationAboveAControl) {
+  EXPECT_EQ(record(path_), 0);
+  const SimulatedDesktop again(FileContent(path_));
+  EXPECT_NE(FileContent(path_).find(R"("id": "e2")"), std::string::npos) << FileContent(path_);
+  EXPECT_NE(FileContent(path_).find(R"("closes": "e2")"), std::string::npos) << FileContent(path_);
+}
+
+TEST_F(RecordScene, NeverOverwrites) {
+  EXPECT_EQ(record(path_), 0);
+  const std::string scene = FileContent(path_);
+  EXPECT_EQ(record(path_), 1);
+  EXPECT_EQ(err_.str(), "hushlet: " + path_ + ": not recorded: File exists\n");
+  EXPECT_EQ(FileContent(path_), scene);
+  std::filesystem::create_symlink("nowhere", desktop_.home() + "/link");
+  EXPECT_EQ(record(desktop_.home() + "/link"), 1);
+}
+
+TEST_F(RecordScene, SaysWhyThereIsNoFile) {
+  EXPECT_EQ(record(desktop_.home() + "/no/scene.json"), 1);
+  EXPECT_NE(err_.str().find("No such file or directory"), std::string::npos);
+  EXPECT_EQ(record("--keep-texts"), 1);
+  EXPECT_EQ(out_.str(), "");
+}
+
+}  // namespace
