@@ -13,7 +13,7 @@ from session import Session, wait_until
 PICTURE_RIGHT = "org.gnome.SettingsDaemon.MediaKeys"  # GNOME Shell takes pictures for the owner of this name
 START_LIMIT = 60
 IDLE_TIME = 5  # seconds
-QUIET = 1.0  # seconds for which a shell's tree is left alone after its start
+QUIET = 1.0  # seconds without a change, until a desktop has started
 
 
 class Desktop(Session):
@@ -60,9 +60,8 @@ class Desktop(Session):
         if "gnome" in server.name:
             self.bus.set("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "OverviewActive",
                          GLib.Variant("b", False))
-        time.sleep(QUIET)
         self.empty = self.directory / "empty.png"
-        self.save_picture(self.empty)
+        wait_until(self._is_still, START_LIMIT, "a still screen")
         self.sender = Sender(self.environment["DBUS_SESSION_BUS_ADDRESS"], server.expiry)
         return self
 
@@ -99,6 +98,11 @@ class Desktop(Session):
     def count_kept(self) -> int:
         """What the server's own list holds. 0 where it cannot be asked."""
         return self.server.count_kept(self.bus) if self.server.count_kept else 0
+
+    def _is_still(self) -> bool:
+        self.save_picture(self.empty)
+        time.sleep(QUIET)
+        return self.is_clean()
 
     def is_clean(self) -> bool:
         """Whether the screen is as it was before the first notification."""

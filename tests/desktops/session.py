@@ -3,6 +3,7 @@ import os
 import pathlib
 import shutil
 import signal
+import socket
 import subprocess
 import tempfile
 import time
@@ -44,6 +45,12 @@ def wait_until(condition, limit: float, what: str):
             raise NotReady(what)
         time.sleep(0.02)
     return value
+
+
+def accepts(path: pathlib.Path) -> bool:
+    """Whether somebody listens at the socket. The file is there a moment earlier."""
+    with socket.socket(socket.AF_UNIX) as client:
+        return client.connect_ex(str(path)) == 0
 
 
 def end_descendants(limit: float = 5):
@@ -108,12 +115,12 @@ class Session:
         self._start_bus("DBUS_SESSION_BUS_ADDRESS", "services")
 
     def _start_bus(self, variable: str, services: str):
-        socket = self.directory / "run" / variable.lower()
+        path = self.directory / "run" / variable.lower()
         configuration = self.directory / f"{variable}.conf"
-        configuration.write_text(BUS_CONFIGURATION.format(socket=socket, services=self.directory / services))
-        self.environment[variable] = f"unix:path={socket}"
+        configuration.write_text(BUS_CONFIGURATION.format(socket=path, services=self.directory / services))
+        self.environment[variable] = f"unix:path={path}"
         self.start(["dbus-daemon", "--nofork", f"--config-file={configuration}"])
-        wait_until(socket.exists, 10, variable)
+        wait_until(lambda: accepts(path), 10, variable)
 
     def start_x_server(self):
         """A virtual X server."""
@@ -131,6 +138,6 @@ class Session:
         self.start(["sway", "-c", str(configuration)], WLR_BACKENDS="headless", WLR_RENDERER="pixman",
                    WLR_LIBINPUT_NO_DEVICES="1")
         run = self.directory / "run"
-        socket = wait_until(lambda: [path for path in run.glob("wayland-*") if path.is_socket()], 20, "sway")[0]
-        self.environment["WAYLAND_DISPLAY"] = socket.name
+        display = wait_until(lambda: [path for path in run.glob("wayland-*") if path.is_socket()], 20, "sway")[0]
+        self.environment["WAYLAND_DISPLAY"] = display.name
         self.environment["XDG_SESSION_TYPE"] = "wayland"

@@ -63,12 +63,12 @@ def _is_cleared(outcome: dict) -> bool:
 
 def _verdict(outcomes: dict) -> str:
     tried = [outcome for outcome in outcomes.values() if not outcome["not_tried"]]
-    cleared = [outcome for outcome in tried if _is_cleared(outcome)]
+    missed = [CASES[outcome["case"]].title for outcome in tried if not _is_cleared(outcome)]
     if not tried:
         return "not tried"
-    if len(cleared) == len(tried):
-        return "yes"
-    return "no" if not cleared else "not always"
+    if len(missed) == len(tried):
+        return "no"
+    return "yes, but not: " + ", ".join(missed) if missed else "yes"
 
 
 def _replace(path: pathlib.Path, name: str, table: str):
