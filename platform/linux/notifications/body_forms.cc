@@ -137,6 +137,13 @@ bool breaksLine(std::string_view name) {
   return isOneOf(name, {"br", "p", "div", "li", "ul", "ol", "tr", "td", "hr", "h1", "h2", "h3", "h4", "pre"});
 }
 
+// Appends the first character and all up to the next bracket or ampersand. Returns the number of bytes.
+std::size_t appendText(std::string_view rest, std::string& text) {
+  const std::size_t size = std::min(rest.find_first_of("<&", 1), rest.size());
+  text += rest.substr(0, size);
+  return size;
+}
+
 struct Reading {
   std::string text;
   bool isWellFormed = true;       // as XML, with XML's own entities
@@ -174,8 +181,7 @@ Reading readMarkup(std::string_view body) {
       continue;
     }
     reading.isWellFormed &= rest.front() != '<' && rest.front() != '&';
-    reading.text += rest.front();
-    ++i;
+    i += appendText(rest, reading.text);
   }
   reading.isWellFormed &= open.empty();
   return reading;
@@ -220,8 +226,7 @@ std::optional<std::string> readBasicMarkup(std::string_view body, bool knowsDeci
       i += reference->size;
       continue;
     }
-    text += rest.front();
-    ++i;
+    i += appendText(rest, text);
   }
   return open.empty() ? std::optional(std::move(text)) : std::nullopt;
 }
@@ -234,11 +239,11 @@ std::string HLPlainBlanks(std::string_view text) {
   bool isBlank = false;
   for (std::size_t i = 0; i < text.size();) {
     const std::size_t begin = i;
-    const char32_t point = HLNextCodePoint(text, i);
-    if (point == kObjectReplacement) continue;
-    if (HLIsWhitespace(point)) {
-      isBlank = true;
-      continue;
+    while (i < text.size() && text[i] > ' ' && text[i] <= '~') ++i;
+    if (i == begin) {
+      const char32_t point = HLNextCodePoint(text, i);
+      isBlank |= HLIsWhitespace(point);
+      if (HLIsWhitespace(point) || point == kObjectReplacement) continue;
     }
     if (isBlank && !plain.empty()) plain += ' ';
     isBlank = false;
