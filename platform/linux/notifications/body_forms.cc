@@ -133,8 +133,8 @@ bool isPlainElement(std::string_view name) {
   return isOneOf(name, {"b", "i", "u", "a", "s", "tt", "big", "small", "sub", "sup", "span", "markup"});
 }
 
-bool breaksLine(std::string_view name) {
-  return isOneOf(name, {"br", "p", "div", "li", "ul", "ol", "tr", "td", "hr", "h1", "h2", "h3", "h4", "pre"});
+bool isBlock(std::string_view name) {
+  return isOneOf(name, {"p", "div", "li", "ul", "ol", "tr", "td", "hr", "h1", "h2", "h3", "h4", "pre"});
 }
 
 // Appends the first character and all up to the next bracket or ampersand. Returns the number of bytes.
@@ -146,12 +146,13 @@ std::size_t appendText(std::string_view rest, std::string& text) {
 
 struct Reading {
   std::string text;
-  bool isWellFormed = true;       // as XML, with XML's own entities
-  bool hasOtherElements = false;  // beyond those that strict servers understand
+  bool isWellFormed = true;                    // as XML, with XML's own entities
+  bool hasOtherElements = false;               // beyond those that strict servers understand
+  std::size_t fault = std::string_view::npos;  // the first bracket that begins no tag
 };
 
 // Reads as browsers do: whatever is no tag, no comment and no reference is text.
-Reading readMarkup(std::string_view body) {
+Reading readMarkup(std::string_view body, bool knowsBlocks) {
   constexpr std::string_view kCommentEnd = "-->";
   Reading reading;
   std::vector<std::string_view> open;
@@ -163,7 +164,7 @@ Reading readMarkup(std::string_view body) {
     }
     if (const auto tag = rest.front() == '<' ? tagAt(rest) : std::nullopt) {
       reading.hasOtherElements |= !isPlainElement(tag->name);
-      if (breaksLine(tag->name)) reading.text += ' ';
+      if (tag->name == "br" || (knowsBlocks && isBlock(tag->name))) reading.text += ' ';
       if (tag->closes) {
         reading.isWellFormed &= !open.empty() && open.back() == tag->name;
         if (!open.empty()) open.pop_back();
@@ -180,6 +181,7 @@ Reading readMarkup(std::string_view body) {
       i += reference->size;
       continue;
     }
+    if (rest.front() == '<') reading.fault = std::min(reading.fault, i);
     reading.isWellFormed &= rest.front() != '<' && rest.front() != '&';
     i += appendText(rest, reading.text);
   }
@@ -262,13 +264,17 @@ std::vector<std::string> HLBodyForms(std::string_view body) {
     add(body);
     return forms;
   }
-  const Reading reading = readMarkup(body);
+  const Reading reading = readMarkup(body, true);
   add(reading.text);
+  if (reading.hasOtherElements) add(readMarkup(body, false).text);
   const std::optional<std::string> basic = readBasicMarkup(body, false);
   if (basic) add(*basic);
   if (const auto withDecimals = readBasicMarkup(body, true)) add(*withDecimals);
   if (!basic || !reading.isWellFormed || reading.hasOtherElements) add(body);
-  if (!reading.isWellFormed) add(readMarkup(withoutBrackets(body)).text);
+  if (!reading.isWellFormed) {
+    add(readMarkup(withoutBrackets(body), true).text);
+    add(readMarkup(body.substr(0, reading.fault), true).text);
+  }
   if (reading.hasOtherElements) add("");
   return forms;
 }

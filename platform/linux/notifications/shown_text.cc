@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/linux/notifications/body_forms.h"
@@ -42,16 +43,16 @@ class SentTexts {
   std::vector<std::string> bodies_;
 };
 
-// Whether the text is a description of the banner: "body from application".
-bool describes(const std::string& text, const std::string& body, const SentTexts& sent) {
+// Whether the text is a description of the banner: "body from application", where "from" may be any word.
+bool describes(std::string_view text, std::string_view body, std::string_view application) {
   constexpr std::size_t kLongestWord = 20;
-  if (body.empty() || sent.application().empty() || !text.starts_with(body + ' ') ||
-      !text.ends_with(' ' + sent.application())) {
-    return false;
-  }
-  const std::size_t between = text.size() - body.size() - sent.application().size();
-  return between >= 2 && between <= kLongestWord &&
-         text.substr(body.size() + 1, between - 2).find(' ') == std::string::npos;
+  if (application.empty() || !text.starts_with(body) || !text.ends_with(application)) return false;
+  if (text.size() < body.size() + application.size()) return false;
+  std::string_view between = text.substr(body.size(), text.size() - body.size() - application.size());
+  if (!body.empty() && !between.starts_with(' ')) return false;
+  if (!body.empty()) between.remove_prefix(1);
+  // A word and a blank.
+  return between.size() >= 2 && between.size() <= kLongestWord && between.find(' ') == between.size() - 1;
 }
 
 // Fits the texts from `begin` on with one form of the body. `others` is how many unexplained texts came before.
@@ -62,9 +63,10 @@ HLTextFit fitRest(const std::vector<std::string>& texts, std::size_t begin, cons
     if (next == texts.size() || texts[next] != sent.summary()) return HLTextFit::none;
     ++next;
   }
-  // The body may come twice: as a label and as a description.
+  // The body may come twice: as a label and as a description. Only servers that name the application describe.
   const auto isBody = [&](std::size_t i) {
-    return !body.empty() && i < texts.size() && (texts[i] == body || describes(texts[i], body, sent));
+    if (i >= texts.size()) return false;
+    return texts[i] == body || (begin != 0 && describes(texts[i], body, texts.front()));
   };
   if (next < texts.size() && !isBody(next)) {
     ++next;

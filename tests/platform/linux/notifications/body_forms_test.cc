@@ -50,7 +50,8 @@ TEST(BodyForms, KeepIllFormedMarkupWhole) {
 
 TEST(BodyForms, DropBracketsOfIllFormedMarkup) {
   EXPECT_THAT(HLBodyForms("1 < 2"), UnorderedElementsAre("1 < 2", "1"));
-  EXPECT_THAT(HLBodyForms("a <-> b <3 c"), UnorderedElementsAre("a <-> b <3 c", "a b"));
+  EXPECT_THAT(HLBodyForms("a <-> b <3 c"), UnorderedElementsAre("a <-> b <3 c", "a b", "a"));
+  EXPECT_THAT(HLBodyForms("1 < 2 > 1"), UnorderedElementsAre("1 < 2 > 1", "1 1", "1"));
 }
 
 TEST(BodyForms, DropComments) {
@@ -61,6 +62,11 @@ TEST(BodyForms, DropComments) {
 TEST(BodyForms, DropImagesAndBreakLines) {
   EXPECT_THAT(HLBodyForms("a<br/>b<img src=\"x>y\" alt='z'/>"),
               UnorderedElementsAre("a b", "", "a<br/>b<img src=\"x>y\" alt='z'/>"));
+}
+
+TEST(BodyForms, JoinOrPartParagraphs) {
+  EXPECT_THAT(HLBodyForms("<p>one</p><p>two</p>"),
+              UnorderedElementsAre("one two", "onetwo", "<p>one</p><p>two</p>", ""));
 }
 
 TEST(BodyForms, AreNeverEmptyForKnownElements) {

@@ -83,6 +83,9 @@ TEST(TextFit, TakesDescriptionsOfBanners) {
   const HLPostedNotification mail = posted("Mail", "Ada", "Lunch?");
   EXPECT_EQ(HLFitOfTexts({"Mail", "Ada", "Lunch?  from Mail"}, mail), HLTextFit::exact);
   EXPECT_EQ(HLFitOfTexts({"Mail", "Ada", "Lunch?", "Lunch?  from Mail"}, mail), HLTextFit::exact);
+  EXPECT_EQ(HLFitOfTexts({"Mail", "Ada", "from Mail"}, posted("Mail", "Ada", "")), HLTextFit::exact);
+  EXPECT_EQ(HLFitOfTexts({"python3", "Ada", "Lunch?  from python3"}, posted("", "Ada", "Lunch?")), HLTextFit::loose);
+  EXPECT_EQ(HLFitOfTexts({"Ada", "Lunch?  from Mail"}, mail), HLTextFit::none);
   EXPECT_EQ(HLFitOfTexts({"Mail", "Ada", "Lunch? with all of Mail"}, mail), HLTextFit::none);
   EXPECT_EQ(HLFitOfTexts({"Mail", "Ada", "Lunch? from Post"}, mail), HLTextFit::none);
 }
