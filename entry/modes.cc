@@ -40,6 +40,8 @@ std::string adviceFor(HLDismissStatus status) {
   if (!advice) return "";
   if (status == HLDismissStatusAccessDenied) return std::string(advice->accessDenied);
   if (status == HLDismissStatusNotificationCenterUnavailable) return std::string(advice->notificationCenterUnavailable);
+  const std::string_view unclosable = advice->unclosable ? advice->unclosable() : "";
+  if (!unclosable.empty()) return std::string(unclosable);
   if (status == HLDismissStatusFailed) return std::string(advice->failed) + HLDiagnosticsLogPath().value_or("none");
   return "";
 }

@@ -25,6 +25,8 @@ struct HLCommandAdvice {
   std::string_view accessDenied;
   std::string_view notificationCenterUnavailable;
   std::string_view failed;  // before the path of the diagnostics log
+  // Returns what to do about banners that were left on screen because they cannot be closed yet, or "". Blocks.
+  std::function<std::string_view()> unclosable = nullptr;
 };
 
 // A copy may have members replaced: HLPlatform spied = platform; spied.runLoop = spy;

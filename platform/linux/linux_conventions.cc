@@ -1,10 +1,13 @@
 #include "platform/linux/linux_conventions.h"
 
 #include <array>
+#include <memory>
 #include <string_view>
 #include <utility>
 
 #include "platform/application/events.h"
+#include "platform/linux/notifications/notification_protocol.h"
+#include "platform/linux/session/bus.h"
 
 namespace {
 
@@ -24,6 +27,16 @@ std::string shortcutText(std::uint64_t modifiers, const std::optional<std::strin
     if (key == symbol) key = name;
   }
   return text.append(key);
+}
+
+// Whether a Hushlet of this session knows the open notifications.
+bool isHushletRunning() {
+  const std::unique_ptr<HLBus> session = HLBus::openSession();
+  if (session == nullptr) return false;
+  const HLBusCall call{"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner"};
+  const HLBusReply reply = session->call(call, "s", HLNotificationsName);
+  int isOwned = 0;
+  return reply && sd_bus_message_read_basic(reply.message.get(), 'b', &isOwned) > 0 && isOwned != 0;
 }
 
 }  // namespace
@@ -62,11 +75,17 @@ HLConventions HLLinuxConventions() {
   return conventions;
 }
 
-HLCommandAdvice HLLinuxCommandAdvice() {
+HLCommandAdvice HLLinuxCommandAdvice(std::function<bool()> showsUnclosableBanners) {
   return {
       "hushlet: accessibility is switched off, or this process is outside of the desktop session. Inside of it, run "
       "\"hushlet --request-accessibility\"; outside, start \"hushlet --daemon\" inside and use --daemon-dismiss.",
       "hushlet: no notification server runs in this session. Run hushlet in the session that shows the banners.",
       "hushlet: not every banner could be cleared. See the diagnostics log: ",
+      [showsUnclosable = std::move(showsUnclosableBanners)]() -> std::string_view {
+        if (isHushletRunning() || !showsUnclosable()) return "";
+        return "hushlet: banners without a close button remain. Start Hushlet, or \"hushlet --daemon\", before they "
+               "come: "
+               "it closes them by their numbers.";
+      },
   };
 }

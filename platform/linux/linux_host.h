@@ -23,7 +23,7 @@ class HLLinuxHost : public HLHost {
   HLLinuxRunningApplications runningApplications_{runLoop_};
   HLLinuxProcessInfo process_;
   HLSessionNotifications notifications_{[this] { return HLMayWatchNotifications(process_); }};
-  HLLinuxAccessibility accessibility_{runningApplications_, notifications_, runLoop_};
+  HLLinuxAccessibility accessibility_{runningApplications_, notifications_, process_, runLoop_};
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;
   HLLinuxMenuBar menuBar_{process_, runLoop_};
@@ -34,5 +34,5 @@ class HLLinuxHost : public HLHost {
                              propertyLists_,
                              userNotifications_,
                              [this] { return menuBar_.platform(); },
-                             HLLinuxCommandAdvice()};
+                             HLLinuxCommandAdvice([this] { return accessibility_.showsUnclosableBanners(); })};
 };

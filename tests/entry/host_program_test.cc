@@ -67,7 +67,7 @@ std::string shownOnTerminal(const std::string& redirection) {
 }
 
 TEST(HostProgram, AdvisesAtATerminal) {
-  const std::string advice(HLLinuxCommandAdvice().accessDenied);
+  const std::string advice(HLLinuxCommandAdvice(nullptr).accessDenied);
   EXPECT_EQ(shownOnTerminal("2>"), "accessDenied|0|0\n|" + advice + "\r\n|");
 }
 

@@ -111,10 +111,10 @@ TEST_F(Program, DismissNowExitsWithZeroWhateverTheStatus) {
 }
 
 // What --dismiss-now prints on standard error, on a host that has advice.
-std::string adviceOn(const std::string& scene, bool onTerminal) {
+std::string adviceOn(const std::string& scene, bool onTerminal, std::string_view unclosable = "") {
   SimulatedDesktop desktop(scene);
   HLPlatform advising = desktop.platform();
-  advising.commandAdvice = HLCommandAdvice{"no access", "no server", "see "};
+  advising.commandAdvice = HLCommandAdvice{"no access", "no server", "see ", [unclosable] { return unclosable; }};
   HLInstallPlatform(&advising);
   std::ostringstream out;
   std::ostringstream err;
@@ -132,6 +132,15 @@ TEST_F(Program, AdvisesAtATerminal) {
   EXPECT_EQ(adviceOn(NotificationCenterScene(R"({"title": "stuck", "actions": ["Close"]})"), true), "see the log\n");
   EXPECT_EQ(adviceOn(NotificationCenterScene(""), true), "");
   EXPECT_EQ(adviceOn(NotificationCenterScene(kThreeBanners), true), "");
+}
+
+TEST_F(Program, AdvisesAboutBannersThatCannotBeClosed) {
+  for (const std::string& scene : {NotificationCenterScene(""), NotificationCenterScene(kThreeBanners),
+                                   NotificationCenterScene(R"({"title": "stuck", "actions": ["Close"]})")}) {
+    EXPECT_EQ(adviceOn(scene, true, "start it"), "start it\n");
+    EXPECT_EQ(adviceOn(scene, false, "start it"), "");
+  }
+  EXPECT_EQ(adviceOn("{}", true, "start it"), "no server\n");
 }
 
 TEST_F(Program, AdvisesNoOtherProgram) {

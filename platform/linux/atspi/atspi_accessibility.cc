@@ -15,6 +15,7 @@
 #include "platform/linux/atspi/accessible_application.h"
 #include "platform/linux/atspi/atspi_observer.h"
 #include "platform/linux/atspi/listed_application.h"
+#include "platform/linux/files/linux_user_defaults.h"
 #include "platform/linux/session/bus.h"
 #include "platform/threads/thread_safety.h"
 
@@ -26,6 +27,9 @@ constexpr const char* kStatus = "org.a11y.Status";
 constexpr const char* kIsEnabled = "IsEnabled";
 // Allows for the bus to start the service first.
 constexpr std::chrono::seconds kStartTimeout{3};
+
+// The preference with the user's consent to close notifications where accessibility cannot be switched on.
+constexpr std::string_view kConsent = "HLClosesWithoutAccessibility";
 
 class Snapshot;
 
@@ -307,8 +311,34 @@ bool switchOn() {
 
 bool HLLinuxAccessibility::isProcessTrusted(bool prompt) {
   if (isTrusted()) return true;
+  if (!prompt) return isConsentEnough();
   // Linux desktops have no permission prompt. A request for access switches accessibility on.
-  return prompt && switchOn() && isTrusted();
+  if (switchOn() && isTrusted()) return true;
+  if (!notifications_.serverLacksTree()) return isConsentEnough();
+  HLLinuxUserDefaults(HLUserDefaultsPath(process_)).setValue(kConsent, true);
+  return true;
+}
+
+// Reads the preferences anew each time, since another process may have stored the consent. A server may not run yet:
+// the bus starts some with the first notification.
+bool HLLinuxAccessibility::isConsentEnough() {
+  HLLinuxUserDefaults defaults(HLUserDefaultsPath(process_));
+  if (!HLBooleanDefault(defaults, kConsent) || HLBus::openSession() == nullptr) return false;
+  return servers_.list().empty() || notifications_.serverLacksTree();
+}
+
+bool HLLinuxAccessibility::showsUnclosableBanners() {
+  for (const HLRunningApplication& server : servers_.list()) {
+    const HLElementRef application = createApplication(server.pid);
+    if (application == nullptr) return notifications_.serverLacksTree();
+    for (const HLElementRef& window : HLElementsFromAttribute(application->copyAttributeValue("AXWindows"))) {
+      for (const HLElementRef& child : window->copyFacts().children) {
+        const HLElementFacts facts = child->copyFacts();
+        if (facts.subrole == HLBannerSubrole && facts.actionNames.empty()) return true;
+      }
+    }
+  }
+  return false;
 }
 
 HLElementRef HLLinuxAccessibility::createApplication(std::int32_t pid) {

@@ -7,9 +7,11 @@
 #include "platform/accessibility.h"
 #include "platform/linux/notifications/open_notifications.h"
 #include "platform/linux/session/linux_run_loop.h"
+#include "platform/process_info.h"
 #include "platform/running_applications.h"
 
 // A process is trusted if accessibility is switched on in its session and it can connect to the accessibility bus.
+// Where the notification server has no usable tree, or none runs, the user's consent in the preferences is enough.
 //
 // An application element exists only for a process that is on that bus and answers, or for a notification server whose
 // banners are known without a tree. Reading "AXWindows" reads a snapshot of the whole application; its elements answer
@@ -18,18 +20,27 @@
 class HLLinuxAccessibility : public HLAccessibility {
  public:
   // The processes that `servers` lists are notification servers. Their banners without a close control are closed by
-  // `notifications`. Observers run on `runLoop`.
-  HLLinuxAccessibility(HLRunningApplications& servers, HLOpenNotifications& notifications, HLLinuxRunLoop& runLoop)
-      : servers_(servers), notifications_(notifications), runLoop_(runLoop) {}
+  // `notifications`. The preferences are those of `process`. Observers run on `runLoop`.
+  HLLinuxAccessibility(HLRunningApplications& servers, HLOpenNotifications& notifications, HLProcessInfo& process,
+                       HLLinuxRunLoop& runLoop)
+      : servers_(servers), notifications_(notifications), process_(process), runLoop_(runLoop) {}
 
-  // With `prompt`, switches accessibility on for the session, if necessary. Else changes and starts nothing.
+  // With `prompt`, switches accessibility on for the session, if necessary, or else stores the user's consent if the
+  // server has no usable tree. Without, changes and starts nothing.
   [[nodiscard]] bool isProcessTrusted(bool prompt) override;
   [[nodiscard]] HLElementRef createApplication(std::int32_t pid) override;
   [[nodiscard]] std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) override;
   void prepareToStay() override { notifications_.prepareToStay(); }
 
+  // Whether a banner is on screen that cannot be closed, or may be on a screen that cannot be read for want of a table.
+  // Blocks.
+  [[nodiscard]] bool showsUnclosableBanners();
+
  private:
+  [[nodiscard]] bool isConsentEnough();
+
   HLRunningApplications& servers_;
   HLOpenNotifications& notifications_;
+  HLProcessInfo& process_;
   HLLinuxRunLoop& runLoop_;
 };

@@ -16,6 +16,10 @@ namespace {
 
 constexpr const char* kBundleIdentifier = "com.apple.notificationcenterui";
 
+// GNOME Shell shows the banners. A helper process, which has no windows, owns the service and this name, and forwards.
+constexpr const char* kShellHelper = "org.gnome.Shell.Notifications";
+constexpr const char* kShell = "org.gnome.Shell";
+
 HLBusCall toBus(const char* member) {
   return {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member};
 }
@@ -25,8 +29,23 @@ std::string executableOf(std::int32_t pid) {
   return std::filesystem::read_symlink("/proc/" + std::to_string(pid) + "/exe", error).string();
 }
 
-std::optional<HLRunningApplication> owner(HLBus& session) {
-  const HLBusReply reply = session.call(toBus("GetConnectionUnixProcessID"), "s", HLNotificationService);
+// Returns the unique name of the owner's connection, or "".
+std::string connectionOf(HLBus& session, const char* name) {
+  const HLBusReply reply = session.call(toBus("GetNameOwner"), "s", name);
+  const char* connection = nullptr;
+  return reply && sd_bus_message_read_basic(reply.message.get(), 's', &connection) > 0 ? connection : "";
+}
+
+// Whether a helper of a shell's owns the service. Other shells own the shell's name too, without such a helper.
+bool isBehindHelper(HLBus& session) {
+  const std::string helper = connectionOf(session, kShellHelper);
+  return !helper.empty() && helper == connectionOf(session, HLNotificationService);
+}
+
+// Returns the process that shows the banners.
+std::optional<HLRunningApplication> findServer(HLBus& session) {
+  const char* name = isBehindHelper(session) ? kShell : HLNotificationService;
+  const HLBusReply reply = session.call(toBus("GetConnectionUnixProcessID"), "s", name);
   std::uint32_t pid = 0;
   if (!reply || sd_bus_message_read_basic(reply.message.get(), 'u', &pid) <= 0) return std::nullopt;
   HLRunningApplication application;
@@ -66,9 +85,10 @@ bool isSameServer(std::int32_t pid, const std::vector<std::string>& command) {
 }
 
 // Whether the bus would bring the same server up again. Where several service files contend for the name, each of them
-// must: what ends may be the whole desktop, and what comes instead may be another's server.
+// must: what ends may be the whole desktop, and what comes instead may be another's server. The bus starts a shell's
+// helper, never the shell.
 bool wouldComeBack(HLBus& session, std::int32_t pid) {
-  if (!isActivatable(session)) return false;
+  if (isBehindHelper(session) || !isActivatable(session)) return false;
   const std::vector<std::vector<std::string>> commands =
       HLActivationCommands(HLServiceDirectories(), HLNotificationService);
   return !commands.empty() &&
@@ -81,13 +101,13 @@ bool wouldComeBack(HLBus& session, std::int32_t pid) {
 std::vector<HLRunningApplication> HLLinuxRunningApplications::list() {
   const std::unique_ptr<HLBus> session = HLBus::openSession();
   if (session == nullptr) return {};
-  std::optional<HLRunningApplication> server = owner(*session);
+  std::optional<HLRunningApplication> server = findServer(*session);
   const HLLock lock(mutex_);
   if (!server && signalled_ != nullptr && signalled_->hasEnded()) {
     // The answer comes when the successor is up; where it takes longer, a later list() sees it.
     (void)session->call(toBus("StartServiceByName"), "su", HLNotificationService, 0U);
     signalled_ = nullptr;
-    server = owner(*session);
+    server = findServer(*session);
   }
   if (!server) return {};
   if (signalled_ != nullptr && server->pid != signalled_->pid()) signalled_ = nullptr;
@@ -103,11 +123,11 @@ std::optional<HLRunningApplication> HLLinuxRunningApplications::find(std::int32_
 
 void HLLinuxRunningApplications::observeLaunches(std::function<void(const HLRunningApplication&)> observer) {
   std::shared_ptr<HLBus> events = HLBus::openSession();
-  if (events == nullptr || !events->watch(std::string("type='signal',sender='org.freedesktop.DBus',"
-                                                      "interface='org.freedesktop.DBus',member='NameOwnerChanged',"
-                                                      "arg0='") +
-                                          HLNotificationService + "'")) {
-    return;
+  if (events == nullptr) return;
+  for (const char* name : {HLNotificationService, kShell}) {
+    const std::string rule =
+        "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='";
+    if (!events->watch(rule + name + "'")) return;
   }
   const int descriptor = events->descriptor();
   const std::vector<HLRunningApplication> present = list();
@@ -132,7 +152,7 @@ HLSignalOutcome HLLinuxRunningApplications::sendSignal(std::int32_t pid, int sig
     // The hold is taken first, so that what is judged is what gets the signal.
     auto watch = std::make_shared<const HLProcessWatch>(pid);
     const std::unique_ptr<HLBus> session = HLBus::openSession();
-    const std::optional<HLRunningApplication> server = session == nullptr ? std::nullopt : owner(*session);
+    const std::optional<HLRunningApplication> server = session == nullptr ? std::nullopt : findServer(*session);
     if (!server || server->pid != pid || !wouldComeBack(*session, pid)) return HLSignalOutcome::refused;
     signalled_ = std::move(watch);
   }

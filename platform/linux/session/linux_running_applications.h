@@ -11,9 +11,9 @@
 #include "platform/running_applications.h"
 #include "platform/threads/thread_safety.h"
 
-// Whoever owns the notification service of the session bus is listed under Notification Center's bundle identifier;
-// nobody else is listed. Asking never starts a server, but a list() after the death of one that was sent a signal has
-// the bus start its successor.
+// The process that owns the notification service of the session bus, or the shell behind a helper that owns it, is
+// listed under Notification Center's bundle identifier; nobody else is listed. Asking never starts a server, but a
+// list() after the death of one that was sent a signal has the bus start its successor. A shell is never sent one.
 class HLLinuxRunningApplications : public HLRunningApplications {
  public:
   // Launches are told by the run loop.

@@ -15,6 +15,7 @@
 #include "core/scan/notification_center.h"
 #include "platform/linux/linux_host.h"
 #include "tests/platform/linux/atspi/known_notifications.h"
+#include "tests/platform/linux/session/fake_process.h"
 
 namespace {
 
@@ -69,8 +70,9 @@ class ListedServer : public testing::Test {
 
   KnownNotifications known_;
   OwnProcess servers_;
+  FakeProcess process_{"/nonexistent"};
   HLLinuxRunLoop runLoop_;
-  HLLinuxAccessibility accessibility_{servers_, known_, runLoop_};
+  HLLinuxAccessibility accessibility_{servers_, known_, process_, runLoop_};
   std::unique_ptr<HLLinuxHost> host_;
   HLPlatform platform_;
 };

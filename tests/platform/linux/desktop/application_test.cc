@@ -74,7 +74,7 @@ TEST_P(ApplicationWithServer, ThePersonalFlavorClearsTheScreenToo) {
   screen_->press({KEY_ESC});
 }
 
-INSTANTIATE_TEST_SUITE_P(Real, ApplicationWithServer, testing::Values(kMate, kLxqt),
+INSTANTIATE_TEST_SUITE_P(Real, ApplicationWithServer, testing::Values(kMate, kLxqt, kXfce, kDunst),
                          [](const auto& server) { return server.param.name; });
 
 class Application : public ApplicationDesktop {};
@@ -114,6 +114,18 @@ TEST_F(Application, ClosesBannersByRulesWhileSwitchedOn) {
   (void)waitForPart("Close Banners by Your Own Rules");
   (void)sendAutomation("Night");
   waitForTargets(1);
+}
+
+TEST_F(Application, ClosesBannersByRulesWithoutATree) {
+  beginDesktopWith(kDunst);
+  storeDefaults(R"({"HLAutoCloseRules": ["Chat|running late"], "HLAutoCloseAutomationBanners": true})");
+  startApplication();
+  waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
+  const std::uint32_t ordinary = sender_->send("Mail", "Lunch", "Running late at noon");
+  const std::uint32_t wanted = sender_->send("Chat", "Ada", "Running late");
+  ASSERT_TRUE(sender_->waitUntilClosed({wanted}, kTimeout));
+  EXPECT_EQ(sender_->closed().count(ordinary), 0U);
+  EXPECT_EQ(targets(), 1);
 }
 
 }  // namespace

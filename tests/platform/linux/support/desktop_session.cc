@@ -256,10 +256,11 @@ NotificationSender::NotificationSender(const Environment& environment)
 NotificationSender::~NotificationSender() { sd_bus_close_unref(bus_); }
 
 std::uint32_t NotificationSender::send(const std::string& application, const std::string& title,
-                                       const std::string& body, const std::vector<std::string>& actions) {
+                                       const std::string& body, const std::vector<std::string>& actions,
+                                       std::uint32_t replaces) {
   sd_bus_message* message = nullptr;
   sd_bus_message_new_method_call(bus_, &message, kService, kServicePath, kService, "Notify");
-  sd_bus_message_append(message, "susss", application.c_str(), 0U, "", title.c_str(), body.c_str());
+  sd_bus_message_append(message, "susss", application.c_str(), replaces, "", title.c_str(), body.c_str());
   sd_bus_message_open_container(message, 'a', "s");
   for (const std::string& action : actions) sd_bus_message_append(message, "s", action.c_str());
   sd_bus_message_close_container(message);

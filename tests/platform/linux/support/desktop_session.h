@@ -79,9 +79,10 @@ class NotificationSender {
   explicit NotificationSender(const Environment& environment);
   ~NotificationSender();
 
-  // Actions are keys and labels in turn. The notification never expires by itself.
+  // Actions are keys and labels in turn. The notification never expires by itself. With `replaces`, the notification of
+  // that number gets these texts.
   std::uint32_t send(const std::string& application, const std::string& title, const std::string& body,
-                     const std::vector<std::string>& actions = {});
+                     const std::vector<std::string>& actions = {}, std::uint32_t replaces = 0);
   void close(std::uint32_t id);
 
   // Waits until all of them have been closed; says of each for which reason it was.
