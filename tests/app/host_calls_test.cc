@@ -23,6 +23,7 @@
 #include "platform/run_loop.h"
 #include "tests/app/spied_application.h"
 #include "tests/support/faults.h"
+#include "tests/support/forwarding.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
 #include "tests/support/temporary_directory.h"
@@ -51,6 +52,20 @@ TEST(RunningTheApplication, FailsWithoutAHost) {
   std::ostringstream err;
   EXPECT_EQ(HLRunApplication(err), 1);
   EXPECT_EQ(err.str(), "nowhere to show it\n");
+}
+
+TEST(LaunchCalls, PrepareAccessibilityToStay) {
+  class Spy : public ForwardingAccessibility {
+   public:
+    using ForwardingAccessibility::ForwardingAccessibility;
+    void prepareToStay() override { ++preparations; }
+    int preparations = 0;
+  };
+  Application application;
+  Spy spy(application.accessibility);
+  application.platform.accessibility = spy;
+  application.delegate->applicationDidFinishLaunching();
+  EXPECT_EQ(spy.preparations, 1);
 }
 
 TEST(LaunchCalls, FollowTheLaunchSequence) {

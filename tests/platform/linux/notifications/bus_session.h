@@ -91,7 +91,7 @@ class Poster {
   // Posts without waiting for a reply, and without wanting one where `expectsReply` is false.
   void postOnly(const std::string& summary, bool expectsReply);
   void close(std::uint32_t number);
-  [[nodiscard]] sd_bus* bus() { return bus_; }
+  [[nodiscard]] sd_bus* bus() const { return bus_; }
 
  private:
   [[nodiscard]] sd_bus_message* call(const std::string& summary, const std::string& body, const Options& options);

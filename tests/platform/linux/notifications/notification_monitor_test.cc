@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/linux/notifications/bus_events.h"
 #include "platform/linux/session/bus.h"
 #include "tests/platform/linux/notifications/bus_session.h"
 
@@ -223,6 +224,34 @@ TEST_F(NotificationMonitor, TakesNumbersFromTheServerOnly) {
   sd_bus_flush(stranger.bus());
   settle(poster);
   EXPECT_THAT(open(), ElementsAre("1 real"));
+}
+
+// The bus keeps replies of strangers from a monitor; this is about one that does not.
+TEST_F(NotificationMonitor, TakesRepliesFromTheServerOnly) {
+  const Poster poster;  // for its connection, without which there are no messages
+  table_.setServer(":1.9");
+  sd_bus_message* call = nullptr;
+  sd_bus_message_new_method_call(poster.bus(), &call, "org.freedesktop.Notifications", kObject,
+                                 "org.freedesktop.Notifications", "Notify");
+  const HLBusMessage owner(call);
+  sd_bus_message_append(call, "susssasa{sv}i", "poster", 0U, "", "posted", "", 0, 0, -1);
+  sd_bus_message_set_sender(call, ":1.7");
+  ASSERT_GE(sd_bus_message_seal(call, 42, 0), 0);
+  HLFeedTable(table_, call, {});
+  EXPECT_EQ(table_.waitingCount(), 1U);
+  const auto reply = [&](const char* sender, std::uint32_t number) {
+    sd_bus_message* message = nullptr;
+    ASSERT_GE(sd_bus_message_new_method_return(call, &message), 0);
+    const HLBusMessage replied(message);
+    sd_bus_message_append(message, "u", number);
+    sd_bus_message_set_sender(message, sender);
+    ASSERT_GE(sd_bus_message_seal(message, 43, 0), 0);
+    HLFeedTable(table_, message, {});
+  };
+  reply(":1.66", 666);
+  EXPECT_THAT(open(), IsEmpty());
+  reply(":1.9", 5);
+  EXPECT_THAT(open(), ElementsAre("5 posted"));
 }
 
 TEST_F(NotificationMonitor, IgnoresHostileMessages) {
