@@ -142,7 +142,11 @@ class Walk {
       const bool more = next_ < toRead_.size();
       if (more) ask(toRead_[next_++]);
       const HLBusOutcome outcome = bus_.settle(more ? kMaxCallsInFlight : 0);
-      if (outcome != HLBusOutcome::answered || (!more && next_ == toRead_.size())) return outcome;
+      if (outcome != HLBusOutcome::answered) return outcome;
+      if (!more && next_ == toRead_.size()) {
+        unlinkGone();
+        return outcome;
+      }
     }
     return HLBusOutcome::timedOut;
   }
@@ -155,6 +159,7 @@ class Walk {
   void askForMore(int index);
   void askForChildren(int index);
   void takeChildren(int parent, sd_bus_message* message);
+  void unlinkGone();
   bool wantsChildren(int index);
 
   HLBus& bus_;
@@ -162,6 +167,7 @@ class Walk {
   HLRawTree& tree_;
   std::vector<int> partial_;  // adopted nodes of which children are missing
   std::vector<int> toRead_;
+  std::vector<int> gone_;  // elements that no longer existed when they were asked
   std::size_t next_ = 0;                   // in toRead_
   std::unordered_set<std::string> known_;  // paths in the tree
   // Per node:
@@ -229,7 +235,10 @@ void Walk::ask(int index) {
     if (reply) readRole(reply.message.get(), node(index).role);
   });
   bus_.start({application_, path, HLAccessibleInterface, "GetState"}, [this, index](const HLBusReply& reply) {
-    if (!reply) return;  // the element no longer exists
+    if (!reply) {
+      gone_.push_back(index);
+      return;
+    }
     node(index).states = readStates(reply.message.get());
     askForMore(index);
   });
@@ -273,6 +282,11 @@ void Walk::takeChildren(int parent, sd_bus_message* message) {
     if (!own || full || known_.contains(std::string(child.path))) continue;
     toRead_.push_back(add(parent, child.path));
   }
+}
+
+// Without a role, an element that is gone would look like one that no notification server has.
+void Walk::unlinkGone() {
+  for (int index : gone_) std::erase(node(node(index).parent).children, index);
 }
 
 // Empty when the application has no cache or answers with another signature (Qt).
