@@ -211,7 +211,7 @@ TEST_P(InterruptedDismissal, TellsTheTruthAndEnds) {
   int tried = 0;
   std::map<std::string, int> answers;
   for (std::size_t i = 0; i < kInterruptions.size(); ++i) {
-    for (int message : points(messages, kInterruptions[i] == Interruption::changed ? 12 : 2, i)) {
+    for (int message : points(messages, kInterruptions[i] == Interruption::changed ? 8 : 2, i)) {
       SCOPED_TRACE(std::string(nameOf(kInterruptions[i])) + " at message " + std::to_string(message));
       prepare();
       holdAt(message);
