@@ -167,7 +167,7 @@ class Walk {
   HLRawTree& tree_;
   std::vector<int> partial_;  // adopted nodes of which children are missing
   std::vector<int> toRead_;
-  std::vector<int> gone_;  // elements that no longer existed when they were asked
+  std::vector<int> gone_;                  // elements that no longer existed when they were asked
   std::size_t next_ = 0;                   // in toRead_
   std::unordered_set<std::string> known_;  // paths in the tree
   // Per node:
