@@ -33,7 +33,8 @@ HLWindowDescription HLAppDelegate::settingsWindowDescription() {
   HLWindowDescription window = HLEmptyWindow(HLFormat("%@ Settings", HLAppDisplayName()), 420, 280);
   const std::string need =
       HLFormat("Works from any app. Needs at least one of %@, or an F key.", conventions().modifierChoice);
-  shortcutNote_ = {host_.hotKeys->unsupportedReason().value_or(need), HLTextColor::secondary};
+  shortcutNote_ = {host_.hotKeys->unsupportedReason().value_or(host_.hotKeys->storageNote().value_or(need)),
+                   HLTextColor::secondary};
   const HLLabel shortcut{kShortcutValueLabel, "", 15, HLFontWeight::medium};
   const HLButton record{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }};
   const HLButton clear{"", "Clear", "", [this] { clearShortcut(); }};

@@ -142,9 +142,12 @@ void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   const StoredShortcut old = readShortcut(host_.userDefaults);
   storeShortcut(host_.userDefaults, {event.code, flags, HLKeyLabelForEvent(event)});
   stopRecording();
-  if (applyStoredHotKey() == HLHotKeyStatus::success) {
+  HLHotKeyStatus status = host_.hotKeys->userRecorded(static_cast<std::uint32_t>(event.code), HLCarbonModifiers(flags));
+  if (status == HLHotKeyStatus::success) status = applyStoredHotKey();
+  if (status == HLHotKeyStatus::success) {
     updateSettingsState();
-    setShortcutNote({"Saved. Works from any app.", HLTextColor::secondary});
+    const std::string where = host_.hotKeys->storageNote().value_or("Works from any app.");
+    setShortcutNote({HLFormat("Saved. %@", where), HLTextColor::secondary});
     return;
   }
   const std::string refused = shownShortcut();
@@ -152,7 +155,8 @@ void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   applyStoredHotKey();
   updateSettingsState();
   const std::string taken = HLFormat("%@ is already used by another app. Try a different one.", refused);
-  setShortcutNote({host_.hotKeys->unsupportedReason().value_or(taken), HLTextColor::orange});
+  const bool isTaken = status == HLHotKeyStatus::taken;
+  setShortcutNote({isTaken ? taken : host_.hotKeys->unsupportedReason().value_or(taken), HLTextColor::orange});
 }
 
 void HLAppDelegate::stopRecording() {
@@ -164,6 +168,7 @@ void HLAppDelegate::stopRecording() {
 void HLAppDelegate::clearShortcut() {
   stopRecording();
   host_.userDefaults->setValue(kCode, kNoKey);
+  host_.hotKeys->userCleared();
   applyStoredHotKey();
   updateSettingsState();
   setShortcutNote({HLFormat("No shortcut. %@", dismissHint()), HLTextColor::secondary});

@@ -58,6 +58,17 @@ class HLHotKeys {
   [[nodiscard]] virtual HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                             const HLHotKeyIdentity& identity) = 0;
 
+  // The user has recorded this combination; registerHotKey() follows on success. A host that keeps shortcuts in the
+  // desktop's settings changes those here only.
+  [[nodiscard]] virtual HLHotKeyStatus userRecorded(std::uint32_t /*code*/, std::uint32_t /*modifiers*/) {
+    return HLHotKeyStatus::success;
+  }
+  // The user has cleared the combination.
+  virtual void userCleared() {}
+
+  // User-facing: where the host keeps the registered combination, if not in this process alone; else nullopt.
+  [[nodiscard]] virtual std::optional<std::string> storageNote() const { return std::nullopt; }
+
   // User-facing reason if registration failed because the host supports no hot keys; else nullopt.
   [[nodiscard]] virtual std::optional<std::string> unsupportedReason() const { return std::nullopt; }
 };

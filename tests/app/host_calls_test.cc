@@ -254,4 +254,23 @@ TEST(Snapshots, UseCurrentDirectoryForEmptyName) {
   EXPECT_THAT(filesIn(pictures.path()), ElementsAre("00-First.png"));
 }
 
+TEST(KeptShortcuts, AreRecordedWithTheHost) {
+  Application application;
+  application.host.hotKeys.note = "Kept by the desktop.";
+  application.delegate->showSettingsWindow();
+  application.delegate->recordEvent({45, HLModifierControl, "k"});
+  EXPECT_EQ(application.host.calls.back(), "label Saved. Kept by the desktop.");
+  EXPECT_EQ(application.delegate->storedModifiers(), HLModifierControl);
+
+  application.host.hotKeys.recorded = HLHotKeyStatus::taken;
+  application.host.hotKeys.reason = "not active";
+  application.delegate->recordEvent({45, HLModifierOption, "k"});
+  EXPECT_EQ(application.host.calls.back(), "label ⌥K is already used by another app. Try a different one.");
+  EXPECT_EQ(application.delegate->storedModifiers(), HLModifierControl) << "the former one stays";
+
+  EXPECT_EQ(application.host.hotKeys.cleared, 0);
+  application.delegate->clearShortcut();
+  EXPECT_EQ(application.host.hotKeys.cleared, 1);
+}
+
 }  // namespace

@@ -108,7 +108,12 @@ class ForwardingHotKeys : public HLHotKeys {
                                                     const HLHotKeyIdentity& identity) override {
     return inner_.registerHotKey(code, modifiers, identity);
   }
+  [[nodiscard]] HLHotKeyStatus userRecorded(std::uint32_t code, std::uint32_t modifiers) override {
+    return inner_.userRecorded(code, modifiers);
+  }
+  void userCleared() override { inner_.userCleared(); }
   [[nodiscard]] std::optional<std::string> unsupportedReason() const override { return inner_.unsupportedReason(); }
+  [[nodiscard]] std::optional<std::string> storageNote() const override { return inner_.storageNote(); }
 
  private:
   HLHotKeys& inner_;

@@ -118,8 +118,14 @@ class SpyHotKeys : public HLHotKeys {
     calls_.emplace_back("register hot key");
     return {status, nullptr};
   }
+  [[nodiscard]] HLHotKeyStatus userRecorded(std::uint32_t, std::uint32_t) override { return recorded; }
+  void userCleared() override { ++cleared; }
   [[nodiscard]] std::optional<std::string> unsupportedReason() const override { return reason; }
+  [[nodiscard]] std::optional<std::string> storageNote() const override { return note; }
 
+  HLHotKeyStatus recorded = HLHotKeyStatus::success;
+  int cleared = 0;
+  std::optional<std::string> note;
   HLHotKeyStatus status = HLHotKeyStatus::success;
   std::optional<std::string> reason;
 

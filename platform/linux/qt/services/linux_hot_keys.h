@@ -1,4 +1,4 @@
-// Hot keys of the session, through the X server or, on Wayland, the desktop portal.
+// Hot keys of the session, through the X server or, on Wayland, the desktop portal or GNOME's settings.
 #pragma once
 
 #include <cstdint>
@@ -21,9 +21,14 @@ class HLQtHotKeys : public HLHotKeys {
   // A portal treats the combination as a proposal: the user may change or refuse it later.
   [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                     const HLHotKeyIdentity& identity) override;
+  [[nodiscard]] HLHotKeyStatus userRecorded(std::uint32_t code, std::uint32_t modifiers) override;
+  void userCleared() override;
   [[nodiscard]] std::optional<std::string> unsupportedReason() const override;
+  [[nodiscard]] std::optional<std::string> storageNote() const override;
 
  private:
+  void startService(std::unique_ptr<HLHotKeys> service);
+
   HLLinuxRunLoop& runLoop_;
   const std::string identifier_;
   const std::shared_ptr<Handler> handler_ = std::make_shared<Handler>();
