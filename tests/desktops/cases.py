@@ -177,6 +177,7 @@ def try_case(desktop: Desktop, case: Case, pictures: pathlib.Path) -> Outcome:
         outcome.not_tried = "no banner appeared"
         clean_up(desktop, numbers)
         return outcome
+    sender.listen(0.05)  # what came while the picture was taken
     numbers = [number for number in numbers if number not in sender.closed]
     if not case.gtk:
         outcome.dropped = case.count - len(numbers)

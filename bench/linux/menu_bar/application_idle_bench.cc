@@ -46,7 +46,8 @@ void print(const char* title, const Idleness& idle) {
 void switchAutoCloserOn(const DesktopSession& session) {
   const std::filesystem::path folder = session.environment().at("HOME") + "/.config/com.tessaly.hushlet";
   std::filesystem::create_directories(folder);
-  std::ofstream(folder / "defaults.json") << R"({"HLAutoCloseAutomationBanners": true})";
+  std::ofstream(folder / "defaults.json")
+      << R"({"HLAutoCloseAutomationBanners": true, "HLAutoCloseRules": ["Backup|Backup finished"]})";
 }
 
 enum class State { trusted, autoCloser, untrusted };
