@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Texts that are not known are "".
 struct HLServerVersion {
@@ -15,6 +16,19 @@ struct HLServerVersion {
 // An attribute by which a host may say why an element that looks like a close control is not taken for one: a short
 // text of the host's own, without texts of notifications. The engine does not read it.
 inline constexpr std::string_view HLDoubtAttributeName = "HLCloseDoubt";
+
+// An element of an interface in the host's own words, before it is mapped to those of the engine.
+struct HLRawElement {
+  int depth = 0;
+  std::string role;
+  std::string name;
+  std::string description;
+  std::string details;        // what else is known of it, without texts of notifications
+  bool isHostsWords = false;  // name and description are words by which the host judges the element, and stay readable
+};
+
+// Returns the element as a line: its depth as blanks, role, name and description, and the details.
+[[nodiscard]] std::string HLRawElementLine(const HLRawElement& element);
 
 class HLHostReport {
  public:
@@ -28,4 +42,8 @@ class HLHostReport {
 
   // Returns what the program that shows notifications says of itself. May block. Any thread.
   [[nodiscard]] virtual HLServerVersion serverVersion(std::int32_t pid) = 0;
+
+  // Returns the process's interface, parents before their children; empty where the host maps nothing. May block. Any
+  // thread.
+  [[nodiscard]] virtual std::vector<HLRawElement> rawElements(std::int32_t pid) = 0;
 };

@@ -140,7 +140,9 @@ std::unique_ptr<HLCapture> HLCaptureScreen() {
   }
   if (!capture->process) return capture;
   const HLElementRef application = HLNotificationCenterElement(capture->process->pid);
-  if (application != nullptr) ScreenReader(*capture).read(application);
+  if (application == nullptr) return capture;
+  ScreenReader(*capture).read(application);
+  if (platform.report != nullptr) capture->raw = platform.report->rawElements(capture->process->pid);
   return capture;
 }
 

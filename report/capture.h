@@ -47,6 +47,7 @@ struct HLCapture {
   std::string host;
   HLServerVersion server;
   std::optional<HLRunningApplication> process;
+  std::vector<HLRawElement> raw;  // the same interface in the host's words, read a moment later
   // The first is the application; empty when there is no process, or when its element cannot be made. The elements
   // refer to each other, so a capture is not copied.
   std::deque<HLCapturedElement> elements;

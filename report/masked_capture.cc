@@ -112,6 +112,12 @@ class Masker {
     for (const HLCapturedElement& element : from_.elements) {
       for (const HLCapturedAttribute& attribute : element.attributes) meet(attribute);
     }
+    for (const HLRawElement& element : from_.raw) {
+      to_.raw.push_back(element);
+      if (element.isHostsWords) continue;
+      to_.raw.back().name = mask_.replaced(element.name);
+      to_.raw.back().description = mask_.replaced(element.description);
+    }
     for (const HLCapturedElement& element : from_.elements) {
       HLCapturedElement& copy = to_.elements[static_cast<std::size_t>(element.number())];
       copy.actions = element.actions;

@@ -266,26 +266,14 @@ class SceneWriter {
   std::size_t written_ = 0;
 };
 
-std::string withoutHome(const std::string& path) {
-  const std::string home = HLCurrentPlatform().process->homeDirectory();
-  const bool isInHome =
-      home.size() > 1 && path.starts_with(home) && (path.size() == home.size() || path[home.size()] == '/');
-  return isInHome ? "~" + path.substr(home.size()) : path;
-}
-
 void addText(HLDictionary& dictionary, std::string key, const std::optional<std::string>& text) {
   if (text && !text->empty()) dictionary.push_back({std::move(key), *text});
 }
 
-// What this program reads of its own bundle.
+// What this program reads of its own bundle, without paths, which name the user.
 HLDictionary bundleValue() {
   HLProcessInfo& process = HLCurrentPlatform().process;
   HLDictionary bundle;
-  const auto path = [](const std::optional<std::string>& found) {
-    return found ? std::optional(withoutHome(*found)) : std::nullopt;
-  };
-  addText(bundle, "path", path(process.bundlePath()));
-  addText(bundle, "executablePath", path(process.executablePath()));
   addText(bundle, "identifier", process.bundleIdentifier());
   HLDictionary info;
   for (const HLDictionaryEntry& entry : process.informationDictionary()) {
@@ -304,6 +292,9 @@ HLDictionary noteValue(const HLCapture& capture, const HLRecordingNote& note) {
   addText(value, "system", capture.host);
   if (!server.empty()) value.push_back({"server", std::move(server)});
   if (!capture.isComplete) value.push_back({"complete", false});
+  HLArray raw;
+  for (const HLRawElement& element : capture.raw) raw.push_back(HLRawElementLine(element));
+  if (!raw.empty()) value.push_back({"rawTree", std::move(raw)});
   return value;
 }
 

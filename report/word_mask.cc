@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr std::u16string_view kConsonants = u"bcdfghjklmnpqrstvwxz";
+// Without x, which names close buttons.
+constexpr std::u16string_view kConsonants = u"bcdfghjklmnpqrstvwz";
 // For short words, of which there are more than consonants: letters that have both cases and are in no list of words.
 constexpr char16_t kCyrillic = u'\u0431';
 constexpr std::uint64_t kCyrillicCount = 31;

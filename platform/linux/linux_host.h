@@ -4,6 +4,7 @@
 #include "platform/linux/atspi/atspi_accessibility.h"
 #include "platform/linux/files/linux_property_lists.h"
 #include "platform/linux/linux_conventions.h"
+#include "platform/linux/linux_host_report.h"
 #include "platform/linux/linux_menu_bar.h"
 #include "platform/linux/notifications/session_notifications.h"
 #include "platform/linux/session/linux_process_info.h"
@@ -27,6 +28,7 @@ class HLLinuxHost : public HLHost {
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;
   HLLinuxMenuBar menuBar_{process_, runLoop_};
+  HLLinuxHostReport report_;
   const HLPlatform platform_{accessibility_,
                              runningApplications_,
                              runLoop_,
@@ -34,5 +36,6 @@ class HLLinuxHost : public HLHost {
                              propertyLists_,
                              userNotifications_,
                              [this] { return menuBar_.platform(); },
-                             HLLinuxCommandAdvice([this] { return accessibility_.showsUnclosableBanners(); })};
+                             HLLinuxCommandAdvice([this] { return accessibility_.showsUnclosableBanners(); }),
+                             &report_};
 };

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/host_report.h"
 #include "platform/linux/atspi/accessible_application.h"
 #include "platform/linux/atspi/atspi_observer.h"
 #include "platform/linux/atspi/listed_application.h"
@@ -101,6 +102,7 @@ class Snapshot : public std::enable_shared_from_this<Snapshot> {
   [[nodiscard]] const HLMappedNode& node(int index) const {
     return interface_->mapped.nodes[static_cast<std::size_t>(index)];
   }
+  [[nodiscard]] const HLRawTree& tree() const { return interface_->tree; }
   [[nodiscard]] const HLRawNode& rawNode(int raw) const { return interface_->tree[static_cast<std::size_t>(raw)]; }
   [[nodiscard]] Identity identity(int index) const { return {rawNode(node(index).raw).path, node(index).isBanner}; }
 
@@ -170,6 +172,10 @@ HLAttribute Element::copyAttributeValue(std::string_view name) const {
   const std::optional<HLRect>& extents = now->snapshot->rawNode(node.raw).extents;
   if (name == HLPositionAttributeName && extents) return {HLAXErrorSuccess, HLPoint{extents->x, extents->y}};
   if (name == HLSizeAttributeName && extents) return {HLAXErrorSuccess, HLSize{extents->width, extents->height}};
+  if (name == HLDoubtAttributeName) {
+    const std::string_view doubt = HLCloseDoubt(now->snapshot->tree(), node);
+    if (!doubt.empty()) return {HLAXErrorSuccess, std::string(doubt)};
+  }
   if (name == "AXChildren") return {HLAXErrorSuccess, arrayOf(now->snapshot->handles(node.children))};
   return {HLAXErrorNoValue, {}};
 }

@@ -77,20 +77,32 @@ bool showsText(const HLRawTree& tree, int button) {
                   [](const HLRawNode& node) { return isLabel(node) && node.isShowing() && !node.name.empty(); });
 }
 
-// Ranks the evidence that the button closes the banner, from 4 (its description says so) to 1 (an unnamed icon in an
-// upper corner). 0 is not a close control.
-int certainty(const HLRawTree& tree, const HLBanner& banner, int index) {
+// The evidence that a button closes the banner, from 4 (its description says so) to 1 (an unnamed icon in an upper
+// corner).
+struct Certainty {
+  int rank = 0;          // 0 is not a close control
+  std::string_view why;  // of rank 0, for reports
+};
+
+Certainty certainty(const HLRawTree& tree, const HLBanner& banner, int index) {
   const HLRawNode& button = at(tree, index);
+  if (std::none_of(button.actions.begin(), button.actions.end(), HLIsPressAction))
+    return {0, "it has no action that presses it"};
   const std::string name = HLLowercase(HLTrim(button.name));
   const std::string description = HLLowercase(HLTrim(button.description));
   const bool named = HLIsCloseName(name) || HLIsCloseGlyph(name);
-  if (HLMentionsClosing(description) && (name.empty() || named)) return 4;
+  if (HLMentionsClosing(description) && (name.empty() || named)) return {4, ""};
   const std::optional<HLRect>& frame = button.extents;
   const std::optional<HLRect>& whole = at(tree, banner.node).extents;
-  if (!frame || !whole || !hasIconShape(*frame) || !isInUpperCorner(*frame, *whole)) return 0;
-  if (HLIsCloseGlyph(name)) return 3;
-  if (HLIsCloseName(name)) return showsText(tree, index) ? 0 : 2;
-  return name.empty() && description.empty() ? 1 : 0;
+  if (!frame || !whole) return {0, "its place is not known"};
+  if (!hasIconShape(*frame)) return {0, "it is not small and square like an icon"};
+  if (!isInUpperCorner(*frame, *whole)) return {0, "it is in no upper corner of the banner"};
+  if (HLIsCloseGlyph(name)) return {3, ""};
+  if (HLIsCloseName(name)) {
+    return showsText(tree, index) ? Certainty{0, "it shows its name as text, like an application's button"}
+                                  : Certainty{2, ""};
+  }
+  return name.empty() && description.empty() ? Certainty{1, ""} : Certainty{0, "its name is no word for closing"};
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -271,7 +283,7 @@ std::optional<HLRawAction> HLFindCloseControl(const HLRawTree& tree, const HLBan
   for (int button : banner.buttons) {
     const std::vector<std::string>& actions = at(tree, button).actions;
     const auto press = std::find_if(actions.begin(), actions.end(), HLIsPressAction);
-    const int sure = press == actions.end() ? 0 : certainty(tree, banner, button);
+    const int sure = certainty(tree, banner, button).rank;
     if (sure == 0 || sure < best) continue;
     // Of two equally likely buttons, one may be the application's, so neither is chosen.
     control.reset();
@@ -279,6 +291,11 @@ std::optional<HLRawAction> HLFindCloseControl(const HLRawTree& tree, const HLBan
     best = sure;
   }
   return control;
+}
+
+std::string_view HLCloseDoubt(const HLRawTree& tree, const HLBanner& banner, int button) {
+  const Certainty found = certainty(tree, banner, button);
+  return found.rank > 0 ? "another button is as likely or likelier" : found.why;
 }
 
 std::string HLBannerText(const HLRawTree& tree, const HLBanner& banner) {

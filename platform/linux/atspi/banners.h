@@ -25,6 +25,10 @@ struct HLBanner {
 // extents of the banner and its buttons.
 [[nodiscard]] std::optional<HLRawAction> HLFindCloseControl(const HLRawTree& tree, const HLBanner& banner);
 
+// Returns why a button of the banner is not its close control: the rule that it fails. Uses what HLFindCloseControl()
+// uses.
+[[nodiscard]] std::string_view HLCloseDoubt(const HLRawTree& tree, const HLBanner& banner, int button);
+
 // Returns "application, title, body", without ", body" if there is none. The application is empty where the server
 // hides it. Uses the extents of the labels, if known, to sort them.
 [[nodiscard]] std::string HLBannerText(const HLRawTree& tree, const HLBanner& banner);

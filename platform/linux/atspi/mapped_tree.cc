@@ -174,3 +174,15 @@ HLMappedTree HLMapTree(const HLRawTree& tree, const std::vector<HLBanner>& banne
                        HLProcessKind kind) {
   return Mapper(tree, banners, closings, kind).map();
 }
+
+std::string_view HLCloseDoubt(const HLRawTree& tree, const HLMappedNode& node) {
+  if (!node.actions.empty() || (!node.isBanner && node.facts.role != "AXButton")) return "";
+  for (const HLBanner& banner : HLFindBanners(tree)) {
+    if (node.isBanner && banner.node == node.raw) {
+      return banner.buttons.empty() ? "it has no button" : "no button is certainly the server's own";
+    }
+    const bool isPart = std::find(banner.buttons.begin(), banner.buttons.end(), node.raw) != banner.buttons.end();
+    if (!node.isBanner && isPart) return HLCloseDoubt(tree, banner, node.raw);
+  }
+  return "";
+}

@@ -51,3 +51,6 @@ struct HLNeededDetails {
 // process.
 [[nodiscard]] HLMappedTree HLMapTree(const HLRawTree& tree, const std::vector<HLBanner>& banners,
                                      const HLClosingActions& closings, HLProcessKind kind);
+
+// Returns, for reports, why a banner has no close control or why a button of a banner is none; "" for any other node.
+[[nodiscard]] std::string_view HLCloseDoubt(const HLRawTree& tree, const HLMappedNode& node);

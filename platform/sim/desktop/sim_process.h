@@ -49,6 +49,7 @@ class HLSimHostReport : public HLHostReport {
 
   [[nodiscard]] std::string systemVersion() override;
   [[nodiscard]] HLServerVersion serverVersion(std::int32_t pid) override;
+  [[nodiscard]] std::vector<HLRawElement> rawElements(std::int32_t) override { return {}; }
 
  private:
   const HLScene& scene_;

@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/atspi/raw_elements.h"
+
 namespace {
 
 // A role without a name is written as its number.
@@ -18,11 +20,6 @@ HLRawRole roleNamed(const std::string& name) {
   const auto* const found =
       std::find_if(HLRoles.begin(), HLRoles.end(), [&name](const HLRole& role) { return role.name == name; });
   return found != HLRoles.end() ? found->number : HLRawRole{static_cast<std::uint32_t>(std::stoul(name))};
-}
-
-std::string nameOf(HLRawRole role) {
-  const std::string_view name = HLRoleOf(role).name;
-  return name.empty() ? std::to_string(static_cast<std::uint32_t>(role)) : std::string(name);
 }
 
 HLRawNode parseNode(const std::string& line) {
@@ -45,22 +42,6 @@ HLRawNode parseNode(const std::string& line) {
   node.hasActions = !node.actions.empty();
   node.hasExtents = node.extents.has_value();
   return node;
-}
-
-void print(const HLRawTree& tree, int index, int depth, std::ostream& out) {
-  const HLRawNode& node = tree[static_cast<std::size_t>(index)];
-  if (index != 0) {
-    out << std::string(static_cast<std::size_t>(2 * depth), ' ') << nameOf(node.role) << " '" << node.name << "'";
-    if (!node.description.empty()) out << " / '" << node.description << "'";
-    if (!node.isShowing()) out << (node.isVisible() ? " (covered)" : " (hidden)");
-    if (node.extents) {
-      const HLRect& frame = *node.extents;
-      out << " [" << frame.x << " " << frame.y << " " << frame.width << "x" << frame.height << "]";
-    }
-    for (const std::string& action : node.actions) out << " <" << action << ">";
-    out << "\n";
-  }
-  for (int child : node.children) print(tree, child, index == 0 ? 0 : depth + 1, out);
 }
 
 }  // namespace
@@ -87,9 +68,9 @@ HLRawTree ParseTree(std::string_view text) {
 }
 
 std::string PrintTree(const HLRawTree& tree) {
-  std::ostringstream out;
-  print(tree, 0, 0, out);
-  return out.str();
+  std::string text;
+  for (const HLRawElement& element : HLRawElementsOf(tree)) text += HLRawElementLine(element) + "\n";
+  return text;
 }
 
 HLRawTree RecordedTree(const std::string& name) {
