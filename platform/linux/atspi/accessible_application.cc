@@ -1,6 +1,8 @@
 #include "platform/linux/atspi/accessible_application.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <optional>
 #include <string_view>
@@ -24,6 +26,11 @@ constexpr std::chrono::milliseconds kUnresponsiveTimeout{250};
 // A server that has just started owns its D-Bus service before it registers on the accessibility bus.
 constexpr std::chrono::milliseconds kStartupTime{2000};
 constexpr std::chrono::milliseconds kStartupPoll{20};
+
+// A shell that shows one banner at a time shows the next one about 0.3 s after the last was closed. Until then the
+// screen looks empty.
+constexpr std::chrono::milliseconds kQueueTime{600};
+constexpr std::chrono::milliseconds kQueuePoll{60};
 
 // Returns the bus names of all registered applications.
 std::vector<std::string> registeredNames(HLBus& bus) {
@@ -51,6 +58,21 @@ std::string nameOfProcess(HLBus& bus, std::int32_t pid) {
         "s", name.c_str());
   }
   return bus.settle(0) == HLBusOutcome::answered ? found : "";
+}
+
+// Whether the banner with that name is deep within a window of other elements, as shells show theirs.
+bool isInShell(const HLShownApplication::Interface& interface, const HLNotificationName& name) {
+  constexpr int kLevels = 2;
+  const auto closes = [&name](const HLMappedNode& node) {
+    const auto* closing = node.actions.empty() ? nullptr : std::get_if<HLNotificationName>(&node.actions.front());
+    return closing != nullptr && *closing == name;
+  };
+  const std::vector<HLMappedNode>& nodes = interface.mapped.nodes;
+  const auto banner = std::find_if(nodes.begin(), nodes.end(), closes);
+  int levels = 0;
+  for (int i = banner == nodes.end() ? 0 : banner->raw; i > 0; ++levels)
+    i = interface.tree[static_cast<std::size_t>(i)].parent;
+  return levels > kLevels;
 }
 
 // Returns the AX error of an answer or an error reply to DoAction.
@@ -141,8 +163,26 @@ void HLAccessibleApplication::drop(HLBusOutcome outcome) {
   lastTimeout_ = Clock::now();
 }
 
-// match() may block, so it is called without the mutex: presses need not wait for it.
 std::unique_ptr<const HLShownApplication::Interface> HLAccessibleApplication::read() {
+  std::unique_ptr<const Interface> interface = readOnce();
+  while (interface != nullptr && expectsQueuedBanner(*interface)) {
+    std::this_thread::sleep_for(kQueuePoll);
+    interface = readOnce();
+  }
+  return interface;
+}
+
+bool HLAccessibleApplication::expectsQueuedBanner(const Interface& interface) {
+  const std::vector<HLMappedNode>& nodes = interface.mapped.nodes;
+  // The closed banner may still be fading, but has no action any more.
+  const auto canBeClosed = [](const HLMappedNode& node) { return node.isBanner && !node.actions.empty(); };
+  if (std::any_of(nodes.begin(), nodes.end(), canBeClosed)) return false;
+  const HLLock lock(mutex_);
+  return closedInShell_ && Clock::now() - *closedInShell_ < kQueueTime;
+}
+
+// match() may block, so it is called without the mutex: presses need not wait for it.
+std::unique_ptr<const HLShownApplication::Interface> HLAccessibleApplication::readOnce() {
   auto interface = std::make_unique<Interface>();
   std::vector<HLBanner> banners;
   if (!readTree(interface->tree, banners)) return nullptr;
@@ -172,7 +212,10 @@ bool HLAccessibleApplication::readTree(HLRawTree& tree, std::vector<HLBanner>& b
 HLAXError HLAccessibleApplication::perform(const Interface& interface, const HLMappedAction& action) {
   if (const auto* name = std::get_if<HLNotificationName>(&action)) {
     if (hasEnded()) return HLAXErrorInvalidElement;
-    return notifications_->close(*name) ? HLAXErrorSuccess : HLAXErrorFailure;
+    if (!notifications_->close(*name)) return HLAXErrorFailure;
+    const HLLock lock(mutex_);
+    if (isInShell(interface, *name)) closedInShell_ = Clock::now();
+    return HLAXErrorSuccess;
   }
   const HLRawAction& pressed = std::get<HLRawAction>(action);
   return press(interface.tree[static_cast<std::size_t>(pressed.node)].path, pressed.action);

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,9 @@ class HLAccessibleApplication : public HLShownApplication {
       : process_(pid), kind_(kind), busAddress_(busAddress), notifications_(notifications) {}
 
   [[nodiscard]] bool findOnBus();
+  [[nodiscard]] std::unique_ptr<const Interface> readOnce();
+  // Whether a banner that the shell has queued may be about to show.
+  [[nodiscard]] bool expectsQueuedBanner(const Interface& interface);
   // Reads the tree with the details that its banners need. Returns false if the application does not answer.
   [[nodiscard]] bool readTree(HLRawTree& tree, std::vector<HLBanner>& banners);
   [[nodiscard]] HLAXError press(const std::string& path, int action);
@@ -55,4 +59,6 @@ class HLAccessibleApplication : public HLShownApplication {
   std::unique_ptr<HLBus> connection_ HL_GUARDED_BY(mutex_);
   bool isUnresponsive_ HL_GUARDED_BY(mutex_) = false;
   std::chrono::steady_clock::time_point lastTimeout_ HL_GUARDED_BY(mutex_){};
+  // When a banner within a shell's window was closed by name.
+  std::optional<std::chrono::steady_clock::time_point> closedInShell_ HL_GUARDED_BY(mutex_);
 };

@@ -138,6 +138,15 @@ Content contentOf(const HLRawTree& tree, int index) {
   return content;
 }
 
+// A shell's window may have no other roles than notifications use, but has many more elements.
+constexpr int kBannerNodes = 100;
+
+int countNodes(const HLRawTree& tree, int index) {
+  int count = 0;
+  walk(tree, index, [&count](int) { return ++count <= kBannerNodes; });
+  return count;
+}
+
 // Adds the banners at and below a node. A window may contain several banners, one per child. No single banner has two
 // parts that each contain a text and a possible close control.
 void findByStructure(const HLRawTree& tree, int index, std::vector<HLBanner>& found) {
@@ -152,17 +161,22 @@ void findByStructure(const HLRawTree& tree, int index, std::vector<HLBanner>& fo
     if (!isEnd) return findByStructure(tree, only, found);
   }
   HLBanner banner = bannerAt(tree, index);
-  if (holdsText(tree, banner)) found.push_back(std::move(banner));
+  if (holdsText(tree, banner) && countNodes(tree, index) <= kBannerNodes) found.push_back(std::move(banner));
 }
 
-// Adds the nodes with a banner role that contain no other such node.
-void findByRole(const HLRawTree& tree, int index, std::vector<int>& found) {
+// Banners are at most four levels below their window. GNOME gives the same role to the entries of its message list,
+// which show while the list is open, and are more than twelve levels below.
+constexpr int kBannerLevels = 8;
+
+// Adds the nodes with a banner role, down to `levels` below the node, that contain no other such node.
+void findByRole(const HLRawTree& tree, int index, int levels, std::vector<int>& found) {
   const HLRawNode& node = at(tree, index);
   if (hasBannerRole(node) && !anyBelow(tree, index, hasBannerRole)) {
     found.push_back(index);
     return;
   }
-  for (int child : node.children) findByRole(tree, child, found);
+  if (levels == 0) return;
+  for (int child : node.children) findByRole(tree, child, levels - 1, found);
 }
 
 // Returns the node that contains the whole banner: the node with the banner role, or its window. Some servers give the
@@ -266,7 +280,7 @@ std::vector<HLBanner> HLFindBanners(const HLRawTree& tree) {
   for (int window : tree.empty() ? std::vector<int>() : tree.front().children) {
     if (!at(tree, window).isShowing()) continue;
     std::vector<int> marked;
-    findByRole(tree, window, marked);
+    findByRole(tree, window, kBannerLevels, marked);
     for (int index : marked) banners.push_back(bannerAt(tree, wholeBanner(tree, index, marked.size())));
     if (marked.empty()) unmarked.push_back(window);
     onlyNotifications &= isPlain(tree, window);

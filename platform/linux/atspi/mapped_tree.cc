@@ -36,6 +36,8 @@ std::string textOf(const HLNotificationName& name) {
   return "notification " + text;
 }
 
+std::string lastPart(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
 class Mapper {
  public:
   Mapper(const HLRawTree& tree, const std::vector<HLBanner>& banners, const HLClosingActions& closings,
@@ -117,8 +119,9 @@ class Mapper {
     added.facts.frame = frameOf(raw(banner.node));
     if (closing) addAction(added, kCloseAction, *closing);
     const auto* name = closing ? std::get_if<HLNotificationName>(&*closing) : nullptr;
-    if (name != nullptr) added.facts.roleDescription = textOf(*name);
     const auto* control = closing ? std::get_if<HLRawAction>(&*closing) : nullptr;
+    if (name != nullptr) added.facts.roleDescription = textOf(*name);
+    if (control != nullptr) added.facts.roleDescription = "banner " + lastPart(raw(banner.node).path);
     addChildren(index, banner.node, control != nullptr ? control->node : kNone);
     return index;
   }

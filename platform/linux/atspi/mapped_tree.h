@@ -46,9 +46,9 @@ struct HLNeededDetails {
                                               HLProcessKind kind);
 
 // Maps the windows that are showing. Each banner is a child of its window, before all others; its close control is left
-// out below it. A banner that is closed by name has the name in its role description, which tells it from an equal
-// banner that a server shows next in the same place. `banners` are those of HLFindBanners(), empty for other kinds of
-// process.
+// out below it. A banner that can be closed has the name of its notification, or else of its element, in its role
+// description, which tells it from an equal banner that a server shows next in the same place. `banners` are those of
+// HLFindBanners(), empty for other kinds of process.
 [[nodiscard]] HLMappedTree HLMapTree(const HLRawTree& tree, const std::vector<HLBanner>& banners,
                                      const HLClosingActions& closings, HLProcessKind kind);
 

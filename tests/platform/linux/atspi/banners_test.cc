@@ -147,6 +147,15 @@ window '' [300 900 200x100]
               ElementsAre(", Title"));
 }
 
+// An open message list shows its entries with the same role, far below the window.
+TEST(Banners, IgnoreEntriesOfAMessageList) {
+  std::string tree = "window ''\n  menu bar ''\n";
+  std::string indent = "  ";
+  for (int level = 0; level < 12; ++level, indent += "  ") tree += indent + "panel ''\n";
+  tree += indent + "notification ''\n" + indent + "  label 'Title'\n";
+  EXPECT_THAT(HLFindBanners(ParseTree(tree)), IsEmpty());
+}
+
 TEST(Banners, ListItemsAreBannersWhereEachCanBeClosed) {
   EXPECT_THAT(textsOf(ParseTree(R"(
 window ''
@@ -178,6 +187,12 @@ window ''
   button 'Close' <Click>
 )")),
               IsEmpty());
+}
+
+TEST(Banners, AWindowWithTooManyElementsIsNone) {
+  std::string tree = "window ''\n  label 'Applications'\n";
+  for (int i = 0; i < 100; ++i) tree += "  panel ''\n";
+  EXPECT_THAT(HLFindBanners(ParseTree(tree)), IsEmpty());
 }
 
 TEST(Banners, AnEmptyTreeHoldsNone) { EXPECT_THAT(HLFindBanners(HLRawTree(1)), IsEmpty()); }

@@ -115,8 +115,8 @@ TEST(ClosingActions, AreTheOnlyActionsOfAServer) {
   const std::vector<HLBanner> banners = HLFindBanners(tree);
   const HLMappedTree mapped = HLMapTree(tree, banners, HLFindClosingActions(tree, banners, std::nullopt, &known),
                                         HLProcessKind::notificationServer);
-  EXPECT_THAT(actionsOf(mapped),
-              ElementsAre(", Lunch, at noon [] <Name:Close>", ", Ada, Are you there? [notification 7] <Name:Close>"));
+  EXPECT_THAT(actionsOf(mapped), ElementsAre(", Lunch, at noon [banner 1] <Name:Close>",
+                                             ", Ada, Are you there? [notification 7] <Name:Close>"));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
