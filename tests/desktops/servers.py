@@ -41,7 +41,7 @@ SERVERS = {server.name: server for server in [
            desktop="GNOME", shell=True, close_at="org.gnome.Shell", keeps_in="message tray",
            remark="by number; the message tray keeps what was not on screen"),
     Server("cinnamon", "Cinnamon", "cinnamon", (["cinnamon", "--replace"],), desktop="X-Cinnamon", shell=True,
-           keeps_in="tray", remark="by number; one banner a run, then the next of its queue comes up"),
+           keeps_in="tray", remark="by number; its tray keeps what has expired"),
     Server("budgie", "Budgie", "budgie-core", (["budgie-wm", "--x11"], ["budgie-daemon"], ["budgie-panel"]),
            desktop="Budgie:GNOME", shell=True, expiry=60000),  # "never" is six seconds to it
     Server("plasma", "Plasma, X11", "plasma-workspace", (["kwin_x11"], ["plasmashell"]), desktop="KDE", shell=True,
