@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <sstream>
 #include <string>
+#include <variant>
 
 #include "tests/support/processes.h"
 #include "tests/support/scenes.h"
@@ -52,6 +53,20 @@ TEST_F(RecordScene, ClosesTheNotificationAboveAControl) {
   const SimulatedDesktop again(FileContent(path_));
   EXPECT_NE(FileContent(path_).find(R"("id": "e2")"), std::string::npos) << FileContent(path_);
   EXPECT_NE(FileContent(path_).find(R"("closes": "e2")"), std::string::npos) << FileContent(path_);
+}
+
+TEST(Recording, KeepsWhatAScanMeetsTwice) {
+  const SimulatedDesktop desktop(NotificationCenterScene(R"({"title": "Notification Center",
+    "children": [{"id": "fresh", "role": "AXGroup", "freshHandles": true}, {"role": "AXRow", "errors": {"AXTitle": -25204},
+                  "attributes": {"AXTitle": "x", "AXValue": null, "AXSize": {"size": [3, 4]}}}, 7],
+    "visibleChildren": [{"ref": "fresh"}]})"));
+  const auto recorded = HLRecordingOf(HLCaptureScreen(), false, "hushlet 9");
+  ASSERT_TRUE(std::holds_alternative<HLRecording>(recorded));
+  const std::string scene = std::get<HLRecording>(recorded).scene;
+  for (const char* kept : {R"("freshHandles": true)", R"("visibleChildren": [{"ref": "e2"}])", R"("AXTitle": -25204)",
+                           R"("AXValue": null)", R"({"size": [3, 4]})"}) {
+    EXPECT_NE(scene.find(kept), std::string::npos) << kept << " in\n" << scene;
+  }
 }
 
 TEST_F(RecordScene, NeverOverwrites) {
