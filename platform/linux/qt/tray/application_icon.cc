@@ -32,12 +32,10 @@ QImage HLDrawApplicationIcon(int size) {
   painter.setBrush(downwards(8, 120, QColor(0x4B, 0x5F, 0xC4), QColor(0x27, 0x30, 0x6E)));
   painter.drawRoundedRect(QRectF(8.5, 8.5, 111, 111), 25.5, 25.5);
 
-  painter.translate(26, 23.5);
+  painter.translate(26, 26);
   painter.scale(4.75, 4.75);  // scales to the symbol's grid
   painter.fillPath(HLTraySymbol("bell.slash"),
-                   downwards(0.9, 15.4, QColor(0xFF, 0xFF, 0xFF), QColor(0xD5, 0xDC, 0xF7)));
-  painter.setPen(QPen(QColor(0xFF, 0xB4, 0x54), 1.6, Qt::SolidLine, Qt::RoundCap));
-  painter.drawLine(QPointF(1.5, 2), QPointF(14.5, 15));
+                   downwards(2.3, 13.7, QColor(0xFF, 0xFF, 0xFF), QColor(0xD5, 0xDC, 0xF7)));
   return image;
 }
 

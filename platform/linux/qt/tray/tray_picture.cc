@@ -27,27 +27,20 @@ QPainterPath stroked(const QPainterPath& path, double width) {
   return stroker.createStroke(path);
 }
 
-QPainterPath bell() {
-  QPainterPath body;
-  body.moveTo(8, 0.9);
-  body.cubicTo(8.7, 0.9, 9.2, 1.4, 9.2, 2.1);
-  body.cubicTo(11.2, 2.6, 12.5, 4.2, 12.5, 6.4);
-  body.cubicTo(12.5, 9.3, 13.1, 10.2, 14.2, 11.3);
-  body.cubicTo(14.6, 11.8, 14.3, 12.6, 13.6, 12.6);
-  body.lineTo(2.4, 12.6);
-  body.cubicTo(1.7, 12.6, 1.4, 11.8, 1.8, 11.3);
-  body.cubicTo(2.9, 10.2, 3.5, 9.3, 3.5, 6.4);
-  body.cubicTo(3.5, 4.2, 4.8, 2.6, 6.8, 2.1);
-  body.cubicTo(6.8, 1.4, 7.3, 0.9, 8, 0.9);
-  body.closeSubpath();
-  QPainterPath clapper;
-  clapper.moveTo(5.9, 13.5);
-  clapper.lineTo(10.1, 13.5);
-  clapper.cubicTo(9.9, 14.8, 9, 15.4, 8, 15.4);
-  clapper.cubicTo(7, 15.4, 6.1, 14.8, 5.9, 13.5);
-  clapper.closeSubpath();
-  body.addPath(clapper);
-  return body;
+// A banner.
+QPainterPath card() {
+  QPainterPath path;
+  path.moveTo(3.6, 2.3);
+  path.lineTo(12.4, 2.3);
+  path.cubicTo(14.3, 2.3, 15.4, 3.4, 15.4, 5.2);
+  path.lineTo(15.4, 10.8);
+  path.cubicTo(15.4, 12.6, 14.3, 13.7, 12.4, 13.7);
+  path.lineTo(3.6, 13.7);
+  path.cubicTo(1.7, 13.7, 0.6, 12.6, 0.6, 10.8);
+  path.lineTo(0.6, 5.2);
+  path.cubicTo(0.6, 3.4, 1.7, 2.3, 3.6, 2.3);
+  path.closeSubpath();
+  return path;
 }
 
 QPainterPath line(QPointF from, QPointF to) {
@@ -76,9 +69,14 @@ QPainterPath cut(const QPainterPath& a, const QPainterPath& b) {
   return kLarge.inverted().map(kLarge.map(a).subtracted(kLarge.map(b)));
 }
 
-QPainterPath bellSlash() {
-  const QPainterPath slash = line({1.5, 2}, {14.5, 15});
-  return joined(cut(bell(), stroked(slash, 3.8)), stroked(slash, 1.6));
+// A banner with two lines of text and a close button. A bell with a stroke, as on macOS, means "do not disturb" on
+// Linux.
+QPainterPath bannerWithCross() {
+  QPainterPath cross = line({8.8, 5.8}, {13.2, 10.2});
+  cross.addPath(line({13.2, 5.8}, {8.8, 10.2}));
+  QPainterPath text = line({3.2, 6.2}, {6.3, 6.2});
+  text.addPath(line({3.2, 9.8}, {4.9, 9.8}));
+  return cut(cut(card(), stroked(cross, 1.7)), stroked(text, 1.4));
 }
 
 QPainterPath triangle() {
@@ -144,15 +142,15 @@ QPainterPath pathOf(const HLTrayLook& look) {
 }  // namespace
 
 QPainterPath HLTraySymbol(const std::string& name) {
-  static const QPainterPath bellSlashPath = bellSlash();
+  static const QPainterPath bannerPath = bannerWithCross();
   static const QPainterPath trianglePath = triangle();
-  if (name == "bell.slash") return bellSlashPath;
+  if (name == "bell.slash") return bannerPath;
   if (name == "exclamationmark.triangle") return trianglePath;
   return {};
 }
 
 QPainterPath HLTraySymbolBody(const std::string& name) {
-  if (name == "bell.slash") return bell();
+  if (name == "bell.slash") return card();
   if (name == "exclamationmark.triangle") return corners();
   return {};
 }
