@@ -19,13 +19,14 @@ namespace {
 // A notification server with one property that says whether it is silent.
 class FakeServer {
  public:
-  FakeServer(const std::string& interface, const std::string& property) {
+  FakeServer(std::string interface, std::string property)
+      : interface_(std::move(interface)), property_(std::move(property)) {
     sd_bus_open_user(&bus_);
     vtable_[0] = SD_BUS_VTABLE_START(0);
-    vtable_[1] = SD_BUS_PROPERTY(property.c_str(), "b", &FakeServer::read, 0, 0);
+    vtable_[1] = SD_BUS_PROPERTY(property_.c_str(), "b", &FakeServer::read, 0, 0);
     vtable_[2] = SD_BUS_VTABLE_END;
     sd_bus_add_object_vtable(bus_, nullptr, kPath, HLNotificationService, kInformation, nullptr);
-    sd_bus_add_object_vtable(bus_, nullptr, kPath, interface.c_str(), vtable_, &silent_);
+    sd_bus_add_object_vtable(bus_, nullptr, kPath, interface_.c_str(), vtable_, &silent_);
     sd_bus_request_name(bus_, HLNotificationService, 0);
     thread_ = std::thread([this] {
       while (!ends_) {
@@ -55,8 +56,11 @@ class FakeServer {
   }
   static const sd_bus_vtable kInformation[];
 
-  sd_bus* bus_ = nullptr;
+  // sd-bus keeps the addresses.
+  const std::string interface_;
+  const std::string property_;
   sd_bus_vtable vtable_[3];
+  sd_bus* bus_ = nullptr;
   std::atomic<int> silent_ = 0;
   std::atomic<bool> ends_ = false;
   std::thread thread_;
