@@ -260,7 +260,7 @@ TEST_P(ApplicationWindowsInMode, ArePhotographed) {
   int lightness = 0;
   ASSERT_EQ(std::sscanf(measure->output().c_str(), "%dx%d %d", &width, &height, &lightness), 3);
   EXPECT_EQ(width, 420);
-  EXPECT_EQ(height, 280);
+  EXPECT_EQ(height, 360);
   EXPECT_EQ(lightness < 128, dark) << lightness;
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "platform/linux/settings/program_output.h"
 #include "tests/platform/linux/desktop/servers.h"
