@@ -42,7 +42,7 @@ class CallWatch {
   // Callers close their sockets on threads of their own.
   std::atomic<int> statusLog_ = -1;
   std::atomic<int> diagnosticsLog_ = -1;
+  std::atomic<int> cutLog_ = -1;
   std::int64_t allocations_ = 0;
   std::int64_t records_ = 0;
-  int cutLog_ = -1;
 };
