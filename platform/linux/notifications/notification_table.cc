@@ -65,10 +65,10 @@ void HLNotificationTable::closed(std::uint32_t number) {
 
 void HLNotificationTable::setServer(const std::string& owner) {
   const HLLock lock(mutex_);
-  if (owner == server_) return;
+  if (owner == server_ && !owner.empty()) return;
+  const bool mayBeStartedByCalls = server_.empty() && !owner.empty();
   server_ = owner;
-  for (const Waiting& waiting : waiting_) bytes_ -= sizeOf(waiting.posted);
-  waiting_.clear();
+  while (!waiting_.empty() && !mayBeStartedByCalls) forgetFirstWaiting();
   confirmed_.clear();
   eraseAll(true);
 }
@@ -195,10 +195,12 @@ void HLNotificationTable::forgetBeyondLimits() {
     const HLNotificationName oldest = open_.begin()->second->name;
     erase(oldest);
   }
-  while (waiting_.size() > kMostOpen || (bytes_ > kMostBytes && !waiting_.empty())) {
-    bytes_ -= sizeOf(waiting_.front().posted);
-    waiting_.pop_front();
-  }
+  while (waiting_.size() > kMostOpen || (bytes_ > kMostBytes && !waiting_.empty())) forgetFirstWaiting();
+}
+
+void HLNotificationTable::forgetFirstWaiting() {
+  bytes_ -= sizeOf(waiting_.front().posted);
+  waiting_.pop_front();
 }
 
 void HLNotificationTable::signalChange() {

@@ -63,7 +63,8 @@ class HLNotificationTable {
   void answered(const HLCallIdentity& call, std::uint32_t number, Time now);
   void refused(const HLCallIdentity& call);
   void closed(std::uint32_t number);
-  // The owner of org.freedesktop.Notifications is another process, or none (""). Numbers begin again.
+  // The owner of org.freedesktop.Notifications is another process, or none (""). Numbers begin again. A process that
+  // comes where there was none replies to the calls before: the first of them may have started it.
   void setServer(const std::string& owner);
 
   // The same for org.gtk.Notifications, whose calls have no reply and whose server reports no closing.
@@ -112,6 +113,7 @@ class HLNotificationTable {
   bool erase(const HLNotificationName& name) HL_REQUIRES(mutex_);
   void eraseAll(bool isNumbered) HL_REQUIRES(mutex_);
   void forgetBeyondLimits() HL_REQUIRES(mutex_);
+  void forgetFirstWaiting() HL_REQUIRES(mutex_);
   void signalChange() HL_REQUIRES(mutex_);
 
   mutable HLMutex mutex_;

@@ -128,6 +128,24 @@ TEST_F(NotificationTable, IsEmptiedByAnotherServer) {
   EXPECT_THAT(open(), ElementsAre("1 new"));
 }
 
+TEST_F(NotificationTable, KeepsACallThatStartsTheServer) {
+  table_.setServer("");
+  const HLCallIdentity first = call("starts the server");
+  table_.setServer(":1.20");
+  table_.answered(first, 1, {});
+  EXPECT_THAT(open(), ElementsAre("1 starts the server"));
+}
+
+TEST_F(NotificationTable, ForgetsUnansweredCallsWithTheBus) {
+  table_.setServer("");
+  const HLCallIdentity unanswered = call("never answered");
+  table_.setServer("");  // as when the bus ends
+  EXPECT_EQ(table_.byteCount(), 0U);
+  table_.setServer(":1.9");
+  table_.answered(unanswered, 1, {});  // the next bus gives the same names and serials again
+  EXPECT_THAT(open(), IsEmpty());
+}
+
 TEST_F(NotificationTable, ClosesOnReplyToCloseNotification) {
   post("first", 1);
   post("second", 2);

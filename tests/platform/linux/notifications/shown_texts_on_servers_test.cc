@@ -109,6 +109,20 @@ TEST_P(ShownTextsOn, MatchWhatWasPosted) {
   }
 }
 
+TEST(ActivatedServer, IsKnownFromTheCallThatStartsIt) {
+  DesktopSession session(WithActivatable({kDunst.command}));
+  const SessionEnvironment environment(session.environment());
+  HLSessionNotifications notifications([] { return true; });
+  notifications.prepareToStay();
+  ASSERT_TRUE(Eventually([&notifications] { return notifications.watch() != nullptr; }));
+  Poster poster;
+  const std::uint32_t number = poster.post("Ada", "Lunch?", {.timeout = 0});
+  ASSERT_NE(number, 0U);
+  EXPECT_TRUE(Eventually([&] {
+    return notifications.match({{"Ada", "Lunch?"}}, std::nullopt).front() == HLNotificationName{number, "", ""};
+  }));
+}
+
 INSTANTIATE_TEST_SUITE_P(Servers, ShownTextsOn, testing::Values(kMate, kLxqt, kXfce),
                          [](const auto& server) { return server.param.name; });
 
