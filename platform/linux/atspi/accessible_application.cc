@@ -20,9 +20,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* kRegistry = "org.a11y.atspi.Registry";
 
-// The timeout after an application has let a call time out, until it answers again.
-constexpr std::chrono::milliseconds kUnresponsiveTimeout{250};
-
 // A server that has just started owns its D-Bus service before it registers on the accessibility bus.
 constexpr std::chrono::milliseconds kStartupTime{2000};
 constexpr std::chrono::milliseconds kStartupPoll{20};
@@ -148,11 +145,12 @@ bool HLAccessibleApplication::findOnBus() {
 }
 
 HLBus* HLAccessibleApplication::connection() {
+  const HLBus::Timeout timeout = isUnresponsive_ ? HLUnresponsiveTimeout : HLBusTimeout;
   if (connection_ == nullptr) {
-    const HLBus::Timeout timeout = isUnresponsive_ ? kUnresponsiveTimeout : HLBusTimeout;
     connection_ = peerAddress_.empty() ? HLBus::openBus(busAddress_, timeout) : HLBus::openPeer(peerAddress_, timeout);
     if (connection_ == nullptr) drop(HLBusOutcome::timedOut);
   }
+  if (connection_ != nullptr) connection_->setTimeout(timeout);
   return connection_.get();
 }
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/linux/session/bus.h"
-
 namespace {
 
 struct Row {
@@ -13,24 +11,22 @@ struct Row {
   HLServerTraits traits;
 };
 
-constexpr std::string_view kStandardName = HLNotificationService;
+constexpr auto kTruthful = HLClosingTrust::truthful;
 
 // Names are not unique: two servers are called "Notification Daemon".
 constexpr auto kServers = std::to_array<Row>({
     // A helper owns the service, and lets only the sender close its notifications.
-    {"gnome-shell", "GNOME", {"org.gnome.Shell", HLClosingTrust::truthful, true, HLScreenSource::tree}},
-    {"cinnamon", "GNOME", {kStandardName, HLClosingTrust::truthful, true, HLScreenSource::tree}},
-    {"Plasma", "KDE", {kStandardName, HLClosingTrust::truthful, true, HLScreenSource::tree}},
-    {"Xfce Notify Daemon", "Xfce", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::tree}},
-    {"Notification Daemon", "MATE", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::tree}},
-    {"lxqt-notificationd", "lxqt.org", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::tree}},
+    {"gnome-shell", "GNOME", {.closingName = "org.gnome.Shell", .trust = kTruthful}},
+    {"cinnamon", "GNOME", {.trust = kTruthful}},
+    {"Plasma", "KDE", {.trust = kTruthful}},
+    {"Xfce Notify Daemon", "Xfce", {.trust = kTruthful, .hasTray = false}},
+    {"Notification Daemon", "MATE", {.trust = kTruthful, .hasTray = false}},
+    {"lxqt-notificationd", "lxqt.org", {.trust = kTruthful, .hasTray = false}},
     // Seen with 3.20, its last release: the banner stays, and later ones never appear.
-    {"Notification Daemon", "GNOME", {kStandardName, HLClosingTrust::untruthful, false, HLScreenSource::tree}},
-    {"dunst", "knopwob", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::counts}},
-    {"mako", "emersion", {kStandardName, HLClosingTrust::truthful, false, HLScreenSource::list}},
-    {"SwayNotificationCenter",
-     "ErikReider",
-     {kStandardName, HLClosingTrust::truthful, true, HLScreenSource::configuration}},
+    {"Notification Daemon", "GNOME", {.trust = HLClosingTrust::untruthful}},
+    {"dunst", "knopwob", {.trust = kTruthful, .hasTray = false, .screen = HLScreenSource::counts}},
+    {"mako", "emersion", {.trust = kTruthful, .hasTray = false, .screen = HLScreenSource::list}},
+    {"SwayNotificationCenter", "ErikReider", {.trust = kTruthful, .screen = HLScreenSource::configuration}},
 });
 
 }  // namespace
@@ -39,6 +35,5 @@ HLServerTraits HLTraitsOfServer(const HLServerInformation& server) {
   const auto* const row = std::find_if(kServers.begin(), kServers.end(), [&server](const Row& known) {
     return known.name == server.name && known.vendor == server.vendor;
   });
-  if (row != kServers.end()) return row->traits;
-  return {kStandardName, HLClosingTrust::unknown, true, HLScreenSource::tree};
+  return row == kServers.end() ? HLServerTraits() : row->traits;
 }

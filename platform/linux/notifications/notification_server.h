@@ -25,12 +25,13 @@ enum class HLScreenSource {
   configuration  // the table, by the time that the server's configuration says it shows a banner
 };
 
+// By default those of a server that is not known.
 struct HLServerTraits {
-  std::string_view closingName;  // the bus name that takes CloseNotification
-  HLClosingTrust trust;
-  bool hasTray;  // keeps notifications open after it has hidden their banners
-  HLScreenSource screen;
+  std::string_view closingName = {};  // the bus name that takes CloseNotification; "" is the owner of the service
+  HLClosingTrust trust = HLClosingTrust::unknown;
+  bool hasTray = true;  // keeps notifications open after it has hidden their banners
+  HLScreenSource screen = HLScreenSource::tree;
 };
 
-// One table: every difference between servers that this program knows by name is in it.
+// One table: all that is known of reading and closing by the name of a server is in it.
 [[nodiscard]] HLServerTraits HLTraitsOfServer(const HLServerInformation& server);

@@ -4,6 +4,8 @@
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr const char* kPath = "/org/freedesktop/Notifications";
 constexpr const char* kNamed = "org.gtk.Notifications";
 constexpr const char* kNamedPath = "/org/gtk/Notifications";
@@ -12,11 +14,25 @@ constexpr const char* kNamedPath = "/org/gtk/Notifications";
 
 HLBusReply HLServerConnection::callWith(const HLBusCall& to, const std::function<int(sd_bus_message*)>& append) {
   const HLLock lock(mutex_);
-  if (bus_ == nullptr) bus_ = HLBus::openSession();
-  if (bus_ == nullptr) return {};
-  HLBusReply reply = bus_->callWith(to, append);
+  const bool isUnresponsive = to.destination == unresponsive_;
+  HLBusReply reply;
+  reply.outcome = HLBusOutcome::timedOut;
+  // Calls that waited for the mutex meanwhile fail instead of waiting for another timeout each.
+  if (isUnresponsive && Clock::now() - lastTimeout_ < HLUnresponsiveTimeout) return reply;
+  const HLBus::Timeout timeout = isUnresponsive ? HLUnresponsiveTimeout : HLBusTimeout;
+  if (bus_ == nullptr) bus_ = HLBus::openSession(timeout);
+  if (bus_ != nullptr) {
+    bus_->setTimeout(timeout);
+    reply = bus_->callWith(to, append);
+  }
   // A service without an owner is reported like a lost connection.
   if (reply.isLost()) bus_ = nullptr;
+  if (reply.outcome == HLBusOutcome::timedOut) {
+    unresponsive_ = to.destination;
+    lastTimeout_ = Clock::now();
+  } else if (isUnresponsive) {
+    unresponsive_.clear();
+  }
   return reply;
 }
 
@@ -49,8 +65,11 @@ bool HLServerConnection::close(const HLNotificationName& name) {
   }
   const std::optional<HLPresentServer> present = server();
   if (!present || present->traits.trust == HLClosingTrust::untruthful || isDistrusted(*present)) return false;
-  return static_cast<bool>(call(
-      {std::string(present->traits.closingName), kPath, HLNotificationService, "CloseNotification"}, "u", name.number));
+  // At the owner's own name: another server's notification of that number is never closed.
+  const std::string_view closingName = present->traits.closingName;
+  const std::string destination = closingName.empty() ? present->owner : std::string(closingName);
+  return static_cast<bool>(
+      call({destination, kPath, HLNotificationService, "CloseNotification"}, "u", name.number));
 }
 
 void HLServerConnection::distrust(const HLPresentServer& server) {

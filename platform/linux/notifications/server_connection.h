@@ -1,6 +1,7 @@
 // The session's notification server, as a client of it.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -19,7 +20,8 @@ struct HLPresentServer {
 };
 
 // Opens its connection to the session bus when it is first asked, and again after it was lost. Starts no server.
-// Thread-safe. Calls block for the bus's timeout at most.
+// Thread-safe. A call blocks for HLBusTimeout at most. One to a process that has let the last call to it time out fails
+// at once for HLUnresponsiveTimeout, and from then on blocks for that time at most, until the process answers again.
 class HLServerConnection {
  public:
   // Returns nullopt if there is no server or it does not answer. A server is asked for its information once.
@@ -43,6 +45,8 @@ class HLServerConnection {
  private:
   HLMutex mutex_;
   std::unique_ptr<HLBus> bus_ HL_GUARDED_BY(mutex_);
+  std::string unresponsive_ HL_GUARDED_BY(mutex_);  // the destination that has let a call time out; "" if it answered
+  std::chrono::steady_clock::time_point lastTimeout_ HL_GUARDED_BY(mutex_){};
   std::optional<HLPresentServer> known_ HL_GUARDED_BY(mutex_);
   std::set<std::string> distrusted_ HL_GUARDED_BY(mutex_);  // owners
 };

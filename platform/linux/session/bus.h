@@ -14,8 +14,9 @@
 inline constexpr const char* HLPropertiesInterface = "org.freedesktop.DBus.Properties";
 inline constexpr const char* HLNotificationService = "org.freedesktop.Notifications";
 
-// The default timeout of a call.
+// The default timeout of a call, and that of a call to a peer that has let one time out, until it answers again.
 inline constexpr std::chrono::milliseconds HLBusTimeout{1000};
+inline constexpr std::chrono::milliseconds HLUnresponsiveTimeout{250};
 
 enum class HLBusOutcome {
   answered,
@@ -59,6 +60,9 @@ class HLBus {
   [[nodiscard]] static std::unique_ptr<HLBus> openSession(Timeout timeout = HLBusTimeout);
   [[nodiscard]] static std::unique_ptr<HLBus> openBus(const std::string& address, Timeout timeout = HLBusTimeout);
   [[nodiscard]] static std::unique_ptr<HLBus> openPeer(const std::string& address, Timeout timeout = HLBusTimeout);
+
+  // Of the calls from now on.
+  void setTimeout(Timeout timeout) { timeout_ = timeout; }
 
   HLBus(const HLBus&) = delete;
   HLBus& operator=(const HLBus&) = delete;
@@ -122,7 +126,7 @@ class HLBus {
 
   sd_bus* bus_;
   const bool isPeer_;
-  const Timeout timeout_;
+  Timeout timeout_;
   std::deque<Pending> pending_;  // calls since the last time all were answered; sd-bus keeps their addresses
   std::size_t unanswered_ = 0;
   int signals_ = 0;

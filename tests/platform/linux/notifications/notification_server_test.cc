@@ -13,7 +13,7 @@ TEST(NotificationServer, IsKnownByNameAndVendor) {
 
 TEST(NotificationServer, ClosesAtTheShellsName) {
   EXPECT_EQ(HLTraitsOfServer({"gnome-shell", "GNOME", "43.9"}).closingName, "org.gnome.Shell");
-  EXPECT_EQ(HLTraitsOfServer({"Plasma", "KDE", "5.27.5"}).closingName, "org.freedesktop.Notifications");
+  EXPECT_EQ(HLTraitsOfServer({"Plasma", "KDE", "5.27.5"}).closingName, "");
 }
 
 TEST(NotificationServer, HasATrayUnlessKnownOtherwise) {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/platform/linux/notifications/bus_session.h"
@@ -78,6 +79,22 @@ TEST_F(SessionNotifications, FailWithoutServerOrBus) {
   session_.stopBus();
   EXPECT_FALSE(notifications_.close(numbered(1)));
   EXPECT_THAT(notifications_.match({{"Ada"}}, std::nullopt), ElementsAre(Eq(std::nullopt)));
+}
+
+TEST_F(SessionNotifications, WaitOnceForAServerThatHangs) {
+  std::atomic<bool> hangs = true;
+  FakeServer server(kKnown, [&hangs](sd_bus_message* call) {
+    return hangs && sd_bus_message_is_method_call(call, nullptr, "CloseNotification") > 0;
+  });
+  const auto began = std::chrono::steady_clock::now();
+  std::vector<std::thread> threads;
+  for (std::uint32_t number = 1; number <= 8; ++number)
+    threads.emplace_back([this, number] { EXPECT_FALSE(notifications_.close(numbered(number))); });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(1900));
+  hangs = false;
+  EXPECT_TRUE(Eventually([this] { return notifications_.close(numbered(9)); }));
+  EXPECT_THAT(server.askedToClose(), ElementsAre(9U));
 }
 
 TEST_F(SessionNotifications, NeverAskUntruthfulServers) {
