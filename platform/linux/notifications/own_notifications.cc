@@ -21,9 +21,10 @@ std::vector<std::optional<HLNotificationName>> HLOwnNotifications::match(
   const std::optional<HLPresentServer> server = connection_.server();
   if (!server || server->traits.trust == HLClosingTrust::untruthful || server->owner != table_.server()) return names;
   const std::vector<HLOpenNotificationRef> open = table_.open();
-  if (server->traits.trust == HLClosingTrust::unknown && showsWhatItClosed(banners, open))
+  if (server->traits.trust == HLClosingTrust::unknown && showsWhatItClosed(banners, open)) {
     connection_.distrust(*server);
-  if (connection_.isDistrusted(*server)) return names;
+    return names;
+  }
   HLTrayContent content;
   if (server->traits.hasTray) content = {tray.has_value(), tray.value_or(std::vector<HLShownTexts>())};
   const std::vector<std::optional<std::size_t>> matches = HLMatchShownTexts(banners, content, open);

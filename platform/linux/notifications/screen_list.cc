@@ -30,7 +30,7 @@ Listed listed(const std::vector<HLOpenNotificationRef>& open) {
 std::optional<std::uint32_t> countOf(HLServerConnection& connection, const HLPresentServer& server,
                                      const char* property) {
   const HLBusReply reply =
-      connection.call({server.owner, "/org/freedesktop/Notifications", HLPropertiesInterface, "Get"}, "ss",
+      connection.call({server.owner, HLNotificationPath, HLPropertiesInterface, "Get"}, "ss",
                       "org.dunstproject.cmd0", property);
   std::uint32_t count = 0;
   if (!reply || sd_bus_message_read(reply.message.get(), "v", "u", &count) <= 0) return std::nullopt;

@@ -6,7 +6,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* kPath = "/org/freedesktop/Notifications";
 constexpr const char* kNamed = "org.gtk.Notifications";
 constexpr const char* kNamedPath = "/org/gtk/Notifications";
 
@@ -19,7 +18,7 @@ HLBusReply HLServerConnection::callWith(const HLBusCall& to, const std::function
   reply.outcome = HLBusOutcome::timedOut;
   // Calls that waited for the mutex meanwhile fail instead of waiting for another timeout each.
   if (isUnresponsive && Clock::now() - lastTimeout_ < HLUnresponsiveTimeout) return reply;
-  const HLBus::Timeout timeout = isUnresponsive ? HLUnresponsiveTimeout : HLBusTimeout;
+  const HLBus::Timeout timeout = isUnresponsive ? HLUnresponsiveTimeout : timeout_;
   if (bus_ == nullptr) bus_ = HLBus::openSession(timeout);
   if (bus_ != nullptr) {
     bus_->setTimeout(timeout);
@@ -46,7 +45,7 @@ std::optional<HLPresentServer> HLServerConnection::server() {
     const HLLock lock(mutex_);
     if (known_ && known_->owner == owner) return known_;
   }
-  const HLBusReply reply = call({owner, kPath, HLNotificationService, "GetServerInformation"});
+  const HLBusReply reply = call({owner, HLNotificationPath, HLNotificationService, "GetServerInformation"});
   const char* name = nullptr;
   const char* vendor = nullptr;
   const char* version = nullptr;
@@ -64,20 +63,15 @@ bool HLServerConnection::close(const HLNotificationName& name) {
                                   name.identifier.c_str()));
   }
   const std::optional<HLPresentServer> present = server();
-  if (!present || present->traits.trust == HLClosingTrust::untruthful || isDistrusted(*present)) return false;
+  if (!present || present->traits.trust == HLClosingTrust::untruthful) return false;
   // At the owner's own name: another server's notification of that number is never closed.
   const std::string_view closingName = present->traits.closingName;
   const std::string destination = closingName.empty() ? present->owner : std::string(closingName);
   return static_cast<bool>(
-      call({destination, kPath, HLNotificationService, "CloseNotification"}, "u", name.number));
+      call({destination, HLNotificationPath, HLNotificationService, "CloseNotification"}, "u", name.number));
 }
 
 void HLServerConnection::distrust(const HLPresentServer& server) {
   const HLLock lock(mutex_);
-  distrusted_.insert(server.owner);
-}
-
-bool HLServerConnection::isDistrusted(const HLPresentServer& server) {
-  const HLLock lock(mutex_);
-  return distrusted_.count(server.owner) != 0;
+  if (known_ && known_->owner == server.owner) known_->traits.trust = HLClosingTrust::untruthful;
 }

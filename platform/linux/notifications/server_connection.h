@@ -5,7 +5,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "platform/linux/notifications/notification_server.h"
@@ -20,10 +19,12 @@ struct HLPresentServer {
 };
 
 // Opens its connection to the session bus when it is first asked, and again after it was lost. Starts no server.
-// Thread-safe. A call blocks for HLBusTimeout at most. One to a process that has let the last call to it time out fails
+// Thread-safe. A call blocks for the timeout at most. One to a process that has let the last call to it time out fails
 // at once for HLUnresponsiveTimeout, and from then on blocks for that time at most, until the process answers again.
 class HLServerConnection {
  public:
+  explicit HLServerConnection(HLBus::Timeout timeout = HLBusTimeout) : timeout_(timeout) {}
+
   // Returns nullopt if there is no server or it does not answer. A server is asked for its information once.
   [[nodiscard]] std::optional<HLPresentServer> server();
 
@@ -38,15 +39,14 @@ class HLServerConnection {
     return callWith(to, [&](sd_bus_message* message) { return sd_bus_message_append(message, types, arguments...); });
   }
 
-  // Has close() return false for the present server from now on.
+  // Has that server known as untruthful, as long as it is the present one.
   void distrust(const HLPresentServer& server);
-  [[nodiscard]] bool isDistrusted(const HLPresentServer& server);
 
  private:
+  const HLBus::Timeout timeout_;
   HLMutex mutex_;
   std::unique_ptr<HLBus> bus_ HL_GUARDED_BY(mutex_);
   std::string unresponsive_ HL_GUARDED_BY(mutex_);  // the destination that has let a call time out; "" if it answered
   std::chrono::steady_clock::time_point lastTimeout_ HL_GUARDED_BY(mutex_){};
   std::optional<HLPresentServer> known_ HL_GUARDED_BY(mutex_);
-  std::set<std::string> distrusted_ HL_GUARDED_BY(mutex_);  // owners
 };

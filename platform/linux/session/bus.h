@@ -13,6 +13,7 @@
 
 inline constexpr const char* HLPropertiesInterface = "org.freedesktop.DBus.Properties";
 inline constexpr const char* HLNotificationService = "org.freedesktop.Notifications";
+inline constexpr const char* HLNotificationPath = "/org/freedesktop/Notifications";
 
 // The default timeout of a call, and that of a call to a peer that has let one time out, until it answers again.
 inline constexpr std::chrono::milliseconds HLBusTimeout{1000};

@@ -35,7 +35,7 @@ void post(const HLUserNotification& notification) {
   const std::unique_ptr<HLBus> bus = HLBus::openSession(kStartTimeout);
   if (bus == nullptr) return;
   if (!haveService(*bus)) return;
-  const HLBusCall notify{HLNotificationService, "/org/freedesktop/Notifications", HLNotificationService, "Notify"};
+  const HLBusCall notify{HLNotificationService, HLNotificationPath, HLNotificationService, "Notify"};
   const auto none = static_cast<unsigned>(0);
   const char* sound = notification.sound ? "message-new-instant" : "";
   (void)bus->call(notify, "susssasa{sv}i", "Hushlet", std::uint32_t{0}, "", notification.title.c_str(),

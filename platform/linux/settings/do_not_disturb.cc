@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr const char* kNotificationPath = "/org/freedesktop/Notifications";
-
 // A key of the desktop's settings that says whether a server shows banners.
 struct SilencingKey {
   std::string_view server;
@@ -36,20 +34,20 @@ std::optional<bool> booleanIn(const HLBusReply& reply, const char* container) {
 }
 
 // A property of the notification server's object.
-std::optional<bool> property(HLBus& session, const char* interface, const char* name) {
-  const HLBusCall get{HLNotificationService, kNotificationPath, HLPropertiesInterface, "Get"};
-  return booleanIn(session.call(get, "ss", interface, name), "b");
+std::optional<bool> property(HLServerConnection& connection, const char* interface, const char* name) {
+  const HLBusCall get{HLNotificationService, HLNotificationPath, HLPropertiesInterface, "Get"};
+  return booleanIn(connection.call(get, "ss", interface, name), "b");
 }
 
-std::optional<bool> swayncSetting(HLBus& session) {
+std::optional<bool> swayncSetting(HLServerConnection& connection) {
   constexpr const char* kService = "org.erikreider.swaync.cc";
-  return booleanIn(session.call({kService, "/org/erikreider/swaync/cc", kService, "GetDnd"}), nullptr);
+  return booleanIn(connection.call({kService, "/org/erikreider/swaync/cc", kService, "GetDnd"}), nullptr);
 }
 
-std::optional<bool> xfceSetting(HLBus& session) {
+std::optional<bool> xfceSetting(HLServerConnection& connection) {
   constexpr const char* kService = "org.xfce.Xfconf";
   const HLBusReply reply =
-      session.call({kService, "/org/xfce/Xfconf", kService, "GetProperty"}, "ss", "xfce4-notifyd", "/do-not-disturb");
+      connection.call({kService, "/org/xfce/Xfconf", kService, "GetProperty"}, "ss", "xfce4-notifyd", "/do-not-disturb");
   if (reply.error == "org.xfce.Xfconf.Error.PropertyNotFound") return false;
   return booleanIn(reply, "b");
 }
@@ -70,23 +68,14 @@ std::optional<bool> desktopSetting(const HLServerInformation& server) {
 
 }  // namespace
 
-std::optional<HLServerInformation> HLReadServerInformation(HLBus& session) {
-  const HLBusCall get{HLNotificationService, kNotificationPath, HLNotificationService, "GetServerInformation"};
-  const HLBusReply reply = session.call(get);
-  const char* name = nullptr;
-  const char* vendor = nullptr;
-  const char* version = nullptr;
-  if (!reply || sd_bus_message_read(reply.message.get(), "sss", &name, &vendor, &version) < 0) return std::nullopt;
-  return HLServerInformation{name, vendor, version};
-}
-
-std::optional<bool> HLReadDoNotDisturb(HLBus& session, const std::string& configHome) {
-  const std::optional<HLServerInformation> server = HLReadServerInformation(session);
-  if (!server) return std::nullopt;
-  if (const auto inhibited = property(session, HLNotificationService, "Inhibited")) return inhibited;
-  if (const auto paused = property(session, "org.dunstproject.cmd0", "paused")) return paused;
-  if (const auto silenced = swayncSetting(session)) return silenced;
-  if (server->name == "Xfce Notify Daemon") return xfceSetting(session);
-  if (server->name == "lxqt-notificationd") return lxqtSetting(configHome);
-  return desktopSetting(*server);
+std::optional<bool> HLReadDoNotDisturb(HLServerConnection& connection, const std::string& configHome) {
+  const std::optional<HLPresentServer> present = connection.server();
+  if (!present) return std::nullopt;
+  const HLServerInformation& server = present->information;
+  if (const auto inhibited = property(connection, HLNotificationService, "Inhibited")) return inhibited;
+  if (const auto paused = property(connection, "org.dunstproject.cmd0", "paused")) return paused;
+  if (const auto silenced = swayncSetting(connection)) return silenced;
+  if (server.name == "Xfce Notify Daemon") return xfceSetting(connection);
+  if (server.name == "lxqt-notificationd") return lxqtSetting(configHome);
+  return desktopSetting(server);
 }
