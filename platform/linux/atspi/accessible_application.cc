@@ -24,9 +24,6 @@ constexpr const char* kRegistry = "org.a11y.atspi.Registry";
 constexpr std::chrono::milliseconds kStartupTime{2000};
 constexpr std::chrono::milliseconds kStartupPoll{20};
 
-// A shell that shows one banner at a time shows the next one about 0.3 s after the last was closed. Until then the
-// screen looks empty.
-constexpr std::chrono::milliseconds kQueueTime{600};
 constexpr std::chrono::milliseconds kQueuePoll{60};
 
 // Returns the bus names of all registered applications.
@@ -55,21 +52,6 @@ std::string nameOfProcess(HLBus& bus, std::int32_t pid) {
         "s", name.c_str());
   }
   return bus.settle(0) == HLBusOutcome::answered ? found : "";
-}
-
-// Whether the banner with that name is deep within a window of other elements, as shells show theirs.
-bool isInShell(const HLShownApplication::Interface& interface, const HLNotificationName& name) {
-  constexpr int kLevels = 2;
-  const auto closes = [&name](const HLMappedNode& node) {
-    const auto* closing = node.actions.empty() ? nullptr : std::get_if<HLNotificationName>(&node.actions.front());
-    return closing != nullptr && *closing == name;
-  };
-  const std::vector<HLMappedNode>& nodes = interface.mapped.nodes;
-  const auto banner = std::find_if(nodes.begin(), nodes.end(), closes);
-  int levels = 0;
-  for (int i = banner == nodes.end() ? 0 : banner->raw; i > 0; ++levels)
-    i = interface.tree[static_cast<std::size_t>(i)].parent;
-  return levels > kLevels;
 }
 
 // Returns the AX error of an answer or an error reply to DoAction.
@@ -176,7 +158,7 @@ bool HLAccessibleApplication::expectsQueuedBanner(const Interface& interface) {
   const auto canBeClosed = [](const HLMappedNode& node) { return node.isBanner && !node.actions.empty(); };
   if (std::any_of(nodes.begin(), nodes.end(), canBeClosed)) return false;
   const HLLock lock(mutex_);
-  return closedInShell_ && Clock::now() - *closedInShell_ < kQueueTime;
+  return !isWatched_ && Clock::now() < queuedUntil_;
 }
 
 // match() may block, so it is called without the mutex: presses need not wait for it.
@@ -211,8 +193,9 @@ HLAXError HLAccessibleApplication::perform(const Interface& interface, const HLM
   if (const auto* name = std::get_if<HLNotificationName>(&action)) {
     if (hasEnded()) return HLAXErrorInvalidElement;
     if (!notifications_->close(*name)) return HLAXErrorFailure;
+    const std::chrono::milliseconds queueTime = notifications_->serverTraits().queueTime;
     const HLLock lock(mutex_);
-    if (isInShell(interface, *name)) closedInShell_ = Clock::now();
+    queuedUntil_ = Clock::now() + queueTime;
     return HLAXErrorSuccess;
   }
   const HLRawAction& pressed = std::get<HLRawAction>(action);
@@ -220,6 +203,10 @@ HLAXError HLAccessibleApplication::perform(const Interface& interface, const HLM
 }
 
 std::vector<HLEventSource> HLAccessibleApplication::watch() {
+  {
+    const HLLock lock(mutex_);
+    isWatched_ = true;
+  }
   std::shared_ptr<HLBus> bus = watchEvents(busAddress_, name_);
   if (bus == nullptr) return {};
   std::vector<HLEventSource> sources = HLEventsOfNotifications(notifications_);

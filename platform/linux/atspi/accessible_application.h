@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,7 +39,7 @@ class HLAccessibleApplication : public HLShownApplication {
 
   [[nodiscard]] bool findOnBus();
   [[nodiscard]] std::unique_ptr<const Interface> readOnce();
-  // Whether a banner that the shell has queued may be about to show.
+  // Whether a banner that the server has queued may be about to show.
   [[nodiscard]] bool expectsQueuedBanner(const Interface& interface);
   // Reads the tree with the details that its banners need. Returns false if the application does not answer.
   [[nodiscard]] bool readTree(HLRawTree& tree, std::vector<HLBanner>& banners);
@@ -59,6 +58,6 @@ class HLAccessibleApplication : public HLShownApplication {
   std::unique_ptr<HLBus> connection_ HL_GUARDED_BY(mutex_);
   bool isUnresponsive_ HL_GUARDED_BY(mutex_) = false;
   std::chrono::steady_clock::time_point lastTimeout_ HL_GUARDED_BY(mutex_){};
-  // When a banner within a shell's window was closed by name.
-  std::optional<std::chrono::steady_clock::time_point> closedInShell_ HL_GUARDED_BY(mutex_);
+  std::chrono::steady_clock::time_point queuedUntil_ HL_GUARDED_BY(mutex_){};  // until then a queued banner may come
+  bool isWatched_ HL_GUARDED_BY(mutex_) = false;  // an event tells of the next banner, so that no read waits for it
 };

@@ -286,7 +286,7 @@ std::string sessionBusAddress() {
 std::unique_ptr<HLShownApplication> connect(std::int32_t pid, HLRunningApplications& servers,
                                             HLOpenNotifications& notifications) {
   const bool isServer = servers.find(pid).has_value();
-  if (isServer && notifications.serverLacksTree()) return std::make_unique<HLListedApplication>(pid, notifications);
+  if (isServer && notifications.serverTraits().lacksTree()) return std::make_unique<HLListedApplication>(pid, notifications);
   const std::string address = sessionBusAddress();
   if (address.empty()) return nullptr;
   return isServer ? HLAccessibleApplication::connect(address, pid, HLProcessKind::notificationServer, &notifications)
@@ -320,7 +320,7 @@ bool HLLinuxAccessibility::isProcessTrusted(bool prompt) {
   if (!prompt) return isConsentEnough();
   // Linux desktops have no permission prompt. A request for access switches accessibility on.
   if (switchOn() && isTrusted()) return true;
-  if (!notifications_.serverLacksTree()) return isConsentEnough();
+  if (!notifications_.serverTraits().lacksTree()) return isConsentEnough();
   HLLinuxUserDefaults(HLUserDefaultsPath(process_)).setValue(kConsent, true);
   return true;
 }
@@ -330,13 +330,13 @@ bool HLLinuxAccessibility::isProcessTrusted(bool prompt) {
 bool HLLinuxAccessibility::isConsentEnough() {
   HLLinuxUserDefaults defaults(HLUserDefaultsPath(process_));
   if (!HLBooleanDefault(defaults, kConsent) || HLBus::openSession() == nullptr) return false;
-  return servers_.list().empty() || notifications_.serverLacksTree();
+  return servers_.list().empty() || notifications_.serverTraits().lacksTree();
 }
 
 bool HLLinuxAccessibility::showsUnclosableBanners() {
   for (const HLRunningApplication& server : servers_.list()) {
     const HLElementRef application = createApplication(server.pid);
-    if (application == nullptr) return notifications_.serverLacksTree();
+    if (application == nullptr) return notifications_.serverTraits().lacksTree();
     for (const HLElementRef& window : HLElementsFromAttribute(application->copyAttributeValue("AXWindows"))) {
       for (const HLElementRef& child : window->copyFacts().children) {
         const HLElementFacts facts = child->copyFacts();

@@ -1,6 +1,7 @@
 // What is known about notification servers.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,10 @@ struct HLServerTraits {
   HLClosingTrust trust = HLClosingTrust::unknown;
   bool hasTray = true;  // keeps notifications open after it has hidden their banners
   HLScreenSource screen = HLScreenSource::tree;
+  // After a closing, the screen may look empty for that long before the next banner of the server's queue comes.
+  std::chrono::milliseconds queueTime{0};
+
+  [[nodiscard]] bool lacksTree() const { return screen != HLScreenSource::tree; }
 };
 
 // One table: all that is known of reading and closing by the name of a server is in it.

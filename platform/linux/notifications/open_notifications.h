@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/notifications/notification_server.h"
+
 // Names a notification to its server: by a number of org.freedesktop.Notifications, or, where that is 0, by an
 // application and its identifier of org.gtk.Notifications.
 struct HLNotificationName {
@@ -60,8 +62,8 @@ class HLOpenNotifications {
   [[nodiscard]] virtual std::vector<std::optional<HLNotificationName>> match(
       const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) = 0;
 
-  // Whether the session's server is known to show no usable accessibility tree, so that shown() says what is on screen.
-  [[nodiscard]] virtual bool serverLacksTree() { return false; }
+  // Returns what is known of the session's server. Where it lacks a tree, shown() says what is on screen.
+  [[nodiscard]] virtual HLServerTraits serverTraits() { return {}; }
 
   // Returns what is on screen of a server without a usable tree, oldest first, or nullopt if that is not known.
   [[nodiscard]] virtual std::optional<std::vector<HLListedNotification>> shown() = 0;

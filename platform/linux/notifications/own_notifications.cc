@@ -34,9 +34,9 @@ std::vector<std::optional<HLNotificationName>> HLOwnNotifications::match(
   return names;
 }
 
-bool HLOwnNotifications::serverLacksTree() {
+HLServerTraits HLOwnNotifications::serverTraits() {
   const std::optional<HLPresentServer> server = connection_.server();
-  return server && server->traits.screen != HLScreenSource::tree;
+  return server ? server->traits : HLServerTraits();
 }
 
 std::optional<std::vector<HLListedNotification>> HLOwnNotifications::shown() {

@@ -18,7 +18,7 @@ class HLOwnNotifications : public HLOpenNotifications {
 
   [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
       const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) override;
-  [[nodiscard]] bool serverLacksTree() override;
+  [[nodiscard]] HLServerTraits serverTraits() override;
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
   [[nodiscard]] bool close(const HLNotificationName& name) override { return connection_.close(name); }
 

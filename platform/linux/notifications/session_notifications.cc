@@ -65,7 +65,7 @@ std::vector<std::optional<HLNotificationName>> HLSessionNotifications::match(
 std::optional<std::vector<HLListedNotification>> HLSessionNotifications::shown() {
   if (knows()) return own_.shown();
   const std::optional<HLPresentServer> server = connection_.server();
-  if (!server || server->traits.screen == HLScreenSource::tree) return std::nullopt;
+  if (!server || !server->traits.lacksTree()) return std::nullopt;
   // Some servers say themselves what they show, and all that they show nothing.
   if (auto listed = HLListScreen(connection_, *server, std::nullopt)) return listed;
   return asked_.shown();

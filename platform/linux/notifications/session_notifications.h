@@ -30,7 +30,7 @@ class HLSessionNotifications : public HLOpenNotifications {
   void prepareToStay() override;
   [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
       const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) override;
-  [[nodiscard]] bool serverLacksTree() override { return own_.serverLacksTree(); }
+  [[nodiscard]] HLServerTraits serverTraits() override { return own_.serverTraits(); }
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
   [[nodiscard]] bool close(const HLNotificationName& name) override { return connection_.close(name); }
   [[nodiscard]] std::unique_ptr<HLNotificationChanges> watch() override;

@@ -35,7 +35,7 @@ class KnownNotifications : public HLOpenNotifications {
     const std::lock_guard lock(mutex_);
     takesClosing_ = takes;
   }
-  void setServerLacksTree(bool lacks) { lacksTree_ = lacks; }
+  void setTraits(const HLServerTraits& traits) { traits_ = traits; }
 
   [[nodiscard]] std::vector<std::uint32_t> closed() {
     const std::lock_guard lock(mutex_);
@@ -62,7 +62,7 @@ class KnownNotifications : public HLOpenNotifications {
     return names;
   }
 
-  bool serverLacksTree() override { return lacksTree_; }
+  HLServerTraits serverTraits() override { return traits_; }
 
   std::optional<std::vector<HLListedNotification>> shown() override {
     const std::lock_guard lock(mutex_);
@@ -100,7 +100,7 @@ class KnownNotifications : public HLOpenNotifications {
   std::vector<HLListedNotification> open_;  // oldest first
   bool isReadable_ = true;
   bool takesClosing_ = true;
-  bool lacksTree_ = false;
+  HLServerTraits traits_;
   std::vector<std::uint32_t> closed_;
   std::vector<std::vector<HLShownTexts>> asked_;
   std::optional<std::vector<HLShownTexts>> tray_;

@@ -15,6 +15,7 @@
 #include "core/scan/notification_center.h"
 #include "platform/linux/linux_host.h"
 #include "tests/platform/linux/atspi/known_notifications.h"
+#include "tests/platform/linux/atspi/own_process.h"
 #include "tests/platform/linux/session/fake_process.h"
 
 namespace {
@@ -23,24 +24,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// Lists the test's own process as the server.
-class OwnProcess : public HLRunningApplications {
- public:
-  std::vector<HLRunningApplication> list() override { return {server()}; }
-  std::optional<HLRunningApplication> find(std::int32_t pid) override {
-    return pid == getpid() ? std::optional(server()) : std::nullopt;
-  }
-  void observeLaunches(std::function<void(const HLRunningApplication&)>) override {}
-  HLSignalOutcome sendSignal(std::int32_t, int) override { return HLSignalOutcome::refused; }
-
- private:
-  static HLRunningApplication server() { return {getpid(), "com.apple.notificationcenterui", "dunst", false}; }
-};
-
 class ListedServer : public testing::Test {
  protected:
   ListedServer() : host_(makeHost()), platform_(host_->platform()) {
-    known_.setServerLacksTree(true);
+    known_.setTraits({.screen = HLScreenSource::list});
     platform_.accessibility = accessibility_;
     HLInstallPlatform(&platform_);
   }

@@ -22,6 +22,12 @@ TEST(NotificationServer, HasATrayUnlessKnownOtherwise) {
   EXPECT_TRUE(HLTraitsOfServer({"Unheard of", "", ""}).hasTray);
 }
 
+TEST(NotificationServer, HasAQueueOnlyIfKnown) {
+  EXPECT_GT(HLTraitsOfServer({"cinnamon", "GNOME", "5.6.8"}).queueTime.count(), 300);
+  EXPECT_EQ(HLTraitsOfServer({"gnome-shell", "GNOME", "43.9"}).queueTime.count(), 0) << "its queue does not go on";
+  EXPECT_EQ(HLTraitsOfServer({"Unheard of", "", ""}).queueTime.count(), 0);
+}
+
 TEST(NotificationServer, ShowsATreeUnlessKnownOtherwise) {
   EXPECT_EQ(HLTraitsOfServer({"Unheard of", "", ""}).screen, HLScreenSource::tree);
   EXPECT_EQ(HLTraitsOfServer({"dunst", "knopwob", "1.9.0"}).screen, HLScreenSource::counts);

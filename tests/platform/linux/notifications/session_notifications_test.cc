@@ -74,7 +74,7 @@ TEST_F(SessionNotifications, FailWhereTheServerRefuses) {
 
 TEST_F(SessionNotifications, FailWithoutServerOrBus) {
   EXPECT_FALSE(notifications_.close(numbered(1)));
-  EXPECT_FALSE(notifications_.serverLacksTree());
+  EXPECT_FALSE(notifications_.serverTraits().lacksTree());
   EXPECT_EQ(notifications_.shown(), std::nullopt);
   session_.stopBus();
   EXPECT_FALSE(notifications_.close(numbered(1)));
@@ -222,7 +222,7 @@ TEST_F(SessionNotifications, ListByCounts) {
   EXPECT_THAT(listOf(notifications_.shown()), IsEmpty());
   displayed = 2;
   stay();
-  EXPECT_TRUE(notifications_.serverLacksTree());
+  EXPECT_TRUE(notifications_.serverTraits().lacksTree());
   Poster poster;
   for (const char* summary : {"first", "second"}) (void)poster.post(summary);
   const auto urgent = [](sd_bus_message* message) { sd_bus_message_append(message, "{sv}", "urgency", "y", 2); };
@@ -243,7 +243,7 @@ TEST_F(SessionNotifications, ListByTheServersList) {
                                       "u", 9U,  //
                                       3, "id", "u", 4U, "actions", "a{ss}", 1, "k", "v", "summary", "s", "Bob") >= 0;
   });
-  EXPECT_TRUE(notifications_.serverLacksTree());
+  EXPECT_TRUE(notifications_.serverTraits().lacksTree());
   EXPECT_THAT(listOf(notifications_.shown()), ElementsAre("4  Bob ", "9 Mail Ada Lunch?"));
 }
 
