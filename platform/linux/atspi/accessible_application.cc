@@ -166,7 +166,7 @@ std::unique_ptr<const HLShownApplication::Interface> HLAccessibleApplication::re
   auto interface = std::make_unique<Interface>();
   std::vector<HLBanner> banners;
   if (!readTree(interface->tree, banners)) return nullptr;
-  const HLClosingActions closings = HLFindClosingActions(interface->tree, banners, std::nullopt, notifications_);
+  const HLClosingActions closings = HLFindClosingActions(interface->tree, banners, notifications_);
   interface->mapped = HLMapTree(interface->tree, banners, closings, kind_);
   return interface;
 }

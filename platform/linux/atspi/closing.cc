@@ -5,7 +5,6 @@
 #include <utility>
 
 HLClosingActions HLFindClosingActions(const HLRawTree& tree, const std::vector<HLBanner>& banners,
-                                      const std::optional<std::vector<HLShownTexts>>& tray,
                                       HLOpenNotifications* notifications) {
   HLClosingActions closings(banners.size());
   std::vector<std::size_t> uncontrolled;
@@ -19,7 +18,7 @@ HLClosingActions HLFindClosingActions(const HLRawTree& tree, const std::vector<H
     }
   }
   if (notifications == nullptr || texts.empty()) return closings;
-  std::vector<std::optional<HLNotificationName>> names = notifications->match(texts, tray);
+  std::vector<std::optional<HLNotificationName>> names = notifications->match(texts);
   names.resize(texts.size());
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (names[i]) closings[uncontrolled[i]] = *std::move(names[i]);

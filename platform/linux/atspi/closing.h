@@ -1,7 +1,6 @@
 // Decides how each banner is closed: by its close control or, where it has none, by the name of its notification.
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "platform/linux/atspi/banners.h"
@@ -9,11 +8,9 @@
 #include "platform/linux/atspi/shown_application.h"
 #include "platform/linux/notifications/open_notifications.h"
 
-// `banners` are those of HLFindBanners(), with the details that HLDetailsNeeded() names. `tray` is that of
-// HLOpenNotifications::match(). Without `notifications`, only close controls count. Calls match() once if any banner
-// with texts has no close control; blocks meanwhile.
+// `banners` are those of HLFindBanners(), with the details that HLDetailsNeeded() names. Without `notifications`, only
+// close controls count. Calls match() once if any banner with texts has no close control; blocks meanwhile.
 [[nodiscard]] HLClosingActions HLFindClosingActions(const HLRawTree& tree, const std::vector<HLBanner>& banners,
-                                                    const std::optional<std::vector<HLShownTexts>>& tray,
                                                     HLOpenNotifications* notifications);
 
 // Returns the source of an event for each change of the open notifications; none where changes are not known.

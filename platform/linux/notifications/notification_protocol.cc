@@ -16,8 +16,8 @@ using Names = std::vector<std::optional<HLNotificationName>>;
 // ---------------------------------------------------------------------------------------------------------------------
 // The answering side
 
-// Reads "aas" with at most `limit` entries. Returns nullopt if there are more, or a text is too long.
-std::optional<Texts> readTexts(sd_bus_message* message, std::size_t limit) {
+// Reads "aas". Returns nullopt if there are too many banners or texts, or a text is too long.
+std::optional<Texts> readTexts(sd_bus_message* message) {
   Texts all;
   if (sd_bus_message_enter_container(message, 'a', "as") < 0) return std::nullopt;
   while (sd_bus_message_enter_container(message, 'a', "s") > 0) {
@@ -27,7 +27,7 @@ std::optional<Texts> readTexts(sd_bus_message* message, std::size_t limit) {
       if (texts.size() == HLMostTextsAsked || std::string_view(text).size() > HLLongestTextAsked) return std::nullopt;
       texts.emplace_back(text);
     }
-    if (all.size() == limit) return std::nullopt;
+    if (all.size() == HLMostBannersAsked) return std::nullopt;
     all.push_back(std::move(texts));
     sd_bus_message_exit_container(message);
   }
@@ -45,18 +45,12 @@ int appendNames(sd_bus_message* reply, const Names& names) {
 }
 
 int answerMatch(sd_bus_message* question, HLOpenNotifications& answers) {
-  int isTrayKnown = 0;
-  const std::optional<Texts> banners = readTexts(question, HLMostBannersAsked);
-  if (!banners || sd_bus_message_read_basic(question, 'b', &isTrayKnown) <= 0) {
-    return sd_bus_reply_method_errorf(question, SD_BUS_ERROR_LIMITS_EXCEEDED, "too many or too long texts");
-  }
-  std::optional<Texts> tray = readTexts(question, HLMostTrayEntriesAsked);
-  if (!tray) return sd_bus_reply_method_errorf(question, SD_BUS_ERROR_LIMITS_EXCEEDED, "too many or too long texts");
-  if (isTrayKnown == 0) tray = std::nullopt;
+  const std::optional<Texts> banners = readTexts(question);
+  if (!banners) return sd_bus_reply_method_errorf(question, SD_BUS_ERROR_LIMITS_EXCEEDED, "too many or too long texts");
   sd_bus_message* reply = nullptr;
   if (const int made = sd_bus_message_new_method_return(question, &reply); made < 0) return made;
   const HLBusMessage owner(reply);
-  const int appended = appendNames(reply, answers.match(*banners, tray));
+  const int appended = appendNames(reply, answers.match(*banners));
   return appended < 0 ? appended : sd_bus_send(nullptr, reply, nullptr);
 }
 
@@ -80,7 +74,7 @@ int answer(sd_bus_message* question, void* data, sd_bus_error*) {
     return sd_bus_message_is_method_call(question, HLNotificationsName, member) > 0 &&
            sd_bus_message_has_signature(question, signature) > 0;
   };
-  if (asks("Match", "aasbaas")) return answerMatch(question, answers);
+  if (asks("Match", "aas")) return answerMatch(question, answers);
   if (asks("Shown", "")) return answerShown(question, answers);
   return 0;  // the library answers with an error
 }
@@ -93,9 +87,9 @@ HLBusCall questionNamed(const char* member) {
 }
 
 // What the answering side would refuse is asked as no texts, which match nothing.
-int appendTexts(sd_bus_message* question, const Texts& all, std::size_t limit) {
+int appendTexts(sd_bus_message* question, const Texts& all) {
   sd_bus_message_open_container(question, 'a', "as");
-  for (std::size_t i = 0; i < std::min(all.size(), limit); ++i) {
+  for (std::size_t i = 0; i < std::min(all.size(), HLMostBannersAsked); ++i) {
     const HLShownTexts& texts = all[i];
     const bool isAskable =
         texts.size() <= HLMostTextsAsked && std::all_of(texts.begin(), texts.end(), [](const std::string& text) {
@@ -118,15 +112,10 @@ int HLServeNotifications(sd_bus* bus, HLOpenNotifications& answers) {
   return added < 0 ? added : sd_bus_request_name(bus, HLNotificationsName, SD_BUS_NAME_QUEUE);
 }
 
-Names HLAskedNotifications::match(const Texts& banners, const std::optional<Texts>& tray) {
+Names HLAskedNotifications::match(const Texts& banners) {
   Names names(banners.size());
-  // A tray that is too large to ask about is an unknown one.
-  const bool isTrayKnown = tray && tray->size() <= HLMostTrayEntriesAsked;
-  const HLBusReply reply = connection_.callWith(questionNamed("Match"), [&](sd_bus_message* question) {
-    appendTexts(question, banners, HLMostBannersAsked);
-    sd_bus_message_append(question, "b", isTrayKnown ? 1 : 0);
-    return appendTexts(question, isTrayKnown ? *tray : Texts(), HLMostTrayEntriesAsked);
-  });
+  const HLBusReply reply = connection_.callWith(
+      questionNamed("Match"), [&banners](sd_bus_message* question) { return appendTexts(question, banners); });
   if (!reply || sd_bus_message_enter_container(reply.message.get(), 'a', "(uss)") < 0) return names;
   std::uint32_t number = 0;
   const char* application = nullptr;

@@ -15,7 +15,6 @@ inline constexpr const char* HLNotificationsPath = "/com/tessaly/hushlet/Notific
 
 // A question with more is refused, and the asking process does not ask about more.
 inline constexpr std::size_t HLMostBannersAsked = 256;
-inline constexpr std::size_t HLMostTrayEntriesAsked = 1024;
 inline constexpr std::size_t HLMostTextsAsked = 16;
 inline constexpr std::size_t HLLongestTextAsked = 16384;
 
@@ -30,7 +29,7 @@ class HLAskedNotifications : public HLOpenNotifications {
   explicit HLAskedNotifications(HLServerConnection& connection) : connection_(connection) {}
 
   [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
-      const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) override;
+      const std::vector<HLShownTexts>& banners) override;
   // Without summaries and bodies.
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
   // Nobody else closes for this process.

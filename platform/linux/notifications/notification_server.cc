@@ -12,21 +12,28 @@ struct Row {
 };
 
 constexpr auto kTruthful = HLClosingTrust::truthful;
+constexpr auto kOldest = HLShownOfEqual::oldest;
+constexpr auto kNewest = HLShownOfEqual::newest;
 
 // Names are not unique: two servers are called "Notification Daemon".
 constexpr auto kServers = std::to_array<Row>({
-    // A helper owns the service, and lets only the sender close its notifications.
-    {"gnome-shell", "GNOME", {.closingName = "org.gnome.Shell", .trust = kTruthful}},
-    // The next banner was seen about 0.3 s after the last was closed.
-    {"cinnamon", "GNOME", {.trust = kTruthful, .queueTime = std::chrono::milliseconds(600)}},
+    // A helper owns the service, and lets only the sender close its notifications. One banner is shown, two wait, and
+    // the rest is put into the tray at once.
+    {"gnome-shell",
+     "GNOME",
+     {.closingName = "org.gnome.Shell", .trust = kTruthful, .shownOfEqual = kNewest, .mostEqual = 3}},
+    // One banner is shown, and all others wait. The next was seen about 0.3 s after the last was closed.
+    {"cinnamon",
+     "GNOME",
+     {.trust = kTruthful, .shownOfEqual = kNewest, .queueTime = std::chrono::milliseconds(600)}},
     {"Plasma", "KDE", {.trust = kTruthful}},
-    {"Xfce Notify Daemon", "Xfce", {.trust = kTruthful, .hasTray = false}},
-    {"Notification Daemon", "MATE", {.trust = kTruthful, .hasTray = false}},
-    {"lxqt-notificationd", "lxqt.org", {.trust = kTruthful, .hasTray = false}},
+    {"Xfce Notify Daemon", "Xfce", {.trust = kTruthful, .shownOfEqual = kOldest}},
+    {"Notification Daemon", "MATE", {.trust = kTruthful, .shownOfEqual = kOldest}},
+    {"lxqt-notificationd", "lxqt.org", {.trust = kTruthful, .shownOfEqual = kOldest}},
     // Seen with 3.20, its last release: the banner stays, and later ones never appear.
     {"Notification Daemon", "GNOME", {.trust = HLClosingTrust::untruthful}},
-    {"dunst", "knopwob", {.trust = kTruthful, .hasTray = false, .screen = HLScreenSource::counts}},
-    {"mako", "emersion", {.trust = kTruthful, .hasTray = false, .screen = HLScreenSource::list}},
+    {"dunst", "knopwob", {.trust = kTruthful, .screen = HLScreenSource::counts}},
+    {"mako", "emersion", {.trust = kTruthful, .screen = HLScreenSource::list}},
     {"SwayNotificationCenter", "ErikReider", {.trust = kTruthful, .screen = HLScreenSource::configuration}},
 });
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -26,11 +28,19 @@ enum class HLScreenSource {
   configuration  // the table, by the time that the server's configuration says it shows a banner
 };
 
+// Which of several open notifications of equal texts are on screen, where fewer banners than notifications show them.
+enum class HLShownOfEqual {
+  unknown,
+  oldest,  // the others wait
+  newest,  // older ones are in the server's tray; newer ones than the banner wait, and would be shown next
+};
+
 // By default those of a server that is not known.
 struct HLServerTraits {
   std::string_view closingName = {};  // the bus name that takes CloseNotification; "" is the owner of the service
   HLClosingTrust trust = HLClosingTrust::unknown;
-  bool hasTray = true;  // keeps notifications open after it has hidden their banners
+  HLShownOfEqual shownOfEqual = HLShownOfEqual::unknown;
+  std::size_t mostEqual = SIZE_MAX;  // beyond so many open ones of equal texts, it is not known which are on screen
   HLScreenSource screen = HLScreenSource::tree;
   // After a closing, the screen may look empty for that long before the next banner of the server's queue comes.
   std::chrono::milliseconds queueTime{0};

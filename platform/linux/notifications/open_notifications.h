@@ -57,10 +57,9 @@ class HLOpenNotifications {
   virtual void prepareToStay() {}
 
   // Returns for each banner the open notification that it shows, each notification at most once, or nullopt where none
-  // matches without doubt. Of equal texts the oldest notification comes first, after as many of the oldest as `tray`
-  // holds. `tray` is nullopt where what is in the server's tray is not known.
+  // matches without doubt.
   [[nodiscard]] virtual std::vector<std::optional<HLNotificationName>> match(
-      const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) = 0;
+      const std::vector<HLShownTexts>& banners) = 0;
 
   // Returns what is known of the session's server. Where it lacks a tree, shown() says what is on screen.
   [[nodiscard]] virtual HLServerTraits serverTraits() { return {}; }

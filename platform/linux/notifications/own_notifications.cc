@@ -16,7 +16,7 @@ constexpr std::chrono::seconds kFadeTime{2};
 }  // namespace
 
 std::vector<std::optional<HLNotificationName>> HLOwnNotifications::match(
-    const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) {
+    const std::vector<HLShownTexts>& banners) {
   std::vector<std::optional<HLNotificationName>> names(banners.size());
   const std::optional<HLPresentServer> server = connection_.server();
   if (!server || server->traits.trust == HLClosingTrust::untruthful || server->owner != table_.server()) return names;
@@ -25,9 +25,7 @@ std::vector<std::optional<HLNotificationName>> HLOwnNotifications::match(
     connection_.distrust(*server);
     return names;
   }
-  HLTrayContent content;
-  if (server->traits.hasTray) content = {tray.has_value(), tray.value_or(std::vector<HLShownTexts>())};
-  const std::vector<std::optional<std::size_t>> matches = HLMatchShownTexts(banners, content, open);
+  const std::vector<std::optional<std::size_t>> matches = HLMatchShownTexts(banners, server->traits, open);
   for (std::size_t i = 0; i < matches.size(); ++i) {
     if (matches[i]) names[i] = open[*matches[i]]->name;
   }

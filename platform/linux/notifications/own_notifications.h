@@ -17,7 +17,7 @@ class HLOwnNotifications : public HLOpenNotifications {
       : table_(table), connection_(connection) {}
 
   [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
-      const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) override;
+      const std::vector<HLShownTexts>& banners) override;
   [[nodiscard]] HLServerTraits serverTraits() override;
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
   [[nodiscard]] bool close(const HLNotificationName& name) override { return connection_.close(name); }

@@ -58,8 +58,8 @@ bool HLSessionNotifications::knows() {
 }
 
 std::vector<std::optional<HLNotificationName>> HLSessionNotifications::match(
-    const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>& tray) {
-  return knows() ? own_.match(banners, tray) : asked_.match(banners, tray);
+    const std::vector<HLShownTexts>& banners) {
+  return knows() ? own_.match(banners) : asked_.match(banners);
 }
 
 std::optional<std::vector<HLListedNotification>> HLSessionNotifications::shown() {

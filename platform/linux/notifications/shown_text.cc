@@ -33,7 +33,8 @@ class SentTexts {
   }
   [[nodiscard]] bool isCut() const { return posted_.isCut; }
   [[nodiscard]] bool equals(const SentTexts& other) const {
-    return posted_.summary == other.posted_.summary && posted_.body == other.posted_.body;
+    return posted_.summary == other.posted_.summary && posted_.body == other.posted_.body &&
+           posted_.urgency == other.posted_.urgency;
   }
 
  private:
@@ -130,16 +131,8 @@ void findFitting(std::vector<Group>& groups, std::vector<SentTexts>& sent) {
   }
 }
 
-// How many entries of the tray may be of these texts. A tray shows less of a body, so the summary decides.
-std::size_t countInTray(const HLTrayContent& tray, const SentTexts& sent) {
-  return static_cast<std::size_t>(std::count_if(tray.entries.begin(), tray.entries.end(), [&sent](const auto& entry) {
-    const std::vector<std::string> texts = plainTexts(entry);
-    return sent.summary().empty() || std::find(texts.begin(), texts.end(), sent.summary()) != texts.end();
-  }));
-}
-
-// The notifications on screen, at most one per banner, or none in doubt.
-std::vector<std::size_t> chosen(const Group& group, const HLTrayContent& tray, const std::vector<SentTexts>& sent) {
+// The notifications on screen, oldest first, at most one per banner, or none in doubt.
+std::vector<std::size_t> chosen(const Group& group, const HLServerTraits& server, const std::vector<SentTexts>& sent) {
   if (group.isInDoubt) return {};
   if (group.fitting.size() <= group.banners.size()) return group.loose;
   const SentTexts& first = sent[group.fitting.front()];
@@ -148,10 +141,10 @@ std::vector<std::size_t> chosen(const Group& group, const HLTrayContent& tray, c
   if (!areEqual) return {};
   const std::vector<std::size_t>& candidates = group.exact.empty() ? group.loose : group.exact;
   if (candidates.size() <= group.banners.size()) return candidates;
-  if (!tray.isKnown) return {};
-  const std::size_t skipped = std::min(countInTray(tray, first), candidates.size() - group.banners.size());
-  const auto begin = candidates.begin() + static_cast<std::ptrdiff_t>(skipped);
-  return {begin, begin + static_cast<std::ptrdiff_t>(group.banners.size())};
+  if (server.shownOfEqual == HLShownOfEqual::unknown || candidates.size() > server.mostEqual) return {};
+  const auto count = static_cast<std::ptrdiff_t>(group.banners.size());
+  if (server.shownOfEqual == HLShownOfEqual::oldest) return {candidates.begin(), candidates.begin() + count};
+  return {candidates.end() - count, candidates.end()};
 }
 
 }  // namespace
@@ -162,7 +155,7 @@ HLTextFit HLFitOfTexts(const HLShownTexts& shown, const HLPostedNotification& po
 }
 
 std::vector<std::optional<std::size_t>> HLMatchShownTexts(const std::vector<HLShownTexts>& banners,
-                                                          const HLTrayContent& tray,
+                                                          const HLServerTraits& server,
                                                           const std::vector<HLOpenNotificationRef>& open) {
   std::vector<SentTexts> sent;
   sent.reserve(open.size());
@@ -171,7 +164,7 @@ std::vector<std::optional<std::size_t>> HLMatchShownTexts(const std::vector<HLSh
   findFitting(groups, sent);
   std::vector<std::optional<std::size_t>> matches(banners.size());
   for (const Group& group : groups) {
-    const std::vector<std::size_t> indices = chosen(group, tray, sent);
+    const std::vector<std::size_t> indices = chosen(group, server, sent);
     for (std::size_t i = 0; i < indices.size(); ++i) matches[group.banners[i]] = indices[i];
   }
   return matches;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/linux/notifications/notification_server.h"
 #include "platform/linux/notifications/notification_table.h"
 #include "platform/linux/notifications/open_notifications.h"
 
@@ -20,19 +21,13 @@ enum class HLTextFit {
 };
 [[nodiscard]] HLTextFit HLFitOfTexts(const HLShownTexts& shown, const HLPostedNotification& posted);
 
-// What the server's tray holds, which it may show again as a banner later.
-struct HLTrayContent {
-  bool isKnown = true;
-  std::vector<HLShownTexts> entries;
-};
-
 // Returns for each banner the index of the notification in `open` (oldest first) that it shows, each index at most
 // once, or nullopt.
 //
 // Banners of equal texts are matched together. As many notifications as banners fit: all of them are on screen. More
-// fit: they must have been sent with equal texts; the oldest of those that posted under the application's name shown
-// come first, after as many as the tray holds, but none if that is not known. A notification that fits banners of
-// different texts is in doubt, and these banners match none.
+// fit: they must have been sent with equal texts and urgency, and those that posted under the application's name shown
+// come first; of them the server's traits say which are on screen. A notification that fits banners of different texts
+// is in doubt, and these banners match none.
 [[nodiscard]] std::vector<std::optional<std::size_t>> HLMatchShownTexts(const std::vector<HLShownTexts>& banners,
-                                                                        const HLTrayContent& tray,
+                                                                        const HLServerTraits& server,
                                                                         const std::vector<HLOpenNotificationRef>& open);

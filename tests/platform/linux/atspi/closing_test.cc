@@ -40,7 +40,7 @@ std::string textOf(const std::optional<HLMappedAction>& closing) {
 
 std::vector<std::string> closingsOf(const HLRawTree& tree, HLOpenNotifications* notifications) {
   std::vector<std::string> texts;
-  for (const auto& closing : HLFindClosingActions(tree, HLFindBanners(tree), std::nullopt, notifications)) {
+  for (const auto& closing : HLFindClosingActions(tree, HLFindBanners(tree), notifications)) {
     texts.push_back(textOf(closing));
   }
   return texts;
@@ -113,7 +113,7 @@ TEST(ClosingActions, AreTheOnlyActionsOfAServer) {
   known.post(7, "Chat", "Ada", "Are you there?");
   const HLRawTree tree = ParseTree(kMixed);
   const std::vector<HLBanner> banners = HLFindBanners(tree);
-  const HLMappedTree mapped = HLMapTree(tree, banners, HLFindClosingActions(tree, banners, std::nullopt, &known),
+  const HLMappedTree mapped = HLMapTree(tree, banners, HLFindClosingActions(tree, banners, &known),
                                         HLProcessKind::notificationServer);
   EXPECT_THAT(actionsOf(mapped), ElementsAre(", Lunch, at noon [banner 1] <Name:Close>",
                                              ", Ada, Are you there? [notification 7] <Name:Close>"));

@@ -43,13 +43,10 @@ class KnownNotifications : public HLOpenNotifications {
   }
   // Of each match() the banners.
   [[nodiscard]] const std::vector<std::vector<HLShownTexts>>& asked() const { return asked_; }
-  [[nodiscard]] const std::optional<std::vector<HLShownTexts>>& tray() const { return tray_; }
 
-  std::vector<std::optional<HLNotificationName>> match(const std::vector<HLShownTexts>& banners,
-                                                       const std::optional<std::vector<HLShownTexts>>& tray) override {
+  std::vector<std::optional<HLNotificationName>> match(const std::vector<HLShownTexts>& banners) override {
     const std::lock_guard lock(mutex_);
     asked_.push_back(banners);
-    tray_ = tray;
     std::vector<HLListedNotification> left = open_;
     std::vector<std::optional<HLNotificationName>> names;
     for (const HLShownTexts& texts : banners) {
@@ -103,5 +100,4 @@ class KnownNotifications : public HLOpenNotifications {
   HLServerTraits traits_;
   std::vector<std::uint32_t> closed_;
   std::vector<std::vector<HLShownTexts>> asked_;
-  std::optional<std::vector<HLShownTexts>> tray_;
 };

@@ -36,7 +36,7 @@ constexpr const char* kNamed = "org.gtk.Notifications";
 class NoAnswers : public HLOpenNotifications {
  public:
   [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
-      const std::vector<HLShownTexts>& banners, const std::optional<std::vector<HLShownTexts>>&) override {
+      const std::vector<HLShownTexts>& banners) override {
     return std::vector<std::optional<HLNotificationName>>(banners.size());
   }
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override { return std::nullopt; }

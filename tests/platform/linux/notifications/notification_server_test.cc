@@ -16,10 +16,12 @@ TEST(NotificationServer, ClosesAtTheShellsName) {
   EXPECT_EQ(HLTraitsOfServer({"Plasma", "KDE", "5.27.5"}).closingName, "");
 }
 
-TEST(NotificationServer, HasATrayUnlessKnownOtherwise) {
-  EXPECT_TRUE(HLTraitsOfServer({"gnome-shell", "GNOME", "43.9"}).hasTray);
-  EXPECT_FALSE(HLTraitsOfServer({"Xfce Notify Daemon", "Xfce", "0.7.3"}).hasTray);
-  EXPECT_TRUE(HLTraitsOfServer({"Unheard of", "", ""}).hasTray);
+TEST(NotificationServer, ShowsAnEndOfEqualOnesIfKnown) {
+  EXPECT_EQ(HLTraitsOfServer({"gnome-shell", "GNOME", "43.9"}).shownOfEqual, HLShownOfEqual::newest);
+  EXPECT_EQ(HLTraitsOfServer({"cinnamon", "GNOME", "5.6.8"}).shownOfEqual, HLShownOfEqual::newest);
+  EXPECT_EQ(HLTraitsOfServer({"Xfce Notify Daemon", "Xfce", "0.7.3"}).shownOfEqual, HLShownOfEqual::oldest);
+  EXPECT_EQ(HLTraitsOfServer({"Plasma", "KDE", "5.27.5"}).shownOfEqual, HLShownOfEqual::unknown);
+  EXPECT_EQ(HLTraitsOfServer({"Unheard of", "", ""}).shownOfEqual, HLShownOfEqual::unknown);
 }
 
 TEST(NotificationServer, HasAQueueOnlyIfKnown) {

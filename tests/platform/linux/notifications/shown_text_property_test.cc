@@ -124,8 +124,8 @@ TEST(ShownTextProperty, NeverMatchesOtherTexts) {
   for (std::uint32_t seed = 1; seed <= 20000; ++seed) {
     std::mt19937 random(seed);
     const Screen screen = randomScreen(random);
-    const HLTrayContent tray{random() % 2 == 0, {}};
-    const auto matches = HLMatchShownTexts(screen.banners, tray, screen.open);
+    const HLServerTraits server{.shownOfEqual = static_cast<HLShownOfEqual>(random() % 3)};
+    const auto matches = HLMatchShownTexts(screen.banners, server, screen.open);
     ASSERT_EQ(matches.size(), screen.banners.size());
     std::set<std::size_t> used;
     for (std::size_t i = 0; i < matches.size(); ++i) {

@@ -32,8 +32,9 @@ std::vector<HLOpenNotificationRef> numbered(const std::vector<HLPostedNotificati
   return open;
 }
 
-const HLTrayContent kNoTray;
-const HLTrayContent kUnknownTray{false, {}};
+constexpr HLServerTraits kOldest{.shownOfEqual = HLShownOfEqual::oldest};
+constexpr HLServerTraits kNewest{.shownOfEqual = HLShownOfEqual::newest, .mostEqual = 3};
+constexpr HLServerTraits kUnknown{};
 
 TEST(TextFit, IsExactWithOrWithoutApplication) {
   const HLPostedNotification mail = posted("Mail", "Ada", "Lunch?");
@@ -104,63 +105,75 @@ TEST(TextFit, RefusesWordlessTexts) {
 
 TEST(ShownTexts, MatchEachBanner) {
   const auto open = numbered({posted("", "Ada", "Lunch?"), posted("", "Bob", "No"), posted("", "Ada", "Dinner?")});
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Dinner?"}, {"Eve", "Hi"}, {"Bob", "No"}}, kUnknownTray, open),
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Dinner?"}, {"Eve", "Hi"}, {"Bob", "No"}}, kUnknown, open),
               ElementsAre(Eq(2U), Eq(kNone), Eq(1U)));
 }
 
 TEST(ShownTexts, MatchEqualBannersOldestFirst) {
   const auto open = numbered({posted("", "Ada", "Hi"), posted("", "Ada", "Hi"), posted("", "Ada", "Hi")});
   const HLShownTexts banner = {"Ada", "Hi"};
-  EXPECT_THAT(HLMatchShownTexts({banner}, kNoTray, open), ElementsAre(Eq(0U)));
-  EXPECT_THAT(HLMatchShownTexts({banner, banner}, kNoTray, open), ElementsAre(Eq(0U), Eq(1U)));
-  EXPECT_THAT(HLMatchShownTexts({banner, banner, banner, banner}, kNoTray, open),
+  EXPECT_THAT(HLMatchShownTexts({banner}, kOldest, open), ElementsAre(Eq(0U)));
+  EXPECT_THAT(HLMatchShownTexts({banner, banner}, kOldest, open), ElementsAre(Eq(0U), Eq(1U)));
+  EXPECT_THAT(HLMatchShownTexts({banner, banner, banner, banner}, kOldest, open),
               ElementsAre(Eq(0U), Eq(1U), Eq(2U), Eq(kNone)));
 }
 
-TEST(ShownTexts, SkipWhatTheTrayHolds) {
-  const auto open = numbered({posted("", "Ada", "Hi"), posted("", "Ada", "Hi"), posted("", "Ada", "Hi")});
+TEST(ShownTexts, MatchTheNewestWhereThoseAreShown) {
+  const HLPostedNotification one = posted("", "Ada", "Hi");
   const HLShownTexts banner = {"Ada", "Hi"};
-  const HLShownTexts entry = {"Ada", "Just now", "Hi"};
-  EXPECT_THAT(HLMatchShownTexts({banner}, {true, {entry}}, open), ElementsAre(Eq(1U)));
-  EXPECT_THAT(HLMatchShownTexts({banner}, {true, {{"Bob", "Hi"}, entry, entry}}, open), ElementsAre(Eq(2U)));
-  // The banner itself may be in the tray too.
-  EXPECT_THAT(HLMatchShownTexts({banner}, {true, {entry, entry, entry}}, open), ElementsAre(Eq(2U)));
-  EXPECT_THAT(HLMatchShownTexts({banner, banner, banner}, {true, {entry}}, open), ElementsAre(Eq(0U), Eq(1U), Eq(2U)));
+  const auto open = numbered({one, one, posted("", "Bob", "Hi"), one});
+  EXPECT_THAT(HLMatchShownTexts({banner}, kNewest, open), ElementsAre(Eq(3U)));
+  EXPECT_THAT(HLMatchShownTexts({banner, banner}, kNewest, open), ElementsAre(Eq(1U), Eq(3U)));
+  EXPECT_THAT(HLMatchShownTexts({banner, {"Bob", "Hi"}}, kNewest, open), ElementsAre(Eq(3U), Eq(2U)));
 }
 
-TEST(ShownTexts, LeaveEqualBannersWithUnknownTray) {
+TEST(ShownTexts, LeaveMoreEqualOnesThanWait) {
+  const HLPostedNotification one = posted("", "Ada", "Hi");
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}}, kNewest, numbered({one, one, one, one})), ElementsAre(Eq(kNone)));
+}
+
+TEST(ShownTexts, LeaveEqualOnesOfDifferentUrgency) {
+  const HLPostedNotification one = posted("", "Ada", "Hi");
+  HLPostedNotification urgent = one;
+  urgent.urgency = 2;
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}}, kNewest, numbered({one, urgent})), ElementsAre(Eq(kNone)));
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}, {"Ada", "Hi"}}, kNewest, numbered({one, urgent})),
+              ElementsAre(Eq(0U), Eq(1U)));
+}
+
+TEST(ShownTexts, LeaveEqualOnesWhereNotKnown) {
   const auto open = numbered({posted("", "Ada", "Hi"), posted("", "Ada", "Hi"), posted("", "Bob", "Hi")});
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}, {"Bob", "Hi"}}, kUnknownTray, open), ElementsAre(Eq(kNone), Eq(2U)));
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}, {"Ada", "Hi"}}, kUnknownTray, open), ElementsAre(Eq(0U), Eq(1U)));
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}, {"Bob", "Hi"}}, kUnknown, open), ElementsAre(Eq(kNone), Eq(2U)));
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}, {"Ada", "Hi"}}, kUnknown, open), ElementsAre(Eq(0U), Eq(1U)));
 }
 
 TEST(ShownTexts, LeaveWhatTwoTextsFit) {
   // The second of a server that hides applications, or the first of one that shows them.
   const auto open = numbered({posted("Ada", "Hi", ""), posted("Mail", "Ada", "Hi")});
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}}, kNoTray, open), ElementsAre(Eq(kNone)));
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}, {"Ada", "Hi"}}, kNoTray, open), ElementsAre(Eq(0U), Eq(1U)));
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}}, kOldest, open), ElementsAre(Eq(kNone)));
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Hi"}, {"Ada", "Hi"}}, kOldest, open), ElementsAre(Eq(0U), Eq(1U)));
 }
 
 TEST(ShownTexts, LeaveDoubtfulBanners) {
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Just now"}}, kNoTray, numbered({posted("Mail", "Ada", "")})),
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Just now"}}, kOldest, numbered({posted("Mail", "Ada", "")})),
               ElementsAre(Eq(kNone)));
   // Without the first, the second would fit alone.
   const auto open = numbered({posted("Mail", "Ada", ""), posted("Ada", "Just now", "")});
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Just now"}}, kNoTray, open), ElementsAre(Eq(kNone)));
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "Just now"}}, kOldest, open), ElementsAre(Eq(kNone)));
 }
 
 TEST(ShownTexts, PreferTheApplicationShown) {
   const auto open = numbered({posted("Mail", "Ada", "Hi"), posted("Chat", "Ada", "Hi")});
-  EXPECT_THAT(HLMatchShownTexts({{"Chat", "Ada", "Hi"}}, kNoTray, open), ElementsAre(Eq(1U)));
+  EXPECT_THAT(HLMatchShownTexts({{"Chat", "Ada", "Hi"}}, kOldest, open), ElementsAre(Eq(1U)));
 }
 
 TEST(ShownTexts, LeaveBannersThatShareANotification) {
   // Shown as markup by some servers, as its source by others.
   const auto open = numbered({posted("", "Ada", "a<br/>b")});
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "a b"}, {"Ada", "a<br/>b"}}, kNoTray, open),
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "a b"}, {"Ada", "a<br/>b"}}, kOldest, open),
               ElementsAre(Eq(kNone), Eq(kNone)));
-  EXPECT_THAT(HLMatchShownTexts({{"Ada", "a b"}}, kNoTray, open), ElementsAre(Eq(0U)));
-  EXPECT_THAT(HLMatchShownTexts({{"Ada"}}, kNoTray, open), ElementsAre(Eq(0U)));
+  EXPECT_THAT(HLMatchShownTexts({{"Ada", "a b"}}, kOldest, open), ElementsAre(Eq(0U)));
+  EXPECT_THAT(HLMatchShownTexts({{"Ada"}}, kOldest, open), ElementsAre(Eq(0U)));
 }
 
 }  // namespace

@@ -95,7 +95,7 @@ TEST_P(ShownTextsOn, MatchWhatWasPosted) {
     EXPECT_TRUE(Eventually(
         [&] {
           shown = onlyBanner(*application);
-          if (!shown.empty()) name = notifications.match({shown}, std::nullopt).front();
+          if (!shown.empty()) name = notifications.match({shown}).front();
           return name.has_value();
         },
         std::chrono::seconds(2)))
@@ -119,7 +119,7 @@ TEST(ActivatedServer, IsKnownFromTheCallThatStartsIt) {
   const std::uint32_t number = poster.post("Ada", "Lunch?", {.timeout = 0});
   ASSERT_NE(number, 0U);
   EXPECT_TRUE(Eventually([&] {
-    return notifications.match({{"Ada", "Lunch?"}}, std::nullopt).front() == HLNotificationName{number, "", ""};
+    return notifications.match({{"Ada", "Lunch?"}}).front() == HLNotificationName{number, "", ""};
   }));
 }
 
