@@ -286,7 +286,8 @@ std::string sessionBusAddress() {
 std::unique_ptr<HLShownApplication> connect(std::int32_t pid, HLRunningApplications& servers,
                                             HLOpenNotifications& notifications) {
   const bool isServer = servers.find(pid).has_value();
-  if (isServer && notifications.serverTraits().lacksTree()) return std::make_unique<HLListedApplication>(pid, notifications);
+  if (isServer && notifications.serverTraits().lacksTree())
+    return std::make_unique<HLListedApplication>(pid, notifications);
   const std::string address = sessionBusAddress();
   if (address.empty()) return nullptr;
   return isServer ? HLAccessibleApplication::connect(address, pid, HLProcessKind::notificationServer, &notifications)

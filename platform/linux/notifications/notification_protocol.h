@@ -28,8 +28,7 @@ class HLAskedNotifications : public HLOpenNotifications {
   // The connection must outlive this.
   explicit HLAskedNotifications(HLServerConnection& connection) : connection_(connection) {}
 
-  [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
-      const std::vector<HLShownTexts>& banners) override;
+  [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(const std::vector<HLShownTexts>& banners) override;
   // Without summaries and bodies.
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
   // Nobody else closes for this process.

@@ -23,9 +23,7 @@ constexpr auto kServers = std::to_array<Row>({
      "GNOME",
      {.closingName = "org.gnome.Shell", .trust = kTruthful, .shownOfEqual = kNewest, .mostEqual = 3}},
     // One banner is shown, and all others wait. The next was seen about 0.3 s after the last was closed.
-    {"cinnamon",
-     "GNOME",
-     {.trust = kTruthful, .shownOfEqual = kNewest, .queueTime = std::chrono::milliseconds(600)}},
+    {"cinnamon", "GNOME", {.trust = kTruthful, .shownOfEqual = kNewest, .queueTime = std::chrono::milliseconds(600)}},
     {"Plasma", "KDE", {.trust = kTruthful}},
     {"Xfce Notify Daemon", "Xfce", {.trust = kTruthful, .shownOfEqual = kOldest}},
     {"Notification Daemon", "MATE", {.trust = kTruthful, .shownOfEqual = kOldest}},

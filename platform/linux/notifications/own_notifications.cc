@@ -15,8 +15,7 @@ constexpr std::chrono::seconds kFadeTime{2};
 
 }  // namespace
 
-std::vector<std::optional<HLNotificationName>> HLOwnNotifications::match(
-    const std::vector<HLShownTexts>& banners) {
+std::vector<std::optional<HLNotificationName>> HLOwnNotifications::match(const std::vector<HLShownTexts>& banners) {
   std::vector<std::optional<HLNotificationName>> names(banners.size());
   const std::optional<HLPresentServer> server = connection_.server();
   if (!server || server->traits.trust == HLClosingTrust::untruthful || server->owner != table_.server()) return names;

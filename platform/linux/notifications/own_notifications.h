@@ -16,8 +16,7 @@ class HLOwnNotifications : public HLOpenNotifications {
   HLOwnNotifications(HLNotificationTable& table, HLServerConnection& connection)
       : table_(table), connection_(connection) {}
 
-  [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
-      const std::vector<HLShownTexts>& banners) override;
+  [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(const std::vector<HLShownTexts>& banners) override;
   [[nodiscard]] HLServerTraits serverTraits() override;
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
   [[nodiscard]] bool close(const HLNotificationName& name) override { return connection_.close(name); }

@@ -29,9 +29,8 @@ Listed listed(const std::vector<HLOpenNotificationRef>& open) {
 
 std::optional<std::uint32_t> countOf(HLServerConnection& connection, const HLPresentServer& server,
                                      const char* property) {
-  const HLBusReply reply =
-      connection.call({server.owner, HLNotificationPath, HLPropertiesInterface, "Get"}, "ss",
-                      "org.dunstproject.cmd0", property);
+  const HLBusReply reply = connection.call({server.owner, HLNotificationPath, HLPropertiesInterface, "Get"}, "ss",
+                                           "org.dunstproject.cmd0", property);
   std::uint32_t count = 0;
   if (!reply || sd_bus_message_read(reply.message.get(), "v", "u", &count) <= 0) return std::nullopt;
   return count;

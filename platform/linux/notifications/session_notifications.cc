@@ -57,8 +57,7 @@ bool HLSessionNotifications::knows() {
   return monitor_.isWatching();
 }
 
-std::vector<std::optional<HLNotificationName>> HLSessionNotifications::match(
-    const std::vector<HLShownTexts>& banners) {
+std::vector<std::optional<HLNotificationName>> HLSessionNotifications::match(const std::vector<HLShownTexts>& banners) {
   return knows() ? own_.match(banners) : asked_.match(banners);
 }
 

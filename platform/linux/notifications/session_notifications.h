@@ -28,8 +28,7 @@ class HLSessionNotifications : public HLOpenNotifications {
   explicit HLSessionNotifications(MayWatch mayWatch) : mayWatch_(std::move(mayWatch)) {}
 
   void prepareToStay() override;
-  [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(
-      const std::vector<HLShownTexts>& banners) override;
+  [[nodiscard]] std::vector<std::optional<HLNotificationName>> match(const std::vector<HLShownTexts>& banners) override;
   [[nodiscard]] HLServerTraits serverTraits() override { return own_.serverTraits(); }
   [[nodiscard]] std::optional<std::vector<HLListedNotification>> shown() override;
   [[nodiscard]] bool close(const HLNotificationName& name) override { return connection_.close(name); }

@@ -46,8 +46,8 @@ std::optional<bool> swayncSetting(HLServerConnection& connection) {
 
 std::optional<bool> xfceSetting(HLServerConnection& connection) {
   constexpr const char* kService = "org.xfce.Xfconf";
-  const HLBusReply reply =
-      connection.call({kService, "/org/xfce/Xfconf", kService, "GetProperty"}, "ss", "xfce4-notifyd", "/do-not-disturb");
+  const HLBusReply reply = connection.call({kService, "/org/xfce/Xfconf", kService, "GetProperty"}, "ss",
+                                           "xfce4-notifyd", "/do-not-disturb");
   if (reply.error == "org.xfce.Xfconf.Error.PropertyNotFound") return false;
   return booleanIn(reply, "b");
 }

@@ -42,12 +42,13 @@ std::optional<bool> HLLinuxTrials::isDoNotDisturbOn() {
 
 std::unique_ptr<HLTrialNotification> HLLinuxTrials::post(const std::string& title, const std::string& body) {
   auto connection = std::make_unique<HLServerConnection>(kStartTimeout);
-  (void)connection->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "StartServiceByName"}, "su",
-                  HLNotificationService, std::uint32_t{0});
+  (void)connection->call(
+      {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "StartServiceByName"}, "su",
+      HLNotificationService, std::uint32_t{0});
   // Transient: where the server keeps a history, the trial stays out of it.
-  const HLBusReply reply =
-      connection->call({HLNotificationService, HLNotificationPath, HLNotificationService, "Notify"}, "susssasa{sv}i", displayName_.c_str(), std::uint32_t{0}, "",
-                                     title.c_str(), body.c_str(), 0U, 1U, "transient", "b", 1, kExpiry);
+  const HLBusReply reply = connection->call(
+      {HLNotificationService, HLNotificationPath, HLNotificationService, "Notify"}, "susssasa{sv}i",
+      displayName_.c_str(), std::uint32_t{0}, "", title.c_str(), body.c_str(), 0U, 1U, "transient", "b", 1, kExpiry);
   std::uint32_t number = 0;
   if (!reply || sd_bus_message_read_basic(reply.message.get(), 'u', &number) <= 0) return nullptr;
   return std::make_unique<PostedNotification>(std::move(connection), number);

@@ -113,8 +113,8 @@ TEST(ClosingActions, AreTheOnlyActionsOfAServer) {
   known.post(7, "Chat", "Ada", "Are you there?");
   const HLRawTree tree = ParseTree(kMixed);
   const std::vector<HLBanner> banners = HLFindBanners(tree);
-  const HLMappedTree mapped = HLMapTree(tree, banners, HLFindClosingActions(tree, banners, &known),
-                                        HLProcessKind::notificationServer);
+  const HLMappedTree mapped =
+      HLMapTree(tree, banners, HLFindClosingActions(tree, banners, &known), HLProcessKind::notificationServer);
   EXPECT_THAT(actionsOf(mapped), ElementsAre(", Lunch, at noon [banner 1] <Name:Close>",
                                              ", Ada, Are you there? [notification 7] <Name:Close>"));
 }

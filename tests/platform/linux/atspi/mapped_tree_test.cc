@@ -18,7 +18,7 @@ using testing::SizeIs;
 
 HLMappedTree mapServer(const HLRawTree& tree) {
   const std::vector<HLBanner> banners = HLFindBanners(tree);
-  const HLClosingActions closings = HLFindClosingActions(tree, banners, std::nullopt, nullptr);
+  const HLClosingActions closings = HLFindClosingActions(tree, banners, nullptr);
   return HLMapTree(tree, banners, closings, HLProcessKind::notificationServer);
 }
 

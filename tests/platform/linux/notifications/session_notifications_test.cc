@@ -58,15 +58,15 @@ TEST_F(SessionNotifications, MatchAndClose) {
   (void)poster.post("Ada", "Lunch?");
   (void)poster.post("Bob", "No");
   EXPECT_EQ(matchOf(notifications_, {"Bob", "No"}), numbered(2));
-  EXPECT_THAT(notifications_.match({{"Ada", "Lunch?"}, {"Eve", "Hi"}}),
-              ElementsAre(Eq(numbered(1)), Eq(std::nullopt)));
+  EXPECT_THAT(notifications_.match({{"Ada", "Lunch?"}, {"Eve", "Hi"}}), ElementsAre(Eq(numbered(1)), Eq(std::nullopt)));
   EXPECT_TRUE(notifications_.close(numbered(2)));
   EXPECT_THAT(server.askedToClose(), ElementsAre(2U));
   EXPECT_TRUE(Eventually([this] { return !notifications_.match({{"Bob", "No"}}).front(); }));
 }
 
 TEST_F(SessionNotifications, MatchEqualOnesAsTheServerShowsThem) {
-  for (const auto& [information, number] : {std::pair(kKnown, 1U), std::pair(HLServerInformation{"cinnamon", "GNOME", "5.6"}, 2U)}) {
+  for (const auto& [information, number] :
+       {std::pair(kKnown, 1U), std::pair(HLServerInformation{"cinnamon", "GNOME", "5.6"}, 2U)}) {
     const FakeServer server(information);
     stay();
     Poster poster;
@@ -127,9 +127,7 @@ TEST_F(SessionNotifications, DistrustUnknownServersThatKeepBanners) {
   EXPECT_EQ(matchOf(notifications_, {"Ada", "Lunch?"}), numbered(1));
   EXPECT_TRUE(notifications_.close(numbered(1)));
   // The closed banner is still on screen, and soon for too long.
-  EXPECT_TRUE(Eventually([this] {
-    return !notifications_.match({{"Ada", "Lunch?"}, {"Bob", "No"}}).back();
-  }));
+  EXPECT_TRUE(Eventually([this] { return !notifications_.match({{"Ada", "Lunch?"}, {"Bob", "No"}}).back(); }));
   EXPECT_FALSE(notifications_.close(numbered(2)));
   EXPECT_THAT(server.askedToClose(), ElementsAre(1U));
 }
