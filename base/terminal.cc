@@ -20,7 +20,20 @@ int columnsIndex() {
   return index;
 }
 
-bool isControl(char32_t codePoint) { return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0); }
+// C0, DEL, C1; what orders text from right to left, and line and paragraph separators.
+bool isControl(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x200E || c == 0x200F || (c >= 0x2028 && c <= 0x202E) ||
+         (c >= 0x2066 && c <= 0x2069);
+}
+
+// Ranges of East Asian wide characters and emoji, coarsely.
+bool isWide(char32_t c) {
+  return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) ||
+         (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60) ||
+         (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x1F300 && c <= 0x1FAFF) || (c >= 0x20000 && c <= 0x3FFFD);
+}
+
+std::size_t columnsOf(char32_t codePoint) { return isWide(codePoint) ? 2 : 1; }
 
 }  // namespace
 
@@ -50,4 +63,21 @@ std::string HLVisibleText(std::string_view text) {
     }
   }
   return visible;
+}
+
+std::size_t HLColumns(std::string_view text) {
+  std::size_t columns = 0;
+  for (std::size_t next = 0; next < text.size();) columns += columnsOf(HLNextCodePoint(text, next));
+  return columns;
+}
+
+std::string HLCutToColumns(std::string_view text, std::size_t columns) {
+  if (HLColumns(text) <= columns) return std::string(text);
+  std::size_t end = 0;
+  std::size_t used = 1;  // by the ellipsis
+  for (std::size_t next = 0; next < text.size(); end = next) {
+    used += columnsOf(HLNextCodePoint(text, next));
+    if (used > columns) break;
+  }
+  return std::string(text.substr(0, end)) + "…";
 }

@@ -57,6 +57,11 @@ class ScreenReader {
       HLCapturedElement& element = capture_.elements[static_cast<std::size_t>(number)];
       for (std::string_view name : names_) readAttribute(element, *handle, name);
       element.actions = handle->copyActionNames();
+      while (!fresh_.empty()) {
+        const HLElementRef parent = std::move(fresh_.front());
+        fresh_.pop_front();
+        meetChildren(*parent);
+      }
     }
   }
 
@@ -85,7 +90,8 @@ class ScreenReader {
     if (equal != found_.end()) {
       const int number = equal->number;
       numbers_.emplace(handle, number);
-      if (!std::exchange(capture_.elements[static_cast<std::size_t>(number)].freshHandles, true)) meetChildren(*handle);
+      if (!std::exchange(capture_.elements[static_cast<std::size_t>(number)].freshHandles, true))
+        fresh_.push_back(handle);
       return number;
     }
     if (capture_.elements.size() >= HLCaptureLimit) {
@@ -113,6 +119,7 @@ class ScreenReader {
   HLCapture& capture_;
   const std::vector<std::string_view> names_ = HLCapturedAttributeNames();
   std::deque<Found> found_;
+  std::deque<HLElementRef> fresh_;                 // second handles of elements, whose children are still to be met
   std::unordered_map<HLElementRef, int> numbers_;  // owns the handles, so that no address is used again
 };
 

@@ -42,7 +42,13 @@ class HLCapturedElement : public HLElement {
 
 inline constexpr std::size_t HLCaptureLimit = 20000;  // elements
 
+enum class HLTexts {
+  kept,
+  replaced,  // made unreadable
+};
+
 struct HLCapture {
+  HLTexts texts = HLTexts::kept;
   bool trusted = false;
   std::string host;
   HLServerVersion server;

@@ -3,8 +3,7 @@
 
 #include <iosfwd>
 
-// Prints what is on screen and what the program thinks of it; presses nothing. With "--json" among the process's
-// arguments it prints the same as data. Texts of notifications are shown on a terminal, elsewhere replaced, unless
-// "--keep-texts" is among the arguments. Returns 0, or 1 when this process may not read, nothing shows notifications,
-// or the texts cannot be replaced.
+// Prints what is on screen and what the program thinks of it; as data, if "--json" is among the process's arguments.
+// Presses nothing. Texts of notifications are replaced, unless `out` is a terminal or "--keep-texts" is among the
+// arguments. Returns 0, or 1 if nothing can be read, the texts cannot be replaced, or `out` cannot be written.
 [[nodiscard]] int HLExplainScreen(std::ostream& out, std::ostream& err);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "core/scan/records.h"
 #include "core/scan/scoring.h"
 #include "platform/element_facts.h"
+#include "platform/value.h"
 #include "report/capture.h"
 #include "report/judgement.h"
 
@@ -53,3 +55,14 @@ struct HLExplanation {
 // Returns why the element is not pressed, for a person; "" when it is a candidate, or when there is nothing to say of
 // it because it is no button, no banner and cannot be pressed.
 [[nodiscard]] std::string HLRefusalText(const HLExplainedElement& element);
+
+struct HLExplanationStyle {
+  int columns = 120;  // names are cut so that lines are no longer
+  bool hasColors = false;
+};
+
+// Prints the explanation for a person. Control characters are spelled out.
+void HLPrintExplanation(const HLExplanation& explanation, const HLExplanationStyle& style, std::ostream& out);
+
+// Returns the explanation as data.
+[[nodiscard]] HLValue HLExplanationData(const HLExplanation& explanation);

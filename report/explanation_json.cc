@@ -1,11 +1,10 @@
-#include "report/explanation_json.h"
-
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "platform/geometry.h"
+#include "report/explanation.h"
 
 namespace {
 
@@ -71,7 +70,7 @@ HLValue elementValue(const HLExplainedElement& element) {
 
 }  // namespace
 
-HLValue HLExplanationData(const HLExplanation& explanation, bool keepsTexts) {
+HLValue HLExplanationData(const HLExplanation& explanation) {
   const HLCapture& capture = explanation.capture;
   HLValue process;
   if (capture.process) {
@@ -96,7 +95,7 @@ HLValue HLExplanationData(const HLExplanation& explanation, bool keepsTexts) {
                                               {"version", textOrNull(capture.server.version)}}},
                       {"process", std::move(process)},
                       {"trusted", capture.trusted},
-                      {"texts", keepsTexts ? "kept" : "replaced"},
+                      {"texts", capture.texts == HLTexts::kept ? "kept" : "replaced"},
                       {"complete", capture.isComplete},
                       {"elements", std::move(elements)},
                       {"targets", std::move(targets)},

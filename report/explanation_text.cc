@@ -1,5 +1,3 @@
-#include "report/explanation_text.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <ostream>
@@ -9,6 +7,7 @@
 #include "base/format.h"
 #include "base/terminal.h"
 #include "platform/text.h"
+#include "report/explanation.h"
 
 namespace {
 
@@ -28,19 +27,6 @@ std::string_view codeOf(Tone tone) {
       return "\033[2m";
   }
   return "";
-}
-
-std::size_t columnsOf(std::string_view text) {
-  std::size_t count = 0;
-  for (std::size_t next = 0; next < text.size(); ++count) (void)HLNextCodePoint(text, next);
-  return count;
-}
-
-std::string cut(std::string_view text, std::size_t columns) {
-  if (columnsOf(text) <= columns) return std::string(text);
-  std::size_t next = 0;
-  for (std::size_t i = 1; i < columns; ++i) (void)HLNextCodePoint(text, next);
-  return std::string(text.substr(0, next)) + "…";
 }
 
 std::string number(double value) { return HLFormat("%.0f", value); }
@@ -110,7 +96,7 @@ class Printer {
     } else {
       line(Tone::bad, "access: not granted to this process, so nothing can be read");
     }
-    if (!style_.keepsTexts) line(Tone::plain, "texts: replaced; --keep-texts shows them");
+    if (capture.texts == HLTexts::replaced) line(Tone::plain, "texts: replaced; --keep-texts shows them");
     if (!capture.isComplete) {
       line(Tone::bad, HLFormat("elements: more than %lu, the others are left out", HLCaptureLimit));
     }
@@ -153,7 +139,7 @@ class Printer {
     if (!facts.subrole.empty()) front += " " + facts.subrole;
     std::string behind = frameText(facts.frame) + actionsText(facts.actionNames);
     if (element.isRepeat) behind += " (as above)";
-    return front + nameText(facts, columnsOf(front) + columnsOf(behind)) + behind;
+    return front + nameText(facts, HLColumns(front) + HLColumns(behind)) + behind;
   }
 
   [[nodiscard]] std::string nameText(const HLElementFacts& facts, std::size_t taken) const {
@@ -164,7 +150,7 @@ class Printer {
     constexpr std::size_t kLeast = 12;
     const std::size_t columns = static_cast<std::size_t>(style_.columns);
     const std::size_t room = columns > taken + 3 ? columns - taken - 3 : 0;
-    return " \"" + cut(HLVisibleText(*name), std::max(room, kLeast)) + "\"";
+    return " \"" + HLCutToColumns(HLVisibleText(*name), std::max(room, kLeast)) + "\"";
   }
 
   [[nodiscard]] std::string controlText(const HLDismissTarget& control) const {
@@ -172,7 +158,7 @@ class Printer {
     std::string text = std::string(firstLine(control.action)) + " of " +
                        (facts.role.empty() ? "an element without a role" : facts.role);
     if (!facts.subrole.empty()) text += " " + facts.subrole;
-    return text + nameText(facts, columnsOf(text) + columnsOf(frameText(control.frame)) + 6) + frameText(control.frame);
+    return text + nameText(facts, HLColumns(text) + HLColumns(frameText(control.frame)) + 6) + frameText(control.frame);
   }
 
   void printTargets() {

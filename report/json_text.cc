@@ -1,33 +1,29 @@
 #include "report/json_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
+#include <utility>
 
+#include "base/terminal.h"
 #include "platform/text.h"
 
 namespace {
 
-constexpr std::size_t kLineLength = 120;
+constexpr std::size_t kLineLength = 118;  // leaves room for a comma
 
+// Control characters get JSON's escapes, those too that JSON would not ask for.
 std::string jsonString(std::string_view text) {
-  std::string out = "\"";
+  std::string quoted = "\"";
   for (const char c : HLEncodableText(text)) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += c;
-    } else if (byte < 0x20 || byte == 0x7F) {
-      std::array<char, 8> escape{};
-      std::snprintf(escape.data(), escape.size(), "\\u%04X", byte);
-      out += escape.data();
-    } else {
-      out += c;
-    }
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;
   }
-  return out + "\"";
+  return HLVisibleText(quoted) + '"';
 }
 
 std::string realText(double number) {
@@ -37,14 +33,11 @@ std::string realText(double number) {
     std::snprintf(text.data(), text.size(), "%.*g", digits, number);
     if (std::strtod(text.data(), nullptr) == number) break;
   }
-  std::string written = text.data();
-  if (written.find_first_of(".e") == std::string::npos) written += ".0";
-  return written;
+  const std::string written = text.data();
+  return written.find_first_of(".e") == std::string::npos ? written + ".0" : written;
 }
 
-std::string inOneLine(const HLValue& value);
-
-std::string scalar(const HLValue& value) {
+std::string scalarText(const HLValue& value) {
   if (const bool* truth = value.as<bool>()) return *truth ? "true" : "false";
   if (const std::int64_t* integer = value.as<std::int64_t>()) return std::to_string(*integer);
   if (const double* real = value.as<double>()) return realText(*real);
@@ -52,78 +45,62 @@ std::string scalar(const HLValue& value) {
   return "null";
 }
 
-std::string inOneLine(const HLValue& value) {
-  std::string line;
-  if (const auto* members = value.as<HLArray>()) {
-    for (const HLValue& member : *members) line += (line.empty() ? "" : ", ") + inOneLine(member);
-    return "[" + line + "]";
-  }
-  if (const auto* entries = value.as<HLDictionary>()) {
-    for (const HLDictionaryEntry& entry : *entries) {
-      line += (line.empty() ? "" : ", ") + jsonString(entry.key) + ": " + inOneLine(entry.value);
-    }
-    return "{" + line + "}";
-  }
-  return scalar(value);
+// The brackets of a list or an object; "" for other values.
+std::string_view brackets(const HLValue& value) {
+  if (value.as<HLArray>() != nullptr) return "[]";
+  return value.as<HLDictionary>() != nullptr ? "{}" : "";
 }
 
-// The length of a value in one line, or more than `limit` as soon as it is longer.
-std::size_t lengthOf(const HLValue& value, std::size_t limit) {
-  std::size_t length = 2;
+// Calls `each` with what is written before each member, "" or the key, and with the member, until it returns false.
+template <class Each>
+void forEachMember(const HLValue& value, const Each& each) {
   if (const auto* members = value.as<HLArray>()) {
     for (const HLValue& member : *members) {
-      if (length > limit) return length;
-      length += 2 + lengthOf(member, limit);
+      if (!each(std::string(), member)) return;
     }
-    return length;
-  }
-  if (const auto* entries = value.as<HLDictionary>()) {
+  } else if (const auto* entries = value.as<HLDictionary>()) {
     for (const HLDictionaryEntry& entry : *entries) {
-      if (length > limit) return length;
-      length += entry.key.size() + 6 + lengthOf(entry.value, limit);
+      if (!each(jsonString(entry.key) + ": ", entry.value)) return;
     }
-    return length;
   }
-  return scalar(value).size();
 }
 
-void write(std::string& out, const HLValue& value, std::size_t indent, std::size_t column) {
-  const auto* members = value.as<HLArray>();
-  const auto* entries = value.as<HLDictionary>();
-  const bool isShort = lengthOf(value, kLineLength) + column <= kLineLength;
-  if ((members == nullptr && entries == nullptr) || isShort) {
-    out += inOneLine(value);
+// Returns nullopt for a list or an object that has members and takes more than `room` bytes.
+std::optional<std::string> inOneLine(const HLValue& value, std::size_t room) {
+  if (brackets(value).empty()) return scalarText(value);
+  std::string line(1, brackets(value).front());
+  bool fits = true;
+  forEachMember(value, [&line, &fits, room](const std::string& before, const HLValue& member) {
+    if (line.size() > 1) line += ", ";
+    line += before;
+    const auto text = line.size() < room ? inOneLine(member, room - line.size()) : std::nullopt;
+    line += text.value_or("");
+    fits = text && line.size() < room;
+    return fits;
+  });
+  return fits ? std::optional(line + brackets(value).back()) : std::nullopt;
+}
+
+// Appends the value: its first line at `column`, the other ones indented.
+void append(std::string& out, const HLValue& value, std::size_t indent, std::size_t column) {
+  if (const auto line = inOneLine(value, kLineLength - std::min(column, kLineLength))) {
+    out += *line;
     return;
   }
   const std::string margin = "\n" + std::string(indent + 2, ' ');
-  bool isFirst = true;
-  out += members != nullptr ? '[' : '{';
-  const auto separate = [&] {
-    if (!isFirst) out += ',';
-    isFirst = false;
-    out += margin;
-  };
-  if (members != nullptr) {
-    for (const HLValue& member : *members) {
-      separate();
-      write(out, member, indent + 2, indent + 2);
-    }
-  } else {
-    for (const HLDictionaryEntry& entry : *entries) {
-      separate();
-      const std::string key = jsonString(entry.key) + ": ";
-      out += key;
-      write(out, entry.value, indent + 2, indent + 2 + key.size());
-    }
-  }
-  out += "\n" + std::string(indent, ' ');
-  out += members != nullptr ? ']' : '}';
+  char separator = brackets(value).front();
+  forEachMember(value, [&](const std::string& before, const HLValue& member) {
+    out += std::exchange(separator, ',') + margin + before;
+    append(out, member, indent + 2, indent + 2 + before.size());
+    return true;
+  });
+  out += "\n" + std::string(indent, ' ') + brackets(value).back();
 }
 
 }  // namespace
 
 std::string HLJsonText(const HLValue& document) {
   std::string out;
-  write(out, document, 0, 0);
+  append(out, document, 0, 0);
   return out + "\n";
 }

@@ -44,7 +44,7 @@ HLJudgementOutline HLOutlineOf(const HLCapture& capture, const HLJudgement& judg
   outline.applications = firstAlike(applications);
   for (const HLDismissTarget& control : judgement.batch.resolved) {
     const int number = HLCapturedNumber(*control.element);
-    outline.presses.emplace_back(order[static_cast<std::size_t>(number)], control.action);
+    outline.presses.emplace_back(order.empty() ? number : order[static_cast<std::size_t>(number)], control.action);
   }
   return outline;
 }

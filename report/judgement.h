@@ -21,14 +21,16 @@ struct HLJudgement {
 [[nodiscard]] HLJudgement HLJudgeCapture(HLCapture& capture, const HLScanListener& listener = nullptr);
 
 // What two judgements have in common when they come to the same, whatever the texts: trust, targets, which of them
-// count as one, and presses. Element numbers are replaced by `order[number]`.
+// count as one, and presses.
 struct HLJudgementOutline {
   bool trusted = false;
   std::vector<std::string> targets;       // as the log describes them, without snapshots
   std::vector<std::size_t> alike;         // for each target, the first one with the same progress identity key
   std::vector<std::size_t> applications;  // for each target, the first one of the same application
-  std::vector<std::pair<int, std::string>> presses;  // elements and actions
+  std::vector<std::pair<int, std::string>> presses;  // number of the element, and action
   bool operator==(const HLJudgementOutline&) const = default;
 };
+
+// Replaces each element's number by `order[number]`, unless `order` is empty.
 [[nodiscard]] HLJudgementOutline HLOutlineOf(const HLCapture& capture, const HLJudgement& judgement,
-                                             const std::vector<int>& order);
+                                             const std::vector<int>& order = {});

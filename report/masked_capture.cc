@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <map>
-#include <numeric>
+#include <random>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,6 +17,7 @@
 #include "core/scan/records.h"
 #include "platform/element_facts.h"
 #include "platform/text.h"
+#include "report/text_mask.h"
 
 namespace {
 
@@ -25,24 +26,8 @@ bool stays(std::string_view attribute) {
          attribute == HLDoubtAttributeName;
 }
 
-// Cuts in the texts of elements: by number and attribute, in lower-cased UTF-16 units of the text.
+// Cuts in the texts of elements, as for HLTextMask: by number and attribute.
 using Cuts = std::map<std::pair<int, std::string>, std::vector<std::size_t>>;
-
-// Returns how many lower-cased units of the text, as written, make so many compacted ones.
-std::size_t unitsBefore(std::string_view text, std::size_t compacted) {
-  const std::u16string units = HLUtf16Units(HLLowercase(HLEncodableText(text)));
-  std::size_t seen = 0;
-  bool isBlank = true;
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    const bool blank = HLIsWhitespace(units[i]);
-    if (!blank || !isBlank) {
-      if (seen == compacted) return i;
-      ++seen;
-    }
-    isBlank = blank;
-  }
-  return units.size();
-}
 
 // Adds the cut that a snapshot makes in the searchable words of one element, `limit` units from their beginning.
 void cutElement(const HLCapturedElement& element, std::size_t limit, Cuts& cuts) {
@@ -54,7 +39,7 @@ void cutElement(const HLCapturedElement& element, std::size_t limit, Cuts& cuts)
     if (position > 0) ++position;
     if (limit < position) return;
     if (limit < position + length) {
-      cuts[{element.number(), std::string(attribute.name)}].push_back(unitsBefore(text, limit - position));
+      cuts[{element.number(), std::string(attribute.name)}].push_back(limit - position);
       return;
     }
     position += length;
@@ -104,13 +89,13 @@ class CutFinder {
 
 class Masker {
  public:
-  Masker(HLCapture& from, HLCapture& to, HLWordMask::Key key)
-      : from_(from), to_(to), rules_(HLAutoCloseRules(std::nullopt)), mask_(key), cuts_(CutFinder(from).find()) {}
+  Masker(HLCapture& from, HLCapture& to, std::uint64_t seed)
+      : from_(from), to_(to), rules_(HLAutoCloseRules(std::nullopt)), mask_(seed), cuts_(CutFinder(from).find()) {}
 
   void run() {
     for (std::size_t i = 0; i < from_.elements.size(); ++i) to_.add();
     for (const HLCapturedElement& element : from_.elements) {
-      for (const HLCapturedAttribute& attribute : element.attributes) meet(attribute);
+      for (const HLCapturedAttribute& attribute : element.attributes) meet(element.number(), attribute);
     }
     for (const HLRawElement& element : from_.raw) {
       to_.raw.push_back(element);
@@ -123,16 +108,17 @@ class Masker {
       copy.actions = element.actions;
       copy.freshHandles = element.freshHandles;
       for (const HLCapturedAttribute& attribute : element.attributes) {
-        copy.attributes.push_back({attribute.name, {attribute.answer.error, masked(element.number(), attribute)}});
+        copy.attributes.push_back({attribute.name, {attribute.answer.error, masked(attribute)}});
       }
     }
   }
 
  private:
-  void meet(const HLCapturedAttribute& attribute) {
+  void meet(int number, const HLCapturedAttribute& attribute) {
     const std::string text = HLStringFromAttribute(attribute.answer).value_or("");
     if (stays(attribute.name)) return mask_.meetKept(text);
-    mask_.meet(text);
+    const auto cuts = cuts_.find({number, attribute.name});
+    mask_.meet(text, cuts == cuts_.end() ? std::vector<std::size_t>() : cuts->second);
     if (const auto* words = attribute.answer.value.as<std::string>()) {
       for (const std::string& kept : automationTexts(*words)) mask_.meetKept(kept);
     }
@@ -152,49 +138,35 @@ class Masker {
     return texts;
   }
 
-  [[nodiscard]] HLValue masked(int number, const HLCapturedAttribute& attribute) {
-    const HLValue& value = attribute.answer.value;
-    if (stays(attribute.name)) {
-      const auto* text = value.as<std::string>();
-      return text == nullptr ? value : HLValue(HLEncodableText(*text));
-    }
-    const auto cuts = cuts_.find({number, attribute.name});
-    return masked(value, cuts == cuts_.end() ? std::vector<std::size_t>() : cuts->second);
+  [[nodiscard]] HLValue masked(const HLCapturedAttribute& attribute) {
+    if (!stays(attribute.name)) return masked(attribute.answer.value);
+    const auto* text = attribute.answer.value.as<std::string>();
+    return text == nullptr ? attribute.answer.value : HLValue(HLEncodableText(*text));
   }
 
-  [[nodiscard]] HLValue masked(const HLValue& value, const std::vector<std::size_t>& cuts) {
-    if (const auto* text = value.as<std::string>()) return maskedText(*text, cuts);
-    if (const auto* integer = value.as<std::int64_t>()) return maskedInteger(*integer, cuts);
-    if (const auto* real = value.as<double>()) return maskedReal(*real, cuts);
+  [[nodiscard]] HLValue masked(const HLValue& value) {
+    if (const auto* text = value.as<std::string>()) return mask_.replaced(*text, automationTexts(*text));
+    if (const auto* integer = value.as<std::int64_t>()) return maskedInteger(*integer);
+    if (const auto* real = value.as<double>()) return maskedReal(*real);
     if (const auto* element = value.as<HLElementRef>()) return to_.handle(HLCapturedNumber(**element));
     if (const auto* members = value.as<HLArray>()) {
       HLArray copy;
-      for (const HLValue& member : *members) copy.push_back(masked(member, {}));
+      for (const HLValue& member : *members) copy.push_back(masked(member));
       return copy;
     }
     if (value.as<HLDictionary>() != nullptr) return HLDictionary();
     return value;  // missing, a truth value, a point or a size
   }
 
-  [[nodiscard]] std::string maskedText(const std::string& text, const std::vector<std::size_t>& cuts) {
-    std::vector<HLTextSpan> kept;
-    const std::u16string lower = HLUtf16Units(HLLowercase(HLEncodableText(text)));
-    for (const std::string& words : automationTexts(text)) {
-      const std::u16string units = HLUtf16Units(HLLowercase(words));
-      if (const std::size_t at = lower.find(units); at != std::u16string::npos) kept.push_back({at, at + units.size()});
-    }
-    return mask_.replaced(text, cuts, kept);
-  }
-
-  [[nodiscard]] HLValue maskedInteger(std::int64_t integer, const std::vector<std::size_t>& cuts) {
-    const std::string text = mask_.replaced(std::to_string(integer), cuts);
+  [[nodiscard]] HLValue maskedInteger(std::int64_t integer) {
+    const std::string text = mask_.replaced(std::to_string(integer));
     const HLValue number = std::int64_t{std::strtoll(text.c_str(), nullptr, 10)};
     return HLNumberText(number) == text ? number : HLValue(text);
   }
 
   // A real number whose replacement would not be read as the same text stays.
-  [[nodiscard]] HLValue maskedReal(double real, const std::vector<std::size_t>& cuts) {
-    const std::string text = mask_.replaced(HLNumberText(real).value_or(""), cuts);
+  [[nodiscard]] HLValue maskedReal(double real) {
+    const std::string text = mask_.replaced(HLNumberText(real).value_or(""));
     const HLValue number = std::strtod(text.c_str(), nullptr);
     return HLNumberText(number) == text ? number : HLValue(real);
   }
@@ -208,25 +180,25 @@ class Masker {
 
 }  // namespace
 
-std::unique_ptr<HLCapture> HLMaskedCapture(HLCapture& capture, HLWordMask::Key key) {
+std::unique_ptr<HLCapture> HLMaskedCapture(HLCapture& capture, std::uint64_t seed) {
   auto copy = std::make_unique<HLCapture>();
+  copy->texts = HLTexts::replaced;
   copy->trusted = capture.trusted;
   copy->host = capture.host;
   copy->server = capture.server;
   copy->process = capture.process;
   copy->isComplete = capture.isComplete;
-  if (!capture.elements.empty()) Masker(capture, *copy, key).run();
+  if (!capture.elements.empty()) Masker(capture, *copy, seed).run();
   return copy;
 }
 
 std::unique_ptr<HLCapture> HLMaskedCapture(HLCapture& capture, const HLJudgement& judgement) {
-  constexpr int kKeys = 4;
-  std::vector<int> sameOrder(capture.elements.size());
-  std::iota(sameOrder.begin(), sameOrder.end(), 0);
-  const HLJudgementOutline wanted = HLOutlineOf(capture, judgement, sameOrder);
-  for (int i = 0; i < kKeys; ++i) {
-    std::unique_ptr<HLCapture> masked = HLMaskedCapture(capture, HLRandomMaskKey());
-    if (HLOutlineOf(*masked, HLJudgeCapture(*masked), sameOrder) == wanted) return masked;
+  constexpr int kTries = 4;
+  std::random_device random;
+  const HLJudgementOutline wanted = HLOutlineOf(capture, judgement);
+  for (int i = 0; i < kTries; ++i) {
+    std::unique_ptr<HLCapture> masked = HLMaskedCapture(capture, std::uint64_t{random()} << 32U | random());
+    if (HLOutlineOf(*masked, HLJudgeCapture(*masked)) == wanted) return masked;
   }
   return nullptr;
 }

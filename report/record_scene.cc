@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <numeric>
 #include <optional>
 #include <ostream>
 #include <string_view>
@@ -22,7 +22,7 @@
 #include "report/json_text.h"
 #include "report/judgement.h"
 #include "report/masked_capture.h"
-#include "report/scene_text.h"
+#include "report/scene_document.h"
 
 namespace {
 
@@ -40,40 +40,46 @@ std::optional<std::string> writeAll(int file, std::string_view text) {
   return std::nullopt;
 }
 
-// Makes the file with its whole content, or leaves nothing and says why. A file that is there stays as it is. The
-// content is written under another name first, since a link to a new name never replaces what has that name.
+// Gives a finished draft its name, which must be new, or says why not. Some file systems have no links: there the name
+// is taken by an empty file first, which the draft then replaces.
+std::optional<std::string> publish(const std::string& draft, const std::string& path) {
+  if (::link(draft.c_str(), path.c_str()) == 0) return std::nullopt;
+  if (errno == EEXIST) return systemMessage();
+  const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (file < 0) return systemMessage();
+  ::close(file);
+  if (::rename(draft.c_str(), path.c_str()) == 0) return std::nullopt;
+  std::string mistake = systemMessage();
+  ::unlink(path.c_str());
+  return mistake;
+}
+
+// Makes the file, for its user alone and with its whole content, or leaves none and says why. A file that is there
+// stays as it is.
 std::optional<std::string> createFile(const std::string& path, std::string_view text) {
-  struct stat existing {};
-  if (::lstat(path.c_str(), &existing) == 0) return std::strerror(EEXIST);
+  std::signal(SIGXFSZ, SIG_IGN);  // beyond the file size limit a write then fails, and does not end the process
   std::string draft = path + ".XXXXXX";
   const int file = ::mkstemp(draft.data());
   if (file < 0) return systemMessage();
   std::optional<std::string> mistake = writeAll(file, text);
-  if (::fchmod(file, S_IRUSR | S_IWUSR) != 0 && !mistake) mistake = systemMessage();
   if (::close(file) != 0 && !mistake) mistake = systemMessage();
-  if (!mistake && ::link(draft.c_str(), path.c_str()) != 0) mistake = systemMessage();
+  if (!mistake) mistake = publish(draft, path);
   ::unlink(draft.c_str());
   return mistake;
 }
 
 }  // namespace
 
-std::variant<HLRecording, std::string> HLRecordingOf(std::unique_ptr<HLCapture> capture, bool keepsTexts,
+std::variant<HLRecording, std::string> HLRecordingOf(std::unique_ptr<HLCapture> capture, HLTexts texts,
                                                      const std::string& program) {
-  const HLJudgement seen = HLJudgeCapture(*capture);
-  if (!keepsTexts) {
-    std::unique_ptr<HLCapture> masked = HLMaskedCapture(*capture, seen);
-    if (masked == nullptr) return "with its texts replaced it would be judged otherwise; --keep-texts keeps them";
-    capture = std::move(masked);
-  }
+  if (texts == HLTexts::replaced) capture = HLMaskedCapture(*capture, HLJudgeCapture(*capture));
+  if (capture == nullptr) return "with its texts replaced it would be judged otherwise; --keep-texts keeps them";
   const HLJudgement judgement = HLJudgeCapture(*capture);
-  const HLRecordedScene scene = HLSceneOfCapture(*capture, judgement, {program, keepsTexts});
+  const HLRecordedScene scene = HLSceneOfCapture(*capture, judgement, program);
   HLRecording recording{HLJsonText(scene.document), capture->elements.size()};
   const std::unique_ptr<HLCapture> again = HLCaptureOfScene(recording.scene);
   if (again == nullptr || again->elements.size() != capture->elements.size()) return "it could not be read again";
-  std::vector<int> sameOrder(again->elements.size());
-  std::iota(sameOrder.begin(), sameOrder.end(), 0);
-  if (HLOutlineOf(*again, HLJudgeCapture(*again), sameOrder) != HLOutlineOf(*capture, judgement, scene.order)) {
+  if (HLOutlineOf(*again, HLJudgeCapture(*again)) != HLOutlineOf(*capture, judgement, scene.order)) {
     return "the recording would be judged otherwise than the screen";
   }
   return recording;
@@ -87,7 +93,8 @@ int HLRecordScene(const std::string& path, const std::string& program, std::ostr
   if (path.empty() || path.starts_with("--")) return fail("a path is expected");
   const std::vector<std::string> arguments = HLCurrentPlatform().process->arguments();
   const bool keepsTexts = std::find(arguments.begin(), arguments.end(), "--keep-texts") != arguments.end();
-  const auto recorded = HLRecordingOf(HLCaptureScreen(), keepsTexts, program);
+  const HLTexts texts = keepsTexts ? HLTexts::kept : HLTexts::replaced;
+  const auto recorded = HLRecordingOf(HLCaptureScreen(), texts, program);
   if (const auto* reason = std::get_if<std::string>(&recorded)) return fail(*reason);
   const auto& recording = std::get<HLRecording>(recorded);
   if (const auto mistake = createFile(path, recording.scene)) return fail(*mistake);

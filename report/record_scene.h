@@ -13,14 +13,13 @@ struct HLRecording {
   std::size_t elements = 0;
 };
 
-// Returns the capture as a scene, or one line that says why there is none. Unless `keepsTexts`, the texts of
-// notifications are replaced. The engine judges the scene like the capture: a scene of which that is not true is not
-// returned.
-[[nodiscard]] std::variant<HLRecording, std::string> HLRecordingOf(std::unique_ptr<HLCapture> capture, bool keepsTexts,
+// Returns the capture as a scene that the engine judges the same, or one line that says why there is none. `program` is
+// the name and version of this program.
+[[nodiscard]] std::variant<HLRecording, std::string> HLRecordingOf(std::unique_ptr<HLCapture> capture, HLTexts texts,
                                                                    const std::string& program);
 
-// Records what the process that shows notifications shows now into a new file for its user alone, and prints one line.
-// Texts are replaced unless "--keep-texts" is among the process's arguments. `program` is name and version of this one.
-// Presses nothing. Returns 0, or 1 when there is no file in the end; the reason goes to `err`.
+// Records what is on screen into a new file for its user alone, and prints one line. Presses nothing. Texts are
+// replaced unless "--keep-texts" is among the process's arguments. Returns 0, or 1 with the reason on `err` if there is
+// no file.
 [[nodiscard]] int HLRecordScene(const std::string& path, const std::string& program, std::ostream& out,
                                 std::ostream& err);

@@ -1,14 +1,27 @@
 #include "report/text_mask.h"
 
 #include <algorithm>
-#include <cstdint>
 
 #include "core/scan/words.h"
 #include "platform/text.h"
 
 namespace {
 
-// A lower-cased text, unit by unit, with the code point that each unit came of.
+// Letters of replacements, for the first attempts to find one: consonants without x, which names close buttons; then
+// letters that have both cases and are in no list of words, for words so short that consonants run out; then
+// ideographs.
+constexpr std::u16string_view kConsonants = u"bcdfghjklmnpqrstvwz";
+constexpr char16_t kCyrillic = u'\u0431';
+constexpr std::uint64_t kCyrillicCount = 31;
+constexpr char16_t kIdeographs = u'\u4E00';
+constexpr std::uint64_t kIdeographCount = 20000;
+constexpr int kAttemptsWithConsonants = 64;
+constexpr int kAttemptsWithCyrillic = 256;
+constexpr int kAttempts = 100000;
+
+constexpr std::size_t kLongNumber = 19;  // digits, at most, of a signed number of 64 bits
+
+// A lower-cased text, unit by unit, with the code point that each unit came from.
 struct LowerText {
   struct Letter {
     std::string_view bytes;  // of the code point, as written
@@ -62,8 +75,6 @@ CompactText compactText(const LowerText& lower) {
   return compact;
 }
 
-std::u16string unitsOf(std::string_view text) { return HLUtf16Units(text); }
-
 // Calls `found` with each place of the phrase.
 template <class Found>
 void forEachPlace(std::u16string_view text, std::u16string_view phrase, const Found& found) {
@@ -73,13 +84,22 @@ void forEachPlace(std::u16string_view text, std::u16string_view phrase, const Fo
 const std::vector<std::u16string>& enginePhrases() {
   static const std::vector<std::u16string> phrases = [] {
     std::vector<std::u16string> units;
-    for (std::string_view phrase : HLEnginePhrases()) units.push_back(unitsOf(phrase));
+    for (std::string_view phrase : HLEnginePhrases()) units.push_back(HLUtf16Units(phrase));
     return units;
   }();
   return phrases;
 }
 
-// Whether the replacement has an engine's phrase where the word has none.
+// Calls `found` with both words of each phrase that has two. No phrase has more.
+template <class Found>
+void forEachTwoWordPhrase(const Found& found) {
+  for (const std::u16string& phrase : enginePhrases()) {
+    const std::size_t blank = phrase.find(u' ');
+    if (blank != std::u16string::npos) found(phrase.substr(0, blank), phrase.substr(blank + 1));
+  }
+}
+
+// Whether the replacement has a phrase of the engine where the word has none.
 bool saysMore(std::u16string_view word, std::u16string_view replacement) {
   bool more = false;
   for (const std::u16string& phrase : enginePhrases()) {
@@ -88,18 +108,48 @@ bool saysMore(std::u16string_view word, std::u16string_view replacement) {
   return more;
 }
 
-// Calls `run` with begin and end of each stretch of word units that no cut parts.
+// Calls `run` with begin and end of each longest range of word units.
 template <class Run>
-void forEachWord(const LowerText& lower, const std::vector<std::size_t>& cuts, const Run& run) {
+void forEachWord(const LowerText& lower, const Run& run) {
   const auto isWord = [&lower](std::size_t unit) { return lower.letters[lower.owner[unit]].isWord; };
   for (std::size_t begin = 0; begin < lower.units.size();) {
     std::size_t end = begin + 1;
     if (isWord(begin)) {
-      while (end < lower.units.size() && isWord(end) && std::find(cuts.begin(), cuts.end(), end) == cuts.end()) ++end;
+      while (end < lower.units.size() && isWord(end)) ++end;
       run(begin, end);
     }
     begin = end;
   }
+}
+
+// Marks all units of a code point of which one is marked.
+void keepWholeLetters(const LowerText& lower, std::vector<bool>& keeps) {
+  std::vector<bool> keepsLetter(lower.letters.size(), false);
+  for (std::size_t i = 0; i < keeps.size(); ++i) keepsLetter[lower.owner[i]] = keepsLetter[lower.owner[i]] || keeps[i];
+  for (std::size_t i = 0; i < keeps.size(); ++i) keeps[i] = keepsLetter[lower.owner[i]];
+}
+
+// Writes replaced units in the letter case of the text, and what stays as it was written.
+std::string written(const LowerText& lower, const std::u16string& units, const std::vector<bool>& keeps) {
+  std::string out;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const LowerText::Letter& letter = lower.letters[lower.owner[i]];
+    if (!letter.isWord || keeps[i]) {
+      if (i == letter.firstUnit) out += letter.bytes;
+      continue;
+    }
+    const std::string unit = HLTextOfUtf16(std::u16string_view(units).substr(i, 1));
+    out += letter.isUpper ? HLUppercase(unit) : unit;
+  }
+  return out;
+}
+
+bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+
+char16_t letterFrom(std::uint64_t number, int attempt) {
+  if (attempt < kAttemptsWithConsonants) return kConsonants[number % kConsonants.size()];
+  if (attempt < kAttemptsWithCyrillic) return static_cast<char16_t>(kCyrillic + number % kCyrillicCount);
+  return static_cast<char16_t>(kIdeographs + number % kIdeographCount);
 }
 
 }  // namespace
@@ -116,82 +166,114 @@ std::vector<std::string_view> HLEnginePhrases() {
   return phrases;
 }
 
-HLTextMask::HLTextMask(HLWordMask::Key key, const std::vector<std::string>& furtherPhrases)
-    : words_(key), phrases_(enginePhrases()) {
-  for (const std::string& phrase : furtherPhrases) phrases_.push_back(unitsOf(phrase));
-  for (const std::u16string& phrase : phrases_) {
-    forEachPlace(phrase, u" ", [&](std::size_t at) {
-      joints_.push_back({phrase.substr(0, at), phrase.substr(at + 1)});
+void HLTextMask::meet(std::string_view text, const std::vector<std::size_t>& cuts) {
+  const LowerText lower = lowerText(text);
+  const CompactText compact = compactText(lower);
+  forEachTwoWordPhrase([&](const std::u16string& first, const std::u16string& second) {
+    if (compact.units.ends_with(first)) endings_.insert(first);
+    if (compact.units.starts_with(second)) beginnings_.insert(second);
+  });
+  for (std::size_t cut : cuts) {
+    const std::size_t place = cut < compact.place.size() ? compact.place[cut] : 0;
+    forEachWord(lower, [&](std::size_t begin, std::size_t end) {
+      if (begin < place && place < end) cutWords_[lower.units.substr(begin, end - begin)].insert(place - begin);
     });
   }
 }
 
 void HLTextMask::meetKept(std::string_view text) {
-  meetEnds(text);
+  meet(text);
   const LowerText lower = lowerText(text);
-  forEachWord(lower, {}, [&](std::size_t begin, std::size_t end) {
-    std::u16string word = lower.units.substr(begin, end - begin);
-    words_.reserve(word);
-    keptWords_.insert(std::move(word));
+  forEachWord(lower, [&](std::size_t begin, std::size_t end) {
+    const std::u16string word = lower.units.substr(begin, end - begin);
+    used_.insert(word);
+    keptWords_.insert(word);
   });
 }
 
-void HLTextMask::meetEnds(std::string_view text) {
-  const std::u16string units = compactText(lowerText(text)).units;
-  for (Joint& joint : joints_) {
-    joint.leftMet |= units.ends_with(joint.left);
-    joint.rightMet |= units.starts_with(joint.right);
-  }
-}
-
-std::string HLTextMask::replaced(std::string_view text, const std::vector<std::size_t>& cuts,
-                                 const std::vector<HLTextSpan>& kept) {
+std::string HLTextMask::replaced(std::string_view text, const std::vector<std::string>& kept) {
   const LowerText lower = lowerText(text);
   const CompactText compact = compactText(lower);
   std::vector<bool> keeps(lower.units.size(), false);
-  const auto keep = [&](std::size_t begin, std::size_t end) {
-    for (std::size_t i = begin; i < std::min(end, keeps.size()); ++i) keeps[i] = true;
-  };
-  const auto keepCompact = [&](std::size_t at, std::size_t length) {
-    for (std::size_t i = at; i < at + length; ++i) keep(compact.place[i], compact.place[i] + 1);
-  };
-  for (const HLTextSpan& span : kept) keep(span.begin, span.end);
-  for (const std::u16string& phrase : phrases_) {
-    forEachPlace(compact.units, phrase, [&](std::size_t at) { keepCompact(at, phrase.size()); });
+  for (const std::string& part : kept) {
+    const std::u16string units = HLUtf16Units(HLLowercase(part));
+    const std::size_t at = lower.units.find(units);
+    if (at != std::u16string::npos) std::fill_n(keeps.begin() + static_cast<std::ptrdiff_t>(at), units.size(), true);
   }
-  for (const Joint& joint : joints_) {
-    if (!joint.leftMet || !joint.rightMet) continue;
-    if (compact.units.ends_with(joint.left)) {
-      keepCompact(compact.units.size() - joint.left.size(), joint.left.size());
-    }
-    if (compact.units.starts_with(joint.right)) keepCompact(0, joint.right.size());
+  for (const Span& phrase : phrasesIn(compact.units)) {
+    for (std::size_t i = phrase.begin; i < phrase.end; ++i) keeps[compact.place[i]] = true;
   }
-  // A code point stays as a whole.
-  for (std::size_t i = 0; i < keeps.size(); ++i) {
-    if (keeps[i]) keep(lower.letters[lower.owner[i]].firstUnit, i);
-  }
-  for (std::size_t i = 1; i < keeps.size(); ++i) {
-    if (keeps[i - 1] && lower.owner[i] == lower.owner[i - 1]) keeps[i] = true;
-  }
+  keepWholeLetters(lower, keeps);
 
   std::u16string units = lower.units;
-  forEachWord(lower, cuts, [&](std::size_t begin, std::size_t end) {
+  const auto replace = [&](std::size_t begin, std::size_t end) {
     const std::u16string word = lower.units.substr(begin, end - begin);
-    if (keptWords_.count(word) > 0) return keep(begin, end);
-    const std::vector<bool> keepsOfWord(keeps.begin() + static_cast<std::ptrdiff_t>(begin),
-                                        keeps.begin() + static_cast<std::ptrdiff_t>(end));
-    units.replace(begin, end - begin, words_.replacement(word, keepsOfWord, saysMore));
-  });
-
-  std::string out;
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    const LowerText::Letter& letter = lower.letters[lower.owner[i]];
-    if (!letter.isWord || keeps[i]) {
-      if (i == letter.firstUnit) out += letter.bytes;
-      continue;
+    const auto first = keeps.begin() + static_cast<std::ptrdiff_t>(begin);
+    const auto last = keeps.begin() + static_cast<std::ptrdiff_t>(end);
+    if (keptWords_.count(word) > 0) return std::fill(first, last, true);
+    units.replace(begin, end - begin, replacement(word, std::vector<bool>(first, last)));
+  };
+  forEachWord(lower, [&](std::size_t begin, std::size_t end) {
+    const std::u16string word = lower.units.substr(begin, end - begin);
+    const auto cut = cutWords_.find(word);
+    std::size_t part = begin;
+    if (cut != cutWords_.end() && keptWords_.count(word) == 0) {
+      for (std::size_t place : cut->second) replace(std::exchange(part, begin + place), begin + place);
     }
-    const std::string unit = HLTextOfUtf16(std::u16string_view(units).substr(i, 1));
-    out += letter.isUpper ? HLUppercase(unit) : unit;
+    replace(part, end);
+  });
+  return written(lower, units, keeps);
+}
+
+// The phrases in a compacted text, and the halves of phrases at its ends of which other texts have the other half.
+std::vector<HLTextMask::Span> HLTextMask::phrasesIn(std::u16string_view compact) const {
+  std::vector<Span> phrases;
+  for (const std::u16string& phrase : enginePhrases()) {
+    forEachPlace(compact, phrase, [&](std::size_t at) { phrases.push_back({at, at + phrase.size()}); });
   }
-  return out;
+  forEachTwoWordPhrase([&](const std::u16string& first, const std::u16string& second) {
+    if (endings_.count(first) == 0 || beginnings_.count(second) == 0) return;
+    if (compact.ends_with(first)) phrases.push_back({compact.size() - first.size(), compact.size()});
+    if (compact.starts_with(second)) phrases.push_back({0, second.size()});
+  });
+  return phrases;
+}
+
+// Units that `keeps` marks stay. "0" and "1" stay too, since truth values read like that.
+std::u16string HLTextMask::replacement(const std::u16string& word, const std::vector<bool>& keeps) {
+  const auto [entry, isNew] = known_.try_emplace({word, keeps}, word);
+  if (!isNew || word == u"0" || word == u"1") return entry->second;
+  if (std::find(keeps.begin(), keeps.end(), false) == keeps.end()) return entry->second;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    std::u16string made = drawn(word, keeps, attempt);
+    if (used_.count(made) > 0 || saysMore(word, made)) continue;
+    used_.insert(made);
+    return entry->second = std::move(made);
+  }
+  return entry->second = std::u16string(word.size(), u'_');  // more words of this kind than replacements
+}
+
+// A number keeps the zeros at both ends and gets no others there, so that it has as many digits when it is read and
+// written again. It stays within 64 bits.
+std::u16string HLTextMask::drawn(const std::u16string& word, const std::vector<bool>& keeps, int attempt) {
+  const bool isNumber = std::all_of(word.begin(), word.end(), isDigit);
+  const std::size_t first = isNumber ? word.find_first_not_of(u'0') : std::u16string::npos;
+  const std::size_t last = isNumber ? word.find_last_not_of(u'0') : std::u16string::npos;
+  std::u16string made = word;
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    if (keeps[i]) continue;
+    const std::uint64_t number = random_();
+    if (!isDigit(word[i])) {
+      made[i] = letterFrom(number, attempt);
+    } else if (!isNumber) {
+      made[i] = static_cast<char16_t>(u'0' + number % 10);
+    } else if (i == 0 && i == first && word.size() >= kLongNumber) {
+      made[i] = u'1';
+    } else if (i == first || i == last) {
+      made[i] = static_cast<char16_t>(u'1' + number % 9);
+    } else if (first < i && i < last) {
+      made[i] = static_cast<char16_t>(u'0' + number % 10);
+    }
+  }
+  return made;
 }

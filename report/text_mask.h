@@ -1,57 +1,57 @@
-// Makes texts unreadable in a way that the engine cannot tell.
+// Makes texts unreadable to a person, in a way that the engine cannot tell.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <map>
+#include <random>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "report/word_mask.h"
-
-// A stretch of a text's lower-cased UTF-16 units.
-struct HLTextSpan {
-  std::size_t begin = 0;
-  std::size_t end = 0;
-};
-
-// Replaces the letters and digits of texts, word by word. What stays: every phrase of the engine's lists, the phrases
-// given at construction, and words that stand in a text which stays itself; blanks, punctuation and symbols; upper
-// case; the length of the lower-cased text in UTF-16 units.
+// Replaces the letters and digits of texts, word by word: equal words by equal ones, different words by different ones.
+// A replacement is drawn at random; only the length of the word, its upper case and its digits are seen in it. What
+// stays: every phrase of the engine's word lists, the words of texts that stay themselves, white space, punctuation,
+// symbols, and the length of the lower-cased text in UTF-16 units.
 //
-// First every text is met, then texts are replaced: half of a phrase at a text's end stays when another text has its
-// other half.
+// Call meet() or meetKept() with every text before replaced(): what stays of a text, and where its words are parted,
+// depends on the others.
 class HLTextMask {
  public:
-  explicit HLTextMask(HLWordMask::Key key, const std::vector<std::string>& furtherPhrases = {});
+  // The same seed and calls give the same replacements.
+  explicit HLTextMask(std::uint64_t seed) : random_(seed), used_{u"0", u"1"} {}
 
-  // A text that stays as it is.
+  // The engine also compares the beginning of the text up to each of the `cuts`, which are numbers of UTF-16 units of
+  // the lower-cased text, compacted as a context's. A word with a cut in it is replaced as two words, everywhere.
+  void meet(std::string_view text, const std::vector<std::size_t>& cuts = {});
+  // For a text that stays as it is. Its words stay in the other texts too.
   void meetKept(std::string_view text);
-  // A text that will be replaced.
-  void meet(std::string_view text) { meetEnds(text); }
 
-  // Returns the text with its words replaced. A word that reaches over one of the `cuts` (in lower-cased UTF-16 units)
-  // is replaced as two words. `kept` stays.
-  [[nodiscard]] std::string replaced(std::string_view text, const std::vector<std::size_t>& cuts = {},
-                                     const std::vector<HLTextSpan>& kept = {});
+  // Returns the text with its words replaced. The `kept` parts of the text stay, in any letter case.
+  [[nodiscard]] std::string replaced(std::string_view text, const std::vector<std::string>& kept = {});
 
  private:
-  void meetEnds(std::string_view text);
-
-  // A phrase of two words, whose halves two texts may bring together, and which halves were met.
-  struct Joint {
-    std::u16string left;
-    std::u16string right;
-    bool leftMet = false;
-    bool rightMet = false;
+  // A range of units.
+  struct Span {
+    std::size_t begin = 0;
+    std::size_t end = 0;
   };
 
-  HLWordMask words_;
-  std::vector<std::u16string> phrases_;
-  std::vector<Joint> joints_;
+  [[nodiscard]] std::vector<Span> phrasesIn(std::u16string_view compact) const;
+  [[nodiscard]] std::u16string replacement(const std::u16string& word, const std::vector<bool>& keeps);
+  [[nodiscard]] std::u16string drawn(const std::u16string& word, const std::vector<bool>& keeps, int attempt);
+
+  std::mt19937_64 random_;
+  std::map<std::pair<std::u16string, std::vector<bool>>, std::u16string> known_;
+  std::set<std::u16string> used_;  // words that are no replacement any more
   std::set<std::u16string> keptWords_;
+  std::map<std::u16string, std::set<std::size_t>> cutWords_;  // with the places of the cuts
+  // The first words of two-word phrases with which a text ends, and the second words with which one begins.
+  std::set<std::u16string> endings_;
+  std::set<std::u16string> beginnings_;
 };
 
-// Every phrase of the engine's word lists, each once.
+// Returns every phrase of the engine's word lists, each once.
 [[nodiscard]] std::vector<std::string_view> HLEnginePhrases();

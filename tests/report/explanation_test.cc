@@ -114,6 +114,23 @@ TEST(Explain, CutsNamesToTheTerminal) {
   EXPECT_NE(text.find("…\""), std::string::npos);
 }
 
+TEST(Explain, CutsWideNamesToTheTerminal) {
+  SimulatedDesktop desktop(NotificationCenterScene(
+      R"({"role": "AXWindow", "title": "通知のタイトルはとても長いのでここで切れます通知のタイトルはとても長い"})"));
+  std::ostringstream out;
+  HLMarkAsTerminal(out, 40);
+  EXPECT_EQ(HLExplainScreen(out, out), 0);
+  EXPECT_NE(out.str().find("  AXWindow \"通知のタイトルはとても長い…\"\n"), std::string::npos) << out.str();
+}
+
+TEST(Explain, FailsWhereItCannotWrite) {
+  SimulatedDesktop desktop(NotificationCenterScene(kBanner));
+  std::ostream out(nullptr);
+  std::ostringstream err;
+  EXPECT_EQ(HLExplainScreen(out, err), 1);
+  EXPECT_EQ(err.str(), "hushlet: the explanation could not be written\n");
+}
+
 TEST(Explain, FailsWithoutTrust) {
   SimulatedDesktop desktop(NotificationCenterScene(kBanner, R"(, "trusted": false)"));
   std::ostringstream out;

@@ -1,6 +1,7 @@
 #include "report/record_scene.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -60,7 +61,7 @@ TEST(Recording, KeepsWhatAScanMeetsTwice) {
     "children": [{"id": "fresh", "role": "AXGroup", "freshHandles": true}, {"role": "AXRow", "errors": {"AXTitle": -25204},
                   "attributes": {"AXTitle": "x", "AXValue": null, "AXSize": {"size": [3, 4]}}}, 7],
     "visibleChildren": [{"ref": "fresh"}]})"));
-  const auto recorded = HLRecordingOf(HLCaptureScreen(), false, "hushlet 9");
+  const auto recorded = HLRecordingOf(HLCaptureScreen(), HLTexts::replaced, "hushlet 9");
   ASSERT_TRUE(std::holds_alternative<HLRecording>(recorded));
   const std::string scene = std::get<HLRecording>(recorded).scene;
   for (const char* kept : {R"("freshHandles": true)", R"("visibleChildren": [{"ref": "e2"}])", R"("AXTitle": -25204)",
@@ -77,6 +78,20 @@ TEST_F(RecordScene, NeverOverwrites) {
   EXPECT_EQ(FileContent(path_), scene);
   std::filesystem::create_symlink("nowhere", desktop_.home() + "/link");
   EXPECT_EQ(record(desktop_.home() + "/link"), 1);
+}
+
+TEST(RecordSceneInAProcess, FailsBeyondTheFileSizeLimit) {
+  const std::string result = InChildProcess([] {
+    const SimulatedDesktop desktop(NotificationCenterScene(kRecordedBanner));
+    const rlimit limit{100, 100};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = HLRecordScene(desktop.home() + "/scene.json", "hushlet 9", out, err);
+    const bool isEmpty = std::filesystem::is_empty(desktop.home());
+    return std::to_string(code) + err.str().substr(err.str().rfind(':')) + (isEmpty ? "no file" : "a file");
+  });
+  EXPECT_EQ(result, "1: File too large\nno file");
 }
 
 TEST_F(RecordScene, SaysWhyThereIsNoFile) {

@@ -150,16 +150,16 @@ void print(const Course& course) {
 }
 
 // Returns "" or what is wrong.
-std::string mistakeOf(const std::string& scene, Course wanted, bool keepsTexts) {
+std::string mistakeOf(const std::string& scene, Course wanted, HLTexts texts) {
   std::string recorded;
   {
     const SimulatedDesktop desktop(scene);
-    auto recording = HLRecordingOf(HLCaptureScreen(), keepsTexts, "hushlet test");
+    auto recording = HLRecordingOf(HLCaptureScreen(), texts, "hushlet test");
     if (const auto* reason = std::get_if<std::string>(&recording)) return *reason;
     recorded = std::get<HLRecording>(recording).scene;
   }
   Course found = courseOf(recorded);
-  if (!keepsTexts) {
+  if (texts == HLTexts::replaced) {
     wanted.attempt = withoutSnapshots(wanted.attempt);
     found.attempt = withoutSnapshots(found.attempt);
   }
@@ -174,11 +174,11 @@ class Count {
   void check(const std::string& name, const std::string& scene) {
     ++scenes_;
     const Course wanted = courseOf(scene);
-    for (bool keepsTexts : {false, true}) {
-      const std::string mistake = mistakeOf(scene, wanted, keepsTexts);
+    for (HLTexts texts : {HLTexts::replaced, HLTexts::kept}) {
+      const std::string mistake = mistakeOf(scene, wanted, texts);
       if (mistake.empty()) continue;
       ++mistakes_;
-      std::cout << name << (keepsTexts ? ", texts kept: " : ", texts replaced: ") << mistake << std::endl;
+      std::cout << name << (texts == HLTexts::kept ? ", texts kept: " : ", texts replaced: ") << mistake << std::endl;
     }
   }
 

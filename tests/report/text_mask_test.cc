@@ -11,10 +11,10 @@
 
 namespace {
 
-constexpr HLWordMask::Key kKey = {7, 11};
+constexpr std::uint64_t kSeed = 7;
 
 std::string replaced(std::string_view text) {
-  HLTextMask mask(kKey);
+  HLTextMask mask(kSeed);
   mask.meet(text);
   return mask.replaced(text);
 }
@@ -50,17 +50,17 @@ TEST(TextMask, KeepsPhrasesOfTheEngine) {
 }
 
 TEST(TextMask, MakesNoPhraseOfTheEngine) {
-  for (std::uint64_t key = 0; key < 400; ++key) {
-    HLTextMask mask({key, 3});
+  for (std::uint64_t seed = 0; seed < 400; ++seed) {
+    HLTextMask mask(seed);
     // Whatever letter is put before "allow", it must not be a c.
     const std::string hidden = HLLowercase(mask.replaced("xallow"));
-    EXPECT_EQ(hidden.find("call"), std::string::npos) << key;
+    EXPECT_EQ(hidden.find("call"), std::string::npos) << seed;
     EXPECT_TRUE(hidden.ends_with("allow"));
   }
 }
 
 TEST(TextMask, KeepsEqualWordsEqualAndOthersDifferent) {
-  HLTextMask mask(kKey);
+  HLTextMask mask(kSeed);
   EXPECT_EQ(HLLowercase(mask.replaced("Tom")), HLLowercase(mask.replaced("TOM")));
   std::set<std::string> hidden;
   for (char first = 'a'; first <= 'z'; ++first) {
@@ -72,28 +72,44 @@ TEST(TextMask, KeepsEqualWordsEqualAndOthersDifferent) {
 }
 
 TEST(TextMask, KeepsHalvesOfAPhraseThatTextsBringTogether) {
-  HLTextMask mask(kKey);
+  HLTextMask mask(kSeed);
   mask.meet("Main menu");
   mask.meet("item seven");
   EXPECT_TRUE(mask.replaced("item seven").starts_with("item "));
-  HLTextMask without(kKey);
+  HLTextMask without(kSeed);
   without.meet("item seven");
   EXPECT_FALSE(without.replaced("item seven").starts_with("item "));
 }
 
 TEST(TextMask, KeepsWordsOfTextsThatStay) {
-  HLTextMask mask(kKey);
+  HLTextMask mask(kSeed);
   mask.meetKept("body-7");
   EXPECT_EQ(mask.replaced("Body 7"), "Body 7");
   EXPECT_NE(mask.replaced("Bodyguard"), "Bodyguard");
 }
 
-TEST(TextMask, ReplacesBothSidesOfACutApart) {
-  HLTextMask mask(kKey);
-  const std::string first = mask.replaced("foobar", {5});
-  const std::string second = mask.replaced("foobaz", {5});
+TEST(TextMask, KeepsTheBeginningBeforeACut) {
+  HLTextMask mask(kSeed);
+  mask.meet("foobar", {5});
+  mask.meet("foobaz", {5});
+  const std::string first = mask.replaced("foobar");
+  const std::string second = mask.replaced("foobaz");
   EXPECT_EQ(first.substr(0, 5), second.substr(0, 5));
   EXPECT_NE(first, second);
+}
+
+TEST(TextMask, PartsACutWordInEveryText) {
+  HLTextMask mask(kSeed);
+  mask.meet("Backup, done");
+  mask.meet("the  backup", {6});  // "the ba"
+  EXPECT_EQ(mask.replaced("Backup, done").substr(1, 5), mask.replaced("the  backup").substr(6, 5));
+}
+
+TEST(TextMask, KeepsACutWordOfTextsThatStay) {
+  HLTextMask mask(kSeed);
+  mask.meetKept("Shortcuts");
+  mask.meet("Shortcuts", {4});
+  EXPECT_EQ(mask.replaced("Shortcuts, done").substr(0, 9), "Shortcuts");
 }
 
 TEST(TextMask, KeepsTheLengthOfTheLowerCasedText) {

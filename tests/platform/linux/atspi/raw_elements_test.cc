@@ -13,7 +13,7 @@ namespace {
 
 // A recorded tree with the texts replaced that a recording replaces.
 HLRawTree withTextsReplaced(const HLRawTree& tree) {
-  HLTextMask mask({5, 8});
+  HLTextMask mask(5);
   std::string text;
   for (HLRawElement element : HLRawElementsOf(tree)) {
     if (!element.isHostsWords) {

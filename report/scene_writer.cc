@@ -1,8 +1,7 @@
-#include "report/scene_text.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <deque>
 #include <limits>
 #include <map>
 #include <set>
@@ -13,14 +12,16 @@
 #include "core/scan/words.h"
 #include "platform/platform.h"
 #include "platform/process_info.h"
+#include "platform/text.h"
+#include "report/scene_document.h"
 
 namespace {
 
 constexpr int kNestedElements = 60;  // each takes two levels of JSON, of which some parsers read about 500
 
 bool isList(std::string_view attribute) {
-  return attribute == "AXWindows" || std::any_of(HLSceneListKeys.begin(), HLSceneListKeys.end(),
-                                                 [&](const auto& list) { return list.attribute == attribute; });
+  const auto* const end = HLChildAttributes.end();
+  return attribute == "AXWindows" || std::find(HLChildAttributes.begin(), end, attribute) != end;
 }
 
 // Calls `found` with the number of each element in the value.
@@ -63,10 +64,10 @@ HLValue coordinate(double value) {
   return std::clamp(value, -kMost, kMost);
 }
 
-// JSON has no NaN either. A frame with one is no frame.
-HLValue coordinates(double first, double second) {
+// JSON has no NaN either.
+HLValue coordinates(std::string_view key, double first, double second) {
   if (std::isnan(first) || std::isnan(second)) return {};
-  return HLArray{coordinate(first), coordinate(second)};
+  return HLDictionary{{std::string(key), HLArray{coordinate(first), coordinate(second)}}};
 }
 
 class SceneWriter {
@@ -131,37 +132,38 @@ class SceneWriter {
     return HLDictionary{{"ref", idOf(number)}};
   }
 
+  // Whether an element is in the document, or will be by addDeep().
+  [[nodiscard]] bool isPlaced(int number) const {
+    return order_[static_cast<std::size_t>(number)] >= 0 ||
+           std::find(deep_.begin(), deep_.end(), number) != deep_.end();
+  }
+
+  HLValue deferred(int number) {
+    deep_.push_back(number);
+    return reference(number);
+  }
+
   // A member of a list: an element, a reference to one, or another value.
   HLValue memberValue(const HLValue& member, int depth) {
     if (const auto* held = member.as<HLElementRef>()) {
       const int number = HLCapturedNumber(**held);
-      if (order_[static_cast<std::size_t>(number)] >= 0 || isPending(number)) return reference(number);
-      if (depth < kNestedElements) return elementValue(number, depth);
-      deep_.push_back(number);
-      pending_.insert(number);
-      return reference(number);
+      if (isPlaced(number)) return reference(number);
+      return depth < kNestedElements ? elementValue(number, depth) : deferred(number);
     }
     const bool isScalar = member.as<std::string>() != nullptr || HLNumberText(member);
     return isScalar ? member : HLValue();
   }
 
-  [[nodiscard]] bool isPending(int number) const { return pending_.count(number) > 0; }
+  using Names = std::set<std::string_view>;
 
   HLValue elementValue(int number, int depth) {
     order_[static_cast<std::size_t>(number)] = static_cast<int>(++written_);
     const HLCapturedElement& element = capture_.element(number);
     HLDictionary value;
-    HLDictionary errors;
-    HLDictionary further;
     if (links_.named.count(number) > 0) value.push_back({"id", idOf(number)});
-    std::set<std::string_view> done;
-    for (const auto& [key, name] : HLSceneTextKeys) {
-      const HLValue text = element.copyAttributeValue(name).value;
-      if (text.as<std::string>() == nullptr && !(key == "value" && HLNumberText(text))) continue;
-      value.push_back({std::string(key), text});
-      done.insert(name);
-    }
-    if (addFrame(element, value)) done.insert({HLPositionAttributeName, HLSizeAttributeName});
+    Names done;  // attributes that have a key of their own
+    addTexts(element, value, done);
+    addFrame(element, value, done);
     if (element.actions.error == HLAXErrorSuccess && !element.actions.names.empty()) {
       value.push_back({"actions", HLArray(element.actions.names.begin(), element.actions.names.end())});
     }
@@ -169,15 +171,51 @@ class SceneWriter {
       value.push_back({"closes", idOf(closes->second)});
     }
     if (element.freshHandles) value.push_back({"freshHandles", true});
-    for (const auto& [key, name] : HLSceneListKeys) {
+    addLists(element, depth, value, done);
+    addFurther(element, depth, value, done);
+    return value;
+  }
+
+  static void addTexts(const HLCapturedElement& element, HLDictionary& value, Names& done) {
+    for (const HLTextAttribute& attribute : HLTextAttributes) {
+      HLValue text = element.copyAttributeValue(attribute.name).value;
+      const bool isNumber = attribute.name == "AXValue" && HLNumberText(text);
+      if (text.as<std::string>() == nullptr && !isNumber) continue;
+      value.push_back({HLSceneKey(attribute.name), std::move(text)});
+      done.insert(attribute.name);
+    }
+  }
+
+  static void addFrame(const HLCapturedElement& element, HLDictionary& value, Names& done) {
+    const HLValue position = element.copyAttributeValue(HLPositionAttributeName).value;
+    const HLValue size = element.copyAttributeValue(HLSizeAttributeName).value;
+    const auto* point = position.as<HLPoint>();
+    const auto* extent = size.as<HLSize>();
+    if (point == nullptr || extent == nullptr) return;
+    HLArray frame;
+    for (double number : {point->x, point->y, extent->width, extent->height}) {
+      if (std::isnan(number)) return;
+      frame.push_back(coordinate(number));
+    }
+    value.push_back({"frame", std::move(frame)});
+    done.insert({HLPositionAttributeName, HLSizeAttributeName});
+  }
+
+  void addLists(const HLCapturedElement& element, int depth, HLDictionary& value, Names& done) {
+    for (std::string_view name : HLChildAttributes) {
       const HLAttribute answer = element.copyAttributeValue(name);
       const auto* members = answer.value.as<HLArray>();
       if (members == nullptr) continue;
       HLArray list;
       for (const HLValue& member : *members) list.push_back(memberValue(member, depth + 1));
-      value.push_back({std::string(key), std::move(list)});
+      value.push_back({HLSceneKey(name), std::move(list)});
       done.insert(name);
     }
+  }
+
+  void addFurther(const HLCapturedElement& element, int depth, HLDictionary& value, const Names& done) {
+    HLDictionary further;
+    HLDictionary errors;
     for (const HLCapturedAttribute& attribute : element.attributes) {
       if (done.count(attribute.name) > 0) continue;
       further.push_back({attribute.name, attributeValue(attribute.answer.value, depth)});
@@ -189,35 +227,14 @@ class SceneWriter {
     }
     if (!further.empty()) value.push_back({"attributes", std::move(further)});
     if (!errors.empty()) value.push_back({"errors", std::move(errors)});
-    return value;
-  }
-
-  static bool addFrame(const HLCapturedElement& element, HLDictionary& value) {
-    const HLValue position = element.copyAttributeValue(HLPositionAttributeName).value;
-    const HLValue size = element.copyAttributeValue(HLSizeAttributeName).value;
-    const auto* point = position.as<HLPoint>();
-    const auto* extent = size.as<HLSize>();
-    if (point == nullptr || extent == nullptr) return false;
-    const HLValue first = coordinates(point->x, point->y);
-    const HLValue second = coordinates(extent->width, extent->height);
-    if (first.isMissing() || second.isMissing()) return false;
-    HLArray frame = *first.as<HLArray>();
-    for (const HLValue& number : *second.as<HLArray>()) frame.push_back(number);
-    value.push_back({"frame", std::move(frame)});
-    return true;
   }
 
   // An attribute that no shorter key holds.
   HLValue attributeValue(const HLValue& value, int depth) {
     if (const auto* held = value.as<HLElementRef>()) {
       const int number = HLCapturedNumber(**held);
-      const bool isElsewhere = links_.listed.count(number) > 0 || order_[static_cast<std::size_t>(number)] >= 0;
-      if (isElsewhere || isPending(number)) return reference(number);
-      if (depth >= kNestedElements) {
-        deep_.push_back(number);
-        pending_.insert(number);
-        return reference(number);
-      }
+      if (isPlaced(number) || links_.listed.count(number) > 0) return reference(number);
+      if (depth >= kNestedElements) return deferred(number);
       return HLDictionary{{"element", elementValue(number, depth + 1)}};
     }
     if (const auto* members = value.as<HLArray>()) {
@@ -228,23 +245,17 @@ class SceneWriter {
       }
       return list;
     }
-    if (const auto* point = value.as<HLPoint>()) {
-      const HLValue both = coordinates(point->x, point->y);
-      return both.isMissing() ? HLValue() : HLDictionary{{"point", both}};
-    }
-    if (const auto* size = value.as<HLSize>()) {
-      const HLValue both = coordinates(size->width, size->height);
-      return both.isMissing() ? HLValue() : HLDictionary{{"size", both}};
-    }
+    if (const auto* point = value.as<HLPoint>()) return coordinates("point", point->x, point->y);
+    if (const auto* size = value.as<HLSize>()) return coordinates("size", size->width, size->height);
     if (value.as<HLDictionary>() != nullptr) return HLDictionary();
     return value;
   }
 
   void addDeep(HLDictionary& window) {
     HLArray elements;
-    for (std::size_t next = 0; next < deep_.size(); ++next) {
-      const int number = deep_[next];
-      if (order_[static_cast<std::size_t>(number)] >= 0) continue;
+    while (!deep_.empty()) {
+      const int number = deep_.front();
+      deep_.pop_front();
       elements.push_back(HLDictionary{{"element", elementValue(number, 0)}});
     }
     const auto attributes = std::find_if(window.begin(), window.end(),
@@ -261,8 +272,7 @@ class SceneWriter {
   Links links_;
   std::map<int, int> closes_;  // controls, and what they close
   std::vector<int> order_;     // -1 for what is not written yet
-  std::vector<int> deep_;
-  std::set<int> pending_;  // those of deep_ that are not written yet, and those that are
+  std::deque<int> deep_;       // elements that addDeep() has still to write
   std::size_t written_ = 0;
 };
 
@@ -283,12 +293,13 @@ HLDictionary bundleValue() {
   return bundle;
 }
 
-HLDictionary noteValue(const HLCapture& capture, const HLRecordingNote& note) {
+// What a recording says of itself.
+HLDictionary noteValue(const HLCapture& capture, const std::string& program) {
   HLDictionary server;
   addText(server, "name", capture.server.name);
   addText(server, "vendor", capture.server.vendor);
   addText(server, "version", capture.server.version);
-  HLDictionary value = {{"program", note.program}, {"texts", note.keepsTexts ? "kept" : "replaced"}};
+  HLDictionary value = {{"program", program}, {"texts", capture.texts == HLTexts::kept ? "kept" : "replaced"}};
   addText(value, "system", capture.host);
   if (!server.empty()) value.push_back({"server", std::move(server)});
   if (!capture.isComplete) value.push_back({"complete", false});
@@ -300,8 +311,14 @@ HLDictionary noteValue(const HLCapture& capture, const HLRecordingNote& note) {
 
 }  // namespace
 
-HLRecordedScene HLSceneOfCapture(const HLCapture& capture, const HLJudgement& judgement, const HLRecordingNote& note) {
-  HLDictionary scene = {{"recorded", noteValue(capture, note)}, {"trusted", capture.trusted}};
+std::string HLSceneKey(std::string_view attribute) {
+  std::string key(attribute.substr(2));
+  key.replace(0, 1, HLLowercase(key.substr(0, 1)));
+  return key;
+}
+
+HLRecordedScene HLSceneOfCapture(const HLCapture& capture, const HLJudgement& judgement, const std::string& program) {
+  HLDictionary scene = {{"recorded", noteValue(capture, program)}, {"trusted", capture.trusted}};
   if (HLDictionary bundle = bundleValue(); !bundle.empty()) scene.push_back({"bundle", std::move(bundle)});
   SceneWriter writer(capture, judgement);
   if (capture.process) {

@@ -1,7 +1,0 @@
-// An explanation as data.
-#pragma once
-
-#include "platform/value.h"
-#include "report/explanation.h"
-
-[[nodiscard]] HLValue HLExplanationData(const HLExplanation& explanation, bool keepsTexts);

@@ -1,0 +1,32 @@
+// A capture as a scene that the simulator runs, and back.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/value.h"
+#include "report/capture.h"
+#include "report/judgement.h"
+
+// The attribute of the last window that holds the elements whose nesting would be too deep for JSON; lists refer to
+// them.
+inline constexpr std::string_view HLSceneDeepAttribute = "HLRecordedBelow";
+
+// Returns the key that a scene has for one of HLTextAttributes or HLChildAttributes: "role" for "AXRole".
+[[nodiscard]] std::string HLSceneKey(std::string_view attribute);
+
+struct HLRecordedScene {
+  HLValue document;
+  std::vector<int> order;  // for each element of the capture, its place among those of the document
+};
+
+// Returns the scene. The controls that the judgement would press, and those that have an action for closing, close the
+// nearest notification at or above them. `program` is the recording program's name and version.
+[[nodiscard]] HLRecordedScene HLSceneOfCapture(const HLCapture& capture, const HLJudgement& judgement,
+                                               const std::string& program);
+
+// Reads a scene of HLSceneOfCapture, of other scenes not all keys. Returns the capture, its elements in the order of
+// the document; nullptr if the text is no scene.
+[[nodiscard]] std::unique_ptr<HLCapture> HLCaptureOfScene(std::string_view text);
