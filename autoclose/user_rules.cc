@@ -7,20 +7,12 @@
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
-}
-
 std::optional<HLAutoCloseRule> parsedRule(const HLValue& value) {
   const std::string* text = value.as<std::string>();
   const std::size_t bar = text != nullptr ? text->find('|') : std::string::npos;
   if (bar == std::string::npos || text->find('|', bar + 1) != std::string::npos) return std::nullopt;
-  const std::string_view application = trimmed(std::string_view(*text).substr(0, bar));
-  const std::string_view phrase = trimmed(std::string_view(*text).substr(bar + 1));
+  const std::string_view application = HLTrim(std::string_view(*text).substr(0, bar));
+  const std::string_view phrase = HLTrim(std::string_view(*text).substr(bar + 1));
   if (application.empty() || phrase.empty()) return std::nullopt;
   HLAutoCloseRule rule{{}, {HLLowercase(phrase)}};
   if (application != "*") rule.applicationNames.insert(HLLowercase(application));

@@ -11,23 +11,8 @@
 
 namespace {
 
-enum class Tone { plain, strong, good, bad, faint };
-
-std::string_view codeOf(Tone tone) {
-  switch (tone) {
-    case Tone::plain:
-      break;
-    case Tone::strong:
-      return "\033[1m";
-    case Tone::good:
-      return "\033[32m";
-    case Tone::bad:
-      return "\033[33m";
-    case Tone::faint:
-      return "\033[2m";
-  }
-  return "";
-}
+// As the numbers by which terminals select them.
+enum class Tone { plain = 0, strong = 1, good = 32, bad = 33 };
 
 std::string number(double value) { return HLFormat("%.0f", value); }
 
@@ -70,7 +55,7 @@ class Printer {
   void line(Tone tone, std::string_view text) {
     const std::string visible = HLVisibleText(HLEncodableText(text));
     if (style_.hasColors && tone != Tone::plain) {
-      out_ << codeOf(tone) << visible << "\033[0m\n";
+      out_ << "\033[" << static_cast<int>(tone) << 'm' << visible << "\033[0m\n";
     } else {
       out_ << visible << '\n';
     }

@@ -3,16 +3,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <map>
 #include <random>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "autoclose/rules.h"
 #include "core/scan/alert_description.h"
-#include "core/scan/context.h"
 #include "core/scan/notification_center.h"
 #include "core/scan/records.h"
 #include "platform/element_facts.h"
@@ -26,83 +23,20 @@ bool stays(std::string_view attribute) {
          attribute == HLDoubtAttributeName;
 }
 
-// Cuts in the texts of elements, as for HLTextMask: by number and attribute.
-using Cuts = std::map<std::pair<int, std::string>, std::vector<std::size_t>>;
-
-// Adds the cut that a snapshot makes in the searchable words of one element, `limit` units from their beginning.
-void cutElement(const HLCapturedElement& element, std::size_t limit, Cuts& cuts) {
-  std::size_t position = 0;
-  for (const HLTextAttribute& attribute : HLTextAttributes) {
-    const std::string text = HLStringFromAttribute(element.copyAttributeValue(attribute.name)).value_or("");
-    const std::size_t length = HLUtf16Length(HLCompactSnapshot(HLLowercase(text)));
-    if (length == 0) continue;
-    if (position > 0) ++position;
-    if (limit < position) return;
-    if (limit < position + length) {
-      cuts[{element.number(), std::string(attribute.name)}].push_back(limit - position);
-      return;
-    }
-    position += length;
-  }
-}
-
-// Where snapshots cut texts: in an element's own words, or, where it has none, in those of the elements above it, by
-// the path on which a scan meets it.
-class CutFinder {
- public:
-  explicit CutFinder(HLCapture& capture) : capture_(capture) {
-    for (const HLCapturedElement& element : capture.elements) cutElement(element, HLSnapshotLimit, cuts_);
-  }
-
-  Cuts find() {
-    std::map<int, int> parents;
-    (void)HLCurrentTargets(*capture_.handle(0), [&](const HLScanStep& step) {
-      const int number = HLCapturedNumber(*step.visit.element);
-      for (const HLElementRef& child : step.visit.facts.children) parents.emplace(HLCapturedNumber(*child), number);
-      if (step.visit.own.empty() && step.candidate) cutPath(number, parents);
-    });
-    return std::move(cuts_);
-  }
-
- private:
-  void cutPath(int number, const std::map<int, int>& parents) {
-    std::vector<int> path;
-    for (auto parent = parents.find(number); parent != parents.end(); parent = parents.find(parent->second)) {
-      if (std::find(path.begin(), path.end(), parent->second) != path.end()) break;
-      path.push_back(parent->second);
-    }
-    std::size_t position = 0;
-    for (auto above = path.rbegin(); above != path.rend(); ++above) {
-      const HLCapturedElement& element = capture_.element(*above);
-      const std::size_t length = HLUtf16Length(HLSearchableContext(element.copyFacts()));
-      if (length == 0) continue;
-      if (position > 0) ++position;
-      if (position > HLSnapshotLimit) return;
-      if (HLSnapshotLimit < position + length) return cutElement(element, HLSnapshotLimit - position, cuts_);
-      position += length;
-    }
-  }
-
-  HLCapture& capture_;
-  Cuts cuts_;
-};
-
 class Masker {
  public:
   Masker(HLCapture& from, HLCapture& to, std::uint64_t seed)
-      : from_(from), to_(to), rules_(HLAutoCloseRules(std::nullopt)), mask_(seed), cuts_(CutFinder(from).find()) {}
+      : from_(from), to_(to), rules_(HLAutoCloseRules(std::nullopt)), mask_(seed) {}
 
   void run() {
-    for (std::size_t i = 0; i < from_.elements.size(); ++i) to_.add();
-    for (const HLCapturedElement& element : from_.elements) {
-      for (const HLCapturedAttribute& attribute : element.attributes) meet(element.number(), attribute);
-    }
+    meetTexts();
     for (const HLRawElement& element : from_.raw) {
       to_.raw.push_back(element);
       if (element.isHostsWords) continue;
       to_.raw.back().name = mask_.replaced(element.name);
       to_.raw.back().description = mask_.replaced(element.description);
     }
+    for (std::size_t i = 0; i < from_.elements.size(); ++i) to_.add();
     for (const HLCapturedElement& element : from_.elements) {
       HLCapturedElement& copy = to_.elements[static_cast<std::size_t>(element.number())];
       copy.actions = element.actions;
@@ -114,11 +48,21 @@ class Masker {
   }
 
  private:
-  void meet(int number, const HLCapturedAttribute& attribute) {
+  void meetTexts() {
+    for (const HLCapturedElement& element : from_.elements) {
+      for (const HLCapturedAttribute& attribute : element.attributes) meet(attribute);
+    }
+    if (!from_.trusted) return;
+    (void)HLCurrentTargets(*from_.handle(0), [this](const HLScanStep& step) {
+      const HLVisit& visit = step.visit;
+      if (step.candidate) mask_.meetCut(visit.own.empty() ? visit.context.text() : visit.own, HLSnapshotLimit);
+    });
+  }
+
+  void meet(const HLCapturedAttribute& attribute) {
     const std::string text = HLStringFromAttribute(attribute.answer).value_or("");
     if (stays(attribute.name)) return mask_.meetKept(text);
-    const auto cuts = cuts_.find({number, attribute.name});
-    mask_.meet(text, cuts == cuts_.end() ? std::vector<std::size_t>() : cuts->second);
+    mask_.meet(text);
     if (const auto* words = attribute.answer.value.as<std::string>()) {
       for (const std::string& kept : automationTexts(*words)) mask_.meetKept(kept);
     }
@@ -175,7 +119,6 @@ class Masker {
   HLCapture& to_;
   const HLAutoCloseRuleList rules_;
   HLTextMask mask_;
-  const Cuts cuts_;
 };
 
 }  // namespace

@@ -48,6 +48,9 @@ LowerText lowerText(std::string_view text) {
     lower.units += HLUtf16Units(lowered);
     lower.owner.resize(lower.units.size(), lower.letters.size() - 1);
   }
+  // A sigma at the end of a word has a lower case of its own.
+  const std::u16string units = HLUtf16Units(HLLowercase(whole));
+  if (units.size() == lower.units.size()) lower.units = units;
   return lower;
 }
 
@@ -166,19 +169,12 @@ std::vector<std::string_view> HLEnginePhrases() {
   return phrases;
 }
 
-void HLTextMask::meet(std::string_view text, const std::vector<std::size_t>& cuts) {
-  const LowerText lower = lowerText(text);
-  const CompactText compact = compactText(lower);
+void HLTextMask::meet(std::string_view text) {
+  const std::u16string units = compactText(lowerText(text)).units;
   forEachTwoWordPhrase([&](const std::u16string& first, const std::u16string& second) {
-    if (compact.units.ends_with(first)) endings_.insert(first);
-    if (compact.units.starts_with(second)) beginnings_.insert(second);
+    if (units.ends_with(first)) endings_.insert(first);
+    if (units.starts_with(second)) beginnings_.insert(second);
   });
-  for (std::size_t cut : cuts) {
-    const std::size_t place = cut < compact.place.size() ? compact.place[cut] : 0;
-    forEachWord(lower, [&](std::size_t begin, std::size_t end) {
-      if (begin < place && place < end) cutWords_[lower.units.substr(begin, end - begin)].insert(place - begin);
-    });
-  }
 }
 
 void HLTextMask::meetKept(std::string_view text) {
@@ -188,6 +184,13 @@ void HLTextMask::meetKept(std::string_view text) {
     const std::u16string word = lower.units.substr(begin, end - begin);
     used_.insert(word);
     keptWords_.insert(word);
+  });
+}
+
+void HLTextMask::meetCut(std::string_view text, std::size_t units) {
+  const LowerText lower = lowerText(text);
+  forEachWord(lower, [&](std::size_t begin, std::size_t end) {
+    if (begin < units && units < end) cutWords_[lower.units.substr(begin, end - begin)].insert(units - begin);
   });
 }
 

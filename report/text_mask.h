@@ -16,18 +16,19 @@
 // stays: every phrase of the engine's word lists, the words of texts that stay themselves, white space, punctuation,
 // symbols, and the length of the lower-cased text in UTF-16 units.
 //
-// Call meet() or meetKept() with every text before replaced(): what stays of a text, and where its words are parted,
+// Call the meet functions with every text before replaced(): what stays of a text, and where its words are parted,
 // depends on the others.
 class HLTextMask {
  public:
   // The same seed and calls give the same replacements.
   explicit HLTextMask(std::uint64_t seed) : random_(seed), used_{u"0", u"1"} {}
 
-  // The engine also compares the beginning of the text up to each of the `cuts`, which are numbers of UTF-16 units of
-  // the lower-cased text, compacted as a context's. A word with a cut in it is replaced as two words, everywhere.
-  void meet(std::string_view text, const std::vector<std::size_t>& cuts = {});
+  void meet(std::string_view text);
   // For a text that stays as it is. Its words stay in the other texts too.
   void meetKept(std::string_view text);
+  // For a text of which only the first `units` UTF-16 units count. The word that lies across is replaced as two words,
+  // in all texts.
+  void meetCut(std::string_view text, std::size_t units);
 
   // Returns the text with its words replaced. The `kept` parts of the text stay, in any letter case.
   [[nodiscard]] std::string replaced(std::string_view text, const std::vector<std::string>& kept = {});
