@@ -46,24 +46,22 @@ class BesideADaemon : public TrustedDaemon {
 TEST_F(BesideADaemon, ClearsWhileSetupWaits) {
   start("{}");
   const std::vector<json> dumps =
-      dumpsOf(R"({"trusted": false, "timeline": [)" + DumpAt(1) + ", " + At(2, R"("choose": "Accessibility Allowed")") +
-              ", " + DumpAt(2) + ", " + At(3, R"("press": "Open Accessibility Settings", "window": "Set Up Hushlet")") +
-              ", " + DumpAt(3) + "]}");
+      dumpsOf(R"({"trusted": false, "timeline": [)" + DumpAt(1) + ", " + At(2, OpenSetup) + ", " + DumpAt(2) + ", " +
+              At(3, Press("Open Accessibility Settings", SetupTitle)) + ", " + DumpAt(3) + "]}");
   ASSERT_EQ(dumps.size(), 3U);
   EXPECT_EQ(dumps[0]["statusItem"]["title"], "HL");
-  const json window = WindowOf(dumps[1], "Set Up Hushlet");
-  EXPECT_EQ(window["content"][4]["label"], "Waiting for Accessibility access…");
-  EXPECT_EQ(window["content"][5]["button"], "Open Accessibility Settings");
-  EXPECT_EQ(WindowOf(dumps[2], "Set Up Hushlet")["visible"], true);
+  EXPECT_EQ(SetupOf(dumps[1]).status["color"], "secondary");
+  EXPECT_EQ(SetupOf(dumps[1]).button["button"], "Open Accessibility Settings");
+  EXPECT_EQ(WindowOf(dumps[2], SetupTitle)["visible"], true);
   EXPECT_EQ(dumps[2]["openedAddresses"].size(), 1U);
 }
 
 TEST_F(BesideADaemon, OpensSetupAtLaunch) {
   startProduct();
   const std::vector<json> dumps = dumpsOf(std::string("{") + kProduct + R"(, "trusted": false, "timeline": [)" +
-                                          DumpAt(0) + ", " + At(0, R"("terminate": true)") + "]}");
+                                          DumpAt(0) + ", " + At(0, Terminate) + "]}");
   ASSERT_EQ(dumps.size(), 1U);
-  EXPECT_EQ(WindowOf(dumps[0], "Set Up Hushlet")["visible"], true);
+  EXPECT_EQ(WindowOf(dumps[0], SetupTitle)["visible"], true);
   EXPECT_EQ(dumps[0]["statusItem"]["image"], "bell.slash");
   EXPECT_THAT(LogMessages(FileContent(productState() + "/status.log")),
               testing::Contains(testing::HasSubstr(" trusted=false daemonReachable=true flavor=product ")));
@@ -77,7 +75,7 @@ TEST_F(BesideADaemon, QueriesItAtEachRefresh) {
 
 TEST_F(BesideADaemon, QueriesItOnceWhenTrusted) {
   start("{}");
-  (void)dumpsOf(R"({"timeline": [)" + At(1, R"("openMenu": true)") + ", " + At(2, R"("click": "left")") + "]}");
+  (void)dumpsOf(R"({"timeline": [)" + At(1, R"("openMenu": true)") + ", " + At(2, LeftClick) + "]}");
   EXPECT_EQ(questionsIn(diagnostics()), 1);
 }
 
@@ -85,12 +83,11 @@ TEST_F(BesideADaemon, ClosesNoAutomationBanners) {
   start("{}");
   const std::vector<json> dumps = dumpsOf(R"({"trusted": false, "defaults": {"HLAutoCloseAutomationBanners": true},
     "applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui"}], "timeline": [)" +
-                                          At(1, R"("choose": "Settings…")") + ", " + DumpAt(2) + "]}");
+                                          At(1, OpenSettings) + ", " + DumpAt(2) + "]}");
   ASSERT_EQ(dumps.size(), 1U);
   EXPECT_EQ(dumps[0]["statusItem"]["title"], "HL");
-  const json window = WindowOf(dumps[0], "Hushlet Settings");
-  EXPECT_EQ(window["content"][4]["row"][0]["label"], "Not allowed yet");
-  EXPECT_EQ(window["content"][5]["on"], true);
+  EXPECT_EQ(SettingsOf(dumps[0]).access["color"], "orange");
+  EXPECT_EQ(SettingsOf(dumps[0]).autoClose["on"], true);
   EXPECT_TRUE(dumps[0]["observers"].empty());
 }
 

@@ -77,6 +77,19 @@ nlohmann::json WindowOf(const nlohmann::json& dump, const std::string& title) {
   return nullptr;
 }
 
+SetupControls SetupOf(const nlohmann::json& dump) {
+  const nlohmann::json content = WindowOf(dump, SetupTitle).value("content", nlohmann::json::array());
+  return {content.at(4), content.at(5)};
+}
+
+SettingsControls SettingsOf(const nlohmann::json& dump) {
+  const nlohmann::json content = WindowOf(dump, SettingsTitle).value("content", nlohmann::json::array());
+  const nlohmann::json& shortcut = content.at(1).at("row");
+  return {shortcut.at(0), shortcut.at(1),
+          content.at(2),  content.at(4).at("row").at(0),
+          content.at(5),  content.size() > 6 ? content.at(6) : nlohmann::json()};
+}
+
 std::vector<std::string> ControlsOf(const nlohmann::json& window) {
   std::vector<std::string> controls;
   const auto append = [&controls](const nlohmann::json& item) {
@@ -101,6 +114,12 @@ std::string At(double moment, const std::string& event) {
 }
 
 std::string DumpAt(double moment) { return At(moment, R"("dump": "/dev/stdout")"); }
+
+std::string Press(const std::string& control, const std::string& window) {
+  return R"("press": ")" + control + R"(", "window": ")" + window + "\"";
+}
+
+std::string CloseWindow(const std::string& window) { return R"("closeWindow": ")" + window + "\""; }
 
 std::string Banner(const std::string& id, const std::string& description) {
   return R"({"id": ")" + id + R"(", "role": "AXGroup", "subrole": "AXNotificationCenterAlert", "description": ")" +

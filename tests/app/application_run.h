@@ -34,8 +34,27 @@ struct ApplicationRun {
 // The messages that begin with the text, in order.
 [[nodiscard]] std::vector<std::string> MessagesOf(const ApplicationRun& run, std::string_view beginning);
 
+inline constexpr const char* SetupTitle = "Set Up Hushlet";
+inline constexpr const char* SettingsTitle = "Hushlet Settings";
+
 // A window of a dump by its title; null when there is none.
 [[nodiscard]] nlohmann::json WindowOf(const nlohmann::json& dump, const std::string& title);
+
+// What changes in the windows. A control that the window does not have is null.
+struct SetupControls {
+  nlohmann::json status;
+  nlohmann::json button;
+};
+struct SettingsControls {
+  nlohmann::json shortcut;
+  nlohmann::json record;
+  nlohmann::json note;  // on the shortcut
+  nlohmann::json access;
+  nlohmann::json autoClose;
+  nlohmann::json openAtLogin;
+};
+[[nodiscard]] SetupControls SetupOf(const nlohmann::json& dump);
+[[nodiscard]] SettingsControls SettingsOf(const nlohmann::json& dump);
 
 // The controls of a window from the top down, rows opened up: "label TEXT", "button TITLE", "checkBox TITLE on".
 [[nodiscard]] std::vector<std::string> ControlsOf(const nlohmann::json& window);
@@ -43,6 +62,14 @@ struct ApplicationRun {
 // An event of the timeline.
 [[nodiscard]] std::string At(double moment, const std::string& event);
 [[nodiscard]] std::string DumpAt(double moment);
+
+// What happens in an event.
+inline constexpr const char* LeftClick = R"("click": "left")";
+inline constexpr const char* Terminate = R"("terminate": true)";
+inline constexpr const char* OpenSettings = R"("choose": "Settings…")";
+inline constexpr const char* OpenSetup = R"("choose": "Accessibility Allowed")";  // with access
+[[nodiscard]] std::string Press(const std::string& control, const std::string& window);
+[[nodiscard]] std::string CloseWindow(const std::string& window);
 
 // One banner of Notification Center's, gone when its close action is performed. Its description begins with the
 // application's name.

@@ -34,9 +34,8 @@ TEST(Conventions, WordTheShortcutNotes) {
   Application application;
   application.host.platform.conventions = conventionsWith(&HLConventions::modifierChoice, std::string("This or That"));
   application.delegate->showSettingsWindow();
-  const auto* note = std::get_if<HLLabel>(&application.host.windows.made.at(0).stack.at(2).what);
-  ASSERT_NE(note, nullptr);
-  EXPECT_EQ(note->text, "Works from any app. Needs at least one of This or That, or an F key.");
+  EXPECT_EQ(ControlNamed<HLLabel>(application.host.windows.made.at(0), "shortcutNoteLabel").text,
+            "Works from any app. Needs at least one of This or That, or an F key.");
   application.delegate->recordEvent({45, HLModifierShift, "n"});
   EXPECT_EQ(application.host.calls.back(), "label Add This or That, or use an F key.");
 }
@@ -66,19 +65,22 @@ TEST(Conventions, NameTheSetupButton) {
   Application application(R"("trusted": false)");
   application.host.platform.conventions = conventionsWith(&HLConventions::accessButton, std::string("Do It"));
   application.delegate->showSetupWindow();
-  const auto* button = std::get_if<HLButton>(&application.host.windows.made.at(0).stack.back().what);
-  ASSERT_NE(button, nullptr);
-  EXPECT_EQ(button->title, "Do It");
+  EXPECT_EQ(ControlNamed<HLButton>(application.host.windows.made.at(0), "setupPrimaryButton").title, "Do It");
 }
 
-TEST(Conventions, GiveALongShortcutItsOwnLine) {
+TEST(Conventions, GiveLongShortcutsTheirOwnLine) {
   for (const bool spells : {false, true}) {
     Application application;
     application.host.platform.conventions = conventionsWith(&HLConventions::spellsModifiers, spells);
     application.delegate->showSettingsWindow();
-    const std::vector<HLStackItem>& stack = application.host.windows.made.at(0).stack;
-    EXPECT_EQ(std::holds_alternative<HLLabel>(stack.at(1).what), spells);
-    EXPECT_EQ(std::get<HLRow>(stack.at(spells ? 2 : 1).what).controls.size(), spells ? 2U : 3U);
+    const HLWindowDescription& settings = application.host.windows.made.at(0);
+    const auto isShortcut = [](const HLStackItem& item) {
+      const auto* label = std::get_if<HLLabel>(&item.what);
+      return label != nullptr && label->name == "shortcutValueLabel";
+    };
+    EXPECT_EQ(std::any_of(settings.stack.begin(), settings.stack.end(), isShortcut), spells);
+    EXPECT_EQ(ControlNamed<HLLabel>(settings, "shortcutValueLabel").size, 15);
+    EXPECT_EQ(ControlNamed<HLButton>(settings, "recordButton").title, "Record Shortcut");
   }
 }
 
@@ -87,11 +89,7 @@ TEST(Conventions, HideTheAutoCloseCheckBox) {
     Application application;
     application.host.platform.conventions = conventionsWith(&HLConventions::offersAutoClose, offered);
     application.delegate->showSettingsWindow();
-    std::vector<std::string> titles;
-    for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
-      if (const auto* box = std::get_if<HLCheckBox>(&item.what)) titles.push_back(box->title);
-    }
-    EXPECT_EQ(titles,
+    EXPECT_EQ(CheckBoxesOf(application.host.windows.made.at(0)),
               offered ? Calls({"Close Shortcuts Automation Banners", "Open at Login"}) : Calls({"Open at Login"}));
   }
 }
@@ -102,24 +100,19 @@ TEST(Conventions, OfferTheHostsOwnChoice) {
     application.host.platform.conventions =
         conventionsWith(&HLConventions::choice, std::optional<HLHostChoice>({"Watch", "Watch It", "To see it."}));
     application.delegate->showSettingsWindow();
-    const HLCheckBox* box = nullptr;
-    Calls labels;
-    for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
-      const auto* found = std::get_if<HLCheckBox>(&item.what);
-      if (found != nullptr && found->title == "Watch It") box = found;
-      if (const auto* label = std::get_if<HLLabel>(&item.what)) labels.push_back(label->text);
-    }
-    ASSERT_NE(box, nullptr);
-    EXPECT_THAT(labels, Contains("To see it."));
+    const HLWindowDescription& settings = application.host.windows.made.at(0);
+    const auto box = ControlNamed<HLCheckBox>(settings, "hostChoiceCheckbox");
+    EXPECT_EQ(box.title, "Watch It");
+    EXPECT_THAT(TextsOf(settings), Contains("To see it."));
     HLUserDefaults& defaults = application.host.platform.userDefaults;
     EXPECT_EQ(HLBooleanDefault(defaults, "Watch"), stored) << "on if nothing is stored";
-    box->action(!stored);
+    box.action(!stored);
     EXPECT_EQ(HLBooleanDefault(defaults, "Watch"), !stored);
     EXPECT_THAT(application.messages("choice"), ElementsAre(std::string("choice Watch=") + (stored ? "off" : "on")));
   }
 }
 
-// The check boxes and orange lines of the settings window on a host with the user's own rules.
+// The orange lines and the check boxes of the settings window on a host with the user's own rules.
 Calls autoCloseParts(const std::string& stored, Calls* mistakes) {
   Application application(R"("trusted": true, "defaults": {)" + stored + "}");
   HLConventions conventions = HLMacConventions();
@@ -129,11 +122,10 @@ Calls autoCloseParts(const std::string& stored, Calls* mistakes) {
   application.delegate->applicationDidFinishLaunching();
   application.delegate->showSettingsWindow();
   Calls parts;
-  for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
-    if (const auto* box = std::get_if<HLCheckBox>(&item.what)) parts.push_back(box->title);
-    const auto* label = std::get_if<HLLabel>(&item.what);
-    if (label != nullptr && label->color == HLTextColor::orange) parts.push_back(label->text);
+  for (const HLLabel& label : ControlsOf<HLLabel>(application.host.windows.made.at(0))) {
+    if (label.color == HLTextColor::orange) parts.push_back(label.text);
   }
+  for (const std::string& title : CheckBoxesOf(application.host.windows.made.at(0))) parts.push_back(title);
   *mistakes = application.messages("autoClose mistake=");
   return parts;
 }
@@ -164,7 +156,7 @@ TEST(Conventions, CloseByTheUsersOwnRules) {
   }
 }
 
-TEST(Conventions, RestoreTheNoteOfACanceledRecording) {
+TEST(Conventions, RestoreTheNoteAfterCanceling) {
   const auto cancelByEscape = [](HLAppDelegate& delegate, SpyHost&) { delegate.recordEvent({53, 0, ""}); };
   const auto cancelByButton = [](HLAppDelegate& delegate, SpyHost&) { delegate.toggleRecording(); };
   const auto closeWindow = [](HLAppDelegate&, SpyHost& host) { host.windows.made.at(0).willClose(); };
@@ -228,7 +220,7 @@ struct Dismissal : Application {
   }
 };
 
-TEST(Failure, ShowsOnTheIconForSomeSeconds) {
+TEST(Failure, ShowsBrieflyOnTheIcon) {
   Dismissal dismissal(kUnclosable);
   EXPECT_THAT(dismissal.host.calls, Contains(std::string("tool tip ") + kNoButton));
   EXPECT_EQ(dismissal.host.calls.end()[-2], "image exclamationmark.triangle");
@@ -254,12 +246,10 @@ TEST(Failure, EndsWithTheNextDismissal) {
 
 TEST(Failure, OpensTheSettingsWithoutAnIcon) {
   Dismissal dismissal(kUnclosable, true, false);
-  ASSERT_EQ(dismissal.host.windows.made.size(), 1U);
-  EXPECT_EQ(dismissal.host.windows.made[0].title, "Hushlet Settings");
-  const auto* last = std::get_if<HLLabel>(&dismissal.host.windows.made[0].stack.back().what);
-  ASSERT_NE(last, nullptr);
-  EXPECT_EQ(last->name, "failureLabel");
-  EXPECT_EQ(last->text, "");
+  ASSERT_THAT(dismissal.host.windows.titles(), ElementsAre("Hushlet Settings"));
+  const HLLabel last = ControlsOf<HLLabel>(dismissal.host.windows.made[0]).back();
+  EXPECT_EQ(last.name, "failureLabel");
+  EXPECT_EQ(last.text, "");
   EXPECT_EQ(dismissal.host.calls.back(), std::string("label ") + kNoButton);
   EXPECT_THAT(dismissal.host.calls, Not(Contains(StartsWith("tool tip"))));
   dismissal.host.windows.made[0].willClose();
@@ -272,7 +262,7 @@ TEST(Failure, NeedsABannerOnScreen) {
   EXPECT_THAT(dismissal.messages("dismissNotifications unfinished"), IsEmpty());
 }
 
-TEST(Failure, StaysSilentUnderTheConventionsOfMacOS) {
+TEST(Failure, StaysSilentOnMacOS) {
   Dismissal dismissal(kUnclosable, false);
   EXPECT_THAT(dismissal.host.calls, Not(Contains(StartsWith("tool tip"))));
   EXPECT_THAT(dismissal.messages("dismissNotifications unfinished"), IsEmpty());
@@ -293,11 +283,10 @@ void launch(Application& application, bool hasIcon) {
   application.desktop.platform().runLoop->runFor(5);
 }
 
-TEST(FirstStart, OpensTheSettingsOnceWithoutAnIcon) {
+TEST(FirstStart, OpensSettingsOnceWithoutAnIcon) {
   Application application;
   launch(application, false);
-  ASSERT_EQ(application.host.windows.made.size(), 1U);
-  EXPECT_EQ(application.host.windows.made[0].title, "Hushlet Settings");
+  EXPECT_THAT(application.host.windows.titles(), ElementsAre("Hushlet Settings"));
   application.host.calls.clear();
   launch(application, false);
   EXPECT_THAT(application.host.calls, Not(Contains("order front")));
@@ -306,9 +295,7 @@ TEST(FirstStart, OpensTheSettingsOnceWithoutAnIcon) {
 TEST(FirstStart, OpensTheSettingsWithoutAccessToo) {
   Application application(R"("trusted": false)");
   launch(application, false);
-  std::vector<std::string> titles;
-  for (const HLWindowDescription& window : application.host.windows.made) titles.push_back(window.title);
-  EXPECT_THAT(titles, ElementsAre("Set Up Hushlet", "Hushlet Settings"));
+  EXPECT_THAT(application.host.windows.titles(), ElementsAre("Set Up Hushlet", "Hushlet Settings"));
 }
 
 TEST(FirstStart, OpensNothingWithAnIcon) {

@@ -21,7 +21,7 @@ TEST(RequestSteps, ChangeButtonOnMainQueueOnly) {
   EXPECT_EQ(request.runLoop.steps.size(), 2U) << "the count and the outcome";
 }
 
-TEST(RequestSteps, LeaveTheButtonAloneAfterTheOutcome) {
+TEST(RequestSteps, KeepTheButtonAfterTheOutcome) {
   Request request;
   HLReportProgress(5);
   request.runWork();

@@ -24,8 +24,7 @@ std::string slowBanner(const std::string& id, double seconds) {
 
 ApplicationScene slowScene(bool isProduct) {
   return {.isProduct = isProduct,
-          .timeline = {At(1, R"("click": "left")"), DumpAt(1), DumpAt(1.1), At(1.5, R"("click": "left")"), DumpAt(2.2),
-                       DumpAt(9)},
+          .timeline = {At(1, LeftClick), DumpAt(1), DumpAt(1.1), At(1.5, LeftClick), DumpAt(2.2), DumpAt(9)},
           .windows = BannerWindow({slowBanner("a", 1), slowBanner("b", 1), slowBanner("c", 1), slowBanner("d", 1),
                                    slowBanner("e", 2), slowBanner("f", 2), slowBanner("g", 2)})};
 }
@@ -53,7 +52,7 @@ TEST(DismissRequest, LogsStartAndOutcome) {
 TEST(DismissRequest, LogsWholeMilliseconds) {
   // One press that takes three seconds, then 0.08 and 0.32 seconds of waiting for the screen.
   const ApplicationRun run =
-      RunApplication({.timeline = {At(1, R"("click": "left")")}, .windows = BannerWindow({slowBanner("a", 3)})});
+      RunApplication({.timeline = {At(1, LeftClick)}, .windows = BannerWindow({slowBanner("a", 3)})});
   EXPECT_THAT(MessagesOf(run, "dismissNotifications outcome"),
               ElementsAre("dismissNotifications outcome status=success dismissed=1 remaining=0 elapsedMs=3080"));
 }
@@ -66,8 +65,8 @@ TEST(DismissRequest, IsDroppedWhileAnotherRuns) {
 }
 
 TEST(DismissRequest, CanFollowAnotherThatHasEnded) {
-  const ApplicationRun run = RunApplication({.timeline = {At(1, R"("click": "left")"), At(30, R"("click": "left")")},
-                                             .windows = BannerWindow({Banner("a", "Mail, One")})});
+  const ApplicationRun run = RunApplication(
+      {.timeline = {At(1, LeftClick), At(30, LeftClick)}, .windows = BannerWindow({Banner("a", "Mail, One")})});
   EXPECT_EQ(MessagesOf(run, "dismissNotifications started").size(), 2U);
   EXPECT_THAT(MessagesOf(run, "dismissNotifications outcome").at(1),
               testing::StartsWith("dismissNotifications outcome status=nothing dismissed=0 remaining=0 elapsedMs="));
@@ -75,7 +74,7 @@ TEST(DismissRequest, CanFollowAnotherThatHasEnded) {
 
 TEST(DismissRequest, EndsWhenTheApplicationQuits) {
   ApplicationScene scene = slowScene(true);
-  scene.timeline = {At(1, R"("click": "left")"), At(2.5, R"("choose": "Quit Hushlet")"), DumpAt(3)};
+  scene.timeline = {At(1, LeftClick), At(2.5, R"("choose": "Quit Hushlet")"), DumpAt(3)};
   const ApplicationRun run = RunApplication(scene);
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.record["at"], 2.5);
@@ -96,34 +95,32 @@ TEST(DismissRequest, KeepsTheProductImage) {
 
 TEST(DismissRequest, OnlyLogsWithoutNotificationCenter) {
   const ApplicationRun run =
-      RunApplication({.timeline = {At(1, R"("click": "left")"), DumpAt(2)}, .hasNotificationCenter = false});
+      RunApplication({.timeline = {At(1, LeftClick), DumpAt(2)}, .hasNotificationCenter = false});
   EXPECT_THAT(MessagesOf(run, "dismissNotifications outcome"),
               ElementsAre(testing::StartsWith("dismissNotifications outcome status=notificationCenterUnavailable ")));
   EXPECT_THAT(run.dumps.at(0)["windows"], IsEmpty());
 }
 
 // The one that the launch has opened is out of the way first.
-constexpr const char* kCloseSetup = R"("closeWindow": "Set Up Hushlet")";
+const std::string kCloseSetup = CloseWindow(SetupTitle);
 
-TEST(AccessDenied, OpensTheSetupWindowOnceInAProcess) {
-  const ApplicationRun run =
-      RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), DumpAt(1.5), At(2, kCloseSetup),
-                                   At(3, R"("click": "left")"), DumpAt(4)},
-                      .further = Untrusted});
+TEST(AccessDenied, OpensSetupOncePerProcess) {
+  const ApplicationRun run = RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, LeftClick), DumpAt(1.5),
+                                                          At(2, kCloseSetup), At(3, LeftClick), DumpAt(4)},
+                                             .further = Untrusted});
   EXPECT_EQ(MessagesOf(run, "accessibility unavailable from running app; showing setup").size(), 1U);
   EXPECT_THAT(MessagesOf(run, "dismissNotifications outcome"),
               testing::Each(MatchesRegex(
                   "dismissNotifications outcome status=accessDenied dismissed=0 remaining=0 elapsedMs=0")));
-  EXPECT_EQ(WindowOf(run.dumps.at(0), "Set Up Hushlet")["visible"], true);
-  EXPECT_EQ(WindowOf(run.dumps.at(1), "Set Up Hushlet")["visible"], false);
+  EXPECT_EQ(WindowOf(run.dumps.at(0), SetupTitle)["visible"], true);
+  EXPECT_EQ(WindowOf(run.dumps.at(1), SetupTitle)["visible"], false);
   EXPECT_EQ(run.dumps.at(1)["statusItem"]["image"], "exclamationmark.triangle");
 }
 
-TEST(AccessDenied, RefreshesTheButtonEachTimeItHappens) {
-  const ApplicationRun run =
-      RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), At(1.5, kCloseSetup),
-                                   At(2, R"("click": "left")"), At(2.5, R"("terminate": true)")},
-                      .further = Untrusted});
+TEST(AccessDenied, RefreshesTheButtonEachTime) {
+  const ApplicationRun run = RunApplication(
+      {.timeline = {At(0.5, kCloseSetup), At(1, LeftClick), At(1.5, kCloseSetup), At(2, LeftClick), At(2.5, Terminate)},
+       .further = Untrusted});
   ASSERT_GE(run.log.size(), 2U);
   EXPECT_THAT(run.log.end()[-2], testing::StartsWith("dismissNotifications outcome status=accessDenied "));
   EXPECT_EQ(run.log.end()[-1], "refreshStatusItem available=false visible=true");
@@ -131,8 +128,7 @@ TEST(AccessDenied, RefreshesTheButtonEachTimeItHappens) {
 
 TEST(AccessDenied, RefreshesTheButtonTwice) {
   const ApplicationRun run =
-      RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, R"("click": "left")"), At(1.5, R"("terminate": true)")},
-                      .further = Untrusted});
+      RunApplication({.timeline = {At(0.5, kCloseSetup), At(1, LeftClick), At(1.5, Terminate)}, .further = Untrusted});
   const auto outcome = std::find_if(run.log.begin(), run.log.end(), [](const std::string& message) {
     return message.starts_with("dismissNotifications outcome");
   });

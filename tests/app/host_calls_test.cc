@@ -12,7 +12,6 @@
 #include <sstream>
 #include <string>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "app/access.h"
@@ -40,8 +39,7 @@ TEST(RunningTheApplication, OpensSettingsOnSecondStart) {
   calls.erase(calls.begin(), std::find(calls.begin(), calls.end(), "launched"));
   EXPECT_THAT(calls, ElementsAre("launched", "label ⌃⌥⌘N", "label Allowed", "look at auto-close", "center", "activate",
                                  "order front"));
-  ASSERT_EQ(application.host.windows.made.size(), 1U);
-  EXPECT_EQ(application.host.windows.made[0].title, "Hushlet Settings");
+  ASSERT_THAT(application.host.windows.titles(), ElementsAre("Hushlet Settings"));
   EXPECT_EQ(application.host.windows.made[0].sideMargin, 24);
   EXPECT_EQ(application.host.windows.made[0].verticalMargin, 22);
 }
@@ -83,8 +81,7 @@ TEST(LaunchCalls, FollowTheLaunchSequence) {
 TEST(LaunchCalls, OpenSetupIfUntrustedAtFirst) {
   Application application(R"("trusted": true)", "Hushlet", 1);
   application.delegate->applicationDidFinishLaunching();
-  ASSERT_EQ(application.host.windows.made.size(), 1U);
-  EXPECT_EQ(application.host.windows.made[0].title, "Set Up Hushlet");
+  EXPECT_THAT(application.host.windows.titles(), ElementsAre("Set Up Hushlet"));
 }
 
 TEST(LaunchCalls, TitleTheMenu) {
@@ -119,11 +116,8 @@ TEST(SetupWindowCalls, InsertTheNameIntoHostTexts) {
   conventions.accessNote = "A note on %@";
   application.host.platform.conventions = conventions;
   application.delegate->showSetupWindow();
-  std::vector<std::string> texts;
-  for (const HLStackItem& item : application.host.windows.made.at(0).stack) {
-    if (const auto* label = std::get_if<HLLabel>(&item.what)) texts.push_back(label->text);
-  }
-  EXPECT_THAT(texts, ElementsAre("Allow Accessibility", "A%@ explains A%@.", "Steps", "A note on A%@", ""));
+  EXPECT_THAT(TextsOf(application.host.windows.made.at(0)),
+              ElementsAre("Allow Accessibility", "A%@ explains A%@.", "Steps", "A note on A%@", ""));
 }
 
 TEST(SetupWindowCalls, MakeTheWindowOnce) {
@@ -186,12 +180,7 @@ TEST(HostWithoutHotKeys, BlamesNoOtherProgram) {
   host.hotKeys.status = HLHotKeyStatus::failed;
   host.hotKeys.reason = "None here.";
   application.delegate->showSettingsWindow();
-  const auto isTheNote = [](const HLStackItem& item) {
-    const auto* label = std::get_if<HLLabel>(&item.what);
-    return label != nullptr && label->name == "shortcutNoteLabel" && label->text == "None here.";
-  };
-  const std::vector<HLStackItem>& stack = host.windows.made.at(0).stack;
-  EXPECT_TRUE(std::any_of(stack.begin(), stack.end(), isTheNote));
+  EXPECT_EQ(ControlNamed<HLLabel>(host.windows.made.at(0), "shortcutNoteLabel").text, "None here.");
   host.calls.clear();
   application.delegate->recordEvent({45, HLModifierControl, "n"});
   EXPECT_EQ(host.calls.back(), "label None here.");

@@ -21,7 +21,7 @@ TEST(ShortcutLabel, WritesModifiersInOneOrder) {
   EXPECT_EQ(HLShortcutLabel(0, "F5"), "F5");
 }
 
-TEST(ShortcutLabel, PutsAQuestionMarkForAMissingKey) {
+TEST(ShortcutLabel, ReplacesAMissingKey) {
   EXPECT_EQ(HLShortcutLabel(kCommand, std::nullopt), "⌘?");
   EXPECT_EQ(HLShortcutLabel(kCommand, ""), "⌘");
 }

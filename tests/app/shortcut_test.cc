@@ -12,12 +12,10 @@ namespace {
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::StartsWith;
 
-constexpr const char* kOpen = R"("choose": "Settings…")";
-constexpr const char* kRecord = R"("press": "Record Shortcut", "window": "Hushlet Settings")";
-constexpr const char* kClear = R"("press": "Clear", "window": "Hushlet Settings")";
-constexpr const char* kAddModifiers = "Add Command, Option or Control, or use an F key.";
-constexpr const char* kSaved = "Saved. Works from any app.";
+const std::string kRecord = Press("Record Shortcut", SettingsTitle);
+const std::string kClear = Press("Clear", SettingsTitle);
 
 std::string key(int code, const std::string& modifiers, const std::string& characters) {
   return R"("key": {"code": )" + std::to_string(code) + R"(, "modifiers": [)" + modifiers + R"(], "characters": ")" +
@@ -28,16 +26,15 @@ std::string shortcut(int code, const std::string& modifiers) {
   return R"("shortcut": {"code": )" + std::to_string(code) + R"(, "modifiers": [)" + modifiers + "]}";
 }
 
-json settings(const json& dump) { return WindowOf(dump, "Hushlet Settings"); }
-std::string shownShortcut(const json& dump) { return settings(dump)["content"][1]["row"][0]["label"]; }
-std::string recordTitle(const json& dump) { return settings(dump)["content"][1]["row"][1]["button"]; }
-std::string note(const json& dump) { return settings(dump)["content"][2]["label"]; }
-std::string noteColor(const json& dump) { return settings(dump)["content"][2]["color"]; }
+std::string shownShortcut(const json& dump) { return SettingsOf(dump).shortcut["label"]; }
+std::string recordTitle(const json& dump) { return SettingsOf(dump).record["button"]; }
+std::string note(const json& dump) { return SettingsOf(dump).note["label"]; }
+std::string noteColor(const json& dump) { return SettingsOf(dump).note["color"]; }
 
 // The settings are opened, recording begins, and these events follow at 3, 4, ... seconds; the dump is made last.
 ApplicationRun record(const std::vector<std::string>& events, const std::string& further = "") {
   ApplicationScene scene;
-  scene.timeline = {At(1, kOpen), At(2, kRecord)};
+  scene.timeline = {At(1, OpenSettings), At(2, kRecord)};
   double moment = 3;
   for (const std::string& event : events) scene.timeline.push_back(At(moment++, event));
   scene.timeline.push_back(DumpAt(moment));
@@ -66,12 +63,11 @@ TEST(Recording, RefreshesSettingsHoweverItEnds) {
   const std::string further =
       R"(, "trusted": false, "defaults": {"HLAutoCloseAutomationBanners": true},
        "services": {"refusedHotKeys": [{"code": 40, "modifiers": ["command"], "status": -9878}]})";
-  for (const std::string& last :
-       {key(53, "", ""), key(40, R"("command")", "k"), key(0, R"("command")", "a"), std::string(kClear)}) {
-    const ApplicationRun run = record({R"("closeWindow": "Set Up Hushlet")", R"("trust": true)", last}, further);
-    EXPECT_EQ(settings(run.dumps.at(0))["content"][4]["row"][0]["label"], "Allowed") << last;
+  for (const std::string& last : {key(53, "", ""), key(40, R"("command")", "k"), key(0, R"("command")", "a"), kClear}) {
+    const ApplicationRun run = record({CloseWindow(SetupTitle), R"("trust": true)", last}, further);
+    EXPECT_EQ(SettingsOf(run.dumps.at(0)).access["color"], "green") << last;
     ASSERT_GE(run.log.size(), 2U);
-    EXPECT_THAT(run.log.end()[-2], testing::StartsWith("hotKey ")) << last;
+    EXPECT_THAT(run.log.end()[-2], StartsWith("hotKey ")) << last;
     EXPECT_EQ(run.log.end()[-1], "auto-close watching pid=400 register=0") << last;
   }
 }
@@ -79,7 +75,7 @@ TEST(Recording, RefreshesSettingsHoweverItEnds) {
 TEST(Shortcut, IsNoneForNegativeCodes) {
   for (const char* code : {"-1", "-2", "-2147483649"}) {
     const ApplicationRun run =
-        RunApplication({.timeline = {At(1, kOpen), DumpAt(2)},
+        RunApplication({.timeline = {At(1, OpenSettings), DumpAt(2)},
                         .further = R"(, "defaults": {"HLHotKeyCode": )" + std::string(code) + "}"});
     EXPECT_EQ(shownShortcut(run.dumps.at(0)), "None") << code;
     EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr) << code;
@@ -88,8 +84,9 @@ TEST(Shortcut, IsNoneForNegativeCodes) {
 }
 
 TEST(Shortcut, ShowsAQuestionMarkWithoutLabel) {
-  const ApplicationRun run = RunApplication(
-      {.isProduct = false, .timeline = {At(1, kOpen), DumpAt(2)}, .further = R"(, "defaults": {"HLHotKeyCode": 96})"});
+  const ApplicationRun run = RunApplication({.isProduct = false,
+                                             .timeline = {At(1, OpenSettings), DumpAt(2)},
+                                             .further = R"(, "defaults": {"HLHotKeyCode": 96})"});
   EXPECT_EQ(shownShortcut(run.dumps.at(0)), "?");
 }
 
@@ -137,7 +134,7 @@ TEST(HotKeyEvent, PassesOnOtherIdentities) {
 TEST(Recording, ReleasesTheCurrentShortcut) {
   const ApplicationRun run = record({shortcut(45, R"("control", "option", "command")")});
   EXPECT_EQ(recordTitle(run.dumps.at(0)), "Type Shortcut…");
-  EXPECT_EQ(note(run.dumps.at(0)), "Press the new shortcut. Escape cancels.");
+  EXPECT_THAT(note(run.dumps.at(0)), StartsWith("Press "));
   EXPECT_EQ(noteColor(run.dumps.at(0)), "secondary");
   EXPECT_EQ(run.dumps.at(0)["recording"], true);
   EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
@@ -147,7 +144,7 @@ TEST(Recording, ReleasesTheCurrentShortcut) {
 TEST(Recording, RefusesKeysWithoutModifiers) {
   for (const char* modifiers : {"", R"("shift")", R"("capsLock", "function")"}) {
     const ApplicationRun run = record({key(0, modifiers, "a")});
-    EXPECT_EQ(note(run.dumps.at(0)), kAddModifiers);
+    EXPECT_THAT(note(run.dumps.at(0)), StartsWith("Add "));
     EXPECT_EQ(noteColor(run.dumps.at(0)), "orange");
     EXPECT_EQ(run.dumps.at(0)["beeps"], 1);
     EXPECT_EQ(run.dumps.at(0)["recording"], true);
@@ -162,7 +159,7 @@ TEST(Recording, AcceptsEachOfThreeModifiers) {
     const json& dump = run.dumps.at(0);
     EXPECT_EQ(dump["defaults"], (json{{"HLHotKeyCode", 0}, {"HLHotKeyModifiers", flag}, {"HLHotKeyKeyLabel", "A"}}));
     EXPECT_EQ(shownShortcut(dump), std::string(glyph) + "A");
-    EXPECT_EQ(note(dump), kSaved);
+    EXPECT_THAT(note(dump), StartsWith("Saved."));
     EXPECT_EQ(noteColor(dump), "secondary");
     EXPECT_EQ(recordTitle(dump), "Record Shortcut");
     EXPECT_EQ(dump["recording"], false);
@@ -205,27 +202,26 @@ TEST(Recording, AcceptsEscapeWithAModifier) {
 
 TEST(Recording, RefusesEscapeWithShift) {
   const ApplicationRun run = record({key(53, R"("shift")", "")});
-  EXPECT_EQ(note(run.dumps.at(0)), kAddModifiers);
+  EXPECT_THAT(note(run.dumps.at(0)), StartsWith("Add "));
   EXPECT_EQ(run.dumps.at(0)["recording"], true);
 }
 
 TEST(Recording, RestoresOldShortcutOnSecondClick) {
-  const ApplicationRun run = record({R"("press": "Type Shortcut…", "window": "Hushlet Settings")"});
+  const ApplicationRun run = record({Press("Type Shortcut…", SettingsTitle)});
   EXPECT_EQ(run.dumps.at(0)["recording"], false);
   EXPECT_EQ(recordTitle(run.dumps.at(0)), "Record Shortcut");
   EXPECT_EQ(run.dumps.at(0)["hotKey"]["code"], 45);
 }
 
 TEST(Recording, ContinuesWhenSettingsAreReopened) {
-  const ApplicationRun run = record({kOpen});
+  const ApplicationRun run = record({OpenSettings});
   EXPECT_EQ(run.dumps.at(0)["recording"], true);
   EXPECT_EQ(recordTitle(run.dumps.at(0)), "Type Shortcut…");
   EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
 }
 
 TEST(Recording, LeavesShortcutInactiveWhenWindowCloses) {
-  const ApplicationRun run =
-      record({R"("closeWindow": "Hushlet Settings")", shortcut(45, R"("control", "option", "command")")});
+  const ApplicationRun run = record({CloseWindow(SettingsTitle), shortcut(45, R"("control", "option", "command")")});
   EXPECT_EQ(run.dumps.at(0)["recording"], false);
   EXPECT_EQ(recordTitle(run.dumps.at(0)), "Record Shortcut");
   EXPECT_EQ(run.dumps.at(0)["hotKey"], nullptr);
@@ -238,7 +234,7 @@ constexpr const char* kRefused =
 TEST(Recording, RestoresOldShortcutWhenRefused) {
   const ApplicationRun run = record({key(40, R"("command")", "k")}, kRefused);
   const json& dump = run.dumps.at(0);
-  EXPECT_EQ(note(dump), "⌘K is already used by another app. Try a different one.");
+  EXPECT_THAT(note(dump), StartsWith("⌘K is already used"));
   EXPECT_EQ(noteColor(dump), "orange");
   EXPECT_EQ(shownShortcut(dump), "⌃⌥⌘N");
   EXPECT_EQ(dump["hotKey"], (json{{"code", 45}, {"modifiers", 0x1900}}));
@@ -254,7 +250,7 @@ TEST(Recording, TreatsNonzeroStatusAsRefusal) {
     const ApplicationRun run = record({key(40, R"("command")", "k")}, R"(, "services": {"refusedHotKeys": [
       {"code": 40, "modifiers": ["command"], "status": )" + std::string(status) +
                                                                           "}]}");
-    EXPECT_EQ(note(run.dumps.at(0)), "⌘K is already used by another app. Try a different one.") << status;
+    EXPECT_THAT(note(run.dumps.at(0)), StartsWith("⌘K is already used")) << status;
     EXPECT_EQ(run.dumps.at(0)["hotKey"]["code"], 45) << status;
   }
 }
@@ -262,7 +258,7 @@ TEST(Recording, TreatsNonzeroStatusAsRefusal) {
 TEST(Recording, KeepsRefusedLabelWithoutOldOne) {
   ApplicationScene scene;
   scene.isProduct = false;
-  scene.timeline = {At(1, kOpen), At(2, kRecord), At(3, key(40, R"("command")", "k")), DumpAt(4)};
+  scene.timeline = {At(1, OpenSettings), At(2, kRecord), At(3, key(40, R"("command")", "k")), DumpAt(4)};
   scene.further = kRefused;
   const ApplicationRun run = RunApplication(scene);
   EXPECT_EQ(run.dumps.at(0)["defaults"],
@@ -272,11 +268,12 @@ TEST(Recording, KeepsRefusedLabelWithoutOldOne) {
 
 TEST(Clearing, LeavesNoShortcut) {
   ApplicationScene scene;
-  scene.timeline = {At(1, kOpen), At(2, kClear), At(3, shortcut(45, R"("control", "option", "command")")), DumpAt(4)};
+  scene.timeline = {At(1, OpenSettings), At(2, kClear), At(3, shortcut(45, R"("control", "option", "command")")),
+                    DumpAt(4)};
   const ApplicationRun run = RunApplication(scene);
   const json& dump = run.dumps.at(0);
   EXPECT_EQ(shownShortcut(dump), "None");
-  EXPECT_EQ(note(dump), "No shortcut. Click the menu bar icon to clear notifications.");
+  EXPECT_THAT(note(dump), StartsWith("No shortcut."));
   EXPECT_EQ(noteColor(dump), "secondary");
   EXPECT_EQ(dump["defaults"], (json{{"HLHotKeyCode", -1}}));
   EXPECT_EQ(dump["hotKey"], nullptr);

@@ -8,7 +8,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "core/scan/notification_center.h"
@@ -126,13 +125,13 @@ TEST(Trial, NamesAServerWhoseBannersStay) {
   EXPECT_EQ(trials.calls.back(), "withdraw");
 }
 
-TEST(Trial, NamesAServerThatCannotBeRead) {
+TEST(Trial, NamesAnUnreadableServer) {
   Application application(R"("trusted": true)");
   SceneTrials trials;
   EXPECT_THAT(HLRunTrial(trials, kTitle).text, HasSubstr("because it does not offer its windows"));
 }
 
-TEST(Trial, SaysThatNoBannerAppeared) {
+TEST(Trial, ReportsAMissingBanner) {
   Application application(sceneWith("", closable("other", "Other")));
   SceneTrials trials;
   EXPECT_THAT(HLRunTrial(trials, kTitle).text,
@@ -141,7 +140,7 @@ TEST(Trial, SaysThatNoBannerAppeared) {
   EXPECT_EQ(descriptions().size(), 1U);
 }
 
-TEST(Trial, SaysThatTheBannerWentByItself) {
+TEST(Trial, ReportsABannerThatExpired) {
   Application application(R"("trusted": true, "applications": [{"pid": 400,
     "bundleIdentifier": "com.apple.notificationcenterui", "windows": [{"id": "w", "role": "AXWindow", "children": [)" +
                           banner("mine", kTitle, "") + R"(]}]}], "timeline": [{"at": 0.3, "remove": "mine"}])");
@@ -168,7 +167,7 @@ TEST(Trial, PostsNothingWithoutAccess) {
   EXPECT_THAT(trials.calls, IsEmpty());
 }
 
-TEST(Trial, SaysThatTheServerRefuses) {
+TEST(Trial, ReportsARefusingServer) {
   Application application(sceneWith(""));
   SceneTrials trials;
   trials.accepts = false;
@@ -177,17 +176,14 @@ TEST(Trial, SaysThatTheServerRefuses) {
 
 // The button
 
-const HLButton* trialButton(const HLWindowDescription& window) {
-  for (const HLStackItem& item : window.stack) {
-    const auto* row = std::get_if<HLRow>(&item.what);
-    if (row == nullptr) continue;
-    const auto* button = std::get_if<HLButton>(&row->controls.back());
-    if (button != nullptr && button->title == "Try It") return button;
+std::optional<HLButton> trialButton(const HLWindowDescription& window) {
+  for (const HLButton& button : ControlsOf<HLButton>(window)) {
+    if (button.title == "Try It") return button;
   }
-  return nullptr;
+  return std::nullopt;
 }
 
-TEST(TrialButton, StandsInBothWindowsOnlyWhereOffered) {
+TEST(TrialButton, AppearsInBothWindowsIfOffered) {
   for (const bool offered : {false, true}) {
     Application application;
     SceneTrials trials;
@@ -196,12 +192,12 @@ TEST(TrialButton, StandsInBothWindowsOnlyWhereOffered) {
     application.delegate->showSettingsWindow();
     ASSERT_EQ(application.host.windows.made.size(), 2U);
     for (const HLWindowDescription& window : application.host.windows.made) {
-      EXPECT_EQ(trialButton(window) != nullptr, offered) << window.title;
+      EXPECT_EQ(trialButton(window).has_value(), offered) << window.title;
     }
   }
 }
 
-TEST(TrialButton, AnswersInTheWindowAndTheLog) {
+TEST(TrialButton, ReportsInWindowAndLog) {
   Application application(sceneWith(closable("mine", "Hushlet trial")));
   SceneTrials trials;
   trials.doNotDisturb = true;

@@ -23,7 +23,7 @@ ApplicationRun check(const std::string& services) {
   return RunApplication({.timeline = {At(1, kCheck), DumpAt(30)}, .further = services});
 }
 
-TEST(UpdateCheck, OffersTheDownloadOfANewerBuild) {
+TEST(UpdateCheck, OffersANewerBuild) {
   const ApplicationRun run = check(feed(std::string(R"("status": 200, "body": )") + kBody));
   EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre("update check status=200 kind=1 feedBuild=12 build=11"));
   ASSERT_EQ(run.dumps.at(0)["alerts"].size(), 1U);
@@ -36,14 +36,14 @@ TEST(UpdateCheck, OffersTheDownloadOfANewerBuild) {
   EXPECT_THAT(run.dumps.at(0)["openedAddresses"], ElementsAre("https://updates.hushlet.example/quillmere/download"));
 }
 
-TEST(UpdateCheck, OpensNothingWhenTheUserSaysLater) {
+TEST(UpdateCheck, OpensNothingAfterLater) {
   const ApplicationRun run =
       check(feed(std::string(R"("status": 200, "body": )") + kBody, R"(, "alertAnswers": ["Later"])"));
   EXPECT_EQ(run.dumps.at(0)["alerts"][0]["answer"], "Later");
   EXPECT_THAT(run.dumps.at(0)["openedAddresses"], IsEmpty());
 }
 
-TEST(UpdateCheck, SaysWhenTheProgramIsUpToDate) {
+TEST(UpdateCheck, ReportsTheNewestBuild) {
   const ApplicationRun run =
       check(feed(R"("status": 200, "body": "{\"version\": \"1.3\", \"build\": 11, \"released\": 5}")"));
   EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre("update check status=200 kind=0 feedBuild=11 build=11"));
@@ -122,7 +122,7 @@ TEST(UpdateCheck, AcceptsBuildAsNumberOrText) {
   }
 }
 
-TEST(UpdateCheck, ReadsANumberAsTheInstalledVersion) {
+TEST(UpdateCheck, AcceptsANumericInstalledVersion) {
   for (const auto& [version, named] :
        {std::pair{"1.5", "1.5"}, {"2", "2"}, {"\"1.3 beta\"", "1.3 beta"}, {"[1]", "?"}}) {
     const ApplicationRun run = RunApplication(

@@ -61,7 +61,7 @@ TEST(UpdateFeed, NamesTheDownloadPageOnFailure) {
             "Try again later, or get the newest version at updates.hushlet.example/quillmere/download.");
 }
 
-TEST(UpdateFeed, HasItsAddressesOnTheUpdateServer) {
+TEST(UpdateFeed, UsesTheUpdateServer) {
   EXPECT_EQ(QLMUpdateFeedURL(), "https://updates.hushlet.example/quillmere/latest.json");
   EXPECT_EQ(QLMDownloadURL(), "https://updates.hushlet.example/quillmere/download");
 }

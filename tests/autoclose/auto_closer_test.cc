@@ -62,7 +62,7 @@ void watch(HLAutoCloser& closer, double seconds) {
   HLCurrentPlatform().runLoop->runFor(seconds);
 }
 
-TEST(AutoCloser, ClosesTheBannerOfAnAutomationAndLeavesTheOthers) {
+TEST(AutoCloser, ClosesAutomationBannersOnly) {
   SimulatedDesktop desktop(scene(banner("automation", kBanner, R"("AXPress", "Name:Close\nTarget:0x0")") + "," +
                                      banner("mail", "Mail, hello", R"("AXPress", "Name:Close")"),
                                  layoutChanges({"mail", "automation"})));
@@ -75,7 +75,7 @@ TEST(AutoCloser, ClosesTheBannerOfAnAutomationAndLeavesTheOthers) {
             (Lines{"auto-close watching pid=400 register=0", "auto-close app=Shortcuts error=0 closed=1"}));
 }
 
-TEST(AutoCloser, ActsOnADescriptionOnceHoweverOftenItIsLaidOut) {
+TEST(AutoCloser, HandlesADescriptionOnce) {
   SimulatedDesktop desktop(
       scene(banner("automation", kBanner, R"("Name:Close")"), layoutChanges({"automation", "automation"})));
   HLAutoCloser closer;
@@ -84,7 +84,7 @@ TEST(AutoCloser, ActsOnADescriptionOnceHoweverOftenItIsLaidOut) {
   EXPECT_EQ(statusLog(desktop).size(), 2U);
 }
 
-TEST(AutoCloser, AFailedCloseIsLoggedAndNotTriedAgain) {
+TEST(AutoCloser, LogsAFailedCloseOnce) {
   SimulatedDesktop desktop(
       scene(banner("automation", kBanner, R"("Name:Close")", R"(,"onAction": {"Name:Close": {"error": -25204}})"),
             layoutChanges({"automation", "automation"})));
@@ -107,7 +107,7 @@ TEST(AutoCloser, IgnoresEveryOtherSubrole) {
   EXPECT_TRUE(closer.handled().empty());
 }
 
-TEST(AutoCloser, TakesTheFirstCloseActionThatIsListed) {
+TEST(AutoCloser, TakesTheFirstCloseAction) {
   const std::string other = "Shortcuts, Running your automation, again";
   const std::string third = "Shortcuts, Running your automation, late";
   SimulatedDesktop desktop(scene(banner("a", kBanner, R"("AXPress", "AXClose", "Name:Close")") + "," +
@@ -121,7 +121,7 @@ TEST(AutoCloser, TakesTheFirstCloseActionThatIsListed) {
   EXPECT_EQ(statusLog(desktop).size(), 3U);
 }
 
-TEST(AutoCloser, ForgetsWhatItHandledAfterTwoHundredDescriptions) {
+TEST(AutoCloser, ForgetsAfter200Descriptions) {
   std::string alerts;
   std::vector<std::string> events;
   for (int i = 1; i <= 202; ++i) {
@@ -139,7 +139,7 @@ TEST(AutoCloser, ForgetsWhatItHandledAfterTwoHundredDescriptions) {
   EXPECT_EQ(presses(desktop).back().first, "a1");
 }
 
-TEST(AutoCloser, RepeatsAfterAWhileIfToldSo) {
+TEST(AutoCloser, RepeatsAfterAConfiguredDelay) {
   // Layout changes at 0.5, 1, ... 2.5 seconds.
   SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"), layoutChanges({"a", "a", "a", "a", "a"})));
   HLAutoCloser closer;
@@ -149,7 +149,7 @@ TEST(AutoCloser, RepeatsAfterAWhileIfToldSo) {
   EXPECT_EQ(closer.handled().size(), 1U);
 }
 
-TEST(AutoCloser, IsToldOfALaidOutElementBelowTheApplication) {
+TEST(AutoCloser, HandlesLayoutChangesOfDescendants) {
   SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"),
                                  R"(,"timeline": [{"at": 0.5, "notify": "AXCreated", "element": "a"}])"));
   HLAutoCloser closer;
@@ -157,7 +157,7 @@ TEST(AutoCloser, IsToldOfALaidOutElementBelowTheApplication) {
   EXPECT_EQ(presses(desktop), Presses{});
 }
 
-TEST(AutoCloser, WithoutRulesNothingMatches) {
+TEST(AutoCloser, MatchesNothingWithoutRules) {
   SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"), layoutChanges({"a"})));
   HLAutoCloser closer;
   closer.startForCurrentNotificationCenter();
@@ -178,7 +178,7 @@ TEST(AutoCloser, StartedTwiceItWatchesOnce) {
                    "auto-close app=Shortcuts error=-25204 closed=0"}));
 }
 
-TEST(AutoCloser, StoppedItKeepsItsCountAndClosesNothing) {
+TEST(AutoCloser, KeepsItsCountWhenStopped) {
   SimulatedDesktop desktop(
       scene(banner("a", kBanner, R"("Name:Close")") + "," + banner("b", std::string(kBanner) + " b", R"("Name:Close")"),
             layoutChanges({"a", "b"})));
@@ -210,7 +210,7 @@ TEST(AutoCloser, SaysWhyItCouldNotStart) {
   EXPECT_EQ(statusLog(desktop), Lines{"auto-close start failed nc=present"});
 }
 
-TEST(AutoCloser, ARefusedRegistrationIsLoggedAndNotActedUpon) {
+TEST(AutoCloser, LogsARefusedRegistration) {
   SimulatedDesktop desktop(
       R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
           "registerErrors": {"AXLayoutChanged": -25207}}])" +
@@ -221,7 +221,7 @@ TEST(AutoCloser, ARefusedRegistrationIsLoggedAndNotActedUpon) {
   EXPECT_EQ(statusLog(desktop), Lines{"auto-close watching pid=400 register=-25207"});
 }
 
-TEST(AutoCloseProbe, WatchesForItsTimeAndPrintsHowManyItClosed) {
+TEST(AutoCloseProbe, PrintsHowManyItClosed) {
   const SimulatedDesktop desktop(
       scene(banner("a", kBanner, R"("Name:Close")") + "," + banner("b", "Mail, Weekly Report", R"("Name:Close")"),
             layoutChanges({"a", "b"})),
@@ -232,7 +232,7 @@ TEST(AutoCloseProbe, WatchesForItsTimeAndPrintsHowManyItClosed) {
   EXPECT_EQ(desktop.elapsedMicroseconds(), 2'500'000);
 }
 
-TEST(AutoCloseProbe, WithoutATestRuleOnlyTheBuiltInOneHolds) {
+TEST(AutoCloseProbe, UsesTheBuiltInRuleAlone) {
   const SimulatedDesktop desktop(
       scene(banner("a", kBanner, R"("Name:Close")") + "," + banner("b", "Mail, Weekly Report", R"("Name:Close")"),
             layoutChanges({"a", "b"})));
@@ -241,7 +241,7 @@ TEST(AutoCloseProbe, WithoutATestRuleOnlyTheBuiltInOneHolds) {
   EXPECT_EQ(out.str(), "watching\nclosed=1\n");
 }
 
-TEST(AutoCloseProbe, WithoutNotificationCenterItPrintsNothing) {
+TEST(AutoCloseProbe, PrintsNothingWithoutNotificationCenter) {
   const SimulatedDesktop desktop("{" + kProduct.substr(1) + "}");
   std::ostringstream out;
   EXPECT_EQ(HLRunAutoCloseProbe(2.5, out), 1);

@@ -24,7 +24,7 @@ std::string sceneWithLanguages(int count) {
          phrases + "}}}";
 }
 
-TEST(BuiltInRule, HoldsEveryLanguageOfTheSystemsTablesAndIsReadOnce) {
+TEST(BuiltInRule, ReadsEveryLanguageOnce) {
   HLAutoCloseRuleList rules;
   {
     const SimulatedDesktop desktop(sceneWithLanguages(45));

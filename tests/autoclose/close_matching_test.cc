@@ -43,7 +43,7 @@ Ids closedElements(SimulatedDesktop& desktop) {
   return ids;
 }
 
-TEST(CloseMatching, ClosesWhatHoldsTheTextInAnyLetterCaseAndNothingElse) {
+TEST(CloseMatching, ClosesMatchesInAnyCase) {
   SimulatedDesktop desktop(NotificationCenterScene(window({alert("mail", "Mail, WEEKLY Report", R"(,"closes": "mail")"),
                                                            alert("chat", "Chat, hello", R"(,"closes": "chat")"),
                                                            alert("news", "weekly report", R"(,"closes": "news")")})));
@@ -55,13 +55,13 @@ TEST(CloseMatching, ClosesWhatHoldsTheTextInAnyLetterCaseAndNothingElse) {
   EXPECT_EQ(desktop.elapsedMicroseconds(), 400'000);
 }
 
-TEST(CloseMatching, FoldsTheLetterCaseOfAllOfUnicode) {
+TEST(CloseMatching, FoldsUnicodeCase) {
   const SimulatedDesktop desktop(
       NotificationCenterScene(window({alert("a", "Haus, STRASSE gesperrt", R"(,"closes": "a")")})));
   EXPECT_EQ(closeMatching("straße").printed, "closed_matching=1\n");
 }
 
-TEST(CloseMatching, StopsAfterThePassThatClosesNothing) {
+TEST(CloseMatching, StopsAfterAnEmptyPass) {
   const SimulatedDesktop desktop(NotificationCenterScene(window({alert("chat", "Chat, hello")})));
   const Outcome run = closeMatching("mail");
   EXPECT_EQ(run.code, 0);
@@ -84,7 +84,7 @@ TEST(CloseMatching, CountsOnlyPressesThatWereTaken) {
   EXPECT_EQ(run.printed, "closed_matching=0\n");
 }
 
-TEST(CloseMatching, SaysNothingWithoutATextOrANotificationCenter) {
+TEST(CloseMatching, NeedsTextAndNotificationCenter) {
   {
     const SimulatedDesktop desktop(NotificationCenterScene(window({alert("a", "Mail, one")})));
     const Outcome run = closeMatching("");
@@ -97,7 +97,7 @@ TEST(CloseMatching, SaysNothingWithoutATextOrANotificationCenter) {
   EXPECT_EQ(run.printed, "");
 }
 
-TEST(CloseMatching, WithoutTrustNothingMatches) {
+TEST(CloseMatching, MatchesNothingWithoutTrust) {
   const SimulatedDesktop desktop(NotificationCenterScene(window({alert("a", "Mail, one")}), R"(,"trusted": false)"));
   const Outcome run = closeMatching("mail");
   EXPECT_EQ(run.code, 0);

@@ -19,7 +19,7 @@ class AutoCloseRules : public testing::Test {
   SimulatedDesktop desktop_{"{}"};
 };
 
-TEST_F(AutoCloseRules, TheBannerOfARunningAutomationMatches) {
+TEST_F(AutoCloseRules, MatchARunningAutomation) {
   EXPECT_TRUE(matches("Shortcuts, Running your automation"));
   EXPECT_TRUE(matches("Shortcuts, Running your automation, When I get home"));
   EXPECT_TRUE(matches("Shortcuts, Now: running your automation."));
@@ -42,7 +42,7 @@ TEST_F(AutoCloseRules, AnotherBodyDoesNotMatch) {
   EXPECT_FALSE(matches("Shortcuts, Mail, your automation"));
 }
 
-TEST_F(AutoCloseRules, OnlyTheFirstCommaAndBlankDivides) {
+TEST_F(AutoCloseRules, SplitAtTheFirstComma) {
   EXPECT_FALSE(matches("Shortcuts"));
   EXPECT_FALSE(matches(""));
   EXPECT_FALSE(matches("Shortcuts,Running your automation"));
@@ -53,7 +53,7 @@ TEST_F(AutoCloseRules, OnlyTheFirstCommaAndBlankDivides) {
   EXPECT_TRUE(matches("Shortcuts, Home, Running your automation"));
 }
 
-TEST_F(AutoCloseRules, ATestRuleIsAddedToTheBuiltInOne) {
+TEST_F(AutoCloseRules, IncludeATestRule) {
   EXPECT_TRUE(matches("Mail, Your Weekly Report is here", "Mail|weekly report"));
   EXPECT_TRUE(matches("MAIL, weekly report", "mAiL|Weekly REPORT"));
   EXPECT_TRUE(matches("Shortcuts, Running your automation", "Mail|weekly report"));
@@ -62,13 +62,13 @@ TEST_F(AutoCloseRules, ATestRuleIsAddedToTheBuiltInOne) {
   EXPECT_EQ(HLAutoCloseRules("Mail|weekly report").size(), 2U);
 }
 
-TEST_F(AutoCloseRules, ThePartsOfATestRuleAreNotTrimmed) {
+TEST_F(AutoCloseRules, KeepBlanksOfATestRule) {
   EXPECT_FALSE(matches("Mail, weekly report", "Mail |weekly report"));
   EXPECT_TRUE(matches("Mail , weekly report", "Mail |weekly report"));
   EXPECT_FALSE(matches("Mail, weekly report", "Mail| weekly report"));
 }
 
-TEST_F(AutoCloseRules, AMalformedTestRuleIsIgnored) {
+TEST_F(AutoCloseRules, IgnoreAMalformedTestRule) {
   for (const std::string rule : {"", "Mail", "Mail|", "|report", "|", "Mail|a|b", "Mail|a|", "|Mail|a"}) {
     EXPECT_EQ(HLAutoCloseRules(rule).size(), 1U) << rule;
     EXPECT_TRUE(matches("Shortcuts, Running your automation", rule)) << rule;
@@ -76,13 +76,13 @@ TEST_F(AutoCloseRules, AMalformedTestRuleIsIgnored) {
   EXPECT_EQ(HLAutoCloseRules(std::nullopt).size(), 1U);
 }
 
-TEST_F(AutoCloseRules, WithoutTablesTheBuiltInRuleIsItsFallbacks) {
+TEST_F(AutoCloseRules, UseFallbacksWithoutTables) {
   const HLAutoCloseRuleList rules = HLAutoCloseRules(std::nullopt);
   EXPECT_EQ(rules.at(0).applicationNames, Forms{"shortcuts"});
   EXPECT_EQ(rules.at(0).bodyPhrases, Forms{"running your automation"});
 }
 
-TEST(LocalizedForms, AreTheTextsOfEveryLanguageAndTheFallbackInLowerCase) {
+TEST(LocalizedForms, IncludeEveryLanguageInLowerCase) {
   const SimulatedDesktop desktop(R"({"propertyLists": {"/table": {
     "en": {"Name": "Shortcuts"}, "de": {"Name": "Kurzbefehle"}, "el": {"Name": "ΣΥΝΤΟΜΕΎΣΕΙΣ"},
     "en_GB": {"Name": "SHORTCUTS"}}}})");
@@ -90,14 +90,14 @@ TEST(LocalizedForms, AreTheTextsOfEveryLanguageAndTheFallbackInLowerCase) {
             (Forms{"shortcuts", "kurzbefehle", "συντομεύσεις", "fallback"}));
 }
 
-TEST(LocalizedForms, EntriesOfAnyOtherShapeAreSkipped) {
+TEST(LocalizedForms, SkipOtherEntries) {
   const SimulatedDesktop desktop(R"({"propertyLists": {"/table": {
     "LocProvenance": "text", "count": 3, "list": ["Name"], "a": {}, "b": {"Other": "x"}, "c": {"Name": ""},
     "d": {"Name": 5}, "e": {"Name": {"nested": "x"}}, "f": {"Name": ["x"]}, "g": {"Name": "Kept"}}}})");
   EXPECT_EQ(HLLocalizedForms("/table", "Name", "F"), (Forms{"f", "kept"}));
 }
 
-TEST(LocalizedForms, OfAMissingOrMalformedTableAreTheFallbackAlone) {
+TEST(LocalizedForms, UseFallbackWithoutATable) {
   const SimulatedDesktop desktop(R"({"propertyLists": {"/list": ["Name"], "/text": "Name"}})");
   EXPECT_EQ(HLLocalizedForms("/missing", "Name", "Shortcuts"), Forms{"shortcuts"});
   EXPECT_EQ(HLLocalizedForms("/list", "Name", "Shortcuts"), Forms{"shortcuts"});

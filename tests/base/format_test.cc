@@ -15,14 +15,14 @@ TEST(Format, PlainTextStaysAsItIs) {
   EXPECT_EQ(HLFormat("größe 😀"), "größe 😀");
 }
 
-TEST(Format, TextStandsForAtAndForS) {
+TEST(Format, AcceptsTextForBothPlaceholders) {
   const std::string text = "text";
   EXPECT_EQ(HLFormat("%@|%s|%@|%s", text, text, std::string_view("view"), "literal"), "text|text|view|literal");
   EXPECT_EQ(HLFormat("%@", std::string()), "");
   EXPECT_EQ(HLFormat("<%@>", std::string("a\0b", 3)), std::string("<a\0b>", 5));
 }
 
-TEST(Format, WhatAnArgumentHoldsIsNotReadAgain) {
+TEST(Format, IgnoresPlaceholdersInArguments) {
   EXPECT_EQ(HLFormat("%@ %@", std::string("%d %@ %%"), std::string("100%")), "%d %@ %% 100%");
 }
 
@@ -33,22 +33,22 @@ TEST(Format, WholeNumbersAreDecimal) {
   EXPECT_EQ(HLFormat("%lu %lu", std::size_t{0}, std::numeric_limits<std::uint64_t>::max()), "0 18446744073709551615");
 }
 
-TEST(Format, WholeNumbersAreFilledUpWithZeros) {
+TEST(Format, PadsIntegersWithZeros) {
   EXPECT_EQ(HLFormat("%02ld-%03d", std::int64_t{0}, 7), "00-007");
   EXPECT_EQ(HLFormat("%02ld %02ld", std::int64_t{10}, std::int64_t{123}), "10 123");
   EXPECT_EQ(HLFormat("%02d %03d", -5, -5), "-5 -05");
 }
 
-TEST(Format, NaturalNumbersHaveAPlaceholderOfTheirOwn) { EXPECT_EQ(HLFormat("Key %u", 90U), "Key 90"); }
+TEST(Format, PrintsUnsignedNumbers) { EXPECT_EQ(HLFormat("Key %u", 90U), "Key 90"); }
 
-TEST(Format, RealNumbersHaveAsManyDecimalsAsAskedFor) {
+TEST(Format, PrintsTheGivenDecimals) {
   EXPECT_EQ(HLFormat("%.0f %.1f %.2f %f %.10f", 1.0, 2.0, 3.14159, 0.5, 0.1), "1 2.0 3.14 0.500000 0.1000000000");
   EXPECT_EQ(HLFormat("%.0f", 1e15), "1000000000000000");
   EXPECT_EQ(HLFormat("%.0f", -1e22), "-10000000000000000000000");
   EXPECT_EQ(HLFormat("%.0f", std::numeric_limits<double>::max()).size(), 309U);
 }
 
-TEST(Format, RealNumbersAreRoundedToTheNearestAndTiesToEven) {
+TEST(Format, RoundsTiesToEven) {
   EXPECT_EQ(HLFormat("%.0f %.0f %.0f %.0f", 0.5, 1.5, 2.5, 2.51), "0 2 2 3");
   EXPECT_EQ(HLFormat("%.1f %.1f %.1f", 0.25, 0.75, 0.05), "0.2 0.8 0.1");
   EXPECT_EQ(HLFormat("%.1f", 99.96), "100.0");
@@ -67,7 +67,7 @@ TEST(Format, PlaceholdersMayTouch) {
   EXPECT_EQ(HLFormat("%@%d%@%.1f%lu", "a", 1, "b", 2.0, std::size_t{3}), "a1b2.03");
 }
 
-TEST(Format, EveryMessageShapeInUseComesOut) {
+TEST(Format, PrintsEveryMessageInUse) {
   EXPECT_EQ(
       HLFormat("batch actions eligible=%lu attempted=%lu clear=%ld", std::size_t{3}, std::size_t{2}, std::int64_t{1}),
       "batch actions eligible=3 attempted=2 clear=1");
@@ -80,7 +80,7 @@ constexpr bool reads(std::string_view format, char kind, int precision, std::siz
   return placeholder.kind == kind && placeholder.precision == precision && placeholder.length == length;
 }
 
-TEST(Placeholder, OfTheKindsThatMessagesUse) {
+TEST(Placeholder, AcceptsUsedKinds) {
   static_assert(reads("%@ and more", '@', 6, 2));
   static_assert(reads("%s", '@', 6, 2));
   static_assert(reads("%d", 'd', 1, 2));
@@ -94,7 +94,7 @@ TEST(Placeholder, OfTheKindsThatMessagesUse) {
   static_assert(reads("%%", '%', 6, 2));
 }
 
-TEST(Placeholder, OfAnyOtherKindIsRefused) {
+TEST(Placeholder, RejectsOtherKinds) {
   static_assert(HLParsePlaceholder("%").length == 0);
   static_assert(HLParsePlaceholder("%x").length == 0);
   static_assert(HLParsePlaceholder("%02f").length == 0);

@@ -60,14 +60,14 @@ class Log : public testing::Test {
   mode_t mask_;
 };
 
-TEST_F(Log, ALineIsTimeAndMessage) {
+TEST_F(Log, WritesTimeAndMessage) {
   spied_.runLoop.fixedNow = 1700000000.25;
   setZone("UTC0");
   HLAppendLineToPath(path("log"), "scan root=window-0 visited=1 candidates=0");
   EXPECT_EQ(content("log"), "2023-11-14 22:13:20.250 +0000 scan root=window-0 visited=1 candidates=0\n");
 }
 
-TEST_F(Log, TimesAreLocalWithTheOffsetOfTheirZone) {
+TEST_F(Log, WritesLocalTimesWithOffset) {
   struct Case {
     const char* zone;
     double now;
@@ -91,7 +91,7 @@ TEST_F(Log, TimesAreLocalWithTheOffsetOfTheirZone) {
   }
 }
 
-TEST_F(Log, FollowsAChangeOfTheTimeZone) {
+TEST_F(Log, FollowsTimeZoneChanges) {
   spied_.runLoop.fixedNow = 1700000000;
   setZone("UTC0");
   HLAppendLineToPath(path("log"), "x");
@@ -113,7 +113,7 @@ TEST_F(Log, MillisecondsAreCutNotRounded) {
   }
 }
 
-TEST_F(Log, TheClockIsThePlatforms) {
+TEST_F(Log, UsesThePlatformsClock) {
   setZone("UTC0");
   const double now = desktop_.platform().runLoop->now();
   HLAppendLineToPath(path("log"), "x");
@@ -123,7 +123,7 @@ TEST_F(Log, TheClockIsThePlatforms) {
   EXPECT_EQ(static_cast<double>(timegm(&time)), std::floor(now));
 }
 
-TEST_F(Log, TheLocaleOfTheProcessDoesNotMatter) {
+TEST_F(Log, IgnoresTheLocale) {
   const std::regex line(R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [+-]\d{4} message\n$)");
   HLAppendLineToPath(path("log"), "message");
   EXPECT_TRUE(std::regex_match(content("log"), line)) << content("log");
@@ -139,18 +139,18 @@ TEST_F(Log, LinesAreAddedAtTheEnd) {
   EXPECT_TRUE(std::regex_match(whole, rest)) << whole;
 }
 
-TEST_F(Log, LineFeedsAndForeignLettersAreWrittenAsTheyAre) {
+TEST_F(Log, WritesLineFeedsUnchanged) {
   HLAppendLineToPath(path("log"), "one\ntwo\n\tGröße 日本 😀");
   const std::string whole = content("log");
   EXPECT_EQ(whole.substr(30), "one\ntwo\n\tGröße 日本 😀\n");
 }
 
-TEST_F(Log, AnEmptyMessageIsALineToo) {
+TEST_F(Log, WritesEmptyMessages) {
   HLAppendLineToPath(path("log"), "");
   EXPECT_EQ(content("log").substr(29), " \n");
 }
 
-TEST_F(Log, WhatCannotBeEncodedIsNotWritten) {
+TEST_F(Log, DropsMessagesThatCannotBeEncoded) {
   for (const char* text : {"half a pair \xED\xA0\xBD", "\xED\xB8\x80", "\xFF", "cut short \xE2\x82", "\xC0\x80"}) {
     HLAppendLineToPath(path("new/log"), text);
     EXPECT_FALSE(std::filesystem::exists(path("new"))) << "nothing is made for it";
@@ -159,9 +159,9 @@ TEST_F(Log, WhatCannotBeEncodedIsNotWritten) {
   EXPECT_NE(content("new/log"), "");
 }
 
-TEST_F(Log, WithoutAPathNothingHappens) { HLAppendLineToPath(std::nullopt, "message"); }
+TEST_F(Log, DoesNothingWithoutAPath) { HLAppendLineToPath(std::nullopt, "message"); }
 
-TEST_F(Log, MissingDirectoriesAndTheFileAreMadeWithDefaultPermissions) {
+TEST_F(Log, CreatesDirectoriesWithDefaultPermissions) {
   HLAppendLineToPath(path("a/b/c/log"), "message");
   EXPECT_EQ(LogMessages(content("a/b/c/log")), std::vector<std::string>{"message"});
   EXPECT_EQ(FileMode(path("a")), 0755U);
@@ -169,14 +169,14 @@ TEST_F(Log, MissingDirectoriesAndTheFileAreMadeWithDefaultPermissions) {
   EXPECT_EQ(FileMode(path("a/b/c/log")), 0644U);
 }
 
-TEST_F(Log, AFileThatIsThereKeepsItsPermissions) {
+TEST_F(Log, KeepsPermissionsOfExistingFiles) {
   std::ofstream(path("log")) << "";
   chmod(path("log").c_str(), 0600);
   HLAppendLineToPath(path("log"), "message");
   EXPECT_EQ(FileMode(path("log")), 0600U);
 }
 
-TEST_F(Log, APathWithoutADirectoryIsAFileInTheCurrentOne) {
+TEST_F(Log, AcceptsAPathWithoutDirectory) {
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(desktop_.home());
   HLAppendLineToPath(std::string("plain.log"), "message");
@@ -184,7 +184,7 @@ TEST_F(Log, APathWithoutADirectoryIsAFileInTheCurrentOne) {
   EXPECT_EQ(LogMessages(content("plain.log")), std::vector<std::string>{"message"});
 }
 
-TEST_F(Log, WhereNothingCanBeWrittenNothingHappens) {
+TEST_F(Log, IgnoresUnwritablePaths) {
   std::filesystem::create_directory(path("directory"));
   HLAppendLineToPath(path("directory"), "message");
   EXPECT_TRUE(std::filesystem::is_empty(path("directory")));
@@ -203,7 +203,7 @@ std::string withinSeconds(const std::function<std::string()>& function) {
   });
 }
 
-TEST_F(Log, NeverWaitsForTheReaderOfAFifo) {
+TEST_F(Log, NeverBlocksOnAFifo) {
   ASSERT_EQ(mkfifo(path("log").c_str(), 0600), 0);
   EXPECT_EQ(withinSeconds([this] {
               HLAppendLineToPath(path("log"), "message");
@@ -278,7 +278,7 @@ bool isFileSizeSignalBlocked() {
   return isFileSizeSignal([](sigset_t* set) { return pthread_sigmask(SIG_SETMASK, nullptr, set); });
 }
 
-TEST_F(Log, OutlivesTheLimitOfAFilesSize) {
+TEST_F(Log, SurvivesTheFileSizeLimit) {
   spied_.runLoop.fixedNow = 1700000000;
   setZone("UTC0");
   EXPECT_EQ(InChildProcess([this] {
@@ -350,7 +350,7 @@ TEST_F(Log, LeavesNoDescriptorOpen) {
   EXPECT_EQ(firstFree(), before);
 }
 
-TEST_F(Log, TheDiagnosticsLogIsThatOfTheState) {
+TEST_F(Log, PutsDiagnosticsIntoTheStateDirectory) {
   HLAppendDiagnostics("scan root=%@ visited=%ld candidates=%lu", std::string("window-0"), std::int64_t{4},
                       std::size_t{2});
   HLAppendDiagnostics("no arguments, 100%%");
@@ -358,7 +358,7 @@ TEST_F(Log, TheDiagnosticsLogIsThatOfTheState) {
             (std::vector<std::string>{"scan root=window-0 visited=4 candidates=2", "no arguments, 100%"}));
 }
 
-TEST_F(Log, TheStatusLogOfThePersonalFlavorIsTheMachines) {
+TEST_F(Log, SharesThePersonalStatusLog) {
   const PersonalLogTurn log;
   HLAppendLog("%@ end", desktop_.home());
   EXPECT_EQ(log.messages(), std::vector<std::string>{desktop_.home() + " end"});
@@ -366,7 +366,7 @@ TEST_F(Log, TheStatusLogOfThePersonalFlavorIsTheMachines) {
   EXPECT_FALSE(std::filesystem::exists(desktop_.diagnosticsPath()));
 }
 
-TEST_F(Log, LinesOfManyProcessesAndThreadsAreNeitherLostNorTorn) {
+TEST_F(Log, KeepsConcurrentLinesWhole) {
   constexpr int kProcesses = 8;
   constexpr int kThreads = 2;
   constexpr int kLines = 250;  // of each thread

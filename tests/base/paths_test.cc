@@ -37,7 +37,7 @@ std::string productScene(const std::string& directory, std::string keys, const s
   return R"({"bundle": {"info": {"HLProductFlavor": "product"})" + bundleKeys + "}" + keys + "}";
 }
 
-TEST(Flavor, IsProductWhereTheInformationDictionarySaysExactlyThat) {
+TEST(Flavor, NeedsTheExactWordProduct) {
   EXPECT_EQ(flavorWith(R"({"info": {"HLProductFlavor": "product"}})"), "product");
   EXPECT_EQ(flavorWith(R"({"info": {"CFBundleName": "x", "HLProductFlavor": "product"}})"), "product");
 }
@@ -54,7 +54,7 @@ TEST(Flavor, IsPersonalInEveryOtherCase) {
   }
 }
 
-TEST(Flavor, IsDecidedOnceButPathsAreWorkedOutAnew) {
+TEST(Flavor, IsDecidedOnce) {
   TemporaryDirectory first;
   TemporaryDirectory second;
   EXPECT_EQ(InChildProcess([&] {
@@ -68,7 +68,7 @@ TEST(Flavor, IsDecidedOnceButPathsAreWorkedOutAnew) {
             second.path() + "/dismiss");
 }
 
-TEST(PersonalPaths, AreUnderTheHomeButForTheStatusLog) {
+TEST(PersonalPaths, AreUnderTheHome) {
   TemporaryDirectory home;
   EXPECT_EQ(InChildProcess([&] {
               SimulatedDesktop desktop(R"({"home": ")" + home.path() + R"(", "bundle": {"identifier": "x.y"}})");
@@ -79,7 +79,7 @@ TEST(PersonalPaths, AreUnderTheHomeButForTheStatusLog) {
                 "/.local/state/hushlet/daemon.sock");
 }
 
-TEST(ProductPaths, AreUnderApplicationSupportAndTheBundlesIdentifier) {
+TEST(ProductPaths, ContainTheBundleIdentifier) {
   TemporaryDirectory support;
   EXPECT_EQ(InChildProcess([&] {
               SimulatedDesktop desktop(productScene(support.path(), R"(, "applicationSupport": "$")",
@@ -91,7 +91,7 @@ TEST(ProductPaths, AreUnderApplicationSupportAndTheBundlesIdentifier) {
                 "/com.tessaly.hushlet/daemon.sock");
 }
 
-TEST(ProductPaths, WithoutAnIdentifierAreInADirectoryNamedDismiss) {
+TEST(ProductPaths, UseDismissWithoutAnIdentifier) {
   TemporaryDirectory support;
   EXPECT_EQ(InChildProcess([&] {
               SimulatedDesktop desktop(productScene(support.path(), R"(, "applicationSupport": "$")"));
@@ -100,7 +100,7 @@ TEST(ProductPaths, WithoutAnIdentifierAreInADirectoryNamedDismiss) {
             support.path() + "/dismiss/status.log");
 }
 
-TEST(ProductPaths, WithoutApplicationSupportAreAbsentAndNothingIsWritten) {
+TEST(ProductPaths, AreAbsentWithoutApplicationSupport) {
   TemporaryDirectory home;
   EXPECT_EQ(InChildProcess([&] {
               SimulatedDesktop desktop(productScene(home.path(), R"(, "applicationSupport": null, "home": "$")"));
@@ -113,7 +113,7 @@ TEST(ProductPaths, WithoutApplicationSupportAreAbsentAndNothingIsWritten) {
   EXPECT_TRUE(std::filesystem::is_empty(home.path()));
 }
 
-TEST(ProductPaths, EachLogIsWrittenToItsOwnFile) {
+TEST(ProductPaths, SeparateTheTwoLogs) {
   TemporaryDirectory support;
   EXPECT_EQ(InChildProcess([&] {
               SimulatedDesktop desktop(productScene(support.path(), R"(, "applicationSupport": "$")"));
@@ -145,28 +145,28 @@ TEST_F(StateDirectory, IsMadeForThisUserAlone) {
   EXPECT_EQ(FileMode(path_), 0700U);
 }
 
-TEST_F(StateDirectory, IsLeftAsItIsWhereItExists) {
+TEST_F(StateDirectory, KeepsAnExistingOne) {
   std::filesystem::create_directories(path_);
   chmod(path_.c_str(), 0755);
   HLEnsureStateDirectory();
   EXPECT_EQ(FileMode(path_), 0755U);
 }
 
-TEST_F(StateDirectory, MadeByALogLineHasDefaultPermissions) {
+TEST_F(StateDirectory, HasDefaultPermissionsFromALog) {
   HLAppendDiagnostics("first line");
   EXPECT_EQ(FileMode(path_), 0755U);
   HLEnsureStateDirectory();
   EXPECT_EQ(FileMode(path_), 0755U);
 }
 
-TEST_F(StateDirectory, ThatCannotBeMadeIsNoError) {
+TEST_F(StateDirectory, IgnoresFailures) {
   std::ofstream(desktop_.home() + "/.local") << "a file";
   HLEnsureStateDirectory();
   HLAppendDiagnostics("lost");
   EXPECT_EQ(FileContent(desktop_.home() + "/.local"), "a file");
 }
 
-TEST_F(StateDirectory, DirectoriesAreMadeWithThoseAboveThem) {
+TEST_F(StateDirectory, CreatesParents) {
   HLCreateDirectories(desktop_.home() + "/a/b/c");
   EXPECT_EQ(FileMode(desktop_.home() + "/a"), 0755U);
   EXPECT_EQ(FileMode(desktop_.home() + "/a/b/c"), 0755U);

@@ -27,7 +27,7 @@ extern "C" int listen(int, int backlog) noexcept {
 
 namespace {
 
-TEST(DaemonStart, EndsWithoutASocketFileWhenListeningFails) {
+TEST(DaemonStart, RemovesItsSocketWhenListeningFails) {
   SimulatedDesktop desktop("{}");
   EXPECT_EQ(InChildProcess([] {
               const int code = HLRunTrustedDaemon();
@@ -39,7 +39,7 @@ TEST(DaemonStart, EndsWithoutASocketFileWhenListeningFails) {
   EXPECT_TRUE(desktop.diagnostics().empty());
 }
 
-TEST(DaemonStart, LeavesAnothersSocketFileWhenListeningFails) {
+TEST(DaemonStart, KeepsAnotherDaemonsSocket) {
   const SimulatedDesktop desktop("{}");
   EXPECT_EQ(InChildProcess([] {
               beforeFailing = [] {

@@ -65,7 +65,7 @@ TEST_F(RequestLine, IsTrimmedAtBothEnds) {
   EXPECT_EQ(HLReadClientLine(end()), "self-check");
 }
 
-TEST_F(RequestLine, OfAnEmptyConnectionIsEmpty) {
+TEST_F(RequestLine, IsEmptyWithoutBytes) {
   closePeer();
   EXPECT_EQ(HLReadClientLine(end()), "");
 }
@@ -77,27 +77,27 @@ TEST_F(RequestLine, IsCutAfter1025Bytes) {
   EXPECT_EQ(::read(end(), rest.data(), rest.size()), 975) << "bytes behind the limit are not read";
 }
 
-TEST_F(RequestLine, KeepsACommandThatEndsAtTheLimit) {
+TEST_F(RequestLine, KeepsCommandsEndingAtTheLimit) {
   peerSends(std::string(1021, ' ') + "ping\n");
   EXPECT_EQ(HLReadClientLine(end()), "ping");
 }
 
-TEST_F(RequestLine, CutsACommandThatCrossesTheLimit) {
+TEST_F(RequestLine, CutsCommandsCrossingTheLimit) {
   peerSends(std::string(1022, ' ') + "ping\n");
   EXPECT_EQ(HLReadClientLine(end()), "pin");
 }
 
-TEST_F(RequestLine, OfBytesThatAreNoUtf8IsEmpty) {
+TEST_F(RequestLine, IsEmptyForInvalidUtf8) {
   peerSends("ping\xFF\n");
   EXPECT_EQ(HLReadClientLine(end()), "");
 }
 
-TEST_F(RequestLine, OfHalfAPairIsEmpty) {
+TEST_F(RequestLine, IsEmptyForHalfAPair) {
   peerSends("\xED\xA0\xBD\n");
   EXPECT_EQ(HLReadClientLine(end()), "");
 }
 
-TEST_F(ResponseText, IsEverythingUntilTheEndOfTheStream) {
+TEST_F(ResponseText, ReadsToTheEndOfStream) {
   peerSends("success|3|0\n");
   peerSends("and more");
   closePeer();
@@ -106,7 +106,7 @@ TEST_F(ResponseText, IsEverythingUntilTheEndOfTheStream) {
   EXPECT_EQ(text, "success|3|0\nand more");
 }
 
-TEST_F(ResponseText, StopsOnceMoreThan16384BytesAreHeld) {
+TEST_F(ResponseText, StopsAbove16384Bytes) {
   const int room = 100'000;
   ::setsockopt(peer(), SOL_SOCKET, SO_SNDBUF, &room, sizeof room);
   ::setsockopt(end(), SOL_SOCKET, SO_RCVBUF, &room, sizeof room);
@@ -134,7 +134,7 @@ TEST_F(ResponseText, GoesOnReadingWith16384BytesHeld) {
   EXPECT_EQ(text.size(), 16'386U);
 }
 
-TEST_F(ResponseText, OfBytesThatAreNoUtf8IsEmpty) {
+TEST_F(ResponseText, IsEmptyForInvalidUtf8) {
   peerSends("success|1|0\xC3\n");
   closePeer();
   std::string text = "before";
@@ -148,7 +148,7 @@ TEST_F(ResponseText, IsUntouchedWhenReadingFails) {
   EXPECT_EQ(text, "before");
 }
 
-TEST_F(Request, IsTheCommandAndALineFeedAndThenTheEnd) {
+TEST_F(Request, SendsOneLineAndShutsDown) {
   EXPECT_TRUE(HLWriteSocketRequest(end(), "dismiss"));
   EXPECT_EQ(peerReceives(), "dismiss\n");
 }
@@ -162,7 +162,7 @@ TEST_F(Request, LeavesTheOtherDirectionOpen) {
   EXPECT_EQ(text, "nothing|0|0\n");
 }
 
-TEST_F(Request, ThatDoesNotFitAtOnceIsWrittenInPieces) {
+TEST_F(Request, ContinuesAfterPartialWrites) {
   const std::string command(1'000'000, 'x');
   std::string received;
   std::thread reader([&] { received = peerReceives(); });
@@ -171,7 +171,7 @@ TEST_F(Request, ThatDoesNotFitAtOnceIsWrittenInPieces) {
   EXPECT_EQ(received, command + "\n");
 }
 
-TEST_F(Request, ToAClosedPeerFailsAndKillsNobody) {
+TEST_F(Request, FailsOnAClosedPeer) {
   closePeer();
   EXPECT_FALSE(HLWriteSocketRequest(end(), "ping"));
 }
@@ -182,7 +182,7 @@ TEST_F(ReplyLine, EndsWithALineFeed) {
   EXPECT_EQ(peerReceives(), "nothing|0|0\n");
 }
 
-TEST_F(ReplyLine, ThatNobodyTakesIsLostQuietly) {
+TEST_F(ReplyLine, IgnoresAClosedPeer) {
   closePeer();
   HLWriteClientLine(end(), "nothing|0|0");
 }

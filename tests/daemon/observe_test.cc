@@ -54,7 +54,7 @@ TEST(ElementSummary, SaysWhatIsMissing) {
             "role=(none) subrole=(none) frame=null actions=(none) context=(empty)" + kNoButtons);
 }
 
-TEST(ElementSummary, TellsOfTheButtonsThatAttributesHold) {
+TEST(ElementSummary, ListsAttributeButtons) {
   EXPECT_EQ(summaryOf(R"({"id": "e", "role": "AXWindow", "attributes": {
                           "AXCloseButton": {"element": {"role": "AXButton", "actions": ["AXPress", "Close"],
                                                         "frame": [1, 2, 3, 4]}},
@@ -64,7 +64,7 @@ TEST(ElementSummary, TellsOfTheButtonsThatAttributesHold) {
             "defaultButton=context=(empty) actions=(none) frame=null");
 }
 
-TEST(Observer, WithoutNotificationCenterSaysSo) {
+TEST(Observer, FailsWithoutNotificationCenter) {
   const SimulatedDesktop desktop("{}");
   const Outcome run = observe(1);
   EXPECT_EQ(run.code, 1);
@@ -72,7 +72,7 @@ TEST(Observer, WithoutNotificationCenterSaysSo) {
   EXPECT_EQ(run.errors, "Notification Center is not running\n");
 }
 
-TEST(Observer, SaysWhenTheProcessCannotBeWatched) {
+TEST(Observer, FailsWithoutAnObserver) {
   const SimulatedDesktop desktop(
       R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui", "observerFails": true}]})");
   const Outcome run = observe(1);
@@ -81,7 +81,7 @@ TEST(Observer, SaysWhenTheProcessCannotBeWatched) {
   EXPECT_EQ(run.errors, "AXObserverCreate failed\n");
 }
 
-TEST(Observer, RegistersEightNotificationsInTheirOrderAndThenTheWindows) {
+TEST(Observer, RegistersApplicationThenWindows) {
   const SimulatedDesktop desktop(
       R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
           "registerErrors": {"AXCreated": -25207},
@@ -116,7 +116,7 @@ std::vector<std::string> events(const Outcome& run) {
   return lines;
 }
 
-TEST(Observer, PrintsALineForEachEventWithItsTimeAndTheElement) {
+TEST(Observer, PrintsEachEventWithItsTime) {
   const SimulatedDesktop desktop(NotificationCenterScene(
       R"({"id": "w", "role": "AXWindow", "children": [{"id": "e", "role": "AXGroup", "description": "Mail, Lunch"}]})",
       R"(,"timeline": [{"at": 0.25, "notify": "AXLayoutChanged", "element": "e"},

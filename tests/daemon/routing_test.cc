@@ -45,7 +45,7 @@ class Routing : public TrustedDaemon {
   }
 };
 
-TEST_F(Routing, ATrustedCallerDismissesItselfAndNeverAsksTheDaemon) {
+TEST_F(Routing, PrefersATrustedCaller) {
   start(NotificationCenterScene(kThreeBanners));
   const ProgramRun caller = run(NotificationCenterScene(""), {"--daemon-dismiss"});
   EXPECT_EQ(caller.out, "nothing|0|0\n");
@@ -56,7 +56,7 @@ TEST_F(Routing, ATrustedCallerDismissesItselfAndNeverAsksTheDaemon) {
   EXPECT_EQ(ask("dismiss\n"), "success|3|0\n") << "the daemon's banners were left alone";
 }
 
-TEST_F(Routing, AnUntrustedCallerIsServedByATrustedDaemon) {
+TEST_F(Routing, UsesATrustedDaemon) {
   start(NotificationCenterScene(kThreeBanners));
   const ProgramRun caller = run(kUntrusted, {"--daemon-dismiss"});
   EXPECT_EQ(caller.out, "success|3|0\n");
@@ -65,7 +65,7 @@ TEST_F(Routing, AnUntrustedCallerIsServedByATrustedDaemon) {
                                  "dismiss using trusted daemon status=success dismissed=3 remaining=0 " + kContext}));
 }
 
-TEST_F(Routing, AnUntrustedDaemonsAnswerIsTakenAsItIs) {
+TEST_F(Routing, ReturnsAnUntrustedDaemonsAnswer) {
   start(kUntrusted);
   const ProgramRun caller = run(kUntrusted, {"--daemon-dismiss"});
   EXPECT_EQ(caller.out, "accessDenied|0|0\n");
@@ -74,14 +74,14 @@ TEST_F(Routing, AnUntrustedDaemonsAnswerIsTakenAsItIs) {
             Lines{"dismiss using trusted daemon status=accessDenied dismissed=0 remaining=0 " + kContext});
 }
 
-TEST_F(Routing, WithoutADaemonAnUntrustedCallerIsDenied) {
+TEST_F(Routing, DeniesUntrustedCallersWithoutADaemon) {
   const ProgramRun caller = run(kUntrusted, {"--daemon-dismiss"});
   EXPECT_EQ(caller.out, "accessDenied|0|0\n");
   EXPECT_EQ(caller.exitCode, 0);
   EXPECT_EQ(diagnostics(), Lines{kNeitherTrusted});
 }
 
-TEST_F(Routing, AReplyThatDoesNotParseCountsAsNoDaemon) {
+TEST_F(Routing, IgnoresADaemonWithMalformedReply) {
   std::thread daemon = answerOnce("done|1|0\n");
   const ProgramRun caller = run(kUntrusted, {"--daemon-dismiss"});
   daemon.join();
@@ -89,7 +89,7 @@ TEST_F(Routing, AReplyThatDoesNotParseCountsAsNoDaemon) {
   EXPECT_EQ(diagnostics(), (Lines{"socket client command=dismiss response=done|1|0", kNeitherTrusted}));
 }
 
-TEST_F(Routing, AReplyIsTrimmedAndItsFurtherFieldsAreIgnored) {
+TEST_F(Routing, TrimsRepliesAndIgnoresExtraFields) {
   std::thread daemon = answerOnce(" success| 12|-4|more \r\n\n");
   const ProgramRun caller = run(kUntrusted, {"--daemon-dismiss"});
   daemon.join();
@@ -97,7 +97,7 @@ TEST_F(Routing, AReplyIsTrimmedAndItsFurtherFieldsAreIgnored) {
   EXPECT_EQ(diagnostics().front(), "socket client command=dismiss response=success| 12|-4|more");
 }
 
-TEST_F(Routing, TheDaemonsSelfCheckTellsWhetherItAnswersAndIsTrusted) {
+TEST_F(Routing, ChecksADaemonsTrust) {
   ProgramRun check = run(kUntrusted, {"--daemon-self-check"});
   EXPECT_EQ(check.out, "reachable=false status=unreachable\n");
   EXPECT_EQ(check.exitCode, 1);
@@ -116,7 +116,7 @@ TEST_F(Routing, TheDaemonsSelfCheckTellsWhetherItAnswersAndIsTrusted) {
   EXPECT_EQ(check.exitCode, 0);
 }
 
-TEST_F(Routing, AReplyThatIsNoResultIsUnreachable) {
+TEST_F(Routing, ReportsMalformedRepliesAsUnreachable) {
   std::thread daemon = answerOnce("hello\n");
   const ProgramRun check = run("{}", {"--daemon-self-check"});
   daemon.join();
@@ -124,7 +124,7 @@ TEST_F(Routing, AReplyThatIsNoResultIsUnreachable) {
   EXPECT_EQ(check.exitCode, 1);
 }
 
-TEST_F(Routing, TheRequestForAccessLogsWhatCameOfIt) {
+TEST_F(Routing, LogsTheAccessRequest) {
   const std::string product = R"(, "bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}}})";
   const auto log = [this](const char* name) { return LogMessages(FileContent(home() + "/.local/share/test/" + name)); };
   EXPECT_EQ(run(R"({"trusted": false)" + product, {"--request-accessibility"}).exitCode, 1);

@@ -72,7 +72,7 @@ TEST_F(SocketClient, TakesAReplyAndLogsIt) {
   EXPECT_EQ(desktop_.diagnostics(), std::vector<std::string>{"socket client command=dismiss response=success|3|1"});
 }
 
-TEST_F(SocketClient, FailsWhenTheRequestCannotBeWritten) {
+TEST_F(SocketClient, FailsWhenWritingFails) {
   // Too long for the socket's buffer, so that the client still writes when nobody reads any more.
   const std::string command(10'000'000, 'x');
   const Answer answer = ask(command, [](int connection) {
@@ -85,7 +85,7 @@ TEST_F(SocketClient, FailsWhenTheRequestCannotBeWritten) {
   EXPECT_TRUE(desktop_.diagnostics().empty());
 }
 
-TEST_F(SocketClient, FailsWhenTheReplyCannotBeRead) {
+TEST_F(SocketClient, FailsWhenReadingFails) {
   // A connection that is closed with bytes unread is reset.
   const Answer answer = ask("dismiss", waitForRequest);
   EXPECT_FALSE(answer.good);
@@ -93,7 +93,7 @@ TEST_F(SocketClient, FailsWhenTheReplyCannotBeRead) {
   EXPECT_TRUE(desktop_.diagnostics().empty());
 }
 
-TEST_F(SocketClient, FailsOnAReplyThatDoesNotParse) {
+TEST_F(SocketClient, FailsOnAMalformedReply) {
   const Answer answer = ask("dismiss", [](int connection) {
     EXPECT_EQ(HLReadClientLine(connection), "dismiss");
     reply(connection, "success\n");

@@ -21,7 +21,7 @@ Lines statusLog(const SimulatedDesktop& desktop) {
   return LogMessages(FileContent(desktop.home() + "/.local/share/test/status.log"));
 }
 
-TEST(TestNotifications, AreThreeASecondApartEachWithASound) {
+TEST(TestNotifications, AreThreeWithSound) {
   SimulatedDesktop desktop(scene(""));
   EXPECT_EQ(HLSendTestNotifications(), 0);
   const std::vector<HLUserNotification> posted = desktop.simulator().notifications();
@@ -55,7 +55,7 @@ TEST(TestNotifications, DeniedWithAnErrorSayWhich) {
             Lines{"sendTestNotificationsLaunch scheduled=0 permissionGranted=false error=not allowed here"});
 }
 
-TEST(TestNotifications, WaitFiveSecondsForAnAnswerAndNoLonger) {
+TEST(TestNotifications, WaitFiveSecondsForPermission) {
   SimulatedDesktop desktop(scene(R"("permission": "silent")"));
   EXPECT_EQ(HLSendTestNotifications(), 0);
   EXPECT_EQ(desktop.elapsedMicroseconds(), 5'000'000);
@@ -63,7 +63,7 @@ TEST(TestNotifications, WaitFiveSecondsForAnAnswerAndNoLonger) {
   EXPECT_EQ(statusLog(desktop), Lines{"sendTestNotificationsLaunch scheduled=0 permissionGranted=false error=none"});
 }
 
-TEST(TestNotifications, ARequestThatFailsIsCountedAndItsErrorLogged) {
+TEST(TestNotifications, LogFailedRequests) {
   SimulatedDesktop desktop(scene(R"("addErrors": {"hushlet-local-test-2": "no room", "hushlet-local-test-3": ""})"));
   EXPECT_EQ(HLSendTestNotifications(), 0);
   EXPECT_EQ(statusLog(desktop), (Lines{"sendTestNotifications add failed identifier=hushlet-local-test-2 error=no room",

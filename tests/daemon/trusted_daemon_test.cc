@@ -36,14 +36,14 @@ TEST_F(TrustedDaemon, DismissesWithoutThreads) {
 }
 #endif
 
-TEST_F(TrustedDaemon, WithoutTrustSaysSo) {
+TEST_F(TrustedDaemon, ReportsMissingTrust) {
   start(NotificationCenterScene(kThreeBanners, R"(,"trusted": false)"));
   EXPECT_EQ(ask("ping\n"), "accessDenied|0|0\n");
   EXPECT_EQ(ask("self-check\n"), "accessDenied|0|0\n");
   EXPECT_EQ(ask("dismiss\n"), "accessDenied|0|0\n");
 }
 
-TEST_F(TrustedDaemon, TakesBlanksAndCarriageReturnsAroundACommand) {
+TEST_F(TrustedDaemon, TrimsCommands) {
   start("{}");
   EXPECT_EQ(ask("ping\r\n"), "nothing|0|0\n");
   EXPECT_EQ(ask(" \t ping\xE2\x80\x83\n"), "nothing|0|0\n");
@@ -61,7 +61,7 @@ TEST_F(TrustedDaemon, AnswersAnythingElseWithFailed) {
   EXPECT_EQ(ask(std::string("ping\0\n", 6)), "failed|0|0\n");
 }
 
-TEST_F(TrustedDaemon, CutsALineWithoutEndAndItsReplyArrivesAllTheSame) {
+TEST_F(TrustedDaemon, AnswersAnOverlongLine) {
   start("{}");
   EXPECT_EQ(ask(std::string(2000, 'x')), "failed|0|0\n");
   const Client open(socketPath());
@@ -79,7 +79,7 @@ TEST_F(TrustedDaemon, OutlivesClientsThatLeaveEarly) {
   EXPECT_EQ(ask("ping\n"), "nothing|0|0\n");
 }
 
-TEST_F(TrustedDaemon, IsHeldByAnOpenClientThatSaysNothingUntilItCloses) {
+TEST_F(TrustedDaemon, WaitsForAnIdleClient) {
   start("{}");
   auto silent = std::make_unique<Client>(socketPath());
   const Client other(socketPath());
@@ -89,7 +89,7 @@ TEST_F(TrustedDaemon, IsHeldByAnOpenClientThatSaysNothingUntilItCloses) {
   EXPECT_EQ(other.receive(), "nothing|0|0\n");
 }
 
-TEST_F(TrustedDaemon, ServesTenClientsDuringADismissalInTheirOrder) {
+TEST_F(TrustedDaemon, ServesQueuedClientsInOrder) {
   start(NotificationCenterScene(
       R"({"id": "a", "role": "AXGroup", "subrole": "AXNotificationCenterAlert", "description": "Mail, a",
           "actions": ["Name:Close"], "onAction": {"Name:Close": {"seconds": 0.3, "effects": [{"remove": "a"}]}}})",
@@ -117,7 +117,7 @@ long residentPagesOf(int pid) {
   return resident;
 }
 
-TEST_F(TrustedDaemon, AnswersTenThousandOneAfterAnotherAndLeaksNothing) {
+TEST_F(TrustedDaemon, LeaksNothingOver10000Requests) {
   RunningProgram& daemon = start("{}");
   for (int i = 0; i < 1000; ++i) ASSERT_EQ(ask("ping\n"), "nothing|0|0\n") << i;
   const std::size_t files = openFilesOf(daemon.pid());
@@ -130,13 +130,13 @@ TEST_F(TrustedDaemon, AnswersTenThousandOneAfterAnotherAndLeaksNothing) {
   EXPECT_EQ(ended(daemon), 0) << "where leaks are looked for, they are found now";
 }
 
-TEST_F(TrustedDaemon, ItsSocketAndItsDirectoryAreForTheUserAlone) {
+TEST_F(TrustedDaemon, RestrictsItsSocketToTheUser) {
   start("{}");
   EXPECT_EQ(FileMode(socketPath()), 0600U);
   EXPECT_EQ(FileMode(home() + "/.local/state/hushlet"), 0700U);
 }
 
-TEST_F(TrustedDaemon, SaysInTheLogThatItStartsAndNothingOfRequests) {
+TEST_F(TrustedDaemon, LogsOnlyItsStart) {
   start("{}");
   (void)ask("ping\n");
   (void)ask("nonsense\n");
@@ -144,7 +144,7 @@ TEST_F(TrustedDaemon, SaysInTheLogThatItStartsAndNothingOfRequests) {
             Lines{"trusted daemon starting trusted=true pid=500 ppid=1 parentBundle=none parentName=none"});
 }
 
-TEST_F(TrustedDaemon, ReplacesTheSocketOfADaemonThatWasKilled) {
+TEST_F(TrustedDaemon, ReplacesAStaleSocket) {
   RunningProgram& killed = start("{}");
   ::kill(killed.pid(), SIGKILL);
   (void)ended(killed);
@@ -154,7 +154,7 @@ TEST_F(TrustedDaemon, ReplacesTheSocketOfADaemonThatWasKilled) {
   EXPECT_EQ(ask("ping\n"), "nothing|0|0\n");
 }
 
-TEST_F(TrustedDaemon, TakesThePathOverFromAnotherThatKeepsItsClients) {
+TEST_F(TrustedDaemon, TakesOverTheSocketPath) {
   RunningProgram& first = start(R"({"trusted": false})");
   const Client kept(socketPath());
   ASSERT_TRUE(kept.isConnected());
@@ -177,7 +177,7 @@ TEST_F(TrustedDaemon, LeavesWhatReplacedItsSocketFile) {
   EXPECT_EQ(FileContent(socketPath()), "somebody else's");
 }
 
-TEST_F(TrustedDaemon, OutlivesAHangUpAndEndsByATerminationWithItsSocketLeftBehind) {
+TEST_F(TrustedDaemon, IgnoresHangUpButNotTermination) {
   RunningProgram& daemon = start("{}");
   ::kill(daemon.pid(), SIGHUP);
   ::kill(daemon.pid(), SIGPIPE);
@@ -187,7 +187,7 @@ TEST_F(TrustedDaemon, OutlivesAHangUpAndEndsByATerminationWithItsSocketLeftBehin
   EXPECT_TRUE(std::filesystem::exists(socketPath()));
 }
 
-TEST_F(TrustedDaemon, WithALongPathIsMetAtItsFirst103BytesAndLeavesThemBehind) {
+TEST_F(TrustedDaemon, CutsALongSocketPath) {
   const std::string deep = home() + "/" + std::string(100, 'd');
   const std::string path = deep + "/.local/state/hushlet/daemon.sock";
   const std::string scene = R"({"home": ")" + deep + "\"}";
@@ -204,7 +204,7 @@ TEST_F(TrustedDaemon, WithALongPathIsMetAtItsFirst103BytesAndLeavesThemBehind) {
   EXPECT_EQ(ended(next), 1) << "the name is taken";
 }
 
-TEST_F(TrustedDaemon, ThatCannotBindEndsWithOne) {
+TEST_F(TrustedDaemon, ExitsWithOneWhenBindingFails) {
   std::filesystem::create_directories(socketPath() + "/in the way");
   RunningProgram& daemon = launch("{}");
   EXPECT_EQ(ended(daemon), 1);

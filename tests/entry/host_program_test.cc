@@ -73,7 +73,7 @@ TEST(HostProgram, AdvisesAtATerminal) {
 
 TEST(HostProgram, AdvisesNotThroughAPipe) { EXPECT_EQ(shownOnTerminal(">"), "|accessDenied|0|0\r\n|"); }
 
-TEST(HostProgram, KeepsItsPathsWhenItsBundleGoes) {
+TEST(HostProgram, KeepsItsPathsWithoutItsBundle) {
   const TemporaryDirectory home;
   const fs::path prefix = home.path() + "/prefix";
   fs::create_directories(prefix / "bin");

@@ -50,7 +50,7 @@ TEST(Libraries, NoCommandLoadsAWindowToolkit) {
   }
 }
 
-TEST(Libraries, UnicodesTablesAreLoadedWhenATextNeedsThem) {
+TEST(Libraries, LoadUnicodeTablesOnDemand) {
   EXPECT_THAT(loadedBy({"--auto-close-match", "plain"}), Not(HasSubstr("libicu")));
   EXPECT_THAT(loadedBy({"--auto-close-match", "Ünïcode, x"}), HasSubstr("libicuuc"));
 }

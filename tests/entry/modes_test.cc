@@ -40,7 +40,7 @@ double secondsOf(const std::string& value) {
   return mode.seconds;
 }
 
-TEST(ModeTable, ListsSwitchesInOrderAndApplicationLast) {
+TEST(ModeTable, EndsWithTheApplication) {
   ASSERT_EQ(HLModes().size(), kTable.size() + 1);
   for (std::size_t i = 0; i < kTable.size(); ++i) {
     EXPECT_EQ(HLModes()[i].switchName, kTable[i].first);
@@ -88,7 +88,7 @@ TEST(Help, ListsNoUnknownMode) {
 
 TEST(Version, PrintsNameAndNumber) { EXPECT_EQ(outputOf("--version"), "hushlet " HL_VERSION "\n"); }
 
-TEST(ModeSelection, WithoutAKnownSwitchIsTheApplication) {
+TEST(ModeSelection, DefaultsToTheApplication) {
   for (const Arguments& arguments :
        {Arguments{}, Arguments{"--unknown"}, Arguments{"--open-settings", "--appearance-dark"},
         Arguments{"dismiss-now"}, Arguments{"--Dismiss-Now"}, Arguments{"--dismiss-now "}, Arguments{"--dismiss"},
@@ -105,7 +105,7 @@ TEST(ModeSelection, FindsItsSwitchAnywhere) {
   }
 }
 
-TEST(ModeSelection, OfTwoSwitchesTheEarlierOfTheTableWinsInEitherOrder) {
+TEST(ModeSelection, PrefersEarlierTableRows) {
   for (std::size_t i = 0; i < kTable.size(); ++i) {
     for (std::size_t j = i; j < kTable.size(); ++j) {
       // A value between them, so that neither is the other's.
@@ -116,18 +116,18 @@ TEST(ModeSelection, OfTwoSwitchesTheEarlierOfTheTableWinsInEitherOrder) {
   }
 }
 
-TEST(ModeSelection, TheDaemonAndItsClientAreToldApart) {
+TEST(ModeSelection, DistinguishesDaemonSwitches) {
   EXPECT_EQ(selected({"--daemon-dismiss"}), "--daemon-dismiss");
   EXPECT_EQ(selected({"--daemon-self-check"}), "--daemon-self-check");
   EXPECT_EQ(selected({"--daemon-dismiss", "--daemon"}), "--daemon");
   EXPECT_EQ(selected({"--dismiss-now", "--self-check"}), "--self-check");
 }
 
-TEST(ModeSelection, TheExecutablesPathCountsLikeAnyOther) {
+TEST(ModeSelection, IncludesTheExecutablePath) {
   EXPECT_EQ(HLSelectMode({"--dismiss-now"}).mode.switchName, "--dismiss-now");
 }
 
-TEST(ModeValue, ARequiredOneIsTheArgumentAfterTheFirstOccurrence) {
+TEST(ModeValue, FollowsTheFirstOccurrence) {
   for (const std::string name : {"--auto-close-match", "--close-matching"}) {
     EXPECT_EQ(HLSelectMode({"hushlet", name, "Shortcuts, Running"}).value, "Shortcuts, Running");
     EXPECT_EQ(HLSelectMode({"hushlet", name, ""}).value, "");
@@ -137,7 +137,7 @@ TEST(ModeValue, ARequiredOneIsTheArgumentAfterTheFirstOccurrence) {
   }
 }
 
-TEST(ModeValue, WithoutARequiredOneTheModeDoesNotApply) {
+TEST(ModeValue, SkipsModesMissingRequiredValues) {
   EXPECT_EQ(selected({"--auto-close-match"}), "");
   EXPECT_EQ(selected({"--close-matching"}), "");
   EXPECT_EQ(selected({"--dismiss-now", "--auto-close-match"}), "--dismiss-now");
@@ -155,14 +155,14 @@ TEST(ModeValue, SecondsDefaultToTen) {
   }
 }
 
-TEST(ModeValue, SecondsThatAreNotPositiveAreTen) {
+TEST(ModeValue, ReplacesNonpositiveSecondsByTen) {
   for (const char* value : {"0", "0.0", "-0", "-3", "-0.001", "word", "", " ", "nan", "NaN", "inf", "-inf", "x2", "+",
                             "-", ".", "e5", "+-3", "--self-check"}) {
     EXPECT_EQ(secondsOf(value), 10.0) << value;
   }
 }
 
-TEST(ModeValue, SecondsAreTheNumberAtTheBeginning) {
+TEST(ModeValue, ReadsLeadingSeconds) {
   for (const auto& [value, seconds] : std::vector<std::pair<std::string, double>>{
            {"2.5", 2.5},   {" 2.5", 2.5}, {"\t\n\v\f\r 7", 7.0}, {"2.5abc", 2.5}, {"2e1", 20.0},
            {"2e+1", 20.0}, {"2E1", 20.0}, {"2e0x", 2.0},         {"25E-1", 2.5},  {"2e12", 2e12},
@@ -184,7 +184,7 @@ TEST(ModeValue, OthersHaveNone) {
   EXPECT_EQ(HLSelectMode({"hushlet", "2.5"}).seconds, 0.0);
 }
 
-TEST(ModeValue, ASwitchAsTheValueIsConsumed) {
+TEST(ModeValue, ConsumesASwitch) {
   const HLSelectedMode mode = HLSelectMode({"hushlet", "--observe-nc", "--self-check"});
   EXPECT_EQ(mode.mode.switchName, "--observe-nc");
   EXPECT_EQ(mode.seconds, 10.0);
@@ -201,7 +201,7 @@ int noteAndPrint(const HLModeCall& call) {
   return 7;
 }
 
-TEST(RunningAMode, HandsOverValueSecondsAndStreamsAndReturnsItsCode) {
+TEST(RunningAMode, PassesItsArguments) {
   const HLMode mode = {"--some-mode", HLModeValue::required, noteAndPrint};
   std::ostringstream out;
   std::ostringstream err;

@@ -68,7 +68,7 @@ TEST_F(Program, DismissesWithoutThreads) {
   EXPECT_EQ(run.exitCode, 0) << run.err;
 }
 
-TEST_F(Program, EndsAClickAsFailedWithoutThreads) {
+TEST_F(Program, FailsDismissalsWithoutThreads) {
   const std::string scene = write(
       R"({"bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}}, "trusted": true,
           "timeline": [{"at": 1, "click": "left"}]})");
@@ -94,7 +94,7 @@ TEST_F(Program, DismissNowPrintsTheResultLine) {
   EXPECT_EQ(diagnostics().back(), "batch progress before=3 after=0 removed=3");
 }
 
-TEST_F(Program, DismissNowExitsWithZeroWhateverTheStatus) {
+TEST_F(Program, ExitsWithZeroAfterDismissNow) {
   const ProgramRun nothing = run(NotificationCenterScene(""), {"--dismiss-now"});
   EXPECT_EQ(nothing.out, "nothing|0|0\n");
   EXPECT_EQ(nothing.exitCode, 0);
@@ -134,7 +134,7 @@ TEST_F(Program, AdvisesAtATerminal) {
   EXPECT_EQ(adviceOn(NotificationCenterScene(kThreeBanners), true), "");
 }
 
-TEST_F(Program, AdvisesAboutBannersThatCannotBeClosed) {
+TEST_F(Program, AdvisesAboutUnclosableBanners) {
   for (const std::string& scene : {NotificationCenterScene(""), NotificationCenterScene(kThreeBanners),
                                    NotificationCenterScene(R"({"title": "stuck", "actions": ["Close"]})")}) {
     EXPECT_EQ(adviceOn(scene, true, "start it"), "start it\n");
@@ -177,20 +177,20 @@ TEST_F(Program, SelfCheckCountsAndDismissesNothing) {
   EXPECT_NE(FileContent(record).find(R"("actions":[])"), std::string::npos) << FileContent(record);
 }
 
-TEST_F(Program, SelfCheckWithoutTrustCountsNothingAndExitsWithOne) {
+TEST_F(Program, FailsSelfCheckWithoutTrust) {
   const ProgramRun program = run(NotificationCenterScene(kThreeBanners, R"(, "trusted": false)"), {"--self-check"});
   EXPECT_EQ(program.out.rfind("trusted=false notificationCenterPid=400 targets=0 pid=", 0), 0U) << program.out;
   EXPECT_EQ(program.exitCode, 1);
   EXPECT_EQ(diagnostics(), Lines{});
 }
 
-TEST_F(Program, SelfCheckWithoutNotificationCenterSaysZero) {
+TEST_F(Program, ChecksWithoutNotificationCenter) {
   const ProgramRun program = run("{}", {"--self-check"});
   EXPECT_EQ(program.out.rfind("trusted=true notificationCenterPid=0 targets=0 pid=", 0), 0U) << program.out;
   EXPECT_EQ(program.exitCode, 0);
 }
 
-TEST_F(Program, SelfCheckWithoutARootElementCountsNothing) {
+TEST_F(Program, ChecksWithoutARootElement) {
   const ProgramRun program = run(R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
       "elementFails": true, "windows": [{"title": "close", "actions": ["Close"]}]}]})",
                                  {"--self-check"});
@@ -198,7 +198,7 @@ TEST_F(Program, SelfCheckWithoutARootElementCountsNothing) {
   EXPECT_EQ(program.exitCode, 0);
 }
 
-TEST_F(Program, SelfCheckNeverAsksTheUserForTrust) {
+TEST_F(Program, ChecksWithoutAPrompt) {
   SimulatedDesktop desktop(R"({"trusted": false, "services": {"grantOnPrompt": true}})");
   std::ostringstream out;
   EXPECT_EQ(HLSelfCheck(out), 1);
@@ -216,19 +216,19 @@ TEST_F(Program, SelfCheckNamesTheParent) {
       << program.out;
 }
 
-TEST_F(Program, OfTwoSwitchesOnlyTheEarlierModeRuns) {
+TEST_F(Program, RunsOnlyTheEarlierMode) {
   const ProgramRun program = run(NotificationCenterScene(kThreeBanners), {"--dismiss-now", "--self-check"});
   EXPECT_EQ(program.out.rfind("trusted=true", 0), 0U) << program.out;
   EXPECT_EQ(program.out.find("success"), std::string::npos);
 }
 
-TEST_F(Program, TheSceneMayReplaceTheArguments) {
+TEST_F(Program, TakesArgumentsFromTheScene) {
   const ProgramRun program =
       run(NotificationCenterScene(kThreeBanners, R"(, "arguments": ["--dismiss-now"])"), {"--self-check"});
   EXPECT_EQ(program.out, "success|3|0\n");
 }
 
-TEST_F(Program, ASceneThatCannotBeReadEndsItWithTwoAndOneLine) {
+TEST_F(Program, ExitsWithTwoOnMalformedScenes) {
   struct Case {
     const char* scene;
     const char* place;
@@ -249,7 +249,7 @@ TEST_F(Program, ASceneThatCannotBeReadEndsItWithTwoAndOneLine) {
   }
 }
 
-TEST_F(Program, ASceneThatIsNotThereEndsItWithTwoAndOneLine) {
+TEST_F(Program, ExitsWithTwoOnMissingScenes) {
   const ProgramRun program = start(home_.path() + "/missing.json", {"--dismiss-now"}).wait();
   EXPECT_EQ(program.exitCode, 2);
   EXPECT_EQ(program.out, "");
@@ -257,13 +257,13 @@ TEST_F(Program, ASceneThatIsNotThereEndsItWithTwoAndOneLine) {
   EXPECT_NE(program.err.find("missing.json"), std::string::npos) << program.err;
 }
 
-TEST_F(Program, WithoutASceneItIsAnOrdinaryEvening) {
+TEST_F(Program, DefaultsToTheEveningScene) {
   const ProgramRun program = start("", {"--dismiss-now"}).wait();
   EXPECT_TRUE(std::regex_match(program.out, std::regex("success\\|[1-9]\\d*\\|0\n"))) << program.out;
   EXPECT_EQ(program.exitCode, 0);
 }
 
-TEST_F(Program, SeveralAtOnceKeepTheLinesOfTheirLogWhole) {
+TEST_F(Program, KeepsConcurrentLogLinesWhole) {
   const std::string scene = write(NotificationCenterScene(kThreeBanners));
   std::vector<RunningProgram> programs;
   for (int i = 0; i < 8; ++i) programs.push_back(start(scene, {"--dismiss-now"}));

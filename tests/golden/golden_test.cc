@@ -119,21 +119,21 @@ void expectGolden(const std::string& name, const std::string& text) {
 
 class Golden : public testing::TestWithParam<std::string> {};
 
-TEST_P(Golden, IsWhatTheSceneComesTo) {
+TEST_P(Golden, MatchesTheKeptOutput) {
   expectGolden(GetParam(), run(GetParam(), {"--self-check"}) + "\n" + run(GetParam(), {"--dismiss-now"}));
 }
 
 // What a person is told of each scene.
 class ExplanationGolden : public testing::TestWithParam<std::string> {};
 
-TEST_P(ExplanationGolden, IsWhatTheSceneComesTo) {
+TEST_P(ExplanationGolden, MatchesTheKeptOutput) {
   expectGolden("explain/" + GetParam(), run(GetParam(), {"--explain", "--keep-texts"}));
 }
 
 // The menu-bar application on scenes with a timeline of what a user does.
 class ApplicationGolden : public testing::TestWithParam<std::string> {};
 
-TEST_P(ApplicationGolden, IsWhatTheSceneComesTo) { expectGolden("app/" + GetParam(), run("app/" + GetParam(), {})); }
+TEST_P(ApplicationGolden, MatchesTheKeptOutput) { expectGolden("app/" + GetParam(), run("app/" + GetParam(), {})); }
 
 std::string nameOf(const testing::TestParamInfo<std::string>& info) {
   return std::regex_replace(info.param, std::regex("[^A-Za-z0-9]"), "_");
@@ -152,7 +152,7 @@ TEST(Goldens, ShowAnExplanationAsData) {
   expectGolden(kExplanationData, run("plain_buttons", {"--explain", "--json", "--keep-texts"}));
 }
 
-TEST(Goldens, ShowWhatEveryModeDoesWhileAnAutomationRuns) {
+TEST(Goldens, ShowEveryMode) {
   const std::vector<std::vector<std::string>> calls = {
       {"--request-accessibility"},
       {"--daemon-dismiss"},

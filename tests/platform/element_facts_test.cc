@@ -48,7 +48,7 @@ TEST_F(ElementFacts, HoldTheAttributesOfTheElement) {
   EXPECT_EQ(facts.frame, (HLRect{1.5, -2, 360, 80}));
 }
 
-TEST_F(ElementFacts, ListChildrenThenRowsThenVisibleChildrenWithRepetitions) {
+TEST_F(ElementFacts, KeepRepeatedChildren) {
   const HLElementRef child = desktop_.element("child");
   const HLElementRef row = desktop_.element("row");
   EXPECT_EQ(desktop_.element("full")->copyFacts().children,

@@ -33,7 +33,7 @@ constexpr double kLongestRun = 2 * 64 * 0.4 + 50 * 0.1 + 16 * 0.3;
 class FaultSweep : public testing::Test {
  protected:
   Dismissal run(const std::string& scene, std::int64_t failingCall, HLAXError code) const {
-    Desktop desktop(scene, {{"hushlet-sim"}, {{"HOME", home_.path()}}});
+    SimulatedDesktop desktop(scene, {{"hushlet-sim"}, {{"HOME", home_.path()}}});
     Faults faults(failingCall, code);
     FaultyPlatform faulty(desktop.simulator().platform(), faults.plan());
     HLInstallPlatform(&faulty.platform());
@@ -125,7 +125,7 @@ TEST_F(FaultSweep, OverAnAlertThatStays) {
   sweep(scene);
 }
 
-TEST_F(FaultSweep, TakesEveryCodeForTheSameMissingAnswer) {
+TEST_F(FaultSweep, TreatsAllCodesAlike) {
   const std::string scene = R"({"applications": [)" +
                             notificationCenter(R"({"id": "alert", "subrole": "AXNotificationCenterAlert",
                               "closes": "alert", )" +
@@ -144,8 +144,8 @@ TEST_F(FaultSweep, TakesEveryCodeForTheSameMissingAnswer) {
 
 // The wrapper itself
 
-TEST(FaultyAccessibility, FailsExactlyTheCallThatItIsTold) {
-  Desktop desktop(Scene(R"({"id": "w", "role": "AXWindow", "actions": ["AXPress"], "onAction": {"AXPress": {
+TEST(FaultyAccessibility, FailsOnlyThePlannedCall) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "role": "AXWindow", "actions": ["AXPress"], "onAction": {"AXPress": {
     "effects": [{"remove": "w"}]}}})"));
   Faults faults(3, HLAXErrorCannotComplete);
   FaultyAccessibility accessibility(desktop.accessibility(), faults.plan());
@@ -163,8 +163,8 @@ TEST(FaultyAccessibility, FailsExactlyTheCallThatItIsTold) {
 }
 
 TEST(FaultyAccessibility, DeliversNotificationsOfWrappedElements) {
-  Desktop desktop(Scene(R"({"id": "w", "role": "AXWindow"})",
-                        R"(, "timeline": [{"at": 1, "notify": "AXLayoutChanged", "element": "w"}])"));
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "role": "AXWindow"})",
+                                 R"(, "timeline": [{"at": 1, "notify": "AXLayoutChanged", "element": "w"}])"));
   Faults none(0, 0);
   FaultyAccessibility accessibility(desktop.accessibility(), none.plan());
   const HLElementRef root = accessibility.createApplication(400);
@@ -178,8 +178,8 @@ TEST(FaultyAccessibility, DeliversNotificationsOfWrappedElements) {
   EXPECT_EQ(notified, std::vector<HLElementRef>{window});
 }
 
-TEST(FaultyPlatform, TellsThePlanEachCallWithItsArgument) {
-  Desktop desktop(Scene(""));
+TEST(FaultyPlatform, PassesArgumentsToThePlan) {
+  SimulatedDesktop desktop(Scene(""));
   std::vector<std::string> calls;
   FaultyPlatform faulty(desktop.simulator().platform(), [&calls](std::string_view method, std::string_view argument) {
     calls.push_back(std::string(method) + " " + std::string(argument));

@@ -47,9 +47,9 @@ TEST(Json, EveryKindOfValueIsRead) {
   EXPECT_EQ(reading("[\t1\r\n,\n2 ]"), "[i1 i2]");
 }
 
-TEST(Json, ATruthValueIsNoNumber) { EXPECT_EQ(reading("[true, 1, false, 0]"), "[true i1 false i0]"); }
+TEST(Json, DistinguishesBooleansFromNumbers) { EXPECT_EQ(reading("[true, 1, false, 0]"), "[true i1 false i0]"); }
 
-TEST(Json, IntegersHave64BitsAndElseAreRealNumbers) {
+TEST(Json, ReadsLargerIntegersAsReals) {
   EXPECT_EQ(reading("[0, 1700000000]"), "[i0 i1700000000]");
   EXPECT_EQ(reading("[9223372036854775807, -9223372036854775808]"), "[i9223372036854775807 i-9223372036854775808]");
   EXPECT_EQ(reading("[9223372036854775808]"), "[d9.223372036854776e+18]");
@@ -65,7 +65,7 @@ TEST(Json, TextsAreUnescaped) {
   EXPECT_EQ(reading(R"({"\u0061": "[{\"}]"})"), "{a:'[{\"}]'}");
 }
 
-TEST(Json, WhatIsNoJsonIsNothing) {
+TEST(Json, RejectsOtherText) {
   for (const char* text :
        {"",      " ",          "nonsense",  "{",           "}",     "[",     "]",      "[1",     "{\"a\":1",
         "[1 2]", "{\"a\" 1}",  "{\"a\"}",   "{a:1}",       "{1:2}", "['a']", "[1] 2",  "[1][2]", "{}x",
@@ -75,7 +75,7 @@ TEST(Json, WhatIsNoJsonIsNothing) {
   }
 }
 
-TEST(Json, WhatIsNoUtf8IsNothing) {
+TEST(Json, RejectsInvalidUtf8) {
   EXPECT_EQ(reading("[\"\xFF\"]"), "nothing");
   EXPECT_EQ(reading("[\"\xC3\"]"), "nothing");
   EXPECT_EQ(reading("[\"\xE2\x82\"]"), "nothing");
@@ -84,7 +84,7 @@ TEST(Json, WhatIsNoUtf8IsNothing) {
   EXPECT_EQ(reading("\xFF[]"), "nothing");
 }
 
-TEST(Json, NestingIsReadToADepthAndIsNothingBeyond) {
+TEST(Json, RejectsDeepNesting) {
   const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
   EXPECT_EQ(reading(nested(100)), nested(100));
   EXPECT_EQ(reading(nested(1'000'000)), "nothing");

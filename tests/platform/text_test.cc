@@ -34,12 +34,12 @@ TEST(CodePoints, AreReadOneAfterTheOther) {
   EXPECT_THAT(codePoints(std::string_view("\0", 1)), ElementsAre(0));
 }
 
-TEST(CodePoints, KeepALoneHalfOfAPair) {
+TEST(CodePoints, KeepLoneSurrogates) {
   EXPECT_THAT(codePoints("a" + kFirstHalf + "b"), ElementsAre(0x61, 0xD83D, 0x62));
   EXPECT_THAT(codePoints(kSecondHalf), ElementsAre(0xDE00));
 }
 
-TEST(CodePoints, AnswerEachByteThatBeginsNothingWellFormedByItself) {
+TEST(CodePoints, ReturnMalformedBytesSingly) {
   EXPECT_THAT(codePoints("\x80x"), ElementsAre(0xFFFD, 0x78));                   // a tail without its lead
   EXPECT_THAT(codePoints("\xC3"), ElementsAre(0xFFFD));                          // cut short
   EXPECT_THAT(codePoints("\xE2\x82"), ElementsAre(0xFFFD, 0xFFFD));              // cut short
@@ -53,7 +53,7 @@ TEST(CodePoints, AnswerEachByteThatBeginsNothingWellFormedByItself) {
 
 // White space
 
-TEST(Whitespace, IsTheseCodePointsAndNoOther) {
+TEST(Whitespace, IncludesExactlyTheListedCodePoints) {
   std::vector<char32_t> table = {0x20, 0x85, 0xA0, 0x1680, 0x2028, 0x2029, 0x202F, 0x205F, 0x3000};
   for (char32_t codePoint = 0x09; codePoint <= 0x0D; ++codePoint) table.push_back(codePoint);
   for (char32_t codePoint = 0x2000; codePoint <= 0x200B; ++codePoint) table.push_back(codePoint);
@@ -63,7 +63,7 @@ TEST(Whitespace, IsTheseCodePointsAndNoOther) {
   }
 }
 
-TEST(Trim, TakesWhiteSpaceAndLineBreaksFromBothEndsOnly) {
+TEST(Trim, KeepsInnerWhitespace) {
   EXPECT_EQ(HLTrim(" \t\r\n\v\f a b \u00A0\u3000\u2028\u200B"), "a b");
   EXPECT_EQ(HLTrim("\u0085x\u1680"), "x");
   EXPECT_EQ(HLTrim("a"), "a");
@@ -104,7 +104,7 @@ TEST(Lowercase, PassesLoneHalvesOfPairsThrough) {
   EXPECT_EQ(HLLowercase(kSecondHalf), kSecondHalf);
 }
 
-TEST(Lowercase, OfALongTextIsComplete) {
+TEST(Lowercase, HandlesLongTexts) {
   std::string upper;
   std::string lower;
   for (int i = 0; i < 5000; ++i) {
@@ -174,7 +174,7 @@ TEST(Utf16Prefix, CountsUnitsNotBytes) {
   EXPECT_EQ(HLUtf16Prefix("abc", 0), "");
 }
 
-TEST(Utf16Prefix, LeavesTheFirstHalfOfAPairThatItCuts) {
+TEST(Utf16Prefix, KeepsHalfOfACutPair) {
   EXPECT_EQ(HLUtf16Prefix("a" + kFace, 2), "a" + kFirstHalf);
   EXPECT_EQ(HLUtf16Prefix(kFace + kFace, 1), kFirstHalf);
   EXPECT_EQ(HLUtf16Prefix(kFace + kFace, 3), kFace + kFirstHalf);
@@ -211,7 +211,7 @@ TEST(LeadingInteger, IsZeroWithoutDigits) {
   }
 }
 
-TEST(LeadingInteger, BeyondItsRangeIsTheNearestLimit) {
+TEST(LeadingInteger, ClampsToItsRange) {
   EXPECT_EQ(HLLeadingInteger("9223372036854775807"), INT64_MAX);
   EXPECT_EQ(HLLeadingInteger("9223372036854775808"), INT64_MAX);
   EXPECT_EQ(HLLeadingInteger("-9223372036854775808"), INT64_MIN);
@@ -222,7 +222,7 @@ TEST(LeadingInteger, BeyondItsRangeIsTheNearestLimit) {
 
 // UTF-16
 
-TEST(Utf16Units, AreThoseOfTheTextHalvesOfPairsIncluded) {
+TEST(Utf16Units, IncludeHalvesOfPairs) {
   EXPECT_EQ(HLUtf16Units("aä\u20AC" + kFace), u"aä\u20AC\U0001F600");
   EXPECT_EQ(HLUtf16Units("a" + kFirstHalf + "b"), (std::u16string{u'a', 0xD83D, u'b'}));
   EXPECT_EQ(HLUtf16Units("\xFF"), u"\uFFFD");
@@ -237,7 +237,7 @@ TEST(Utf16Units, BecomeTheSameTextAgain) {
 
 // Encoding
 
-TEST(Encodable, IsWhatHasNoHalvesOfPairsAndNoStrayBytes) {
+TEST(Encodable, RejectsHalvesAndStrayBytes) {
   EXPECT_TRUE(HLIsEncodable(""));
   EXPECT_TRUE(HLIsEncodable("plain"));
   EXPECT_TRUE(HLIsEncodable("äöü " + kFace));
@@ -248,7 +248,7 @@ TEST(Encodable, IsWhatHasNoHalvesOfPairsAndNoStrayBytes) {
   EXPECT_FALSE(HLIsEncodable("\xE2\x82"));
 }
 
-TEST(Encodable, TextShowsAReplacementForWhatIsNot) {
+TEST(Encodable, ReplacesOtherBytes) {
   EXPECT_EQ(HLEncodableText("a" + kFirstHalf + "b"), "a" + kReplacement + "b");
   EXPECT_EQ(HLEncodableText("\xFF\xFE"), kReplacement + kReplacement);
   EXPECT_EQ(HLEncodableText("äöü " + kFace), "äöü " + kFace);

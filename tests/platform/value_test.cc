@@ -11,7 +11,7 @@
 
 namespace {
 
-TEST(Value, IsMissingUntilItIsGivenSomething) {
+TEST(Value, StartsMissing) {
   EXPECT_TRUE(HLValue().isMissing());
   EXPECT_FALSE(HLValue(false).isMissing());
   EXPECT_FALSE(HLValue(std::string()).isMissing());
@@ -28,7 +28,7 @@ TEST(Value, AnswersOnlyToItsOwnType) {
   EXPECT_EQ(HLValue(HLPoint{1, 2}).as<HLSize>(), nullptr);
 }
 
-TEST(Dictionary, IsLookedUpByItsWholeKey) {
+TEST(Dictionary, ComparesWholeKeys) {
   const HLDictionary dictionary = {{"a", std::string("1")}, {"ab", std::string("2")}, {"", std::string("3")}};
   EXPECT_EQ(*HLDictionaryValue(dictionary, "ab")->as<std::string>(), "2");
   EXPECT_EQ(*HLDictionaryValue(dictionary, "")->as<std::string>(), "3");
@@ -36,7 +36,7 @@ TEST(Dictionary, IsLookedUpByItsWholeKey) {
   EXPECT_EQ(HLDictionaryValue({}, "a"), nullptr);
 }
 
-TEST(NumberText, IsDecimalForIntegersAndOneOrNoughtForBooleans) {
+TEST(NumberText, PrintsIntegersAndBooleans) {
   EXPECT_EQ(HLNumberText(std::int64_t{0}), "0");
   EXPECT_EQ(HLNumberText(std::int64_t{-42}), "-42");
   EXPECT_EQ(HLNumberText(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
@@ -44,7 +44,7 @@ TEST(NumberText, IsDecimalForIntegersAndOneOrNoughtForBooleans) {
   EXPECT_EQ(HLNumberText(false), "0");
 }
 
-TEST(NumberText, OfOtherNumbersHasSixteenDigits) {
+TEST(NumberText, PrintsRealsWithSixteenDigits) {
   EXPECT_EQ(HLNumberText(1.0), "1");
   EXPECT_EQ(HLNumberText(0.5), "0.5");
   EXPECT_EQ(HLNumberText(-0.0), "-0");
@@ -55,7 +55,7 @@ TEST(NumberText, OfOtherNumbersHasSixteenDigits) {
   EXPECT_EQ(HLNumberText(0.00001), "1e-05");
 }
 
-TEST(NumberText, IsNothingForWhatIsNoNumber) {
+TEST(NumberText, IsEmptyForOtherTypes) {
   EXPECT_EQ(HLNumberText(HLValue()), std::nullopt);
   EXPECT_EQ(HLNumberText(std::string("1")), std::nullopt);
   EXPECT_EQ(HLNumberText(HLPoint{1, 1}), std::nullopt);

@@ -1,12 +1,15 @@
 // A host of the application that notes what is asked of it, one line a call.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "platform/application/application_platform.h"
@@ -38,6 +41,12 @@ class SpyWindows : public HLWindows {
   std::vector<HLWindowDescription> made;
   std::vector<HLWindowView> shown;  // what views() says
 
+  [[nodiscard]] Calls titles() const {
+    Calls titles;
+    for (const HLWindowDescription& window : made) titles.push_back(window.title);
+    return titles;
+  }
+
   [[nodiscard]] std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) override {
     made.push_back(std::move(description));
     return std::make_unique<SpyWindow>(calls_);
@@ -47,6 +56,41 @@ class SpyWindows : public HLWindows {
  private:
   Calls& calls_;
 };
+
+// The controls of one kind from the top down, those in rows too.
+template <class Control>
+[[nodiscard]] std::vector<Control> ControlsOf(const HLWindowDescription& window) {
+  std::vector<Control> found;
+  const auto add = [&found](const auto& what) {
+    if (const auto* control = std::get_if<Control>(&what)) found.push_back(*control);
+  };
+  for (const HLStackItem& item : window.stack) {
+    add(item.what);
+    if (const auto* row = std::get_if<HLRow>(&item.what))
+      std::for_each(row->controls.begin(), row->controls.end(), add);
+  }
+  return found;
+}
+
+// The control of that name. Throws when there is none.
+template <class Control>
+[[nodiscard]] Control ControlNamed(const HLWindowDescription& window, std::string_view name) {
+  for (const Control& control : ControlsOf<Control>(window)) {
+    if (control.name == name) return control;
+  }
+  throw std::runtime_error("no control " + std::string(name));
+}
+
+[[nodiscard]] inline Calls TextsOf(const HLWindowDescription& window) {
+  Calls texts;
+  for (const HLLabel& label : ControlsOf<HLLabel>(window)) texts.push_back(label.text);
+  return texts;
+}
+[[nodiscard]] inline Calls CheckBoxesOf(const HLWindowDescription& window) {
+  Calls titles;
+  for (const HLCheckBox& box : ControlsOf<HLCheckBox>(window)) titles.push_back(box.title);
+  return titles;
+}
 
 // Launches, reopens and ends.
 class SpyApplication : public HLApplication {

@@ -113,7 +113,7 @@ class PlatformContract : public testing::TestWithParam<ContractHost> {
 
 // Elements
 
-TEST_P(PlatformContract, AProcessThatCanReadIsTrusted) { EXPECT_TRUE(accessibility().isProcessTrusted(false)); }
+TEST_P(PlatformContract, TrustsAProcessThatCanRead) { EXPECT_TRUE(accessibility().isProcessTrusted(false)); }
 
 TEST_P(PlatformContract, ShowsWindowsWithElementsBelow) {
   ASSERT_NE(root(), nullptr);
@@ -138,7 +138,7 @@ TEST_P(PlatformContract, CopiesFactsAsReadByName) {
   }
 }
 
-TEST_P(PlatformContract, AnErrorNeverComesWithAValue) {
+TEST_P(PlatformContract, ReturnsNoValueWithAnError) {
   for (const HLElementRef& element : tree()) {
     for (std::string_view name : {"AXRole", "AXTitle", "AXPosition", "AXRows", "AXNoSuchThing"}) {
       const HLAttribute attribute = element->copyAttributeValue(name);
@@ -147,13 +147,13 @@ TEST_P(PlatformContract, AnErrorNeverComesWithAValue) {
   }
 }
 
-TEST_P(PlatformContract, AnAttributeThatNobodyKnowsIsAnError) {
+TEST_P(PlatformContract, RejectsUnknownAttributes) {
   for (const HLElementRef& element : tree()) {
     EXPECT_NE(element->copyAttributeValue("AXNoSuchThing").error, HLAXErrorSuccess);
   }
 }
 
-TEST_P(PlatformContract, PositionsArePointsAndSizesAreSizes) {
+TEST_P(PlatformContract, TypesPositionsAndSizes) {
   int framed = 0;
   for (const HLElementRef& element : tree()) {
     const HLAttribute position = element->copyAttributeValue("AXPosition");
@@ -165,7 +165,7 @@ TEST_P(PlatformContract, PositionsArePointsAndSizesAreSizes) {
   EXPECT_GT(framed, 0);
 }
 
-TEST_P(PlatformContract, ActionNamesAreReadInOneOrder) {
+TEST_P(PlatformContract, KeepsTheOrderOfActions) {
   bool some = false;
   for (const HLElementRef& element : tree()) {
     const HLActionList first = element->copyActionNames();
@@ -176,13 +176,13 @@ TEST_P(PlatformContract, ActionNamesAreReadInOneOrder) {
   EXPECT_TRUE(some);
 }
 
-TEST_P(PlatformContract, AnActionThatIsNotListedFailsAndDoesNothing) {
+TEST_P(PlatformContract, RejectsUnlistedActions) {
   const std::size_t before = tree().size();
   for (const HLElementRef& element : tree()) EXPECT_NE(element->performAction("AXNoSuchAction"), HLAXErrorSuccess);
   EXPECT_EQ(tree().size(), before);
 }
 
-TEST_P(PlatformContract, EqualityOfElementsIsAnEquivalence) {
+TEST_P(PlatformContract, ComparesElementsConsistently) {
   const std::vector<HLElementRef> first = tree();
   const std::vector<HLElementRef> second = tree();
   ASSERT_EQ(first.size(), second.size());
@@ -195,13 +195,13 @@ TEST_P(PlatformContract, EqualityOfElementsIsAnEquivalence) {
   }
 }
 
-TEST_P(PlatformContract, TheRootOfAProcessIsOneNodeHoweverOftenItIsMade) {
+TEST_P(PlatformContract, MakesEqualRoots) {
   const HLElementRef made = root();
   EXPECT_TRUE(made->isEqual(*root()));
   for (const HLElementRef& element : tree()) EXPECT_FALSE(made->isEqual(*element));
 }
 
-TEST_P(PlatformContract, AHandleOutlivesTheListThatItCameFrom) {
+TEST_P(PlatformContract, KeepsHandlesBeyondTheirList) {
   HLElementRef kept;
   {
     const std::vector<HLElementRef> elements = tree();
@@ -210,7 +210,7 @@ TEST_P(PlatformContract, AHandleOutlivesTheListThatItCameFrom) {
   EXPECT_EQ(kept->copyAttributeValue("AXRole").error, HLAXErrorSuccess);
 }
 
-TEST_P(PlatformContract, AnElementThatHasGoneIsInvalidAndInNoList) {
+TEST_P(PlatformContract, InvalidatesDestroyedElements) {
   const HLElementRef element = removable();
   ASSERT_NE(element, nullptr);
   EXPECT_EQ(element->performAction(desktop_->removingAction()), HLAXErrorSuccess);
@@ -222,14 +222,14 @@ TEST_P(PlatformContract, AnElementThatHasGoneIsInvalidAndInNoList) {
   for (const HLElementRef& left : tree()) EXPECT_FALSE(left->isEqual(*element));
 }
 
-TEST_P(PlatformContract, AProcessThatIsNotThereShowsNothing) {
+TEST_P(PlatformContract, ShowsNothingForAMissingProcess) {
   const HLElementRef element = accessibility().createApplication(2147483646);
   if (element == nullptr) return;
   EXPECT_NE(element->copyAttributeValue("AXWindows").error, HLAXErrorSuccess);
   EXPECT_NE(element->copyActionNames().error, HLAXErrorSuccess);
 }
 
-TEST_P(PlatformContract, SeveralThreadsMayReadAtOnce) {
+TEST_P(PlatformContract, AllowsConcurrentReads) {
   const std::vector<HLElementRef> elements = tree();
   std::atomic<int> roles = 0;
   const auto queue = runLoop().makeOperationQueue("readers", HLQualityOfService::userInitiated, 4);
@@ -245,7 +245,7 @@ TEST_P(PlatformContract, SeveralThreadsMayReadAtOnce) {
 
 // Running applications
 
-TEST_P(PlatformContract, AListedApplicationIsFoundByItsPid) {
+TEST_P(PlatformContract, FindsListedApplicationsByPid) {
   const std::vector<HLRunningApplication> list = applications().list();
   EXPECT_TRUE(std::any_of(list.begin(), list.end(),
                           [this](const HLRunningApplication& running) { return running.pid == desktop_->pid(); }));
@@ -260,7 +260,7 @@ TEST_P(PlatformContract, AListedApplicationIsFoundByItsPid) {
   }
 }
 
-TEST_P(PlatformContract, APidThatNobodyHasIsNotFound) {
+TEST_P(PlatformContract, FindsNothingForUnknownPids) {
   EXPECT_FALSE(applications().find(2147483646).has_value());
   EXPECT_FALSE(applications().find(0).has_value());
   EXPECT_FALSE(applications().find(-1).has_value());
@@ -268,24 +268,24 @@ TEST_P(PlatformContract, APidThatNobodyHasIsNotFound) {
 
 // Run loop and queues
 
-TEST_P(PlatformContract, NowIsTheWallClock) {
+TEST_P(PlatformContract, UsesTheWallClock) {
   const double wall = std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
   EXPECT_NEAR(runLoop().now(), wall, 60);
 }
 
-TEST_P(PlatformContract, ASleepTakesItsTime) {
+TEST_P(PlatformContract, SleepsLongEnough) {
   const double before = runLoop().now();
   runLoop().sleep(0.03);
   EXPECT_GE(runLoop().now() - before, 0.03 - 1e-3);
 }
 
-TEST_P(PlatformContract, ASleepOfNoTimeReturnsAtOnce) {
+TEST_P(PlatformContract, SkipsEmptySleeps) {
   const double before = runLoop().now();
   for (double seconds : {0.0, -1.0, -1e300, std::numeric_limits<double>::quiet_NaN()}) runLoop().sleep(seconds);
   EXPECT_LT(runLoop().now() - before, 1);
 }
 
-TEST_P(PlatformContract, TheRunLoopRunsForAsLongAsItIsTold) {
+TEST_P(PlatformContract, RunsLongEnough) {
   const double before = runLoop().now();
   runLoop().runFor(0.03);
   EXPECT_GE(runLoop().now() - before, 0.03 - 1e-3);
@@ -317,7 +317,7 @@ TEST_P(PlatformContract, WaitsCenturiesForASignal) {
   }
 }
 
-TEST_P(PlatformContract, WaitingForAQueueMeansThatAllIsDone) {
+TEST_P(PlatformContract, WaitsForAllOperations) {
   std::atomic<int> done = 0;
   const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 3);
   queue->waitUntilAllOperationsAreFinished();
@@ -333,7 +333,7 @@ TEST_P(PlatformContract, WaitingForAQueueMeansThatAllIsDone) {
   }
 }
 
-TEST_P(PlatformContract, AQueueRunsNoMoreThanItsLimitAtOnce) {
+TEST_P(PlatformContract, LimitsConcurrentOperations) {
   for (const int limit : {1, 2, 4}) {
     std::atomic<int> running = 0;
     std::atomic<int> most = 0;
@@ -353,7 +353,7 @@ TEST_P(PlatformContract, AQueueRunsNoMoreThanItsLimitAtOnce) {
   }
 }
 
-TEST_P(PlatformContract, OperationsStartInTheOrderInWhichTheyAreAdded) {
+TEST_P(PlatformContract, StartsOperationsInOrder) {
   std::vector<int> started;
   const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
   for (int i = 0; i < 20; ++i) queue->addOperation([&started, i] { started.push_back(i); });
@@ -363,7 +363,7 @@ TEST_P(PlatformContract, OperationsStartInTheOrderInWhichTheyAreAdded) {
   EXPECT_EQ(started, expected);
 }
 
-TEST_P(PlatformContract, OperationsRunOnOtherThreads) {
+TEST_P(PlatformContract, RunsOperationsOnOtherThreads) {
   const std::thread::id here = std::this_thread::get_id();
   std::atomic<bool> elsewhere = false;
   const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
@@ -372,7 +372,7 @@ TEST_P(PlatformContract, OperationsRunOnOtherThreads) {
   EXPECT_TRUE(elsewhere);
 }
 
-TEST_P(PlatformContract, DestroyingAQueueWaitsForItsOperations) {
+TEST_P(PlatformContract, FinishesOperationsOfDestroyedQueues) {
   std::atomic<int> done = 0;
   {
     const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 2);
@@ -386,7 +386,7 @@ TEST_P(PlatformContract, DestroyingAQueueWaitsForItsOperations) {
   EXPECT_EQ(done, 6);
 }
 
-TEST_P(PlatformContract, ASemaphoreKeepsItsSignals) {
+TEST_P(PlatformContract, KeepsSignals) {
   const auto semaphore = runLoop().makeSemaphore();
   semaphore->signal();
   semaphore->signal();
@@ -395,7 +395,7 @@ TEST_P(PlatformContract, ASemaphoreKeepsItsSignals) {
   EXPECT_FALSE(semaphore->wait(0));
 }
 
-TEST_P(PlatformContract, WaitingForASignalThatNeverComesTakesItsTime) {
+TEST_P(PlatformContract, TimesOutWithoutASignal) {
   const auto semaphore = runLoop().makeSemaphore();
   const double before = runLoop().now();
   EXPECT_FALSE(semaphore->wait(0.03));
@@ -405,7 +405,7 @@ TEST_P(PlatformContract, WaitingForASignalThatNeverComesTakesItsTime) {
   EXPECT_LT(runLoop().now() - between, 1);
 }
 
-TEST_P(PlatformContract, ASignalOfAnotherThreadEndsTheWait) {
+TEST_P(PlatformContract, WakesOnAnotherThreadsSignal) {
   const auto semaphore = runLoop().makeSemaphore();
   const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
   queue->addOperation([&] {
@@ -425,7 +425,7 @@ TEST_P(PlatformContract, ArgumentsBeginWithTheExecutable) {
   EXPECT_FALSE(arguments[0].empty());
 }
 
-TEST_P(PlatformContract, AVariableThatIsNotSetIsNothing) {
+TEST_P(PlatformContract, ReturnsNulloptForUnsetVariables) {
   EXPECT_FALSE(process().environment("HL_NOBODY_SETS_THIS").has_value());
   EXPECT_FALSE(process().environment("").has_value());
 }
@@ -436,7 +436,7 @@ TEST_P(PlatformContract, ProcessIdentifiersArePositiveAndDiffer) {
   EXPECT_NE(process().processIdentifier(), process().parentProcessIdentifier());
 }
 
-TEST_P(PlatformContract, DirectoriesAreAbsoluteWithoutATrailingSlash) {
+TEST_P(PlatformContract, ReturnsAbsoluteDirectories) {
   const std::string home = process().homeDirectory();
   ASSERT_FALSE(home.empty());
   EXPECT_EQ(home.front(), '/');

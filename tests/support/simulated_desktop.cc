@@ -37,6 +37,40 @@ HLElementRef SimulatedDesktop::application(std::int32_t pid) {
   return platform().accessibility->createApplication(pid);
 }
 
+HLAttribute SimulatedDesktop::read(std::string_view id, std::string_view attribute) {
+  return element(id)->copyAttributeValue(attribute);
+}
+
+std::optional<std::string> SimulatedDesktop::text(std::string_view id, std::string_view attribute) {
+  const HLAttribute found = read(id, attribute);
+  const auto* value = found.value.as<std::string>();
+  return value == nullptr ? std::nullopt : std::optional(*value);
+}
+
+std::vector<HLElementRef> SimulatedDesktop::elements(const HLElementRef& owner, std::string_view list) {
+  std::vector<HLElementRef> found;
+  const HLAttribute value = owner->copyAttributeValue(list);
+  const auto* array = value.value.as<HLArray>();
+  for (const HLValue& member : array == nullptr ? HLArray() : *array) {
+    if (const auto* element = member.as<HLElementRef>()) found.push_back(*element);
+  }
+  return found;
+}
+
+std::vector<std::string> SimulatedDesktop::titles(const HLElementRef& owner, std::string_view list) {
+  std::vector<std::string> found;
+  for (const HLElementRef& member : elements(owner, list)) {
+    const HLAttribute title = member->copyAttributeValue("AXTitle");
+    const auto* text = title.value.as<std::string>();
+    found.push_back(text == nullptr ? "" : *text);
+  }
+  return found;
+}
+
+HLAXError SimulatedDesktop::press(std::string_view id, std::string_view action) {
+  return element(id)->performAction(action);
+}
+
 std::int64_t SimulatedDesktop::elapsedMicroseconds() const { return std::llround(simulator_->elapsed() * 1e6); }
 
 std::string SimulatedDesktop::diagnosticsPath() const {

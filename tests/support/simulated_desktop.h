@@ -3,11 +3,16 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/accessibility.h"
 #include "platform/platform.h"
+#include "platform/process_info.h"
+#include "platform/run_loop.h"
+#include "platform/running_applications.h"
 #include "platform/sim/simulator.h"
 #include "tests/support/temporary_directory.h"
 
@@ -21,12 +26,27 @@ class SimulatedDesktop {
 
   [[nodiscard]] HLSimulator& simulator() { return *simulator_; }
   [[nodiscard]] const HLPlatform& platform() { return simulator_->platform(); }
+  [[nodiscard]] HLAccessibility& accessibility() { return platform().accessibility; }
+  [[nodiscard]] HLRunningApplications& applications() { return platform().runningApplications; }
+  [[nodiscard]] HLRunLoop& runLoop() { return platform().runLoop; }
+  [[nodiscard]] HLProcessInfo& process() { return platform().process; }
+  void sleep(double seconds) { runLoop().sleep(seconds); }
   [[nodiscard]] const std::string& home() const { return home_.path(); }
 
   // Throws when no element bears the id.
   [[nodiscard]] HLElementRef element(std::string_view id);
   // The root element of a process.
   [[nodiscard]] HLElementRef application(std::int32_t pid);
+
+  // Attributes of the element with the id. text() is nullopt for an error or another type.
+  [[nodiscard]] HLAttribute read(std::string_view id, std::string_view attribute);
+  [[nodiscard]] HLAXError error(std::string_view id, std::string_view attribute) { return read(id, attribute).error; }
+  [[nodiscard]] std::optional<std::string> text(std::string_view id, std::string_view attribute);
+  // The elements of a list, and their titles; "" for an element without one.
+  [[nodiscard]] std::vector<HLElementRef> elements(const HLElementRef& owner, std::string_view list);
+  [[nodiscard]] std::vector<std::string> titles(const HLElementRef& owner, std::string_view list);
+  HLAXError press(std::string_view id, std::string_view action = "AXPress");
+  [[nodiscard]] std::vector<std::string> present() { return simulator_->presentElements(); }
 
   // Since the start, on the scene's clock.
   [[nodiscard]] std::int64_t elapsedMicroseconds() const;

@@ -15,7 +15,7 @@
 
 namespace {
 
-TEST(MakePlan, GivesTheSamePlanForASeed) {
+TEST(MakePlan, RepeatsForASeed) {
   PlanShape shape;
   EXPECT_EQ(MakePlan(7, shape).scene, MakePlan(7, shape).scene);
   EXPECT_NE(MakePlan(7, shape).scene, MakePlan(8, shape).scene);

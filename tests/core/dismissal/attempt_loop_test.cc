@@ -45,7 +45,7 @@ std::size_t countStarting(const Lines& log, std::string_view beginning) {
       log.begin(), log.end(), [beginning](const std::string& line) { return line.rfind(beginning, 0) == 0; }));
 }
 
-TEST(AttemptLoop, WithoutTargetsReportsZeroAndPressesNothing) {
+TEST(AttemptLoop, ReportsZeroWithoutTargets) {
   const LoopRun run(R"({"title": "hello"})");
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusNothing, 0, 0}));
   EXPECT_EQ(run.maxAlertsPerApp, 0);
@@ -55,7 +55,7 @@ TEST(AttemptLoop, WithoutTargetsReportsZeroAndPressesNothing) {
   EXPECT_EQ(run.desktop.elapsedMicroseconds(), 0);
 }
 
-TEST(AttemptLoop, TargetsThatAllGoAfterOneBatchAreASuccess) {
+TEST(AttemptLoop, SucceedsWhenOneBatchClearsAll) {
   const LoopRun run(R"(
     {"id": "low", "title": "low", "description": "Mail, one", "actions": ["Name:Close"], "closes": "low",
      "frame": [0, 90, 9, 9]},
@@ -80,7 +80,7 @@ TEST(AttemptLoop, TargetsThatAllGoAfterOneBatchAreASuccess) {
                    "scan root=window-0 visited=1 candidates=0", "batch progress before=3 after=0 removed=3"}));
 }
 
-TEST(AttemptLoop, ATargetWhosePressRemovesNothingIsTriedOnce) {
+TEST(AttemptLoop, PressesIneffectiveTargetsOnce) {
   const LoopRun run(R"({"id": "stuck", "title": "stuck", "actions": ["Name:Close"]})");
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusFailed, 0, 1}));
   EXPECT_EQ(run.pressed, "stuck");
@@ -98,7 +98,7 @@ TEST(AttemptLoop, ATargetWhosePressRemovesNothingIsTriedOnce) {
       << "the second attempt shows all targets, as none is eligible";
 }
 
-TEST(AttemptLoop, WhenNoActionIsAcceptedTheRunHasFailed) {
+TEST(AttemptLoop, FailsWhenNoActionIsAccepted) {
   const LoopRun run(
       R"({"repeat": 2, "id": "deaf{n}", "title": "deaf{n}", "actions": ["Clear"],
           "onAction": {"Clear": {"error": -25204}}})",
@@ -115,7 +115,7 @@ TEST(AttemptLoop, WhenNoActionIsAcceptedTheRunHasFailed) {
                    "scan root=window-0 visited=3 candidates=2", "batch had no successful actions remaining=2"}));
 }
 
-TEST(AttemptLoop, WhatIsLeftAfterAFailedBatchIsCountedAfresh) {
+TEST(AttemptLoop, RecountsRemainingAfterAFailedBatch) {
   const LoopRun run(
       R"({"id": "deaf", "title": "deaf", "actions": ["Clear"],
           "onAction": {"Clear": {"error": -25204, "seconds": 1}}})",
@@ -124,7 +124,7 @@ TEST(AttemptLoop, WhatIsLeftAfterAFailedBatchIsCountedAfresh) {
   EXPECT_EQ(run.log.back(), "batch had no successful actions remaining=2");
 }
 
-TEST(AttemptLoop, ATargetThatFailedIsNotTriedAgainBesideOthersThatWork) {
+TEST(AttemptLoop, SkipsFailedTargetsInLaterBatches) {
   const LoopRun run(R"(
     {"id": "deaf", "title": "deaf", "actions": ["Close"], "onAction": {"Close": {"error": -25204}}},
     {"id": "good", "title": "good", "actions": ["Close"], "closes": "good"})");
@@ -133,7 +133,7 @@ TEST(AttemptLoop, ATargetThatFailedIsNotTriedAgainBesideOthersThatWork) {
   EXPECT_EQ(run.log.back(), "aborting because all remaining targets were previously ineffective remaining=1");
 }
 
-TEST(AttemptLoop, OnlyTargetsWithoutEffectAreLeftOutOfTheNextBatch) {
+TEST(AttemptLoop, ExcludesOnlyIneffectiveTargets) {
   const LoopRun run(R"(
     {"id": "stuck", "title": "stuck", "actions": ["Close"]},
     {"id": "good", "title": "good", "actions": ["Close"], "onAction": {"Close": {"effects": [{"remove": "good"},
@@ -145,7 +145,7 @@ TEST(AttemptLoop, OnlyTargetsWithoutEffectAreLeftOutOfTheNextBatch) {
   EXPECT_EQ(countStarting(run.log, "batch made no observable progress attempted=1 remaining=1"), 1U);
 }
 
-TEST(AttemptLoop, ATargetWithAnotherActionOrTextIsANewOne) {
+TEST(AttemptLoop, TreatsChangedTargetsAsNew) {
   // That the letter case of the action changes is no progress, but another key.
   const LoopRun run(R"({"id": "stuck", "title": "stuck", "actions": ["Name:Close", "Name:CLOSE"],
       "onAction": {"Name:Close": {"effects": [{"set": "stuck", "attribute": "actions", "value": ["Name:CLOSE"]}]}}})");
@@ -154,7 +154,7 @@ TEST(AttemptLoop, ATargetWithAnotherActionOrTextIsANewOne) {
   EXPECT_EQ(countStarting(run.log, "batch made no observable progress attempted=1 remaining=1"), 2U);
 }
 
-TEST(AttemptLoop, ATargetThatCameMeanwhileIsTriedAndTheIneffectiveOneIsNot) {
+TEST(AttemptLoop, TriesNewTargetsBesideIneffectiveOnes) {
   const LoopRun run(R"({"id": "stuck", "title": "stuck", "actions": ["Close"]})",
                     R"({"at": 0.4, "add": {"id": "late", "title": "late one", "actions": ["Close"], "closes": "late"},
           "to": "window"})");
@@ -163,7 +163,7 @@ TEST(AttemptLoop, ATargetThatCameMeanwhileIsTriedAndTheIneffectiveOneIsNot) {
   EXPECT_EQ(countStarting(run.log, "batch made no observable progress attempted=1 remaining=2"), 1U);
 }
 
-TEST(AttemptLoop, TargetsOfADuplicateControlAreGoneWithIt) {
+TEST(AttemptLoop, CountsAllTargetsOfOneControl) {
   // Both lead to one close button; pressing it once removes both.
   const LoopRun run(R"({"id": "both", "children": [
       {"id": "a", "role": "AXGroup", "description": "stacked close a", "frame": [0, 0, 360, 80], "actions": ["AXPress"],
@@ -187,7 +187,7 @@ TEST(AttemptLoop, NewAlertsMeanwhileLowerTheCount) {
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusFailed, -2, 7}));
 }
 
-TEST(AttemptLoop, OneReplacedByOneCountsAsOne) {
+TEST(AttemptLoop, CountsAReplacedTargetAsDismissed) {
   const LoopRun run(R"(
     {"id": "a", "title": "a", "actions": ["Close"], "onAction": {"Close": {"effects": [{"remove": "a"}, {"remove": "b"},
       {"add": {"id": "c", "title": "c", "actions": ["Close"], "closes": "c"}, "to": "window"}]}}},
@@ -207,7 +207,7 @@ TEST(AttemptLoop, StopsAfter64AttemptsAsASuccess) {
   EXPECT_EQ(HLAttemptLimit, 64);
 }
 
-TEST(AttemptLoop, TheLimitComesBeforeTheQuestionWhetherAnythingIsLeft) {
+TEST(AttemptLoop, ChecksTheLimitBeforeTheRemainder) {
   const LoopRun run(ChainOfControls(64, "Mail"));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 64, 0}));
   EXPECT_EQ(run.log.back(), "scan root=window-0 visited=1 candidates=0");
@@ -217,7 +217,7 @@ TEST(AttemptLoop, TheLimitComesBeforeTheQuestionWhetherAnythingIsLeft) {
   EXPECT_EQ(shorter.log.back(), "batch progress before=1 after=0 removed=1");
 }
 
-TEST(AttemptLoop, TheMaximumIsThatOfTheStart) {
+TEST(AttemptLoop, ReportsTheMaximumOfTheStart) {
   const LoopRun run(
       R"({"repeat": 3, "id": "b{n}", "title": "t{n}", "description": "Mail, {n}", "actions": ["Close"],
           "closes": "b{n}"})");
@@ -225,7 +225,7 @@ TEST(AttemptLoop, TheMaximumIsThatOfTheStart) {
   EXPECT_EQ(countStarting(run.log, "alerts per app "), 1U);
 }
 
-TEST(AttemptLoop, NeedNotBeAskedForTheMaximum) {
+TEST(AttemptLoop, RunsWithoutAMaximumPointer) {
   SimulatedDesktop desktop(
       NotificationCenterScene(R"({"id": "a", "title": "a", "actions": ["Close"], "closes": "a"})"));
   EXPECT_EQ(HLRunDirectDismiss(*desktop.application(NotificationCenterPid)),
@@ -239,7 +239,7 @@ HLDismissTarget described(HLValue description) {
   return {element, "Close", {}, 120, "", ""};
 }
 
-TEST(AlertAppName, IsTheDescriptionBeforeTheFirstCommaAndBlank) {
+TEST(AlertAppName, EndsAtTheFirstComma) {
   EXPECT_EQ(HLAlertAppName(described(std::string("Mail, Hello, World"))), "Mail");
   EXPECT_EQ(HLAlertAppName(described(std::string("Mail"))), "Mail");
   EXPECT_EQ(HLAlertAppName(described(std::string("Mail,Hello"))), "Mail,Hello");
@@ -253,7 +253,7 @@ TEST(AlertAppName, IsTheDescriptionBeforeTheFirstCommaAndBlank) {
   EXPECT_EQ(HLAlertAppName(described({})), "");
 }
 
-TEST(MaxAlertsPerApp, IsTheLargestCountAndTheLogTellsAll) {
+TEST(MaxAlertsPerApp, ReturnsAndLogsTheLargestCount) {
   SimulatedDesktop desktop("{}");
   EXPECT_EQ(HLMaxAlertsPerApp({described(std::string("Mail, 1")), described(std::string("Chat, 1")), described({}),
                                described(std::string("Chat, 2")), described(std::string(", x")),
@@ -262,13 +262,13 @@ TEST(MaxAlertsPerApp, IsTheLargestCountAndTheLogTellsAll) {
   EXPECT_EQ(desktop.diagnostics(), Lines{"alerts per app Mail=1 Chat=3 ?=2 chat=1"});
 }
 
-TEST(MaxAlertsPerApp, OfNoTargetsIsZeroAndNotLogged) {
+TEST(MaxAlertsPerApp, ReturnsZeroUnloggedWithoutTargets) {
   SimulatedDesktop desktop("{}");
   EXPECT_EQ(HLMaxAlertsPerApp({}), 0);
   EXPECT_EQ(desktop.diagnostics(), Lines{});
 }
 
-TEST(MaxAlertsPerApp, TargetsWithoutADescriptionAreOneNamelessApplication) {
+TEST(MaxAlertsPerApp, GroupsTargetsWithoutDescription) {
   SimulatedDesktop desktop("{}");
   EXPECT_EQ(HLMaxAlertsPerApp({described({}), described({}), described(std::string("Mail, x"))}), 2);
   EXPECT_EQ(desktop.diagnostics(), Lines{"alerts per app ?=2 Mail=1"});
@@ -278,7 +278,7 @@ HLDismissTarget plain(std::string action, std::string snapshot, HLRect frame = {
   return {nullptr, std::move(action), frame, score, std::move(snapshot), "because"};
 }
 
-TEST(ExcludingKeys, LeavesOutTargetsWhoseKeyIsExactlyOneOfThem) {
+TEST(ExcludingKeys, ComparesWholeKeys) {
   const std::vector<HLDismissTarget> targets = {plain("Close", "a"), plain("Close", "A"), plain("close", "a"),
                                                 plain("Close", "b"), plain("Close", "a")};
   EXPECT_EQ(
@@ -288,7 +288,7 @@ TEST(ExcludingKeys, LeavesOutTargetsWhoseKeyIsExactlyOneOfThem) {
   EXPECT_TRUE(HLTargetsExcludingKeys({}, {"Close|a"}).empty());
 }
 
-TEST(TopCandidates, AreWrittenWithIndexScoreActionReasonFrameAndSnapshot) {
+TEST(TopCandidates, LogEveryField) {
   EXPECT_EQ(
       HLTopCandidateSummary({plain("Name:Close", "mail", {1.25, -2.06, 360, 80.5}, 220), plain("AXPress", "", {}, -1)}),
       "#0 score=220 action=Name:Close reason=because frame=(1.2,-2.1,360.0,80.5) snapshot=mail | "

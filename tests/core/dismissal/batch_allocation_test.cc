@@ -56,7 +56,7 @@ using Lines = std::vector<std::string>;
 
 class BatchAllocation : public testing::TestWithParam<std::size_t> {};
 
-TEST_P(BatchAllocation, AFailurePressesNothingAndMarksEveryPreparedTarget) {
+TEST_P(BatchAllocation, MarksEveryTargetWhenItFails) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"id": "window", "children": [
       {"id": "a", "actions": ["AXPress"]}, {"id": "b", "actions": ["AXPress"]}]})"));
   const std::vector<HLDismissTarget> eligible = {{desktop.element("a"), "AXPress", {}, 70, "A", ""},
@@ -75,7 +75,7 @@ TEST_P(BatchAllocation, AFailurePressesNothingAndMarksEveryPreparedTarget) {
   EXPECT_EQ(desktop.diagnostics(), Lines{"batch preparation allocation failed prepared=2"});
 }
 
-TEST_P(BatchAllocation, AFailureEndsTheRunAsFailed) {
+TEST_P(BatchAllocation, EndsTheRunWhenItFails) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"title": "mail", "actions": ["Name:Close"]})"));
   const HLElementRef application = desktop.application(NotificationCenterPid);
   HLDismissResult result;
@@ -94,7 +94,7 @@ TEST_P(BatchAllocation, AFailureEndsTheRunAsFailed) {
 
 INSTANTIATE_TEST_SUITE_P(OfEitherArray, BatchAllocation, testing::Values(1, 2));
 
-TEST(BatchAllocation, BothArraysHaveRoomForEveryActionAndForOneAtLeast) {
+TEST(BatchAllocation, ReservesRoomForEveryAction) {
   SimulatedDesktop desktop("{}");
   std::vector<HLDismissTarget> eligible;
   HLKeySet ineffective;

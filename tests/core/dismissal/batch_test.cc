@@ -76,13 +76,13 @@ std::vector<HLDismissTarget> targetsOfControls(SimulatedDesktop& desktop, int co
   return targets;
 }
 
-TEST(ProgressIdentityKey, IsActionAndSnapshotAsTheyStand) {
+TEST(ProgressIdentityKey, JoinsActionAndSnapshotUnchanged) {
   EXPECT_EQ(HLProgressIdentityKeyForTarget(targetOf(nullptr, "Name:Close", "Mail, Hello")), "Name:Close|Mail, Hello");
   EXPECT_EQ(HLProgressIdentityKeyForTarget(targetOf(nullptr, "a|b", "c|d")), "a|b|c|d");
   EXPECT_EQ(HLProgressIdentityKeyForTarget(HLDismissTarget()), "|");
 }
 
-TEST(DismissBatch, StartsActionsInTheirOrderFourAtATime) {
+TEST(DismissBatch, StartsFourActionsAtATime) {
   SimulatedDesktop desktop(controls(10));
   ProgressRecord progress;
   HLKeySet ineffective;
@@ -106,7 +106,7 @@ TEST(DismissBatch, StartsActionsInTheirOrderFourAtATime) {
                                          "resolutionMs=0 actionWallMs=3000 actionSumMs=10000"});
 }
 
-TEST(DismissBatch, ItsQueueAllowsAsManyAsThereAreActionsUpToFour) {
+TEST(DismissBatch, LimitsItsQueueToFour) {
   const std::string name = "com.tessaly.hushlet.actions";
   for (const int count : {1, 2, 3, 4, 5, 10}) {
     SimulatedDesktop desktop(controls(count));
@@ -120,7 +120,7 @@ TEST(DismissBatch, ItsQueueAllowsAsManyAsThereAreActionsUpToFour) {
   }
 }
 
-TEST(DismissBatch, OfOneReportsZeroWhenItHasFinished) {
+TEST(DismissBatch, ReportsZeroAfterASingleAction) {
   SimulatedDesktop desktop(controls(1));
   ProgressRecord progress;
   HLKeySet ineffective;
@@ -128,7 +128,7 @@ TEST(DismissBatch, OfOneReportsZeroWhenItHasFinished) {
   EXPECT_EQ(progress.counts(), Counts{0});
 }
 
-TEST(DismissBatch, OfNoneStillLogsAndAllowsOne) {
+TEST(DismissBatch, LogsWithoutTargets) {
   SimulatedDesktop desktop("{}");
   SpiedPlatform spied(desktop.platform());
   ProgressRecord progress;
@@ -142,7 +142,7 @@ TEST(DismissBatch, OfNoneStillLogsAndAllowsOne) {
                                          "resolutionMs=0 actionWallMs=0 actionSumMs=0"});
 }
 
-TEST(DismissBatch, ATargetWithoutAnElementIsPassedOver) {
+TEST(DismissBatch, SkipsTargetsWithoutElements) {
   SimulatedDesktop desktop("{}");
   HLKeySet ineffective;
   const auto accepted = HLRunDismissBatch(
@@ -154,7 +154,7 @@ TEST(DismissBatch, ATargetWithoutAnElementIsPassedOver) {
                                          "resolutionMs=0 actionWallMs=0 actionSumMs=0"});
 }
 
-TEST(DismissBatch, OfTargetsThatLeadToEqualElementsTheFirstIsPressed) {
+TEST(DismissBatch, PressesEqualElementsOnce) {
   SimulatedDesktop desktop("{}");
   const auto first = std::make_shared<FakeElement>();
   const auto again = std::make_shared<FakeElement>();
@@ -180,7 +180,7 @@ TEST(DismissBatch, OfTargetsThatLeadToEqualElementsTheFirstIsPressed) {
                                          "resolutionMs=0 actionWallMs=0 actionSumMs=0"});
 }
 
-TEST(DismissBatch, ATargetThatIsSkippedIsNotMarkedWhenTheFirstFails) {
+TEST(DismissBatch, LeavesDuplicatesUnmarkedOnFailure) {
   SimulatedDesktop desktop("{}");
   const auto first = std::make_shared<FakeElement>();
   const auto again = std::make_shared<FakeElement>();
@@ -194,7 +194,7 @@ TEST(DismissBatch, ATargetThatIsSkippedIsNotMarkedWhenTheFirstFails) {
                                          "resolutionMs=0 actionWallMs=0 actionSumMs=0"});
 }
 
-TEST(DismissBatch, EqualityIsThatOfTheResolvedElements) {
+TEST(DismissBatch, ComparesResolvedElements) {
   SimulatedDesktop desktop(NotificationCenterScene(R"(
     {"id": "a", "frame": [0, 0, 360, 80],
      "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["AXPress"]}}}},
@@ -209,7 +209,7 @@ TEST(DismissBatch, EqualityIsThatOfTheResolvedElements) {
   EXPECT_EQ(actions[0].element, "x");
 }
 
-TEST(DismissBatch, PressesTheResolvedControlAndReturnsThePreparedTarget) {
+TEST(DismissBatch, ReturnsPreparedTargetsForResolvedControls) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"id": "banner", "frame": [0, 0, 360, 80],
       "actions": ["AXPress"], "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["Name:Clear"]}}}})"));
   HLKeySet ineffective;
@@ -225,7 +225,7 @@ TEST(DismissBatch, PressesTheResolvedControlAndReturnsThePreparedTarget) {
       << "clear or close is told by the prepared target's action";
 }
 
-TEST(DismissBatch, AFailedActionMarksThePreparedAndTheResolvedTarget) {
+TEST(DismissBatch, MarksBothTargetsOnFailure) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"id": "banner", "frame": [0, 0, 360, 80],
       "actions": ["AXPress"], "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["AXPress"],
         "onAction": {"AXPress": {"error": -25204}}}}}})"));
@@ -237,7 +237,7 @@ TEST(DismissBatch, AFailedActionMarksThePreparedAndTheResolvedTarget) {
                                          "resolutionMs=0 actionWallMs=0 actionSumMs=0"});
 }
 
-TEST(DismissBatch, CountsAcceptedActionsAsClearOrCloseAndFailedOnesAsNeither) {
+TEST(DismissBatch, CountsAcceptedActionsOnly) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"children": [
       {"id": "clear", "actions": ["Name:CLEAR All"]},
       {"id": "close", "actions": ["Name:Close"]},
@@ -258,7 +258,7 @@ TEST(DismissBatch, CountsAcceptedActionsAsClearOrCloseAndFailedOnesAsNeither) {
       << "times are rounded at the end, failed actions included";
 }
 
-TEST(DismissBatch, TimesAreRoundedToTheNearestMillisecond) {
+TEST(DismissBatch, RoundsTimesToMilliseconds) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"children": [
       {"id": "a", "actions": ["AXPress"], "onAction": {"AXPress": {"seconds": 0.0003}}},
       {"id": "b", "actions": ["AXPress"], "onAction": {"AXPress": {"seconds": 0.0004}}}]})"));
@@ -272,7 +272,7 @@ TEST(DismissBatch, TimesAreRoundedToTheNearestMillisecond) {
                                          "resolutionMs=0 actionWallMs=0 actionSumMs=1"});
 }
 
-TEST(DismissBatch, MeasuresTheTimeOfResolvingApartFromThatOfPressing) {
+TEST(DismissBatch, TimesResolvingAndPressingSeparately) {
   SimulatedDesktop desktop("{}");
   std::vector<HLDismissTarget> eligible;
   std::vector<bool> slept(2, false);
@@ -294,7 +294,7 @@ TEST(DismissBatch, MeasuresTheTimeOfResolvingApartFromThatOfPressing) {
                                          "resolutionMs=25 actionWallMs=100 actionSumMs=200"});
 }
 
-TEST(DismissBatch, AllTargetsAreResolvedBeforeTheFirstActionStarts) {
+TEST(DismissBatch, ResolvesAllTargetsBeforePressing) {
   SimulatedDesktop desktop(NotificationCenterScene(R"(
     {"id": "first", "actions": ["AXPress"], "onAction": {"AXPress": {"effects": [{"remove": "x"}]}}},
     {"id": "banner", "frame": [0, 0, 360, 80], "actions": ["AXPress"],
@@ -341,7 +341,7 @@ TEST(WaitForProgress, LooksAgainAfterAnother320Milliseconds) {
   EXPECT_EQ(wait.desktop.elapsedMicroseconds(), 400'000);
 }
 
-TEST(WaitForProgress, WhatHappensAtTheVeryMomentOfALookIsSeen) {
+TEST(WaitForProgress, SeesChangesAtTheScanTime) {
   EXPECT_EQ(Wait(kTwo, R"({"at": 0.08, "remove": "a"})").desktop.elapsedMicroseconds(), 80'000);
   EXPECT_EQ(Wait(kTwo, R"({"at": 0.080001, "remove": "a"})").desktop.elapsedMicroseconds(), 400'000);
   EXPECT_EQ(Wait(kTwo, R"({"at": 0.4, "remove": "a"})").after, Lines{"b"});
@@ -354,20 +354,20 @@ TEST(WaitForProgress, NeverLooksAThirdTime) {
   EXPECT_EQ(wait.desktop.elapsedMicroseconds(), 400'000);
 }
 
-TEST(WaitForProgress, ReturnsAtOnceWhenNothingIsLeft) {
+TEST(WaitForProgress, ReturnsEarlyOnAnEmptyScreen) {
   const Wait wait(kTwo, R"({"at": 0.01, "remove": "a"}, {"at": 0.02, "remove": "b"})");
   EXPECT_EQ(wait.after, Lines{});
   EXPECT_EQ(wait.scans, 1U);
   EXPECT_EQ(wait.desktop.elapsedMicroseconds(), 80'000);
 }
 
-TEST(WaitForProgress, ANewTargetAloneIsNoProgress) {
+TEST(WaitForProgress, IgnoresNewTargets) {
   const Wait wait(kTwo, R"({"at": 0.01, "add": {"title": "c", "actions": ["Close"]}, "to": "window"})");
   EXPECT_EQ(wait.after, (Lines{"b", "a", "c"}));
   EXPECT_EQ(wait.scans, 2U);
 }
 
-TEST(WaitForProgress, ATargetReplacedByAnotherIsProgress) {
+TEST(WaitForProgress, CountsReplacedTargets) {
   const Wait wait(
       kTwo,
       R"({"at": 0.01, "remove": "a"}, {"at": 0.01, "add": {"title": "c", "actions": ["Close"]}, "to": "window"})");
@@ -400,7 +400,7 @@ std::int64_t removed(const Lines& before, const Lines& after) {
   return HLRemovedTargetCount(targets(before), targets(after));
 }
 
-TEST(RemovedTargets, AreCountedOneByOneInLowerCase) {
+TEST(RemovedTargets, CountRepeatedKeysIgnoringCase) {
   EXPECT_EQ(removed({"A", "A", "B"}, {"a", "c"}), 2);
   EXPECT_EQ(removed({"A", "A"}, {"A"}), 1);
   EXPECT_EQ(removed({"A"}, {"A", "A"}), 0);
@@ -411,7 +411,7 @@ TEST(RemovedTargets, AreCountedOneByOneInLowerCase) {
   EXPECT_EQ(removed({}, {}), 0);
 }
 
-TEST(RemovedTargets, AreToldByActionAndSnapshotAlone) {
+TEST(RemovedTargets, CompareActionAndSnapshotOnly) {
   const HLDismissTarget one{nullptr, "AXPress", {0, 0, 1, 1}, 62, "mail", "x"};
   const HLDismissTarget moved{nullptr, "AXPress", {50, 90, 2, 2}, 92, "mail", "y"};
   const HLDismissTarget otherAction{nullptr, "Close", {0, 0, 1, 1}, 62, "mail", "x"};

@@ -71,7 +71,7 @@ struct Dismissal {
   std::string preflight;
 };
 
-TEST(DismissRun, WithoutTrustIsDeniedBeforeNotificationCenterIsLookedFor) {
+TEST(DismissRun, ChecksTrustFirst) {
   const Dismissal run(scene(notificationCenter(400, alerts(1, "Mail", "a")), R"(, "trusted": false)"));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusAccessDenied, 0, 0}));
   EXPECT_EQ(run.spied.runningApplications.listings, 0);
@@ -85,26 +85,26 @@ TEST(DismissRun, NeverAsksTheUserForTrust) {
   EXPECT_FALSE(HLCurrentPlatform().accessibility->isProcessTrusted(false));
 }
 
-TEST(DismissRun, WithoutNotificationCenterIsUnavailable) {
+TEST(DismissRun, ReportsAMissingNotificationCenter) {
   const Dismissal run(scene(R"({"pid": 300, "bundleIdentifier": "com.apple.mail"})"));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusNotificationCenterUnavailable, 0, 0}));
   EXPECT_EQ(run.log, Lines{run.preflight});
 }
 
-TEST(DismissRun, WithoutARootElementHasFailed) {
+TEST(DismissRun, FailsWithoutARootElement) {
   const Dismissal run(scene(notificationCenter(400, "", R"(, "elementFails": true)")));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusFailed, 0, 0}));
   EXPECT_EQ(run.log, (Lines{run.preflight, "notification center pid=400 bundle=com.apple.notificationcenterui"}));
 }
 
-TEST(DismissRun, TheParentIsNamedInThePreflight) {
+TEST(DismissRun, NamesTheParentInItsPreflight) {
   const Dismissal run(
       scene(R"({"pid": 77, "bundleIdentifier": "com.apple.Terminal", "name": "Terminal"})", R"(, "parent": 77)"));
   const std::string& line = run.log.at(0);
   EXPECT_EQ(line.substr(line.find(" ppid=")), " ppid=77 parentBundle=com.apple.Terminal parentName=Terminal");
 }
 
-TEST(DismissRun, WithNothingOnScreenSaysNothing) {
+TEST(DismissRun, ReportsNothingOnAnEmptyScreen) {
   const Dismissal run(scene(notificationCenter(400, "{}")));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusNothing, 0, 0}));
   EXPECT_EQ(run.log, (Lines{run.preflight, "notification center pid=400 bundle=com.apple.notificationcenterui",
@@ -129,7 +129,7 @@ TEST(OverflowDrain, NeedsTwentyAlertsOfOneApplication) {
   EXPECT_EQ(twenty.drainLog(), Lines{"overflow drain=0 newPid=500 presented=0"});
 }
 
-TEST(OverflowDrain, ThatFindsNothingLeavesTheFirstResult) {
+TEST(OverflowDrain, KeepsTheFirstResultWithoutTargets) {
   const Dismissal run(
       scene(notificationCenter(400, alerts(20, "Mail", "a"), relaunch(0.25, notificationCenter(500, "{}")))));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 20, 0}));
@@ -151,7 +151,7 @@ TEST(OverflowDrain, AddsWhatItDismissed) {
   EXPECT_EQ(run.desktop.elapsedMicroseconds(), 80'000 + 300'000 + 600'000 + 80'000);
 }
 
-TEST(OverflowDrain, ItsRemainderReplacesThatOfTheFirstRun) {
+TEST(OverflowDrain, ReplacesTheRemainder) {
   // The first run gives up after 64 attempts, as a success with one alert left.
   const std::string window =
       R"({"id": "window", "children": [)" + alerts(19, "Mail", "a") + ", " + ChainOfControls(66, "Mail") + "]}";
@@ -164,7 +164,7 @@ TEST(OverflowDrain, ItsRemainderReplacesThatOfTheFirstRun) {
   EXPECT_EQ(stuck.result, (HLDismissResult{HLDismissStatusFailed, 83, 2}));
 }
 
-TEST(OverflowDrain, ThatFailsAddsItsCountAndMakesTheWholeFail) {
+TEST(OverflowDrain, AddsItsCountWhenItFails) {
   const Dismissal run(scene(notificationCenter(
       400, alerts(20, "Mail", "a"),
       relaunch(0.25,
@@ -174,7 +174,7 @@ TEST(OverflowDrain, ThatFailsAddsItsCountAndMakesTheWholeFail) {
   EXPECT_EQ(run.drainLog(), Lines{"overflow drain=0 newPid=500 presented=5"});
 }
 
-TEST(OverflowDrain, HappensOnceEvenIfTheNextProcessIsFullAgain) {
+TEST(OverflowDrain, HappensOnce) {
   const Dismissal run(scene(notificationCenter(
       400, alerts(20, "Mail", "a"),
       relaunch(0.25, notificationCenter(500, alerts(25, "Mail", "b"), relaunch(0.25, notificationCenter(600, "")))))));
@@ -190,20 +190,20 @@ TEST(OverflowDrain, DoesNotFollowAFailedRun) {
   EXPECT_EQ(run.drainLog(), Lines{});
 }
 
-TEST(OverflowDrain, WithoutASuccessorLeavesTheFirstResult) {
+TEST(OverflowDrain, KeepsTheFirstResultWithoutSuccessor) {
   const Dismissal run(scene(notificationCenter(400, alerts(20, "Mail", "a"))));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 20, 0}));
   EXPECT_EQ(run.log.back(), "overflow drain restart failed drain=0");
   EXPECT_EQ(run.desktop.elapsedMicroseconds(), 80'000 + 5'000'000);
 }
 
-TEST(OverflowDrain, AnyPositiveProcessIdentifierIsASuccessor) {
+TEST(OverflowDrain, AcceptsAnyPositivePid) {
   const Dismissal run(
       scene(notificationCenter(400, alerts(20, "Mail", "a"), relaunch(0.25, notificationCenter(1, "")))));
   EXPECT_EQ(run.drainLog(), Lines{"overflow drain=0 newPid=1 presented=0"});
 }
 
-TEST(OverflowDrain, WithoutTheSuccessorsRootElementLeavesTheFirstResultSilently) {
+TEST(OverflowDrain, KeepsTheFirstResultWithoutRoot) {
   const Dismissal run(scene(notificationCenter(
       400, alerts(20, "Mail", "a"), relaunch(0.25, notificationCenter(500, "", R"(, "elementFails": true)")))));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 20, 0}));
@@ -247,14 +247,14 @@ TEST(RestartNotificationCenter, KillsAfterTheTwentySixthPoll) {
   EXPECT_EQ(restart.desktop.elapsedMicroseconds(), 2'700'000) << "killed at 2.6, back at 2.65, seen at 2.7";
 }
 
-TEST(RestartNotificationCenter, ASuccessorSeenAtThe25thPollSparesTheKill) {
+TEST(RestartNotificationCenter, SparesTheKillUntilPoll25) {
   const Restart restart(notificationCenter(400, "", relaunch(2.5, notificationCenter(500, ""))));
   EXPECT_EQ(restart.successor, 500);
   EXPECT_EQ(restart.spied.runningApplications.signals, (Signals{{400, kSigterm}}));
   EXPECT_EQ(restart.desktop.elapsedMicroseconds(), 2'500'000);
 }
 
-TEST(RestartNotificationCenter, TheKillComesBeforeTheLookOfThe26thPoll) {
+TEST(RestartNotificationCenter, KillsBeforePoll26) {
   const Restart restart(notificationCenter(400, "", relaunch(2.6, notificationCenter(500, ""))));
   EXPECT_EQ(restart.successor, 500);
   EXPECT_EQ(restart.spied.runningApplications.signals, (Signals{{400, kSigterm}, {400, kSigkill}}));
@@ -270,19 +270,19 @@ TEST(RestartNotificationCenter, LooksFiftyTimes) {
   EXPECT_EQ(late.spied.runLoop.sleeps, std::vector<double>(50, 0.1));
 }
 
-TEST(RestartNotificationCenter, AProcessThatNothingBringsBackReportsNone) {
+TEST(RestartNotificationCenter, ReturnsZeroWithoutSuccessor) {
   const Restart restart(notificationCenter(400, "", R"(, "ignoresTerminate": true)"));
   EXPECT_EQ(restart.successor, 0);
   EXPECT_EQ(restart.desktop.elapsedMicroseconds(), 5'000'000);
 }
 
-TEST(RestartNotificationCenter, TheOldOneStillListedIsNotTakenForTheNew) {
+TEST(RestartNotificationCenter, IgnoresTheOldProcess) {
   const Restart restart(notificationCenter(400, "", R"(, "lingers": 10)" + relaunch(1, notificationCenter(500, ""))));
   EXPECT_EQ(restart.successor, 500);
   EXPECT_EQ(restart.desktop.elapsedMicroseconds(), 1'000'000);
 }
 
-TEST(RestartNotificationCenter, AnotherOneThatHasEndedIsNotTaken) {
+TEST(RestartNotificationCenter, IgnoresEndedProcesses) {
   const Restart restart(notificationCenter(400, "") + ", " + notificationCenter(410, "", R"(, "terminated": true)") +
                         ", " + notificationCenter(420, "") + ", " + notificationCenter(430, ""));
   EXPECT_EQ(restart.successor, 420) << "the first that lives";
@@ -294,7 +294,7 @@ TEST(RestartNotificationCenter, OtherApplicationsAreNotTaken) {
   EXPECT_EQ(restart.successor, 0);
 }
 
-TEST(RestartNotificationCenter, AHostThatRefusesTheSignalIsNotWaitedFor) {
+TEST(RestartNotificationCenter, ReturnsWhenTheHostRefuses) {
   const Restart restart(notificationCenter(400, "") + ", " + notificationCenter(500, ""), true);
   EXPECT_EQ(restart.successor, 0);
   EXPECT_EQ(restart.desktop.elapsedMicroseconds(), 0);
@@ -329,7 +329,7 @@ struct Representation {
   Counts counts;
 };
 
-TEST(WaitForRepresentedAlerts, ReturnsWhenTwoPollsSeeTheSame) {
+TEST(WaitForRepresentedAlerts, ReturnsAfterTwoEqualPolls) {
   const Representation wait({}, 4);
   EXPECT_EQ(wait.presented, 4);
   EXPECT_EQ(wait.counts, (Counts{4, 4}));

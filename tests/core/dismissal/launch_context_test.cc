@@ -20,20 +20,20 @@ std::string launchContext(std::string_view scene) {
   return summary.substr(std::min(own.size(), summary.size()));
 }
 
-TEST(LaunchContext, NamesTheApplicationThatIsTheParent) {
+TEST(LaunchContext, NamesTheParentApplication) {
   EXPECT_EQ(launchContext(R"({"applications": [{"pid": 7, "bundleIdentifier": "x.other", "name": "Other"},
       {"pid": 77, "bundleIdentifier": "com.apple.Terminal", "name": "Terminal"}], "parent": 77})"),
             "ppid=77 parentBundle=com.apple.Terminal parentName=Terminal");
 }
 
-TEST(LaunchContext, SaysNoneForWhatTheParentLacks) {
+TEST(LaunchContext, SaysNoneForMissingFields) {
   EXPECT_EQ(launchContext(R"({"applications": [{"pid": 77, "name": "Terminal"}], "parent": 77})"),
             "ppid=77 parentBundle=none parentName=Terminal");
   EXPECT_EQ(launchContext(R"({"applications": [{"pid": 77, "bundleIdentifier": "x.terminal"}], "parent": 77})"),
             "ppid=77 parentBundle=x.terminal parentName=none");
 }
 
-TEST(LaunchContext, SaysNoneForAParentThatIsNoApplication) {
+TEST(LaunchContext, SaysNoneForOtherParents) {
   const std::string summary = launchContext(R"({"applications": [{"pid": 77, "bundleIdentifier": "x", "name": "y"}]})");
   EXPECT_TRUE(std::regex_match(summary, std::regex(R"(ppid=\d+ parentBundle=none parentName=none)"))) << summary;
 }

@@ -43,7 +43,7 @@ std::string focusedAlone(std::string_view member) {
   return Describe(HLFocusedDismissControlInSubtree(desktop.element("group")));
 }
 
-TEST(Resolution, ATargetWithADismissActionIsPressedAsItIsHoweverLarge) {
+TEST(Resolution, KeepsTargetsWithADismissAction) {
   Group group(R"(, "attributes": {"AXCloseButton": {"element": {"title": "x", "actions": ["AXPress"]}}})");
   for (const char* action : {"Name:Close", "CLOSE", "dismiss", "AXDismiss", "Clear All", "unclear"}) {
     const HLDismissTarget target = pressOf(group.element("group"), kGroupFrame, action);
@@ -58,7 +58,7 @@ TEST(Resolution, ATargetWithADismissActionIsPressedAsItIsHoweverLarge) {
   }
 }
 
-TEST(Resolution, OnlyATargetWiderThan120OrHigherThan80IsLookedInto) {
+TEST(Resolution, SearchesOnlyLargeTargets) {
   Group group(R"(, "attributes": {"AXCloseButton": {"element": {"title": "x", "actions": ["AXPress"]}}})");
   const auto isLookedInto = [&group](HLRect frame) {
     return HLResolvedTarget(pressOf(group.element("group"), frame)).reason != "as scored";
@@ -74,7 +74,7 @@ TEST(Resolution, OnlyATargetWiderThan120OrHigherThan80IsLookedInto) {
   EXPECT_FALSE(isLookedInto({}));
 }
 
-TEST(Resolution, TheAttributeControlWinsOverAnyControlBelow) {
+TEST(Resolution, PrefersTheAttributeControl) {
   EXPECT_EQ(Group(R"(, "attributes": {"AXCancelButton": {"element": {"title": "x", "actions": ["AXPress"]}}},
                   "children": [{"role": "AXButton", "title": "close notification", "frame": [340, 0, 16, 16],
                                 "actions": ["Name:Close"]}])")
@@ -82,7 +82,7 @@ TEST(Resolution, TheAttributeControlWinsOverAnyControlBelow) {
             "AXPress 260 no frame [x] attribute-control:AXCancelButton");
 }
 
-TEST(Resolution, ElseTheBestControlBelowIsPressed) {
+TEST(Resolution, FallsBackToTheBestDescendant) {
   EXPECT_EQ(Group(R"(, "children": [{"role": "AXButton", "title": "close", "frame": [330, 8, 20, 20],
                                      "actions": ["AXPress"]}])")
                 .resolved(),
@@ -98,12 +98,12 @@ TEST(Resolution, KeepsATargetWithoutAnElement) {
   EXPECT_EQ(Describe(HLResolvedTarget(pressOf(nullptr, kGroupFrame))), "AXPress 70 (0,0,360,80) [as found] as scored");
 }
 
-TEST(Resolution, AVanishedElementIsPressedAsItIs) {
+TEST(Resolution, KeepsAVanishedElement) {
   EXPECT_EQ(Describe(HLResolvedTarget(pressOf(std::make_shared<FakeElement>(), kGroupFrame))),
             "AXPress 70 (0,0,360,80) [as found] as scored");
 }
 
-TEST(ClearAction, IsAnActionThatNamesClearInAnyLetterCase) {
+TEST(ClearAction, ContainsClearInAnyCase) {
   for (const char* action : {"clear", "Name:Clear All", "CLEAR", "unclear"}) {
     EXPECT_TRUE(HLTargetUsesClearAction(pressOf(nullptr, {}, action))) << action;
   }
@@ -115,7 +115,7 @@ TEST(ClearAction, IsAnActionThatNamesClearInAnyLetterCase) {
   EXPECT_FALSE(HLTargetUsesClearAction(snapshot));
 }
 
-TEST(AttributeControl, IsTheCloseButtonBeforeTheCancelButton) {
+TEST(AttributeControl, PrefersTheCloseButton) {
   Group group(R"(, "attributes": {
       "AXDefaultButton": {"element": {"title": "default", "actions": ["Name:Close"]}},
       "AXCancelButton": {"element": {"title": "cancel", "actions": ["Name:Close"]}},
@@ -132,21 +132,21 @@ TEST(AttributeControl, OtherAttributesAreNone) {
             "nothing");
 }
 
-TEST(AttributeControl, ADismissActionIsPreferredToAPress) {
+TEST(AttributeControl, PrefersADismissAction) {
   EXPECT_EQ(Group(R"(, "attributes": {"AXCloseButton": {"element": {"title": "x",
       "actions": ["AXPress", "Name:Dismiss", "Name:Close"]}}})")
                 .attributeTarget(),
             "Name:Dismiss 260 no frame [x] attribute-control:AXCloseButton");
 }
 
-TEST(AttributeControl, OneWithoutWordsIsCalledByItsAttribute) {
+TEST(AttributeControl, UsesItsAttributeNameWithoutText) {
   EXPECT_EQ(Group(R"(, "attributes": {"AXCloseButton": {"element": {"actions": ["AXPress"]}}})").attributeTarget(),
             "AXPress 260 no frame [axclosebutton] attribute-control:AXCloseButton");
   EXPECT_EQ(Group(R"(, "attributes": {"AXCancelButton": {"element": {"actions": ["AXPress"]}}})").attributeTarget(),
             "AXPress 260 no frame [axcancelbutton] attribute-control:AXCancelButton");
 }
 
-TEST(AttributeControl, OneThatCannotBePressedIsSkipped) {
+TEST(AttributeControl, SkipsUnpressableButtons) {
   for (const char* skipped :
        {R"({"element": {"title": "x"}})", R"({"element": {"title": "x", "actions": ["AXShowMenu"]}})",
         R"({"element": {"actions": ["axpress"]}})", R"("AXPress")", "7", "null",
@@ -216,7 +216,7 @@ TEST(FocusedControl, EachCloseWordCounts) {
   }
 }
 
-TEST(FocusedControl, CloseWordsOfAncestorsDoNotCount) {
+TEST(FocusedControl, IgnoresCloseWordsOfAncestors) {
   EXPECT_EQ(focusedAlone(R"({"title": "close", "children": [
                 {"title": "x", "frame": [0, 0, 20, 20], "actions": ["AXPress"]}]})"),
             "AXPress 140 (0,0,20,20) [x] focused-press-fallback,small-frame");
@@ -231,13 +231,13 @@ TEST(FocusedControl, EightyPointsBothWaysAreSmall) {
   EXPECT_EQ(found("80, 80.001"), "nothing");
 }
 
-TEST(FocusedControl, TheNotificationWordMayStandAboveIt) {
+TEST(FocusedControl, AcceptsNotificationWordsOfAncestors) {
   EXPECT_EQ(focusedIn(R"(, "title": "From", "children": [{"title": "iPhone", "children": [
                 {"title": "x", "frame": [0, 70, 20, 10], "actions": ["AXPress"]}]}])"),
             "AXPress 155 (0,70,20,10) [x] focused-press-fallback,small-frame,notification-context");
 }
 
-TEST(FocusedControl, ARightEdgeWithin40OfTheGroupsIsRightish) {
+TEST(FocusedControl, ScoresARightEdgeWithin40) {
   const auto found = [](const std::string& x) {
     return focusedIn(R"(, "children": [{"title": "x", "frame": [)" + x + R"(, 70, 20, 10], "actions": ["AXPress"]}])");
   };
@@ -247,7 +247,7 @@ TEST(FocusedControl, ARightEdgeWithin40OfTheGroupsIsRightish) {
   EXPECT_EQ(found("380.001"), "AXPress 140 (380.001,70,20,10) [x] focused-press-fallback,small-frame");
 }
 
-TEST(FocusedControl, ATopEdgeWithin36OfTheGroupsIsNearTheTop) {
+TEST(FocusedControl, ScoresATopEdgeWithin36) {
   const auto found = [](const std::string& y) {
     return focusedIn(R"(, "children": [{"title": "x", "frame": [0, )" + y + R"(, 20, 10], "actions": ["AXPress"]}])");
   };
@@ -257,32 +257,32 @@ TEST(FocusedControl, ATopEdgeWithin36OfTheGroupsIsNearTheTop) {
   EXPECT_EQ(found("-36.001"), "AXPress 140 (0,-36.001,20,10) [x] focused-press-fallback,small-frame");
 }
 
-TEST(FocusedControl, ThePlaceIsThatWithinTheGroup) {
+TEST(FocusedControl, ScoresThePlaceInItsGroup) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"id": "group", "frame": [-1440, 500, 360, 80], "children": [
       {"title": "x", "frame": [-1110, 508, 20, 20], "actions": ["AXPress"]}]})"));
   EXPECT_EQ(Describe(HLFocusedDismissControlInSubtree(desktop.element("group"))),
             "AXPress 180 (-1110,508,20,20) [x] focused-press-fallback,small-frame,top-rightish,near-top");
 }
 
-TEST(FocusedControl, AControlWithoutAFrameHasNoPlace) {
+TEST(FocusedControl, ScoresNoPlaceWithoutAFrame) {
   EXPECT_EQ(focusedIn(R"(, "children": [{"title": "dismiss", "actions": ["Name:Close"]}])"),
             "Name:Close 210 no frame [dismiss] focused-explicit-action,close-words");
 }
 
-TEST(FocusedControl, ALargerControlHasAPlaceToo) {
+TEST(FocusedControl, ScoresThePlaceOfLargerControls) {
   EXPECT_EQ(
       focusedIn(R"(, "children": [{"title": "dismiss", "frame": [250, 10, 100, 30], "actions": ["Name:Close"]}])"),
       "Name:Close 250 (250,10,100,30) [dismiss] focused-explicit-action,close-words,top-rightish,near-top");
 }
 
-TEST(FocusedControl, TheHighestScoreIs305) {
+TEST(FocusedControl, ScoresAtMost305) {
   EXPECT_EQ(focusedIn(R"(, "title": "notification", "children": [
                 {"role": "AXButton", "title": "close", "frame": [330, 8, 20, 20], "actions": ["Name:Close"]}])"),
             "Name:Close 305 (330,8,20,20) [axbutton close] focused-explicit-action,close-words,button-role,small-frame,"
             "notification-context,top-rightish,near-top");
 }
 
-TEST(FocusedControl, ABannerScores200WhateverItsRoleAndFrame) {
+TEST(FocusedControl, Scores200ForAnyBanner) {
   const char* expected =
       "Name:Close 200 (0,0,340,70) [axmenuitem axnotificationcenteralert reply] focused-notification-subrole";
   EXPECT_EQ(focusedIn(R"(, "children": [{"role": "AXMenuItem", "subrole": "AXNotificationCenterAlert", "title": "reply",
@@ -292,27 +292,27 @@ TEST(FocusedControl, ABannerScores200WhateverItsRoleAndFrame) {
             "Name:Close 200 no frame [axnotificationcenterbanner] focused-notification-subrole");
 }
 
-TEST(FocusedControl, ABannerWithoutADismissActionIsJudgedAsAnyOther) {
+TEST(FocusedControl, ScoresPlainBannersLikeOthers) {
   EXPECT_EQ(
       focusedAlone(R"({"subrole": "AXNotificationCenterAlert", "frame": [0, 0, 20, 20], "actions": ["AXPress"]})"),
       "AXPress 155 (0,0,20,20) [axnotificationcenteralert] "
       "focused-press-fallback,small-frame,notification-context");
 }
 
-TEST(FocusedControl, TheBannerRuleComesBeforeTheScore) {
+TEST(FocusedControl, AppliesTheBannerRuleFirst) {
   EXPECT_EQ(focusedAlone(R"({"role": "AXButton", "subrole": "AXNotificationCenterAlert", "title": "close",
                 "frame": [0, 0, 20, 20], "actions": ["Name:Close"]})"),
             "Name:Close 200 (0,0,20,20) [axbutton axnotificationcenteralert close] focused-notification-subrole");
 }
 
-TEST(FocusedControl, WhatIsBelowABannerIsLookedAtToo) {
+TEST(FocusedControl, SearchesBelowBanners) {
   EXPECT_EQ(focusedIn(R"(, "subrole": "AXNotificationCenterAlert", "actions": ["Name:Close"], "children": [
                 {"role": "AXButton", "title": "close", "frame": [330, 8, 20, 20], "actions": ["AXPress"]}])"),
             "AXPress 245 (330,8,20,20) [axbutton close] focused-press-fallback,close-words,button-role,small-frame,"
             "notification-context,top-rightish,near-top");
 }
 
-TEST(FocusedControl, AMenuPartIsNeverOneButWhatIsBelowItMayBe) {
+TEST(FocusedControl, SearchesBelowMenuParts) {
   for (const char* menu :
        {R"("role": "AXMenuButton")", R"("role": "somemenu")", R"("subrole": "AXMENU")",
         R"("roleDescription": "Menu Item")", R"("identifier": "menubar")", R"("roleDescription": "menu  bar")"}) {
@@ -327,7 +327,7 @@ TEST(FocusedControl, AMenuPartIsNeverOneButWhatIsBelowItMayBe) {
   EXPECT_NE(focusedAlone(R"({"title": "menu item", "frame": [0, 0, 20, 20], "actions": ["AXPress"]})"), "nothing");
 }
 
-TEST(FocusedControl, IsFoundBelowWhatIsNoCandidate) {
+TEST(FocusedControl, SearchesBelowOtherElements) {
   EXPECT_EQ(focusedAlone(R"({"frame": [0, 0, 300, 300], "actions": ["AXPress"], "rows": [
                 {"children": [], "visibleChildren": [
                   {"title": "x", "frame": [0, 0, 20, 20], "actions": ["AXPress"]}]}]})"),
@@ -340,13 +340,13 @@ TEST(FocusedControl, IsFoundBelowAWeakerCandidate) {
             "AXPress 170 (0,0,20,20) [close] focused-press-fallback,close-words,small-frame");
 }
 
-TEST(FocusedControl, TheRootMayBeItWithADismissActionAndCloseWords) {
+TEST(FocusedControl, MayBeTheRoot) {
   EXPECT_EQ(focusedIn(R"(, "title": "close me", "actions": ["Name:Close"])"),
             "Name:Close 250 (0,0,360,80) [close me] focused-explicit-action,close-words,top-rightish,near-top");
   EXPECT_EQ(focusedIn(R"(, "title": "close me", "actions": ["AXPress"])"), "nothing");
 }
 
-TEST(FocusedControl, OfEqualScoresTheNearerToTheRootAndThenTheEarlierStays) {
+TEST(FocusedControl, KeepsTheFirstOfEqualScores) {
   Group group(R"(, "children": [
       {"children": [{"id": "deep", "title": "a", "frame": [0, 70, 20, 10], "actions": ["AXPress"]}]},
       {"id": "early", "title": "b", "frame": [0, 70, 20, 10], "actions": ["AXPress"]},
@@ -356,7 +356,7 @@ TEST(FocusedControl, OfEqualScoresTheNearerToTheRootAndThenTheEarlierStays) {
   EXPECT_EQ(found->element, group.element("early"));
 }
 
-TEST(FocusedControl, TheBestWinsWhereverItStands) {
+TEST(FocusedControl, TakesTheBestAnywhere) {
   EXPECT_EQ(focusedAlone(R"({"children": [
                 {"title": "first", "frame": [0, 0, 20, 20], "actions": ["AXPress"]},
                 {"title": "best", "frame": [0, 0, 20, 20], "actions": ["Name:Close"]},
@@ -371,7 +371,7 @@ TEST(FocusedControl, IsSoughtAmongTheFirst120Elements) {
   EXPECT_EQ(focusedAlone(R"({"repeat": 119}, )" + control), "nothing");
 }
 
-TEST(FocusedControl, AHandleMetAgainIsNotCounted) {
+TEST(FocusedControl, CountsARepeatedHandleOnce) {
   const std::string control = R"({"title": "x", "frame": [0, 0, 20, 20], "actions": ["AXPress"]})";
   EXPECT_EQ(focusedAlone(R"({"id": "one", "children": [{"ref": "group"}]}, {"ref": "one"}, {"ref": "one"},
                 {"repeat": 117, "children": [{"ref": "one"}]}, )" +
@@ -379,7 +379,7 @@ TEST(FocusedControl, AHandleMetAgainIsNotCounted) {
             "AXPress 140 (0,0,20,20) [x] focused-press-fallback,small-frame");
 }
 
-TEST(FocusedControl, EachFreshHandleOfOneNodeIsCounted) {
+TEST(FocusedControl, CountsEachFreshHandle) {
   EXPECT_EQ(focusedAlone(R"({"id": "cycle", "freshHandles": true, "children": [{"ref": "cycle"}]})"), "nothing");
   EXPECT_EQ(focusedAlone(R"({"id": "one", "freshHandles": true}, {"ref": "one"}, {"repeat": 117},
                 {"title": "x", "frame": [0, 0, 20, 20], "actions": ["AXPress"]})"),
@@ -387,7 +387,7 @@ TEST(FocusedControl, EachFreshHandleOfOneNodeIsCounted) {
 }
 
 // The walk starts from a root whose context is its own words already, so these stand twice in the context of all below.
-TEST(FocusedControl, TheSnapshotOfATextlessControlIsItsContext) {
+TEST(FocusedControl, UsesContextAsTextlessSnapshot) {
   EXPECT_EQ(focusedIn(R"(, "title": "Hello", "children": [{"frame": [0, 70, 20, 10], "actions": ["AXPress"]}])"),
             "AXPress 140 (0,70,20,10) [hello hello] focused-press-fallback,small-frame");
   EXPECT_EQ(focusedIn(R"(, "title": "iPhone from", "children": [{"frame": [0, 70, 20, 10], "actions": ["AXPress"]}])"),

@@ -37,7 +37,7 @@ constexpr StatusWord kStatusWords[] = {
     {HLDismissStatusFailed, 4, "failed"},
 };
 
-TEST(ResultText, EachStatusHasItsValueAndItsWord) {
+TEST(ResultText, MapsEveryStatusToItsWord) {
   for (const StatusWord& known : kStatusWords) {
     EXPECT_EQ(static_cast<std::int64_t>(known.status), known.value);
     EXPECT_EQ(HLStatusString(known.status), known.word);
@@ -52,14 +52,14 @@ TEST(ResultText, AnyOtherStatusReadsAsFailed) {
   }
 }
 
-TEST(ResultText, ARecordIsWordAndTwoCountsWithoutALineFeed) {
+TEST(ResultText, HasNoLineFeed) {
   EXPECT_EQ(HLResultWireString({HLDismissStatusSuccess, 3, 0}), "success|3|0");
   EXPECT_EQ(HLResultWireString({static_cast<HLDismissStatus>(7), 12, 4}), "failed|12|4");
   EXPECT_EQ(HLResultWireString({HLDismissStatusNothing, -2, std::numeric_limits<std::int64_t>::max()}),
             "nothing|-2|9223372036854775807");
 }
 
-TEST(ResultText, EveryRecordComesBackAsItWasWritten) {
+TEST(ResultText, ParsesWhatWasWritten) {
   for (const StatusWord& known : kStatusWords) {
     const HLDismissResult result{known.status, std::numeric_limits<std::int64_t>::min(), 41};
     EXPECT_EQ(parsed(HLResultWireString(result)), result);
@@ -72,7 +72,7 @@ TEST(ResultText, FieldsAfterTheThirdAreIgnored) {
   EXPECT_EQ(parsed("failed|1|2|3|4"), (HLDismissResult{HLDismissStatusFailed, 1, 2}));
 }
 
-TEST(ResultText, TooFewFieldsOrAnUnknownWordDoNotParse) {
+TEST(ResultText, RejectsMissingFieldsAndUnknownWords) {
   for (const std::string_view text :
        {"", "success", "success|1", "Success|1|0", "done|1|0", "SUCCESS|1|0", " success|1|0", "success |1|0",
         "succes|1|0", "successes|1|0", "|1|0", "||", "accessdenied|0|0", "5|0|0"}) {
@@ -80,7 +80,7 @@ TEST(ResultText, TooFewFieldsOrAnUnknownWordDoNotParse) {
   }
 }
 
-TEST(ResultText, AFailedParseLeavesTheRecordAlone) {
+TEST(ResultText, KeepsTheRecordOnFailure) {
   HLDismissResult result{HLDismissStatusAccessDenied, 8, 9};
   EXPECT_FALSE(HLParseResultString("done|1|0", result));
   EXPECT_FALSE(HLParseResultString("success|1", result));
@@ -98,14 +98,14 @@ TEST(ResultText, CountsAreReadLeniently) {
   EXPECT_EQ(parsed("success|1.9|007\r"), (HLDismissResult{HLDismissStatusSuccess, 1, 7}));
 }
 
-TEST(ResultText, AllKindsOfBlanksBeforeACountAreSkipped) {
+TEST(ResultText, SkipsWhitespaceBeforeCounts) {
   EXPECT_EQ(parsed("success|\t\n12|\v\f\r 3"), (HLDismissResult{HLDismissStatusSuccess, 12, 3}));
   EXPECT_EQ(parsed("success|\b12|\x0E"
                    "3"),
             (HLDismissResult{HLDismissStatusSuccess, 0, 0}));
 }
 
-TEST(ResultText, CountsOfSixtyFourBitsAreExact) {
+TEST(ResultText, KeepsCountsOf64Bits) {
   EXPECT_EQ(parsed("success|9223372036854775806|-9223372036854775807"),
             (HLDismissResult{HLDismissStatusSuccess, 9223372036854775806, -9223372036854775807}));
   EXPECT_EQ(parsed("success|9000000000000000001|-9000000000000000009"),
@@ -114,7 +114,7 @@ TEST(ResultText, CountsOfSixtyFourBitsAreExact) {
             (HLDismissResult{HLDismissStatusSuccess, 8999999999999999999, 9223372036854775799}));
 }
 
-TEST(ResultText, CountsBeyondSixtyFourBitsAreClamped) {
+TEST(ResultText, ClampsLargerCounts) {
   EXPECT_EQ(parsed("success|9223372036854775808|-9223372036854775809"),
             (HLDismissResult{HLDismissStatusSuccess, std::numeric_limits<std::int64_t>::max(),
                              std::numeric_limits<std::int64_t>::min()}));
@@ -128,12 +128,12 @@ class ProgressChannel : public testing::Test {
   ~ProgressChannel() override { HLSetProgressHandler(nullptr); }
 };
 
-TEST_F(ProgressChannel, WithoutAHandlerAReportIsNothing) {
+TEST_F(ProgressChannel, IgnoresReportsWithoutAHandler) {
   HLSetProgressHandler(nullptr);
   HLReportProgress(3);
 }
 
-TEST_F(ProgressChannel, TheHandlerSeesEachCountAndANegativeOneAsZero) {
+TEST_F(ProgressChannel, ReportsNegativeCountsAsZero) {
   std::vector<std::int64_t> counts;
   HLSetProgressHandler([&counts](std::int64_t count) { counts.push_back(count); });
   for (const std::int64_t count :
@@ -144,7 +144,7 @@ TEST_F(ProgressChannel, TheHandlerSeesEachCountAndANegativeOneAsZero) {
   EXPECT_EQ(counts, (std::vector<std::int64_t>{7, 0, 0, 0, std::numeric_limits<std::int64_t>::max()}));
 }
 
-TEST_F(ProgressChannel, AHandlerThatIsTakenOutIsNotCalledAgain) {
+TEST_F(ProgressChannel, StopsAfterItsHandlerIsRemoved) {
   int first = 0;
   int second = 0;
   HLSetProgressHandler([&first](std::int64_t) { ++first; });
@@ -157,7 +157,7 @@ TEST_F(ProgressChannel, AHandlerThatIsTakenOutIsNotCalledAgain) {
   EXPECT_EQ(second, 1);
 }
 
-TEST_F(ProgressChannel, AHandlerThatTakesItselfOutLivesUntilItReturns) {
+TEST_F(ProgressChannel, KeepsAHandlerDuringItsCall) {
   const auto owned = std::make_shared<int>(0);
   const std::weak_ptr<int> alive = owned;
   bool aliveAfterwards = false;
@@ -170,7 +170,7 @@ TEST_F(ProgressChannel, AHandlerThatTakesItselfOutLivesUntilItReturns) {
   EXPECT_EQ(alive.use_count(), 1) << "the slot still holds the handler";
 }
 
-TEST_F(ProgressChannel, KeepsItsHandlerWhileTheProcessExits) {
+TEST_F(ProgressChannel, KeepsItsHandlerAtExit) {
   struct Noisy {
     ~Noisy() { std::fputs("destroyed", stderr); }
   };
@@ -182,7 +182,7 @@ TEST_F(ProgressChannel, KeepsItsHandlerWhileTheProcessExits) {
   EXPECT_EXIT(exits(), testing::ExitedWithCode(0), testing::Not(testing::HasSubstr("destroyed")));
 }
 
-TEST_F(ProgressChannel, ReportsOfSeveralThreadsMayMeetAReplacement) {
+TEST_F(ProgressChannel, IsSafeDuringReplacement) {
   std::atomic<int> calls = 0;
   std::atomic<bool> done = false;
   std::vector<std::thread> reporters;

@@ -27,14 +27,14 @@ bool isNotification(std::string_view text) {
 
 bool hasCloseWord(std::string_view text) { return holdsAny(text, {"close", "dismiss", "clear"}); }
 
-TEST(Context, ANewOneIsEmpty) {
+TEST(Context, StartsEmpty) {
   const HLContext context;
   EXPECT_EQ(context.text(), "");
   EXPECT_FALSE(context.isNotification());
   EXPECT_FALSE(context.hasCloseWord());
 }
 
-TEST(Context, AChildAddsItsWordsAfterABlank) {
+TEST(Context, SeparatesAChildsWords) {
   const HLContext root = HLContext().extendedBy("axgroup");
   EXPECT_EQ(root.text(), "axgroup");
   EXPECT_EQ(root.extendedBy("axbutton").text(), "axgroup axbutton");
@@ -43,7 +43,7 @@ TEST(Context, AChildAddsItsWordsAfterABlank) {
   EXPECT_EQ(root.text(), "axgroup") << "the parent's stays as it is";
 }
 
-TEST(Context, EachWordIsFoundAloneAndWithinOthers) {
+TEST(Context, FindsWordsInsideOthers) {
   for (const std::string word :
        {"notification", "axnotification", "stacked", "notification center", "from iphone", "axnotificationlistitems"}) {
     EXPECT_TRUE(HLContext(word).isNotification()) << word;
@@ -68,7 +68,7 @@ TEST(Context, OtherWordsAreNone) {
   }
 }
 
-TEST(Context, BeginsWithTheFirstUnitsOfItsText) {
+TEST(Context, KeepsTheBeginningOfItsText) {
   const std::string pair = "\U0001F600";  // two UTF-16 units
   for (const std::string& piece :
        {std::string("word"), std::string("gr\u00F6\u00DFe"), pair, "a" + pair + pair, std::string("\x80\xFF")}) {
@@ -83,14 +83,14 @@ TEST(Context, BeginsWithTheFirstUnitsOfItsText) {
   EXPECT_EQ(HLContext().beginning(180), "");
 }
 
-TEST(Context, WhatWasFoundStaysFoundBelow) {
+TEST(Context, InheritsFoundWords) {
   HLContext context = HLContext("notification close");
   for (int depth = 0; depth < 50; ++depth) context = context.extendedBy("axgroup");
   EXPECT_TRUE(context.isNotification());
   EXPECT_TRUE(context.hasCloseWord());
 }
 
-TEST(Context, AWordIsFoundAcrossTheJoint) {
+TEST(Context, FindsWordsAcrossTheBoundary) {
   EXPECT_FALSE(HLContext("a banner from").isNotification());
   EXPECT_TRUE(HLContext("a banner from").extendedBy("iphone 15").isNotification());
   EXPECT_TRUE(HLContext().extendedBy("from").extendedBy("iphone").isNotification());
@@ -116,14 +116,14 @@ TEST(Context, AnswersAlikeInEveryOrder) {
   }
 }
 
-TEST(Context, ABlankComesBetweenParentAndChild) {
+TEST(Context, SeparatesParentAndChild) {
   EXPECT_FALSE(HLContext("notifi").extendedBy("cation").isNotification());
   EXPECT_FALSE(HLContext("stack").extendedBy("ed").isNotification());
   EXPECT_FALSE(HLContext("cl").extendedBy("ose").hasCloseWord());
 }
 
 // Extending searches only what is new; the flags must be those of a search of everything.
-TEST(Context, ExtendedPieceByPieceHasTheFlagsOfTheWholeText) {
+TEST(Context, MatchesTheWholeTextWhenExtended) {
   const std::array<std::string_view, 22> pieces = {"from",
                                                    "iphone",
                                                    "notification",
@@ -176,12 +176,12 @@ HLElementFacts factsOfSevenTexts() {
   return facts;
 }
 
-TEST(SearchableContext, JoinsTheSevenTextsInTheirOrder) {
+TEST(SearchableContext, JoinsSevenTextsInOrder) {
   EXPECT_EQ(HLSearchableContext(factsOfSevenTexts()),
             "axbutton axclosebutton close button a title some description 42 identifier.one");
 }
 
-TEST(SearchableContext, LeavesOutWhatIsEmptyOrBlank) {
+TEST(SearchableContext, OmitsEmptyAndBlankTexts) {
   HLElementFacts facts;
   EXPECT_EQ(HLSearchableContext(facts), "");
   facts.role = "AXButton";
@@ -198,7 +198,7 @@ TEST(SearchableContext, LowerCasesAllOfUnicode) {
   EXPECT_EQ(HLSearchableContext(facts), "schliessen äöü привет");
 }
 
-TEST(StructuralContext, JoinsRoleSubroleRoleDescriptionAndIdentifierOnly) {
+TEST(StructuralContext, JoinsFourTextsOnly) {
   EXPECT_EQ(HLStructuralContext(factsOfSevenTexts()), "axbutton axclosebutton close button identifier.one");
   HLElementFacts facts;
   facts.title = "title";

@@ -48,12 +48,12 @@ class ElementAccess : public testing::Test {
   HLElementRef element_ = desktop_.element("values");
 };
 
-TEST_F(ElementAccess, AStringReadsAsItIs) {
+TEST_F(ElementAccess, ReadsStringsUnchanged) {
   EXPECT_EQ(text("AXTitle"), "Hello");
   EXPECT_EQ(text("empty"), "");
 }
 
-TEST_F(ElementAccess, ANumberReadsAsItsDecimalText) {
+TEST_F(ElementAccess, ReadsNumbersAsDecimalText) {
   EXPECT_EQ(text("one"), "1");
   EXPECT_EQ(text("minus"), "-12");
   EXPECT_EQ(text("large"), "9007199254740993");
@@ -62,7 +62,7 @@ TEST_F(ElementAccess, ANumberReadsAsItsDecimalText) {
   EXPECT_EQ(text("whole"), "3");
 }
 
-TEST_F(ElementAccess, ABooleanReadsAsOneOrZero) {
+TEST_F(ElementAccess, ReadsBooleansAsOneOrZero) {
   EXPECT_EQ(text("true"), "1");
   EXPECT_EQ(text("false"), "0");
 }
@@ -78,7 +78,7 @@ TEST_F(ElementAccess, MissingAndFailingAttributesAreNothing) {
   }
 }
 
-TEST_F(ElementAccess, AnAttributeIsHandedOverWithItsType) {
+TEST_F(ElementAccess, KeepsTheTypeOfAttributes) {
   const std::optional<HLValue> list = HLCopyAttribute(*element_, "list");
   ASSERT_TRUE(list && list->as<HLArray>() != nullptr);
   EXPECT_EQ(list->as<HLArray>()->size(), 2U);
@@ -91,7 +91,7 @@ TEST_F(ElementAccess, ActionNamesKeepTheirOrder) {
   EXPECT_EQ(HLActionNames(*element_), (std::vector<std::string>{"Name:Close", "AXPress", "AXShowMenu"}));
 }
 
-TEST_F(ElementAccess, PointsAndSizesAreReadOfValuesOfTheirTypeOnly) {
+TEST_F(ElementAccess, RejectsPointsOfOtherTypes) {
   EXPECT_EQ(HLPointAttribute(*element_, "point"), (HLPoint{1, 2}));
   EXPECT_EQ(HLSizeAttribute(*element_, "size"), (HLSize{3, 4}));
   for (const char* name : {"size", "one", "AXTitle", "list", "missing", "AXHelp"}) {
@@ -104,17 +104,15 @@ TEST_F(ElementAccess, PointsAndSizesAreReadOfValuesOfTheirTypeOnly) {
   }
 }
 
-TEST_F(ElementAccess, AFrameLeftOfTheMainScreenIsKept) {
-  EXPECT_EQ(HLFrameForElement(*element_), (HLRect{-1440, 12, 360, 80}));
-}
+TEST_F(ElementAccess, KeepsNegativeFrames) { EXPECT_EQ(HLFrameForElement(*element_), (HLRect{-1440, 12, 360, 80})); }
 
-TEST(ElementAnswers, AFailingActionQueryYieldsAnEmptyListWhateverItHolds) {
+TEST(ElementAnswers, YieldNoActionsOnError) {
   FakeElement element;
   element.actions = {HLAXErrorCannotComplete, {"AXPress"}};
   EXPECT_TRUE(HLActionNames(element).empty());
 }
 
-TEST(ElementAnswers, AnErrorMakesAValueMissingEvenIfOneCameAlong) {
+TEST(ElementAnswers, YieldNoValueOnError) {
   FakeElement element;
   element.attributes["AXTitle"] = {HLAXErrorFailure, std::string("left over")};
   element.attributes["AXPosition"] = {HLAXErrorFailure, HLPoint{1, 2}};
@@ -135,7 +133,7 @@ TEST(ElementAnswers, SuccessWithoutAValueIsMissing) {
   EXPECT_TRUE(std::isnan(HLPointAttribute(element, "AXTitle").y));
 }
 
-TEST(ElementAnswers, OnlyTheElementsOfAListCountAndKeepTheirOrder) {
+TEST(ElementAnswers, KeepListElementsInOrder) {
   const auto first = std::make_shared<FakeElement>();
   const auto second = std::make_shared<FakeElement>();
   const HLAttribute mixed = {
@@ -145,7 +143,7 @@ TEST(ElementAnswers, OnlyTheElementsOfAListCountAndKeepTheirOrder) {
   EXPECT_TRUE(HLElementsFromAttribute({HLAXErrorSuccess, HLElementRef(first)}).empty());
 }
 
-TEST(ElementFrame, NeedsAPositionAndAPositiveSize) {
+TEST(ElementFrame, NeedsPositionAndPositiveSize) {
   const double unknown = std::nan("");
   const HLPoint origin{0, 0};
   EXPECT_EQ(HLFrameFromPointAndSize(origin, {1, 25}), (HLRect{0, 0, 1, 25}));
@@ -173,7 +171,7 @@ TEST(ElementFrame, IsReadFromPositionAndSize) {
   EXPECT_TRUE(HLFrameForElement(element).isNull()) << "a size is no point";
 }
 
-TEST(BannerSubrole, NamesANotificationCenterItemInAnyLetterCase) {
+TEST(BannerSubrole, IgnoresLetterCase) {
   for (const char* subrole : {"AXNotificationCenterAlert", "AXNotificationCenterBanner", "axnotificationcenter",
                               "AXNOTIFICATIONCENTERALERT", "prefix AXNotificationCenterAlertStack"}) {
     EXPECT_TRUE(HLIsNotificationBannerSubrole(subrole)) << subrole;
@@ -193,7 +191,7 @@ TEST(Trust, IsAskedAfreshEachTime) {
   EXPECT_TRUE(HLIsAccessibilityTrusted(false));
 }
 
-TEST(Trust, OnlyAPromptAsksTheUserAndNoneWaitsForTheAnswer) {
+TEST(Trust, AsksOnlyWithAPrompt) {
   SimulatedDesktop desktop(R"({"trusted": false, "services": {"grantOnPrompt": true}})");
   EXPECT_FALSE(HLIsAccessibilityTrusted(false));
   desktop.platform().runLoop->runFor(0.1);
@@ -203,7 +201,7 @@ TEST(Trust, OnlyAPromptAsksTheUserAndNoneWaitsForTheAnswer) {
   EXPECT_TRUE(HLIsAccessibilityTrusted(false));
 }
 
-TEST(Trust, WithoutItEveryReadIsMissing) {
+TEST(Trust, HidesEverythingWhenMissing) {
   SimulatedDesktop desktop(R"({"trusted": false, "applications": [{"pid": 400, "windows": [
     {"id": "window", "title": "Hello", "frame": [0, 0, 10, 10], "actions": ["AXPress"]}]}]})");
   const HLElementRef window = desktop.element("window");
@@ -212,7 +210,7 @@ TEST(Trust, WithoutItEveryReadIsMissing) {
   EXPECT_TRUE(HLFrameForElement(*window).isNull());
 }
 
-TEST(Trust, AnElementThatHasGoneReadsAsMissing) {
+TEST(Trust, HidesDestroyedElements) {
   SimulatedDesktop desktop(R"({"applications": [{"pid": 400, "windows": [
     {"id": "window", "title": "Hello", "frame": [0, 0, 10, 10], "actions": ["AXPress"]}]}],
     "timeline": [{"at": 1, "remove": "window"}]})");

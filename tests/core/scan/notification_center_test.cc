@@ -14,7 +14,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-TEST(FindingNotificationCenter, TheFirstInThePlatformsOrderIsUsed) {
+TEST(FindingNotificationCenter, UsesTheFirstListed) {
   SimulatedDesktop desktop(R"({"applications": [
     {"pid": 300, "bundleIdentifier": "com.apple.mail", "name": "Mail"},
     {"pid": 401, "bundleIdentifier": "com.apple.notificationcenterui", "name": "first"},
@@ -25,7 +25,7 @@ TEST(FindingNotificationCenter, TheFirstInThePlatformsOrderIsUsed) {
   EXPECT_EQ(found->bundleIdentifier, "com.apple.notificationcenterui");
 }
 
-TEST(FindingNotificationCenter, TheWholeIdentifierIsComparedWithItsLetterCase) {
+TEST(FindingNotificationCenter, ComparesTheExactIdentifier) {
   SimulatedDesktop desktop(R"({"applications": [
     {"pid": 1, "bundleIdentifier": "com.apple.NotificationCenterUI"},
     {"pid": 2, "bundleIdentifier": "com.apple.notificationcenterui.helper"},
@@ -35,7 +35,7 @@ TEST(FindingNotificationCenter, TheWholeIdentifierIsComparedWithItsLetterCase) {
   EXPECT_FALSE(HLNotificationCenterApplication().has_value());
 }
 
-TEST(FindingNotificationCenter, WithoutAnyApplicationThereIsNone) {
+TEST(FindingNotificationCenter, ReturnsNulloptWithoutApplications) {
   SimulatedDesktop desktop("{}");
   EXPECT_FALSE(HLNotificationCenterApplication().has_value());
 }
@@ -51,13 +51,13 @@ TEST(FindingNotificationCenter, EachCallAsksAgain) {
   EXPECT_EQ(HLNotificationCenterApplication()->pid, 500);
 }
 
-TEST(NotificationWindows, AreTheElementsAmongTheMembersInTheirOrder) {
+TEST(NotificationWindows, KeepListElementsInOrder) {
   SimulatedDesktop desktop(NotificationCenterScene(R"("text", {"id": "b"}, 7, {"id": "a"}, [], {"ref": "b"})"));
   EXPECT_EQ(HLNotificationWindows(*desktop.application(NotificationCenterPid)),
             (std::vector<HLElementRef>{desktop.element("b"), desktop.element("a"), desktop.element("b")}));
 }
 
-TEST(NotificationWindows, AreNoneWhereTheAttributeFailsOrTheProcessIsGone) {
+TEST(NotificationWindows, AreEmptyOnAnError) {
   SimulatedDesktop desktop(
       R"({"applications": [{"pid": 1, "windows": null}, {"pid": 2, "windows": [{}], "terminated": true},
     {"pid": 3, "windows": [{}]}]})");
@@ -66,7 +66,7 @@ TEST(NotificationWindows, AreNoneWhereTheAttributeFailsOrTheProcessIsGone) {
   EXPECT_EQ(HLNotificationWindows(*desktop.application(3)).size(), 1U);
 }
 
-TEST(CurrentTargets, AreThoseOfEachWindowInTurnBreadthFirst) {
+TEST(CurrentTargets, FollowWindowsBreadthFirst) {
   SimulatedDesktop desktop(NotificationCenterScene(R"(
     {"title": "one", "children": [
       {"children": [{"title": "deep", "actions": ["Name:Close"]}]},
@@ -81,7 +81,7 @@ TEST(CurrentTargets, AreThoseOfEachWindowInTurnBreadthFirst) {
             (Lines{"scan root=window-0 visited=4 candidates=2", "scan root=window-1 visited=2 candidates=2"}));
 }
 
-TEST(CurrentTargets, OneWithTheKeyOfAnEarlierWindowIsListedOnceAtItsFirstPlace) {
+TEST(CurrentTargets, ListDuplicateKeysOnce) {
   SimulatedDesktop desktop(NotificationCenterScene(R"(
     {"children": [{"id": "first", "title": "same", "actions": ["Name:Close"]},
                   {"title": "other", "actions": ["Name:Close"]}]},
@@ -95,27 +95,27 @@ TEST(CurrentTargets, OneWithTheKeyOfAnEarlierWindowIsListedOnceAtItsFirstPlace) 
             (Lines{"scan root=window-0 visited=3 candidates=2", "scan root=window-1 visited=2 candidates=1"}));
 }
 
-TEST(CurrentTargets, AMemberThatIsNoElementTakesNoIndex) {
+TEST(CurrentTargets, IndexElementsOnly) {
   SimulatedDesktop desktop(NotificationCenterScene(R"("text", {}, 3, {})"));
   EXPECT_TRUE(HLCurrentTargets(*desktop.application(NotificationCenterPid)).empty());
   EXPECT_EQ(desktop.diagnostics(),
             (Lines{"scan root=window-0 visited=1 candidates=0", "scan root=window-1 visited=1 candidates=0"}));
 }
 
-TEST(CurrentTargets, WithoutWindowsNothingIsScannedAndNothingLogged) {
+TEST(CurrentTargets, LogNothingWithoutWindows) {
   SimulatedDesktop desktop(NotificationCenterScene(""));
   EXPECT_TRUE(HLCurrentTargets(*desktop.application(NotificationCenterPid)).empty());
   EXPECT_EQ(desktop.diagnostics(), Lines{});
 }
 
-TEST(CurrentTargets, WithoutTrustThereAreNone) {
+TEST(CurrentTargets, AreEmptyWithoutTrust) {
   SimulatedDesktop desktop(
       NotificationCenterScene(R"({"title": "close", "actions": ["Name:Close"]})", R"(, "trusted": false)"));
   EXPECT_TRUE(HLCurrentTargets(*desktop.application(NotificationCenterPid)).empty());
   EXPECT_EQ(desktop.diagnostics(), Lines{});
 }
 
-TEST(CurrentTargets, TheLimitOfAScanAppliesToEachWindowByItself) {
+TEST(CurrentTargets, LimitEachWindowSeparately) {
   SimulatedDesktop desktop(NotificationCenterScene(R"(
     {"children": [{"repeat": 1500}]}, {"children": [{"repeat": 1500}, {"title": "late", "actions": ["Name:Close"]}]},
     {"title": "third", "actions": ["Name:Close"]})"));

@@ -11,7 +11,7 @@ HLDismissTarget targetAt(double x, double y, double width, double height) {
   return {nullptr, "AXPress", {x, y, width, height}, 92, "axbutton close", "close-words"};
 }
 
-TEST(CompactSnapshot, WordsAreSeparatedByOneBlankAndNothingElse) {
+TEST(CompactSnapshot, JoinsWordsWithOneBlank) {
   EXPECT_EQ(HLCompactSnapshot("  Close\n\n Notification\t"), "Close Notification");
   EXPECT_EQ(HLCompactSnapshot("Close"), "Close");
   EXPECT_EQ(HLCompactSnapshot("a      b"), "a b");
@@ -29,7 +29,7 @@ TEST(CompactSnapshot, BlankTextsAreEmpty) {
   EXPECT_EQ(HLCompactSnapshot("\u00A0\u3000\u2029"), "");
 }
 
-TEST(CompactSnapshot, LetterCaseAndForeignLettersAreKept) {
+TEST(CompactSnapshot, KeepsCaseAndForeignLetters) {
   EXPECT_EQ(HLCompactSnapshot(" Größe  ÄÖ 日本 😀 "), "Größe ÄÖ 日本 😀");
 }
 
@@ -43,7 +43,7 @@ TEST(CompactSnapshot, EveryUnicodeBlankSeparates) {
   }
 }
 
-TEST(CompactSnapshot, WhatOnlyLooksBlankDoesNotSeparate) {
+TEST(CompactSnapshot, KeepsOtherInvisibleCharacters) {
   for (const std::string other :
        {"\b", "\x0E", "\x1C", "\x1F", "\u0084", "\u0086", "\u180E", "\u200C", "\u2060", "\uFEFF"}) {
     EXPECT_EQ(HLCompactSnapshot("a" + other + "b"), "a" + other + "b");
@@ -54,7 +54,7 @@ TEST(DeduplicationKey, HoldsActionRoundedFrameAndSnapshot) {
   EXPECT_EQ(HLDeduplicationKeyForTarget(targetAt(1220.4, 38.6, 16, 16)), "AXPress|1220|39|16|16|axbutton close");
 }
 
-TEST(DeduplicationKey, WithoutAFrameHoldsActionAndSnapshot) {
+TEST(DeduplicationKey, OmitsAMissingFrame) {
   HLDismissTarget target;
   target.action = "Name:Close";
   EXPECT_EQ(HLDeduplicationKeyForTarget(target), "Name:Close|");
@@ -67,7 +67,7 @@ TEST(DeduplicationKey, HalvesAreRoundedAwayFromZero) {
   EXPECT_EQ(HLDeduplicationKeyForTarget(targetAt(10.4999, -10.4999, 15.51, 0.5)), "AXPress|10|-10|16|1|axbutton close");
 }
 
-TEST(DeduplicationKey, ASmallNegativeCoordinatePrintsAsNegativeZero) {
+TEST(DeduplicationKey, PrintsSmallNegativesAsNegativeZero) {
   EXPECT_EQ(HLDeduplicationKeyForTarget(targetAt(-0.4, 0.4, 16, 16)), "AXPress|-0|0|16|16|axbutton close");
 }
 
@@ -83,7 +83,7 @@ TEST(DeduplicationKey, ScoreAndReasonTakeNoPart) {
   EXPECT_EQ(HLDeduplicationKeyForTarget(other), HLDeduplicationKeyForTarget(targetAt(1, 2, 3, 4)));
 }
 
-TEST(DeduplicationKey, LetterCaseOfActionAndSnapshotCounts) {
+TEST(DeduplicationKey, DistinguishesLetterCase) {
   HLDismissTarget snapshot = targetAt(1, 2, 3, 4);
   snapshot.snapshot = "AXButton close";
   EXPECT_NE(HLDeduplicationKeyForTarget(snapshot), HLDeduplicationKeyForTarget(targetAt(1, 2, 3, 4)));
@@ -92,7 +92,7 @@ TEST(DeduplicationKey, LetterCaseOfActionAndSnapshotCounts) {
   EXPECT_NE(HLDeduplicationKeyForTarget(action), HLDeduplicationKeyForTarget(targetAt(1, 2, 3, 4)));
 }
 
-TEST(DismissTarget, MadeFromNothingHasEmptyTextsAndNoFrame) {
+TEST(DismissTarget, DefaultsToEmptyTexts) {
   const HLDismissTarget target;
   EXPECT_EQ(target.action, "");
   EXPECT_EQ(target.snapshot, "");
@@ -101,6 +101,6 @@ TEST(DismissTarget, MadeFromNothingHasEmptyTextsAndNoFrame) {
   EXPECT_TRUE(target.frame.isNull());
 }
 
-TEST(DismissTarget, ASnapshotHoldsAtMost180Units) { EXPECT_EQ(HLSnapshotLimit, 180U); }
+TEST(DismissTarget, CutsSnapshotsAt180Units) { EXPECT_EQ(HLSnapshotLimit, 180U); }
 
 }  // namespace

@@ -110,7 +110,7 @@ HLElementRef chain(int depth, const std::string& title) {
   return top;
 }
 
-TEST(ScanMemory, StaysSmallBelowAMegabyteOfTitle) {
+TEST(ScanMemory, StaysSmallBelowLongTitles) {
   SimulatedDesktop desktop("{}");
   const auto window = elementWithTitle(words(kMegabyte));
   for (int i = 0; i < 699; ++i) {
@@ -123,7 +123,7 @@ TEST(ScanMemory, StaysSmallBelowAMegabyteOfTitle) {
   EXPECT_LT(cost.total, 4 * kMegabyte) << "each text is copied twice, whatever its descendants";
 }
 
-TEST(ScanWork, SearchesALongTextOnlyForAButton) {
+TEST(ScanWork, SearchesLongTextsForButtonsOnly) {
   SimulatedDesktop desktop("{}");
   const auto window = elementWithTitle(words(kMegabyte));
   for (int i = 0; i < 699; ++i) addChild(*window, elementWithTitle("text"));
@@ -138,7 +138,7 @@ TEST(ScanWork, SearchesALongTextOnlyForAButton) {
   EXPECT_GE(searchedBytes, kMegabyte);
 }
 
-TEST(ScanWork, SearchesALongTextOnceForAllButtons) {
+TEST(ScanWork, SearchesLongTextsOnce) {
   SimulatedDesktop desktop("{}");
   const auto window = elementWithTitle(words(kMegabyte));
   for (int i = 0; i < 699; ++i) {
@@ -151,7 +151,7 @@ TEST(ScanWork, SearchesALongTextOnceForAllButtons) {
   EXPECT_LT(searchedBytes, 7 * kMegabyte) << "for three words of notifications, and for three of closing";
 }
 
-TEST(ScanMemory, GrowsWithTheDepthAndNotItsSquare) {
+TEST(ScanMemory, GrowsLinearlyWithDepth) {
   SimulatedDesktop desktop("{}");
   const std::string title = words(12 * kKilobyte);
   const auto costAt = [&title](int depth) {
@@ -164,7 +164,7 @@ TEST(ScanMemory, GrowsWithTheDepthAndNotItsSquare) {
   EXPECT_LT(whole.peak, 64 * kMegabyte);
 }
 
-TEST(ScanMemory, HoldsTheBeginningOfALongContextOnly) {
+TEST(ScanMemory, KeepsOnlyContextBeginnings) {
   SimulatedDesktop desktop("{}");
   const auto window = elementWithTitle(words(kMegabyte) + " notification");
   for (int i = 0; i < 699; ++i) {
@@ -178,7 +178,7 @@ TEST(ScanMemory, HoldsTheBeginningOfALongContextOnly) {
   EXPECT_LT(cost.total, 16 * kMegabyte);
 }
 
-TEST(ResolutionMemory, CopiesALongContextForTheBestControlOnly) {
+TEST(ResolutionMemory, CopiesOneLongContext) {
   SimulatedDesktop desktop("{}");
   const auto banner = elementWithTitle(words(kMegabyte));
   for (int i = 0; i < 119; ++i) {

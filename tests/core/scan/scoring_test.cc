@@ -60,7 +60,7 @@ std::vector<std::string> nearMisses(const std::vector<std::string>& words) {
 constexpr HLRect kSmall = {0, 0, 16, 16};
 constexpr HLRect kLarge = {0, 0, 360, 80};
 
-TEST(WordMatching, FindsAWordAnywhereInTheLowerCasedText) {
+TEST(WordMatching, FindsSubstrings) {
   const std::array<std::string_view, 2> words = {"view", "open"};
   EXPECT_TRUE(HLStringContainsAny("a preview", words));
   EXPECT_TRUE(HLStringContainsAny("REOPEN", words));
@@ -70,7 +70,7 @@ TEST(WordMatching, FindsAWordAnywhereInTheLowerCasedText) {
   EXPECT_FALSE(HLStringContainsAny("open", {}));
 }
 
-TEST(WordMatching, LowerCasesAllOfUnicodeButNotTheWords) {
+TEST(WordMatching, LowercasesTheTextOnly) {
   const std::array<std::string_view, 1> lower = {"schließen"};
   EXPECT_TRUE(HLStringContainsAny("SCHLIEßEN", lower));
   const std::array<std::string_view, 1> kelvin = {"kelvin"};
@@ -91,7 +91,7 @@ TEST(StringContainsAny, FindsWordsAnywhereInLongTexts) {
   }
 }
 
-TEST(NotificationContext, IsSaidByAnyOfItsWordsInAnyLetterCase) {
+TEST(NotificationContext, AcceptsEachWordInAnyCase) {
   for (const std::string_view text :
        {"notification", "axnotification", "stacked", "notification center", "from iphone", "axnotificationlistitems",
         "Stacked Banners", "Mail FROM iPhone", "axgroup axnotificationcenterbanner"}) {
@@ -102,7 +102,7 @@ TEST(NotificationContext, IsSaidByAnyOfItsWordsInAnyLetterCase) {
   }
 }
 
-TEST(DismissAction, TheFirstThatSaysSoIsTakenUnchanged) {
+TEST(DismissAction, TakesTheFirstMatchUnchanged) {
   EXPECT_EQ(HLExplicitDismissAction({"AXPress", "Name:Close", "Clear All"}), "Name:Close");
   EXPECT_EQ(HLExplicitDismissAction({"Clear All", "Name:Close"}), "Clear All");
   for (const std::string action : {"close", "dismiss", "clear", "Name:CLOSE\nTarget:0x0", "AXDismiss", "UnCleared"}) {
@@ -112,11 +112,11 @@ TEST(DismissAction, TheFirstThatSaysSoIsTakenUnchanged) {
   EXPECT_EQ(HLExplicitDismissAction({}), std::nullopt);
 }
 
-TEST(DismissAction, WordsThatResembleItsWordsAreNone) {
+TEST(DismissAction, RejectsSimilarWords) {
   EXPECT_EQ(HLExplicitDismissAction(nearMisses({"close", "dismiss", "clear"})), std::nullopt);
 }
 
-TEST(Pressable, IsWhatListsExactlyAXPress) {
+TEST(Pressable, RequiresExactlyAXPress) {
   EXPECT_TRUE(HLIsPressable({"AXShowMenu", "AXPress"}));
   for (const std::string action : {"axpress", "AXPress ", "AXPressed", "Press"}) {
     EXPECT_FALSE(HLIsPressable({action})) << action;
@@ -124,7 +124,7 @@ TEST(Pressable, IsWhatListsExactlyAXPress) {
   EXPECT_FALSE(HLIsPressable({}));
 }
 
-TEST(MenuLike, IsARoleOrSubroleWithMenuInAnyLetterCase) {
+TEST(MenuLike, MatchesRolesInAnyCase) {
   for (const std::string text : {"AXMenu", "AXMenuItem", "AXMenuButton", "axmenubar", "SOMEMENU"}) {
     HLElementFacts role;
     role.role = text;
@@ -136,7 +136,7 @@ TEST(MenuLike, IsARoleOrSubroleWithMenuInAnyLetterCase) {
   EXPECT_FALSE(HLIsMenuLike(element("AXButton", "menu item menu bar menubar", {})));
 }
 
-TEST(MenuLike, IsAStructuralTextWithAMenuWord) {
+TEST(MenuLike, MatchesStructuralMenuWords) {
   for (const std::string text : {"Menu Item", "menu  bar", "menubar", "a menu items"}) {
     HLElementFacts description;
     description.roleDescription = text;
@@ -162,7 +162,7 @@ TEST(MenuLike, IsAStructuralTextWithAMenuWord) {
   }
 }
 
-TEST(MenuLike, WordsThatResembleMenuWordsAreNone) {
+TEST(MenuLike, RejectsSimilarWords) {
   for (const std::string& word : nearMisses({"menu"})) {
     HLElementFacts facts;
     facts.role = facts.subrole = word;
@@ -175,7 +175,7 @@ TEST(MenuLike, WordsThatResembleMenuWordsAreNone) {
   }
 }
 
-TEST(BannerShortcut, ABannerWithADismissActionScores220WhateverItSays) {
+TEST(BannerShortcut, Scores220WithADismissAction) {
   HLElementFacts facts = banner("Reply later, open options");
   EXPECT_EQ(candidate(facts),
             "Name:Close 220 (0,0,360,80) [axgroup axnotificationcenteralert reply later, open options] "
@@ -187,7 +187,7 @@ TEST(BannerShortcut, ABannerWithADismissActionScores220WhateverItSays) {
             "notification-subrole-explicit-action");
 }
 
-TEST(BannerShortcut, TheSubroleCountsInAnyLetterCase) {
+TEST(BannerShortcut, IgnoresSubroleCase) {
   HLElementFacts facts = banner("");
   facts.subrole = "AXNOTIFICATIONCENTERBANNERSTACK";
   EXPECT_EQ(
@@ -201,20 +201,20 @@ TEST(BannerShortcut, NeedsADismissAction) {
   EXPECT_EQ(candidate(facts), "nothing");
 }
 
-TEST(BannerShortcut, WithoutTheSubroleTheMenuVetoHolds) {
+TEST(BannerShortcut, NeedsTheSubrole) {
   HLElementFacts facts = banner("reply");
   facts.role = "axmenuitem";
   facts.subrole = "";
   EXPECT_EQ(candidate(facts, "notification"), "nothing");
 }
 
-TEST(BannerShortcut, TheSnapshotIsOwnTextEvenWhenEmpty) {
+TEST(BannerShortcut, StoresOwnTextOnly) {
   const HLElementFacts facts = banner("");
   EXPECT_EQ(Describe(HLCandidateForElement(kElement, facts, HLContext("notification"), "")),
             "Name:Close 220 (0,0,360,80) [] notification-subrole-explicit-action");
 }
 
-TEST(MenuVeto, RejectsWhatWouldOtherwiseBeATarget) {
+TEST(MenuVeto, RejectsGoodTargets) {
   const HLElementFacts plain = element("AXButton", "Close", {"AXPress", "Name:Close"}, kSmall);
   EXPECT_EQ(candidate(plain, "notification"),
             "Name:Close 212 (0,0,16,16) [axbutton close] "
@@ -238,7 +238,7 @@ struct ScoreCase {
   const char* expected;
 };
 
-TEST(Score, AddsUpPointsAndReasonsInTheirOrder) {
+TEST(Score, ListsReasonsInOrder) {
   const std::vector<ScoreCase> cases = {
       {"a dismiss action alone", element("AXGroup", "hello", {"Name:Close"}, kLarge), "axwindow",
        "Name:Close 120 (0,0,360,80) [axgroup hello] explicit-action"},
@@ -300,7 +300,7 @@ TEST(Score, AddsUpPointsAndReasonsInTheirOrder) {
   }
 }
 
-TEST(Score, EachNegativeWordCostsAHundredPointsAnywhereInTheOwnText) {
+TEST(Score, Subtracts100PerNegativeWord) {
   for (const std::string& word : kNegativeWords) {
     const bool isCloseWord = word == "clear menu";  // which is worth 30 points besides
     EXPECT_EQ(candidate(element("AXGroup", "x" + word + "y", {"Name:Close"}, kLarge), "notification"),
@@ -309,12 +309,12 @@ TEST(Score, EachNegativeWordCostsAHundredPointsAnywhereInTheOwnText) {
   }
 }
 
-TEST(Score, NegativeWordsOfAncestorsDoNotCount) {
+TEST(Score, IgnoresNegativeWordsOfAncestors) {
   EXPECT_EQ(candidate(element("AXGroup", "hello", {"Name:Close"}, kLarge), "reply open options later"),
             "Name:Close 120 (0,0,360,80) [axgroup hello] explicit-action");
 }
 
-TEST(Score, WordsThatResembleNegativeOnesCostNothing) {
+TEST(Score, IgnoresSimilarNegativeWords) {
   std::vector<std::string> words = nearMisses(kNegativeWords);
   EXPECT_EQ(words.size(), 35U) << "all but the mute in unmute";
   words.insert(words.end(), {"ope n", "clear  the menu", "menuitem"});
@@ -325,14 +325,14 @@ TEST(Score, WordsThatResembleNegativeOnesCostNothing) {
   }
 }
 
-TEST(Score, WordsThatResembleCloseWordsAddNothing) {
+TEST(Score, IgnoresSimilarCloseWords) {
   for (const std::string& word : nearMisses({"close", "dismiss", "clear", "xmark"})) {
     EXPECT_EQ(candidate(element("AXGroup", word, {"Name:Close"}, kLarge), word),
               "Name:Close 120 (0,0,360,80) [axgroup " + word + "] explicit-action");
   }
 }
 
-TEST(Score, WordsThatResembleNotificationWordsAddNothing) {
+TEST(Score, IgnoresSimilarNotificationWords) {
   for (const std::string& word : nearMisses(kNotificationWords)) {
     EXPECT_EQ(candidate(element("AXGroup", "", {"Name:Close"}, kLarge), word),
               "Name:Close 120 (0,0,360,80) [axgroup] explicit-action");
@@ -340,14 +340,14 @@ TEST(Score, WordsThatResembleNotificationWordsAddNothing) {
   }
 }
 
-TEST(Score, EachCloseWordOfItsOwnCounts) {
+TEST(Score, CountsEveryOwnCloseWord) {
   for (const std::string word : {"close", "dismiss", "clear", "xmark"}) {
     EXPECT_EQ(candidate(element("AXGroup", word, {"Name:Close"}, kLarge)),
               "Name:Close 150 (0,0,360,80) [axgroup " + word + "] explicit-action,close-words");
   }
 }
 
-TEST(Score, OfAncestorsThreeCloseWordsCountAndXmarkDoesNot) {
+TEST(Score, CountsThreeCloseWordsOfAncestors) {
   const HLElementFacts facts = element("AXGroup", "hello", {"Name:Close"}, kLarge);
   for (const std::string word : {"close", "dismiss", "clear"}) {
     EXPECT_EQ(candidate(facts, word), "Name:Close 150 (0,0,360,80) [axgroup hello] explicit-action,close-words");
@@ -355,7 +355,7 @@ TEST(Score, OfAncestorsThreeCloseWordsCountAndXmarkDoesNot) {
   EXPECT_EQ(candidate(facts, "xmark"), "Name:Close 120 (0,0,360,80) [axgroup hello] explicit-action");
 }
 
-TEST(Score, EachNotificationWordOfTheContextCounts) {
+TEST(Score, CountsEveryNotificationWord) {
   const HLElementFacts facts = element("AXGroup", "hello", {"Name:Close"}, kLarge);
   for (const std::string& words : kNotificationWords) {
     EXPECT_EQ(candidate(facts, words),
@@ -367,7 +367,7 @@ TEST(Score, EachNotificationWordOfTheContextCounts) {
             "Name:Close 120 (0,0,360,80) [axgroup] explicit-action");
 }
 
-TEST(Score, AButtonIsTheRoleOrTheWordInItsOwnText) {
+TEST(Score, CountsButtonRoleOrWord) {
   const auto withButtonWords = [](std::string role, std::string roleDescription) {
     HLElementFacts facts = element(std::move(role), "", {"AXPress", "Name:Go clear"}, kLarge);
     facts.roleDescription = std::move(roleDescription);
@@ -385,14 +385,14 @@ TEST(Score, AButtonIsTheRoleOrTheWordInItsOwnText) {
   }
 }
 
-TEST(Score, TheRoleAloneMakesAButtonOfAnElementWithoutText) {
+TEST(Score, CountsTheRoleWithoutText) {
   HLElementFacts facts = element("AXButton", "", {"AXPress"}, kSmall);
   EXPECT_EQ(Describe(HLCandidateForElement(kElement, facts, HLContext("axgroup notification"), "")),
             "AXPress 62 (0,0,16,16) [axgroup notification] "
             "notification-context,pressable-button,small-frame,press-fallback");
 }
 
-TEST(Score, AButtonWordOfAncestorsDoesNotCount) {
+TEST(Score, IgnoresButtonWordsOfAncestors) {
   EXPECT_EQ(candidate(element("AXGroup", "x", {"AXPress"}, kSmall), "notification button"), "nothing");
 }
 
@@ -409,7 +409,7 @@ TEST(Score, SixtyPointsBothWaysAreSmall) {
             "Name:Close 128 (-5000,-5000,60,60) [axgroup] explicit-action,small-frame");
 }
 
-TEST(Score, TheFallbackOfASmallButtonHasTheSameLimit) {
+TEST(Score, LimitsSmallButtonsEqually) {
   const auto fallback = [](double width, double height) {
     return candidate(element("AXButton", "x", {"AXPress"}, {0, 0, width, height}), "notification");
   };
@@ -418,11 +418,11 @@ TEST(Score, TheFallbackOfASmallButtonHasTheSameLimit) {
   EXPECT_EQ(fallback(60, 60.5), "nothing");
 }
 
-TEST(Score, AnotherActionThatIsNotExactlyAXPressIsNoFallback) {
+TEST(Score, AcceptsOnlyAXPressAsFallback) {
   EXPECT_EQ(candidate(element("AXButton", "close", {"axpress", "Press"}, kSmall), "notification"), "nothing");
 }
 
-TEST(Snapshot, IsTheOwnTextCutTo180Units) {
+TEST(Snapshot, CutsOwnTextAt180Units) {
   const std::string title(400, 'a');
   const std::string own = "axgroup " + std::string(172, 'a');
   EXPECT_EQ(candidate(element("AXGroup", title, {"Name:Close"})),
@@ -431,13 +431,13 @@ TEST(Snapshot, IsTheOwnTextCutTo180Units) {
                                           std::string(146, 'a') + "] notification-subrole-explicit-action");
 }
 
-TEST(Snapshot, OfExactly180UnitsIsWhole) {
+TEST(Snapshot, Keeps180Units) {
   const std::string title(172, 'a');
   EXPECT_EQ(candidate(element("AXGroup", title, {"Name:Close"})),
             "Name:Close 120 no frame [axgroup " + title + "] explicit-action");
 }
 
-TEST(Snapshot, CountsUtf16UnitsAndMayHalveAPair) {
+TEST(Snapshot, MayCutASurrogatePair) {
   std::string faces;
   for (int i = 0; i < 100; ++i) faces += "😀";
   const HLElementFacts even = element("", faces, {"Name:Close"});
@@ -448,7 +448,7 @@ TEST(Snapshot, CountsUtf16UnitsAndMayHalveAPair) {
   EXPECT_EQ(candidate(umlauts), "Name:Close 120 no frame [ä" + std::string(179, 'b') + "] explicit-action");
 }
 
-TEST(Snapshot, OfAnElementWithoutTextIsItsContextCutTo180Units) {
+TEST(Snapshot, UsesContextWithoutOwnText) {
   const HLElementFacts facts = element("", "", {"Name:Close"}, kLarge);
   EXPECT_EQ(candidate(facts, "axgroup hello"), "Name:Close 120 (0,0,360,80) [axgroup hello] explicit-action");
   EXPECT_EQ(candidate(facts, std::string(400, 'c')),

@@ -32,13 +32,13 @@ struct Scan {
   std::string line;
 };
 
-TEST(TreeScan, ARootWithoutChildrenIsVisitedAlone) {
+TEST(TreeScan, VisitsALoneRoot) {
   const Scan scan(R"({"id": "root", "title": "hello"})");
   EXPECT_EQ(scan.snapshots, Lines{});
   EXPECT_EQ(scan.line, "scan root=here visited=1 candidates=0");
 }
 
-TEST(TreeScan, TheRootItselfMayBeATarget) {
+TEST(TreeScan, MayReturnTheRoot) {
   Scan scan(R"({"id": "root", "title": "hello", "actions": ["Name:Close"]})");
   EXPECT_EQ(Describe(scan.targets), Lines{"Name:Close 120 no frame [hello] explicit-action"});
   ASSERT_EQ(scan.targets.size(), 1U);
@@ -46,13 +46,13 @@ TEST(TreeScan, TheRootItselfMayBeATarget) {
   EXPECT_EQ(scan.line, "scan root=here visited=1 candidates=1");
 }
 
-TEST(TreeScan, ARootThatHasGoneIsVisitedAndYieldsNothing) {
+TEST(TreeScan, VisitsADestroyedRoot) {
   SimulatedDesktop desktop(NotificationCenterScene(""));
   EXPECT_TRUE(HLTargetsInRoot(std::make_shared<FakeElement>(), "gone").empty());
   EXPECT_EQ(desktop.diagnostics(), Lines{"scan root=gone visited=1 candidates=0"});
 }
 
-TEST(TreeScan, TargetsComeInTheOrderOfABreadthFirstWalk) {
+TEST(TreeScan, ReturnsTargetsBreadthFirst) {
   const Scan scan(R"({"id": "root", "children": [
       {"title": "a", "actions": ["Close"], "frame": [0, 0, 999, 999],
        "children": [{"title": "a1", "actions": ["Close"], "frame": [0, 0, 999, 999],
@@ -63,7 +63,7 @@ TEST(TreeScan, TargetsComeInTheOrderOfABreadthFirstWalk) {
   EXPECT_EQ(scan.line, "scan root=here visited=6 candidates=5");
 }
 
-TEST(TreeScan, ChildrenComeBeforeRowsAndRowsBeforeVisibleChildren) {
+TEST(TreeScan, VisitsChildrenThenRowsThenVisible) {
   const Scan scan(R"({"id": "root",
       "visibleChildren": [{"title": "visible", "actions": ["Close"]}],
       "rows": [{"title": "row", "actions": ["Close"]}],
@@ -71,14 +71,14 @@ TEST(TreeScan, ChildrenComeBeforeRowsAndRowsBeforeVisibleChildren) {
   EXPECT_EQ(scan.snapshots, (Lines{"child", "row", "visible"}));
 }
 
-TEST(TreeScan, AChildListedTwiceAsTheSameHandleIsVisitedOnce) {
+TEST(TreeScan, VisitsARepeatedHandleOnce) {
   const Scan scan(R"({"id": "root", "children": [{"id": "child", "title": "c", "actions": ["Close"]}, {"ref": "child"}],
       "visibleChildren": [{"ref": "child"}]})");
   EXPECT_EQ(scan.snapshots, Lines{"c"});
   EXPECT_EQ(scan.line, "scan root=here visited=2 candidates=1");
 }
 
-TEST(TreeScan, AChildListedTwiceAsTwoHandlesIsVisitedTwiceAndKeptOnce) {
+TEST(TreeScan, VisitsEveryFreshHandle) {
   const Scan scan(R"({"id": "root",
       "children": [{"id": "child", "title": "c", "actions": ["Close"], "freshHandles": true}],
       "visibleChildren": [{"ref": "child"}]})");
@@ -86,19 +86,19 @@ TEST(TreeScan, AChildListedTwiceAsTwoHandlesIsVisitedTwiceAndKeptOnce) {
   EXPECT_EQ(scan.line, "scan root=here visited=3 candidates=1");
 }
 
-TEST(TreeScan, AHandleMetAgainDoesNotEndTheWalk) {
+TEST(TreeScan, ContinuesAfterARepeatedHandle) {
   const Scan scan(
       R"({"id": "root", "children": [{"id": "child"}, {"ref": "child"}, {"title": "c", "actions": ["Close"]}]})");
   EXPECT_EQ(scan.snapshots, Lines{"c"});
   EXPECT_EQ(scan.line, "scan root=here visited=3 candidates=1");
 }
 
-TEST(TreeScan, ACycleOfHandlesEnds) {
+TEST(TreeScan, EndsOnACycle) {
   const Scan scan(R"({"id": "root", "children": [{"id": "child", "children": [{"ref": "root"}, {"ref": "child"}]}]})");
   EXPECT_EQ(scan.line, "scan root=here visited=2 candidates=0");
 }
 
-TEST(TreeScan, ACycleOfFreshHandlesEndsAtTheLimit) {
+TEST(TreeScan, EndsFreshCyclesAtTheLimit) {
   const Scan scan(
       R"({"id": "root", "children": [{"id": "child", "freshHandles": true, "children": [{"ref": "child"}]}]})");
   EXPECT_EQ(scan.line, "scan root=here visited=1400 candidates=0");
@@ -112,7 +112,7 @@ TEST(TreeScan, StopsAfterThe1400thElement) {
   EXPECT_EQ(HLScanLimit, 1400U);
 }
 
-TEST(TreeScan, LooksAtThe1400thAndNotAtThe1401stElement) {
+TEST(TreeScan, Visits1400Elements) {
   const Scan last(R"({"id": "root", "children": [{"repeat": 1398}, {"title": "last", "actions": ["Close"]}]})");
   EXPECT_EQ(last.snapshots, Lines{"last"});
   EXPECT_EQ(last.line, "scan root=here visited=1400 candidates=1");
@@ -121,14 +121,14 @@ TEST(TreeScan, LooksAtThe1400thAndNotAtThe1401stElement) {
   EXPECT_EQ(beyond.line, "scan root=here visited=1400 candidates=0");
 }
 
-TEST(TreeScan, AHandleMetAgainDoesNotCountAgainstTheLimit) {
+TEST(TreeScan, CountsEachHandleOnce) {
   const Scan scan(R"({"id": "root", "children": [{"id": "child"}, {"repeat": 900, "children": [{"ref": "child"}]},
       {"repeat": 497}, {"title": "last", "actions": ["Close"]}]})");
   EXPECT_EQ(scan.snapshots, Lines{"last"});
   EXPECT_EQ(scan.line, "scan root=here visited=1400 candidates=1");
 }
 
-TEST(TreeScan, AnElementIsJudgedByTheWordsOfAllItsAncestors) {
+TEST(TreeScan, InheritsWordsOfAllAncestors) {
   const Scan scan(R"({"id": "root", "role": "AXGroup", "description": "Stacked Mail", "children": [
       {"role": "AXGroup", "children": [
         {"children": [{"role": "AXButton", "title": "x", "actions": ["AXPress"], "frame": [0, 0, 16, 16]}]}]}]})");
@@ -136,26 +136,26 @@ TEST(TreeScan, AnElementIsJudgedByTheWordsOfAllItsAncestors) {
                                           "notification-context,pressable-button,small-frame,press-fallback"});
 }
 
-TEST(TreeScan, SiblingsShareTheContextOfTheirParentAndNotEachOthers) {
+TEST(TreeScan, IsolatesSiblingContexts) {
   const Scan scan(R"({"id": "root", "children": [
       {"title": "notification dismiss"},
       {"role": "AXButton", "title": "x", "actions": ["AXPress"], "frame": [0, 0, 16, 16]}]})");
   EXPECT_EQ(scan.snapshots, Lines{});
 }
 
-TEST(TreeScan, AWordMayStraddleParentAndChild) {
+TEST(TreeScan, FindsWordsAcrossParentAndChild) {
   const Scan scan(R"({"id": "root", "title": "Message from", "children": [
       {"title": "iPhone", "actions": ["Close"]}]})");
   EXPECT_EQ(Describe(scan.targets), Lines{"Close 160 no frame [iphone] explicit-action,notification-context"});
 }
 
-TEST(TreeScan, TheSnapshotOfATextlessElementIsThePathAboveItOneBlankApart) {
+TEST(TreeScan, UsesPathAsTextlessSnapshot) {
   const Scan scan(R"({"id": "root", "role": "AXWindow", "children": [
       {"children": [{"role": "AXGroup", "title": " Two  Words", "children": [{"actions": ["Close"]}]}]}]})");
   EXPECT_EQ(scan.snapshots, Lines{"axwindow axgroup two words"});
 }
 
-TEST(TreeScan, ASmallStrongCandidateHidesWhatIsBelowIt) {
+TEST(TreeScan, PrunesBelowSmallStrongCandidates) {
   const Scan scan(R"({"id": "root", "children": [
       {"subrole": "AXNotificationCenterAlert", "actions": ["Close"], "frame": [0, 0, 16, 16],
        "children": [{"title": "hidden", "actions": ["Close"]}]}]})");
@@ -163,14 +163,14 @@ TEST(TreeScan, ASmallStrongCandidateHidesWhatIsBelowIt) {
   EXPECT_EQ(scan.line, "scan root=here visited=2 candidates=1");
 }
 
-TEST(TreeScan, ALargeStrongCandidateHidesNothing) {
+TEST(TreeScan, DescendsIntoLargeCandidates) {
   const Scan scan(R"({"id": "root", "children": [
       {"subrole": "AXNotificationCenterAlert", "actions": ["Close"], "frame": [0, 0, 400, 80],
        "children": [{"title": "seen", "actions": ["Close"]}]}]})");
   EXPECT_EQ(scan.snapshots, (Lines{"axnotificationcenteralert", "seen"}));
 }
 
-TEST(TreeScan, AWeakCandidateHidesNothing) {
+TEST(TreeScan, DescendsIntoWeakCandidates) {
   const Scan scan(R"({"id": "root", "children": [
       {"role": "AXButton", "title": "weak", "actions": ["AXPress", "Close"], "frame": [0, 0, 16, 16],
        "children": [{"title": "seen", "actions": ["AXPress", "Close"]}]}]})");
@@ -179,7 +179,7 @@ TEST(TreeScan, AWeakCandidateHidesNothing) {
                    "Close 120 no frame [seen] explicit-action"}));
 }
 
-TEST(TreeScan, ADroppedTargetStillHidesWhatIsBelowIt) {
+TEST(TreeScan, PrunesBelowDroppedTargets) {
   const Scan scan(R"({"id": "root", "children": [
       {"title": "clear", "actions": ["Close"]},
       {"title": "clear", "actions": ["Close"], "children": [{"title": "hidden", "actions": ["Close"]}]}]})");
@@ -187,14 +187,14 @@ TEST(TreeScan, ADroppedTargetStillHidesWhatIsBelowIt) {
   EXPECT_EQ(scan.line, "scan root=here visited=3 candidates=1");
 }
 
-TEST(TreeScan, ADroppedTargetThatHidesNothingIsWalkedThrough) {
+TEST(TreeScan, DescendsIntoDroppedTargets) {
   const Scan scan(R"({"id": "root", "children": [
       {"title": "same", "actions": ["Close"]},
       {"title": "same", "actions": ["Close"], "children": [{"title": "seen", "actions": ["Close"]}]}]})");
   EXPECT_EQ(scan.snapshots, (Lines{"same", "seen"}));
 }
 
-TEST(TreeScan, OfTargetsWithOneKeyTheFirstIsKept) {
+TEST(TreeScan, KeepsTheFirstOfEqualKeys) {
   Scan scan(R"({"id": "root", "children": [
       {"id": "first", "role": "AXGroup", "title": "same", "actions": ["Close"]},
       {"id": "second", "role": "AXGroup", "title": "same", "actions": ["Close"]}]})");
@@ -202,7 +202,7 @@ TEST(TreeScan, OfTargetsWithOneKeyTheFirstIsKept) {
   EXPECT_EQ(scan.targets[0].element, scan.desktop.element("first"));
 }
 
-TEST(TreeScan, ElementsOfOneTextAtDifferentPlacesAreTwoTargets) {
+TEST(TreeScan, KeepsEqualTextsAtDifferentPlaces) {
   const Scan scan(R"({"id": "root", "children": [
       {"title": "same", "actions": ["Close"], "frame": [0, 0, 10, 10]},
       {"title": "same", "actions": ["Close"], "frame": [0, 20, 10, 10]},
@@ -210,14 +210,14 @@ TEST(TreeScan, ElementsOfOneTextAtDifferentPlacesAreTwoTargets) {
   EXPECT_EQ(scan.targets.size(), 2U);
 }
 
-TEST(TreeScan, MembersThatAreNoElementsAreSkipped) {
+TEST(TreeScan, SkipsOtherListMembers) {
   const Scan scan(R"({"id": "root", "children": ["text", 1, true, [], {"title": "c", "actions": ["Close"]}],
       "attributes": {"AXRows": "no list", "AXVisibleChildren": 12}})");
   EXPECT_EQ(scan.snapshots, Lines{"c"});
   EXPECT_EQ(scan.line, "scan root=here visited=2 candidates=1");
 }
 
-TEST(TreeScan, AListThatFailsDoesNotHideTheOthers) {
+TEST(TreeScan, SurvivesAFailingList) {
   const Scan scan(R"({"id": "root", "children": [{"title": "lost", "actions": ["Close"]}],
       "rows": [{"title": "row", "actions": ["Close"]}], "errors": {"AXChildren": -25204}})");
   EXPECT_EQ(scan.snapshots, Lines{"row"});
@@ -235,7 +235,7 @@ TEST(TreeScan, FindsNothingAtAMissingRoot) {
   EXPECT_EQ(desktop.diagnostics(), Lines{"scan root=none visited=0 candidates=0"});
 }
 
-TEST(ChildQueueItems, AreTheChildrenInTheirOrderWithTheGivenContext) {
+TEST(ChildQueueItems, KeepOrderAndContext) {
   HLElementFacts facts;
   const auto a = std::make_shared<FakeElement>();
   const auto b = std::make_shared<FakeElement>();
@@ -250,7 +250,7 @@ TEST(ChildQueueItems, AreTheChildrenInTheirOrderWithTheGivenContext) {
   EXPECT_TRUE(HLChildQueueItems(HLElementFacts(), context).empty());
 }
 
-TEST(Pruning, NeedsAScoreOf150AndAFrameOfAtMost120By80) {
+TEST(Pruning, NeedsScore150AndASmallFrame) {
   const auto prunes = [](std::int64_t score, HLRect frame) {
     return HLShouldPruneDescendantsAfterCandidate({nullptr, "Close", frame, score, "", ""});
   };

@@ -41,7 +41,7 @@ std::optional<std::string> text(HLValue value) {
 HLValue string(const char* characters) { return std::string(characters); }
 HLValue number(std::int64_t value) { return value; }
 
-TEST(IntegerDefault, IsWhatIsStoredCutToAnInteger) {
+TEST(IntegerDefault, TruncatesStoredNumbers) {
   EXPECT_EQ(integer(number(45)), 45);
   EXPECT_EQ(integer(number(-1)), -1);
   EXPECT_EQ(integer(number(kMost)), kMost);
@@ -51,7 +51,7 @@ TEST(IntegerDefault, IsWhatIsStoredCutToAnInteger) {
   EXPECT_EQ(integer(-12.9), -12);
 }
 
-TEST(IntegerDefault, OfANumberBeyond64BitsIsTheNearest) {
+TEST(IntegerDefault, ClampsTo64Bits) {
   EXPECT_EQ(integer(1e300), kMost);
   EXPECT_EQ(integer(-1e300), kLeast);
   EXPECT_EQ(integer(9223372036854775808.0), kMost);
@@ -62,7 +62,7 @@ TEST(IntegerDefault, OfANumberBeyond64BitsIsTheNearest) {
   EXPECT_EQ(integer(std::numeric_limits<double>::quiet_NaN()), 0);
 }
 
-TEST(IntegerDefault, OfATextIsTheNumberThatItBeginsWith) {
+TEST(IntegerDefault, ReadsTheLeadingNumberOfText) {
   EXPECT_EQ(integer(string("45")), 45);
   EXPECT_EQ(integer(string(" -7 keys")), -7);
   EXPECT_EQ(integer(string("12.9")), 12);
@@ -70,13 +70,13 @@ TEST(IntegerDefault, OfATextIsTheNumberThatItBeginsWith) {
   EXPECT_EQ(integer(string("")), 0);
 }
 
-TEST(IntegerDefault, OfAnythingElseIsZero) {
+TEST(IntegerDefault, IsZeroForOtherTypes) {
   EXPECT_EQ(integer({}), 0);
   EXPECT_EQ(integer(HLArray{number(1)}), 0);
   EXPECT_EQ(integer(HLDictionary{{"key", number(1)}}), 0);
 }
 
-TEST(BooleanDefault, OfANumberIsWhetherItIsNotZero) {
+TEST(BooleanDefault, IsTrueForNonzeroNumbers) {
   EXPECT_TRUE(truth(true));
   EXPECT_FALSE(truth(false));
   EXPECT_TRUE(truth(number(1)));
@@ -86,19 +86,19 @@ TEST(BooleanDefault, OfANumberIsWhetherItIsNotZero) {
   EXPECT_FALSE(truth(0.0));
 }
 
-TEST(BooleanDefault, OfATextIsWhetherItSaysSo) {
+TEST(BooleanDefault, ReadsText) {
   for (const char* yes : {"YES", "yes", "y", "true", "True", "t", "1", "7", " yes", "01"}) {
     EXPECT_TRUE(truth(string(yes))) << yes;
   }
   for (const char* no : {"NO", "false", "0", "", "on", "  ", "-"}) EXPECT_FALSE(truth(string(no))) << no;
 }
 
-TEST(BooleanDefault, OfAnythingElseIsFalse) {
+TEST(BooleanDefault, IsFalseForOtherTypes) {
   EXPECT_FALSE(truth({}));
   EXPECT_FALSE(truth(HLArray{true}));
 }
 
-TEST(StringDefault, IsATextOrANumberAsOne) {
+TEST(StringDefault, AcceptsTextAndNumbers) {
   EXPECT_EQ(text(string("N")), "N");
   EXPECT_EQ(text(string("")), "");
   EXPECT_EQ(text(number(45)), "45");

@@ -27,7 +27,7 @@ class MenuBar {
  public:
   explicit MenuBar(std::string_view scene, HLSimulatorSetup setup = {}) : desktop_(scene, std::move(setup)) {}
 
-  [[nodiscard]] Desktop& desktop() { return desktop_; }
+  [[nodiscard]] SimulatedDesktop& desktop() { return desktop_; }
   [[nodiscard]] HLRunLoop& runLoop() { return desktop_.runLoop(); }
   [[nodiscard]] const HLApplicationPlatform& host() {
     return *std::get<const HLApplicationPlatform*>(desktop_.simulator().platform().applicationPlatform());
@@ -67,7 +67,7 @@ class MenuBar {
   }
 
  private:
-  Desktop desktop_;
+  SimulatedDesktop desktop_;
   std::vector<std::string> entries_;
   std::vector<nlohmann::json> dumps_;
 };

@@ -11,16 +11,16 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(SimulatedAction, WithoutAReactionSucceedsAndChangesNothing) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"]})"));
+TEST(SimulatedAction, SucceedsWithoutAReaction) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"]})"));
   EXPECT_EQ(desktop.press("w"), HLAXErrorSuccess);
   EXPECT_EQ(desktop.simulator().elapsed(), 0);
   desktop.sleep(10);
   EXPECT_THAT(desktop.present(), ElementsAre("w"));
 }
 
-TEST(SimulatedAction, TakesItsSecondsAndHasItsEffectsAfterThem) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "title": "before", "onAction": {"AXPress":
+TEST(SimulatedAction, AppliesEffectsAfterItsSeconds) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "title": "before", "onAction": {"AXPress":
     {"error": -25204, "seconds": 0.5, "after": 0.25, "effects": [
       {"set": "w", "attribute": "AXTitle", "value": "after"}, {"set": "w", "attribute": "AXValue", "value": 1}]}}})"));
   EXPECT_EQ(desktop.press("w"), -25204);
@@ -32,8 +32,8 @@ TEST(SimulatedAction, TakesItsSecondsAndHasItsEffectsAfterThem) {
   EXPECT_EQ(desktop.error("w", "AXValue"), HLAXErrorSuccess);
 }
 
-TEST(SimulatedAction, ThatTakesNoTimeHasItsEffectsOnlyWhenTheThreadWaits) {
-  Desktop desktop(
+TEST(SimulatedAction, DelaysEffectsUntilTheThreadWaits) {
+  SimulatedDesktop desktop(
       Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {"AXPress": {"effects": [{"remove": "w"}]}}})"));
   EXPECT_EQ(desktop.press("w"), HLAXErrorSuccess);
   EXPECT_EQ(desktop.press("w"), HLAXErrorSuccess);
@@ -42,19 +42,19 @@ TEST(SimulatedAction, ThatTakesNoTimeHasItsEffectsOnlyWhenTheThreadWaits) {
   EXPECT_TRUE(desktop.present().empty());
 }
 
-TEST(SimulatedAction, HasItsAnswerFixedWhenItBegins) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {"AXPress": {"seconds": 1,
+TEST(SimulatedAction, DecidesItsAnswerAtTheStart) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {"AXPress": {"seconds": 1,
     "effects": [{"set": "other", "attribute": "AXTitle", "value": "done"}]}}}, {"id": "other"})",
-                        R"(, "timeline": [{"at": 0.5, "remove": "w"}])"));
+                                 R"(, "timeline": [{"at": 0.5, "remove": "w"}])"));
   EXPECT_EQ(desktop.press("w"), HLAXErrorSuccess);
   EXPECT_EQ(desktop.simulator().elapsed(), 1);
   EXPECT_EQ(desktop.text("other", "AXTitle"), "done");
 }
 
-TEST(SimulatedAction, ThatFailsOfItselfTakesNoTimeAndHasNoEffects) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {
+TEST(SimulatedAction, FailsAtOnceWithoutEffects) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {
     "AXPress": {"seconds": 1, "effects": [{"remove": "w"}]}}})",
-                        R"(, "trusted": false)"));
+                                 R"(, "trusted": false)"));
   EXPECT_EQ(desktop.press("w"), HLAXErrorAPIDisabled);
   EXPECT_EQ(desktop.simulator().elapsed(), 0);
   desktop.sleep(5);
@@ -63,9 +63,10 @@ TEST(SimulatedAction, ThatFailsOfItselfTakesNoTimeAndHasNoEffects) {
 
 // The short form
 
-TEST(SimulatedAction, ThatNamesClosingTakesTheElementAwayAfterATwentiethOfASecond) {
+TEST(SimulatedAction, ClosesAfter50Milliseconds) {
   for (const char* action : {"Name:Close\nTarget:0x0", "CLOSE ALL", "Name:Clear All", "please dismiss"}) {
-    Desktop desktop(Scene(R"({"id": "w", "children": [{"id": "x", "actions": ["AXPress", "Name:Close\nTarget:0x0",
+    SimulatedDesktop desktop(
+        Scene(R"({"id": "w", "children": [{"id": "x", "actions": ["AXPress", "Name:Close\nTarget:0x0",
       "CLOSE ALL", "Name:Clear All", "please dismiss"], "closes": "alert"}, {"id": "alert"}]})"));
     EXPECT_EQ(desktop.press("x", action), HLAXErrorSuccess) << action;
     EXPECT_EQ(desktop.simulator().elapsed(), 0);
@@ -76,8 +77,8 @@ TEST(SimulatedAction, ThatNamesClosingTakesTheElementAwayAfterATwentiethOfASecon
   }
 }
 
-TEST(SimulatedAction, PressClosesOnlyWhereNoOtherActionNamesClosing) {
-  Desktop desktop(Scene(R"({"id": "plain", "actions": ["AXPress", "AXRaise"], "closes": "plain"},
+TEST(SimulatedAction, ClosesByPressWithoutCloseAction) {
+  SimulatedDesktop desktop(Scene(R"({"id": "plain", "actions": ["AXPress", "AXRaise"], "closes": "plain"},
     {"id": "named", "actions": ["AXPress", "Clear"], "closes": "named"}, {"id": "none", "closes": "none"})"));
   EXPECT_EQ(desktop.press("named"), HLAXErrorSuccess);
   EXPECT_EQ(desktop.press("plain", "AXRaise"), HLAXErrorSuccess);
@@ -89,8 +90,9 @@ TEST(SimulatedAction, PressClosesOnlyWhereNoOtherActionNamesClosing) {
   EXPECT_THAT(desktop.present(), ElementsAre("named", "none"));
 }
 
-TEST(SimulatedAction, WithAReactionOfItsOwnDoesNotClose) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["Close", "Clear"], "closes": "w", "onAction": {"Close": {}}})"));
+TEST(SimulatedAction, KeepsTheElementWithAReaction) {
+  SimulatedDesktop desktop(
+      Scene(R"({"id": "w", "actions": ["Close", "Clear"], "closes": "w", "onAction": {"Close": {}}})"));
   EXPECT_EQ(desktop.press("w", "Close"), HLAXErrorSuccess);
   desktop.sleep(1);
   EXPECT_THAT(desktop.present(), ElementsAre("w"));
@@ -102,7 +104,7 @@ TEST(SimulatedAction, WithAReactionOfItsOwnDoesNotClose) {
 // What is noted
 
 TEST(SimulatedAction, IsNotedAsItBegan) {
-  Desktop desktop(
+  SimulatedDesktop desktop(
       Scene(R"({"id": "w", "actions": ["AXPress", "Slow"], "onAction": {"Slow": {"error": 7, "seconds": 0.5}}},
     {"title": "no id"})",
             R"(, "timeline": [{"at": 2, "trust": false}])"));

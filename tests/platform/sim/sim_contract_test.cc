@@ -21,7 +21,7 @@ class SimulatedContractDesktop : public ContractDesktop {
   std::string removingAction() override { return "Name:Close"; }
 
  private:
-  Desktop desktop_;
+  SimulatedDesktop desktop_;
 };
 
 INSTANTIATE_TEST_SUITE_P(

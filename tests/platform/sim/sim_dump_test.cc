@@ -25,7 +25,7 @@ std::vector<std::string> linesOf(const std::string& path) {
   return lines;
 }
 
-TEST(Dump, OfAProgramThatHasDoneNothing) {
+TEST(Dump, ShowsAnIdleProgram) {
   MenuBar program("{}");
   EXPECT_EQ(program.dump(), json::parse(R"({"at": 0, "statusItem": {"title": "", "image": null, "template": false,
     "imageDescription": null, "toolTip": ""}, "menu": [], "windows": [], "alerts": [], "appearance": "system",
@@ -33,7 +33,7 @@ TEST(Dump, OfAProgramThatHasDoneNothing) {
     "notifications": [], "beeps": 0, "observers": [], "timers": 0, "defaults": {}})"));
 }
 
-TEST(Dump, IsOneLineThatIsAppendedInItsTurn) {
+TEST(Dump, AppendsOneLine) {
   const std::string path = FreshPath("dumps");
   std::ofstream(path) << "before\n";
   MenuBar program(Timeline(R"({"at": 1.23456, "click": "left"}, {"at": 1.23456, "dump": ")" + path +
@@ -53,7 +53,7 @@ TEST(Dump, IsOneLineThatIsAppendedInItsTurn) {
   EXPECT_EQ(json::parse(lines[2])["statusItem"]["title"], "a\nb 2");
 }
 
-TEST(Dump, ThatCannotBeWrittenIsComplainedAboutAndDoesNotStopTheProgram) {
+TEST(Dump, ReportsAnUnwritableFile) {
   MenuBar program(Timeline(R"({"at": 1, "dump": "/nowhere/at/all"}, {"at": 2, "click": "left"})"));
   testing::internal::CaptureStderr();
   EXPECT_EQ(program.run([&] { program.host().statusItem->install({"", program.noting("click"), {}}); }), 0);
@@ -61,7 +61,7 @@ TEST(Dump, ThatCannotBeWrittenIsComplainedAboutAndDoesNotStopTheProgram) {
   EXPECT_THAT(program.entries(), ElementsAre("click@2000"));
 }
 
-TEST(Dump, ShowsTheStatusItemAndItsMenu) {
+TEST(Dump, ShowsStatusItemAndMenu) {
   MenuBar program("{}");
   HLStatusItem& item = program.host().statusItem;
   item.install({"tip", {}, {"M", {{"", "One", ",", {}}, {"two", "Two", "", {}}, {}, {"", "Three", "q", {}}}, {}}});
@@ -77,7 +77,7 @@ TEST(Dump, ShowsTheStatusItemAndItsMenu) {
     {"title": "Zwei", "key": "", "state": "on"}, {"separator": true}, {"title": "Three", "key": "q", "state": "off"}])"));
 }
 
-TEST(Dump, ShowsWindowsInTheOrderOfTheirCreation) {
+TEST(Dump, ShowsWindowsInCreationOrder) {
   MenuBar program("{}");
   const auto a = program.host().windows->makeWindow({"A", 460, 360.5, 24, 22, {}, {}});
   const auto b = program.host().windows->makeWindow({"B", 420, 280, 24, 22, {}, {}});
@@ -145,7 +145,7 @@ TEST(Dump, ShowsObserversAndNotifications) {
             json::parse(R"([{"identifier": "i", "title": "t", "body": "b", "delay": 2.5, "sound": false}])"));
 }
 
-TEST(Record, IsTheDumpWithActionsAndElements) {
+TEST(Record, AddsActionsAndElements) {
   const std::string path = FreshPath("record");
   {
     MenuBar program(Scene(R"({"id": "w", "actions": ["AXPress"]}, {"id": "v"})",

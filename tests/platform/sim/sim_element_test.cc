@@ -13,8 +13,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(SimulatedElement, AnswersItsShortKeysUnderThePlatformsNames) {
-  Desktop desktop(Scene(R"({"id": "w", "role": "r", "subrole": "s", "roleDescription": "rd", "title": "t",
+TEST(SimulatedElement, MapsShortKeysToAttributes) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "role": "r", "subrole": "s", "roleDescription": "rd", "title": "t",
     "description": "d", "identifier": "i", "value": "v", "frame": [-1440, 12.5, 360, 80]})"));
   EXPECT_EQ(desktop.text("w", "AXRole"), "r");
   EXPECT_EQ(desktop.text("w", "AXSubrole"), "s");
@@ -27,8 +27,8 @@ TEST(SimulatedElement, AnswersItsShortKeysUnderThePlatformsNames) {
   EXPECT_EQ(*desktop.read("w", "AXSize").value.as<HLSize>(), (HLSize{360, 80}));
 }
 
-TEST(SimulatedElement, HasNoAttributeThatItWasNotGiven) {
-  Desktop desktop(Scene(R"({"id": "w"})"));
+TEST(SimulatedElement, HasOnlyGivenAttributes) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w"})"));
   for (const char* name : {"AXRole", "AXValue", "AXPosition", "AXSize", "AXChildren", "AXRows", "AXVisibleChildren"}) {
     EXPECT_EQ(desktop.error("w", name), HLAXErrorNoValue) << name;
     EXPECT_TRUE(desktop.read("w", name).value.isMissing()) << name;
@@ -38,7 +38,8 @@ TEST(SimulatedElement, HasNoAttributeThatItWasNotGiven) {
 }
 
 TEST(SimulatedElement, KeepsTheKindOfANumber) {
-  Desktop desktop(Scene(R"({"id": "whole", "value": 12}, {"id": "real", "value": 12.0}, {"id": "true", "value": true},
+  SimulatedDesktop desktop(
+      Scene(R"({"id": "whole", "value": 12}, {"id": "real", "value": 12.0}, {"id": "true", "value": true},
     {"id": "huge", "value": 18446744073709551615})"));
   EXPECT_EQ(*desktop.read("whole", "AXValue").value.as<std::int64_t>(), 12);
   EXPECT_EQ(*desktop.read("real", "AXValue").value.as<double>(), 12.0);
@@ -46,8 +47,8 @@ TEST(SimulatedElement, KeepsTheKindOfANumber) {
   EXPECT_EQ(*desktop.read("huge", "AXValue").value.as<double>(), 18446744073709551615.0);
 }
 
-TEST(SimulatedElement, ListsItsMembersInOrderElementsAmongOtherThings) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}, "text", 7, {"ref": "a"}, null, [1], true],
+TEST(SimulatedElement, ListsMembersInOrder) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}, "text", 7, {"ref": "a"}, null, [1], true],
     "rows": [{"id": "b"}], "visibleChildren": []})"));
   const HLArray children = *desktop.read("w", "AXChildren").value.as<HLArray>();
   ASSERT_EQ(children.size(), 7U);
@@ -63,7 +64,7 @@ TEST(SimulatedElement, ListsItsMembersInOrderElementsAmongOtherThings) {
 }
 
 TEST(SimulatedElement, TakesFurtherAttributesInAnyShape) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}], "attributes": {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}], "attributes": {
     "AXParent": {"ref": "a"}, "AXCloseButton": {"element": {"id": "close", "role": "AXButton"}},
     "AXActivationPoint": {"point": [3, 4.5]}, "AXGap": {"size": [5, 6]}, "AXInfo": {"point": 1, "more": [true]},
     "AXNested": [[{"ref": "a"}, {"element": {"id": "inner"}}], {"point": [1, 2]}], "AXNothing": null,
@@ -84,8 +85,8 @@ TEST(SimulatedElement, TakesFurtherAttributesInAnyShape) {
   EXPECT_EQ(*desktop.read("w", "AXCount").value.as<std::int64_t>(), 3);
 }
 
-TEST(SimulatedElement, LetsAttributesWinOverTheShortKeys) {
-  Desktop desktop(Scene(R"({"id": "w", "title": "short", "children": [{"id": "a"}], "frame": [1, 2, 3, 4],
+TEST(SimulatedElement, PrefersAttributesToShortKeys) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "title": "short", "children": [{"id": "a"}], "frame": [1, 2, 3, 4],
     "attributes": {"AXTitle": 5, "AXChildren": "none", "AXSize": {"point": [1, 2]}}})"));
   EXPECT_EQ(*desktop.read("w", "AXTitle").value.as<std::int64_t>(), 5);
   EXPECT_EQ(desktop.text("w", "AXChildren"), "none");
@@ -93,22 +94,22 @@ TEST(SimulatedElement, LetsAttributesWinOverTheShortKeys) {
   EXPECT_NE(desktop.read("w", "AXPosition").value.as<HLPoint>(), nullptr);
 }
 
-TEST(SimulatedElement, OfAnAttributeAloneIsInNoList) {
-  Desktop desktop(
+TEST(SimulatedElement, IsUnlistedWhenOnlyAnAttribute) {
+  SimulatedDesktop desktop(
       Scene(R"({"id": "w", "children": [], "attributes": {"AXCloseButton": {"element": {"id": "close"}}}})"));
   EXPECT_THAT(desktop.elements(desktop.element("w"), "AXChildren"), IsEmpty());
 }
 
 TEST(SimulatedElement, KeepsTheOrderOfItsActions) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["Name:Close\nTarget:0x0", "AXPress", "AXPress"]})"));
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "actions": ["Name:Close\nTarget:0x0", "AXPress", "AXPress"]})"));
   EXPECT_THAT(desktop.element("w")->copyActionNames().names,
               ElementsAre("Name:Close\nTarget:0x0", "AXPress", "AXPress"));
 }
 
 // Failing
 
-TEST(SimulatedElement, AnswersTheErrorsThatItWasGiven) {
-  Desktop desktop(Scene(R"({"id": "w", "role": "r", "title": "t", "actions": ["AXPress"],
+TEST(SimulatedElement, ReturnsGivenErrors) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "role": "r", "title": "t", "actions": ["AXPress"],
     "errors": {"AXRole": -25204, "actions": -25200}})"));
   EXPECT_EQ(desktop.error("w", "AXRole"), HLAXErrorCannotComplete);
   EXPECT_TRUE(desktop.read("w", "AXRole").value.isMissing());
@@ -118,11 +119,11 @@ TEST(SimulatedElement, AnswersTheErrorsThatItWasGiven) {
   EXPECT_EQ(desktop.press("w"), HLAXErrorSuccess) << "what cannot be read can still be pressed";
 }
 
-TEST(SimulatedElement, FailsFirstForTrustThenForBeingGoneThenForWhatItLacksThenAsTold) {
+TEST(SimulatedElement, ChecksErrorsInOrder) {
   const std::string scene = Scene(R"({"id": "w", "role": "r", "actions": ["AXPress"],
     "onAction": {"AXPress": {"error": -1}}, "errors": {"AXRole": -25204, "AXTitle": -25204, "actions": -25204}})",
                                   R"(, "timeline": [{"at": 1, "remove": "w"}, {"at": 2, "trust": false}])");
-  Desktop desktop(scene);
+  SimulatedDesktop desktop(scene);
   EXPECT_EQ(desktop.error("w", "AXRole"), -25204);
   EXPECT_EQ(desktop.error("w", "AXTitle"), -25212);
   EXPECT_EQ(desktop.element("w")->copyActionNames().error, -25204);
@@ -141,8 +142,8 @@ TEST(SimulatedElement, FailsFirstForTrustThenForBeingGoneThenForWhatItLacksThenA
   EXPECT_EQ(desktop.press("w", "AXPress"), -25211);
 }
 
-TEST(SimulatedElement, MayHaveAReactionToAnActionThatItDoesNotList) {
-  Desktop desktop(Scene(R"({"id": "w", "onAction": {"AXPress": {"effects": [{"remove": "w"}]}}})"));
+TEST(SimulatedElement, ReactsToUnlistedActions) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "onAction": {"AXPress": {"effects": [{"remove": "w"}]}}})"));
   EXPECT_EQ(desktop.press("w"), HLAXErrorActionUnsupported);
   desktop.sleep(1);
   EXPECT_THAT(desktop.present(), ElementsAre("w"));
@@ -151,7 +152,7 @@ TEST(SimulatedElement, MayHaveAReactionToAnActionThatItDoesNotList) {
 // Handles
 
 TEST(SimulatedElement, HasOneHandleForEver) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}], "rows": [{"ref": "a"}],
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}], "rows": [{"ref": "a"}],
     "attributes": {"AXMain": {"ref": "a"}}})"));
   const HLElementRef w = desktop.element("w");
   const HLElementRef a = desktop.elements(w, "AXChildren").at(0);
@@ -162,8 +163,9 @@ TEST(SimulatedElement, HasOneHandleForEver) {
   EXPECT_EQ(desktop.accessibility().createApplication(400), desktop.accessibility().createApplication(400));
 }
 
-TEST(SimulatedElement, WithFreshHandlesHasANewOneEachTimeEqualToTheOthers) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"id": "a", "freshHandles": true}, {"ref": "a"}, {"id": "b"}],
+TEST(SimulatedElement, MakesEqualFreshHandles) {
+  SimulatedDesktop desktop(
+      Scene(R"({"id": "w", "children": [{"id": "a", "freshHandles": true}, {"ref": "a"}, {"id": "b"}],
     "attributes": {"AXMain": {"ref": "a"}}})"));
   const std::vector<HLElementRef> children = desktop.elements(desktop.element("w"), "AXChildren");
   EXPECT_NE(children[0], children[1]);
@@ -177,8 +179,8 @@ TEST(SimulatedElement, WithFreshHandlesHasANewOneEachTimeEqualToTheOthers) {
 
 // Repetition
 
-TEST(SimulatedElement, StandsForSeveralWhereItIsRepeated) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"title": "first"},
+TEST(SimulatedElement, CanBeRepeated) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [{"title": "first"},
     {"repeat": 3, "id": "row {n}", "title": "{n} of {n}", "attributes": {"AX{n}": ["{n}"]}, "errors": {"AXBad{n}": -1},
      "actions": ["Press {n}"], "onAction": {"Press {n}": {"effects": [{"remove": "row {n}"}]}},
      "children": [{"id": "cell {n}"}]}, {"title": "{n}"}]})"));
@@ -192,18 +194,18 @@ TEST(SimulatedElement, StandsForSeveralWhereItIsRepeated) {
 }
 
 TEST(SimulatedElement, MayBeRepeatedNotAtAll) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"repeat": 0, "id": "{n}"}]})"));
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [{"repeat": 0, "id": "{n}"}]})"));
   EXPECT_THAT(desktop.present(), ElementsAre("w"));
 }
 
 // Going
 
-TEST(SimulatedElement, GoesWithAllThatItsListsHoldReferencesApart) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [
+TEST(SimulatedElement, RemovesItsDescendants) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [
       {"id": "gone", "children": [{"id": "child", "rows": [{"id": "deep"}]}, {"ref": "other"}], "rows": [{"id": "row"}],
        "visibleChildren": [{"id": "visible"}]}, {"id": "other"}, {"ref": "gone"}, {"ref": "deep"}],
       "rows": [{"ref": "child"}], "attributes": {"AXMain": {"ref": "gone"}, "AXAll": [[{"ref": "row"}, 1]]}})",
-                        R"(, "timeline": [{"at": 1, "remove": "gone"}])"));
+                                 R"(, "timeline": [{"at": 1, "remove": "gone"}])"));
   desktop.sleep(1);
   EXPECT_THAT(desktop.present(), ElementsAre("w", "other"));
   for (const char* id : {"gone", "child", "deep", "row", "visible"}) {
@@ -217,9 +219,10 @@ TEST(SimulatedElement, GoesWithAllThatItsListsHoldReferencesApart) {
       << "an attribute still gives the invalid handle";
 }
 
-TEST(SimulatedElement, ThatIsStillToComeIsInNoListAndNoAttribute) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"ref": "late"}], "attributes": {"AXMain": {"ref": "late"}}})",
-                        R"(, "timeline": [{"at": 1, "add": {"id": "late"}, "to": "w", "under": "rows"}])"));
+TEST(SimulatedElement, IsHiddenUntilAdded) {
+  SimulatedDesktop desktop(
+      Scene(R"({"id": "w", "children": [{"ref": "late"}], "attributes": {"AXMain": {"ref": "late"}}})",
+            R"(, "timeline": [{"at": 1, "add": {"id": "late"}, "to": "w", "under": "rows"}])"));
   EXPECT_EQ(desktop.simulator().element("late"), nullptr);
   EXPECT_THAT(desktop.elements(desktop.element("w"), "AXChildren"), IsEmpty());
   EXPECT_EQ(desktop.error("w", "AXMain"), HLAXErrorNoValue);
@@ -229,7 +232,7 @@ TEST(SimulatedElement, ThatIsStillToComeIsInNoListAndNoAttribute) {
 }
 
 TEST(SimulatedElement, IsPresentInTreeOrder) {
-  Desktop desktop(R"({"applications": [{"pid": 1, "windows": [{"id": "w1", "visibleChildren": [{"id": "v"}],
+  SimulatedDesktop desktop(R"({"applications": [{"pid": 1, "windows": [{"id": "w1", "visibleChildren": [{"id": "v"}],
     "rows": [{"id": "r"}], "children": [{"id": "c", "children": [{"id": "cc"}]}, {"ref": "w2"}],
     "attributes": {"AXCloseButton": {"element": {"id": "x"}}}}, {"title": "no id"}]},
     {"pid": 2, "terminated": true, "windows": [{"id": "dead"}]}, {"pid": 3, "windows": [{"id": "w2"}]}]})");

@@ -25,7 +25,7 @@ TEST(EventLoop, EndsWhenNothingIsDue) {
   EXPECT_THAT(program.entries(), ElementsAre("launched@0"));
 }
 
-TEST(EventLoop, EndsWhenOnlyRepeatingTimersAreDue) {
+TEST(EventLoop, EndsWithOnlyRepeatingTimers) {
   MenuBar program(Timeline(R"({"at": 2.5, "quit": 9})"));
   std::unique_ptr<HLTimer> one;
   std::unique_ptr<HLTimer> two;
@@ -39,7 +39,7 @@ TEST(EventLoop, EndsWhenOnlyRepeatingTimersAreDue) {
   EXPECT_EQ(program.dump()["timers"], 2);
 }
 
-TEST(EventLoop, WaitsForWhatIsPostedForLater) {
+TEST(EventLoop, WaitsForDelayedSteps) {
   MenuBar program("{}");
   std::unique_ptr<HLTimer> timer;
   (void)program.run([&] {
@@ -62,7 +62,7 @@ TEST(EventLoop, WaitsForWorkInTheBackground) {
   EXPECT_THAT(program.entries(), ElementsAre("timer@1000", "timer@2000", "done@2500"));
 }
 
-TEST(EventLoop, WaitsForTheEffectsOfAnAction) {
+TEST(EventLoop, WaitsForEffects) {
   MenuBar program(Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {"AXPress": {"after": 3,
     "effects": [{"openMenu": true}]}}})"));
   (void)program.run([&] {
@@ -89,7 +89,7 @@ TEST(EventLoop, IsEndedByTheProgram) {
   EXPECT_EQ(program.desktop().simulator().elapsed(), 2);
 }
 
-TEST(EventLoop, DoesNotBeginForAProgramThatEndsWhileItIsLaunched) {
+TEST(EventLoop, SkipsATerminatedProgram) {
   MenuBar program(Timeline(R"({"at": 0, "openMenu": true}, {"at": 1, "openMenu": true})"));
   EXPECT_EQ(program.run([&] {
     program.host().statusItem->install({"", {}, {"", {}, program.noting("menu")}});
@@ -100,7 +100,7 @@ TEST(EventLoop, DoesNotBeginForAProgramThatEndsWhileItIsLaunched) {
   EXPECT_THAT(program.entries(), IsEmpty());
 }
 
-TEST(EventLoop, LetsWorkInTheBackgroundEndAfterIt) {
+TEST(EventLoop, LetsBackgroundWorkFinish) {
   MenuBar program(Timeline(R"({"at": 1, "terminate": true})"));
   bool done = false;
   (void)program.run([&] {
@@ -112,7 +112,7 @@ TEST(EventLoop, LetsWorkInTheBackgroundEndAfterIt) {
   EXPECT_TRUE(done);
 }
 
-TEST(EventLoop, EndsTheProcessInTheMidstOfSuchWorkWhereItMay) {
+TEST(EventLoop, ExitsDuringWorkIfAllowed) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const auto& [event, code] : {std::pair{R"("terminate": true)", 0}, {R"("choose": "Nothing")", 2}}) {
     const auto run = [what = event] {
@@ -145,7 +145,7 @@ TEST(UserEvents, WaitForTheLaunch) {
   EXPECT_THAT(program.entries(), ElementsAre("launched@2000", "menu@2000", "click@2000", "menu@3000"));
 }
 
-TEST(UserEvents, OfOneMomentComeInTheOrderInWhichTheyAreWritten) {
+TEST(UserEvents, KeepTheOrderOfTheScene) {
   MenuBar program(Timeline(R"({"at": 2, "click": "none"}, {"at": 1, "openMenu": true}, {"at": 1, "click": "left"},
     {"at": 1, "hotKey": null}, {"at": 1, "click": "left"}, {"at": 0, "openMenu": true})"));
   (void)program.run([&] {
@@ -171,7 +171,7 @@ TEST(UserEvents, HaveNoEffectWithoutTheApplication) {
   EXPECT_EQ(program.desktop().simulator().elapsed(), 3);
 }
 
-TEST(MainQueue, RunsStepsInTheOrderOfTheirMomentsThenOfTheirPosting) {
+TEST(MainQueue, RunsStepsByTimeThenOrder) {
   MenuBar program("{}");
   (void)program.run([&] {
     program.at(2, program.noting("a"));
@@ -184,7 +184,7 @@ TEST(MainQueue, RunsStepsInTheOrderOfTheirMomentsThenOfTheirPosting) {
   EXPECT_THAT(program.entries(), ElementsAre("f@0", "d@0", "e@0", "b@1000", "a@2000", "c@2000"));
 }
 
-TEST(MainQueue, RunsWhatAStepPostsAfterWhatWasPostedBefore) {
+TEST(MainQueue, RunsNestedStepsLast) {
   MenuBar program("{}");
   (void)program.run([&] {
     program.runLoop().postToMainQueue([&] {
@@ -196,7 +196,7 @@ TEST(MainQueue, RunsWhatAStepPostsAfterWhatWasPostedBefore) {
   EXPECT_THAT(program.entries(), ElementsAre("a@0", "b@0", "c@0"));
 }
 
-TEST(GlobalQueue, WorksOnTheVirtualClockSideBySide) {
+TEST(GlobalQueue, RunsConcurrently) {
   MenuBar program("{}");
   (void)program.run([&] {
     for (const char* name : {"a", "b"}) {
@@ -221,7 +221,7 @@ TEST(GlobalQueue, KeepsWorkUntilAThreadStarts) {
   EXPECT_THAT(program.entries(), ElementsAre("step@0", "work@2000"));
 }
 
-TEST(GlobalQueue, RefusesWorkAfterFiveSecondsWithoutThreads) {
+TEST(GlobalQueue, RefusesAfterFiveSeconds) {
   bool refuses = true;
   MenuBar program("{}", {.refusesThreads = [&refuses] { return refuses; }});
   (void)program.run([&] {
@@ -248,7 +248,7 @@ TEST(Timer, MayEndItself) {
   EXPECT_EQ(program.dump()["timers"], 0);
 }
 
-TEST(Timer, DoesNotMakeUpForTurnsThatItMissed) {
+TEST(Timer, SkipsMissedTicks) {
   MenuBar program(Timeline(R"({"at": 5.5, "quit": 9})"));
   std::unique_ptr<HLTimer> timer;
   (void)program.run([&] {
@@ -270,7 +270,7 @@ TEST(Timer, PollsForAnHourInMilliseconds) {
 
 // Launches
 
-TEST(LaunchObserver, IsToldOfLaunchesAndRelaunchesOnly) {
+TEST(LaunchObserver, ReportsOnlyLaunches) {
   MenuBar program(R"({"applications": [{"pid": 4, "bundleIdentifier": "there"}, {"pid": 5, "name": "crashing",
       "relaunch": {"after": 1.5, "application": {"pid": 7, "bundleIdentifier": "again"}}}],
     "timeline": [{"at": 0, "launch": {"pid": 6, "bundleIdentifier": "early"}},
@@ -287,7 +287,7 @@ TEST(LaunchObserver, IsToldOfLaunchesAndRelaunchesOnly) {
   EXPECT_EQ(list.back().pid, 7);
 }
 
-TEST(LaunchObserver, IsToldOfTheRelaunchAfterASignal) {
+TEST(LaunchObserver, ReportsARelaunchAfterASignal) {
   MenuBar program(R"({"applications": [{"pid": 5, "relaunch": {"application": {"pid": 7}}}]})");
   (void)program.run([&] {
     for (const char* name : {"a", "b"}) {
@@ -326,7 +326,7 @@ TEST(RealTime, RunsTheSameApplication) {
   EXPECT_THAT(entries, testing::UnorderedElementsAre("menu", "work", "answer", "click", "box"));
 }
 
-TEST(RealTime, EndsTheEventLoopWhenOnlyTimersAreDue) {
+TEST(RealTime, EndsWithOnlyRepeatingTimers) {
   MenuBar program(Timeline(R"({"at": 0.02, "quit": 9})", R"(, "clock": "real")"));
   std::unique_ptr<HLTimer> timer;
   EXPECT_EQ(program.run([&] { timer = program.runLoop().scheduleTimer(0.001, [] {}); }), 0);

@@ -19,7 +19,7 @@ constexpr const char* kTree = R"({"id": "w", "title": "w", "children": [{"id": "
 class Observer : public testing::Test {
  protected:
   void makeDesktop(const std::string& events, const std::string& further = "") {
-    desktop_ = std::make_unique<Desktop>(Scene(kTree, R"(, "timeline": [)" + events + "]" + further));
+    desktop_ = std::make_unique<SimulatedDesktop>(Scene(kTree, R"(, "timeline": [)" + events + "]" + further));
     root_ = desktop_->accessibility().createApplication(400);
     observer_ = desktop_->accessibility().createObserver(
         400, [this](const HLElementRef& element, std::string_view name) { note(element, name); });
@@ -39,13 +39,13 @@ class Observer : public testing::Test {
   }
   void run() { desktop_->runLoop().runFor(10); }
 
-  std::unique_ptr<Desktop> desktop_;
+  std::unique_ptr<SimulatedDesktop> desktop_;
   HLElementRef root_;
   std::unique_ptr<HLObserver> observer_;
   std::vector<std::string> told_;
 };
 
-TEST_F(Observer, OfTheRootIsToldAboutEveryElementOnce) {
+TEST_F(Observer, NotifiesTheRootOncePerElement) {
   makeDesktop(R"({"at": 1, "notify": "N", "element": "b"}, {"at": 2, "notify": "N", "element": "w"},
     {"at": 3, "notify": "M", "element": "b"})");
   EXPECT_EQ(add("", "N"), HLAXErrorSuccess);
@@ -55,7 +55,7 @@ TEST_F(Observer, OfTheRootIsToldAboutEveryElementOnce) {
   EXPECT_THAT(told_, ElementsAre("N b", "N w"));
 }
 
-TEST_F(Observer, OfAnElementIsToldAboutItAndWhatIsBelow) {
+TEST_F(Observer, CoversDescendants) {
   makeDesktop(R"({"at": 1, "notify": "N", "element": "w"}, {"at": 2, "notify": "N", "element": "a"},
     {"at": 3, "notify": "N", "element": "b"}, {"at": 4, "notify": "N", "element": "c"})");
   EXPECT_EQ(add("a", "N"), HLAXErrorSuccess);
@@ -71,7 +71,7 @@ TEST_F(Observer, IsToldThroughNoReference) {
   EXPECT_THAT(told_, IsEmpty());
 }
 
-TEST_F(Observer, IsToldAboutAnElementThatHasGone) {
+TEST_F(Observer, ReportsDestroyedElements) {
   makeDesktop(R"({"at": 1, "remove": "a"}, {"at": 2, "notify": "N", "element": "b"})");
   EXPECT_EQ(add("w", "N"), HLAXErrorSuccess);
   run();
@@ -87,7 +87,7 @@ TEST_F(Observer, IsNotToldWithoutTrust) {
   EXPECT_THAT(told_, ElementsAre("M b"));
 }
 
-TEST_F(Observer, IsToldOnlyWhileItIsAttached) {
+TEST_F(Observer, ReceivesOnlyWhileAttached) {
   makeDesktop(R"({"at": 1, "notify": "N", "element": "a"}, {"at": 2, "notify": "N", "element": "b"},
     {"at": 3, "notify": "N", "element": "c"})");
   EXPECT_EQ(add("", "N"), HLAXErrorSuccess);
@@ -103,7 +103,7 @@ TEST_F(Observer, IsToldOnlyWhileItIsAttached) {
   EXPECT_THAT(told_, ElementsAre("N b")) << "what waited for an observer goes with it";
 }
 
-TEST_F(Observer, MayEndItselfWhileItIsTold) {
+TEST_F(Observer, MayDestroyItselfInItsCallback) {
   makeDesktop(R"({"at": 1, "notify": "N", "element": "a"}, {"at": 1, "notify": "N", "element": "b"})");
   int told = 0;
   observer_ = desktop_->accessibility().createObserver(400, [&](const HLElementRef&, std::string_view) {
@@ -116,7 +116,7 @@ TEST_F(Observer, MayEndItselfWhileItIsTold) {
   EXPECT_EQ(told, 1);
 }
 
-TEST_F(Observer, IsNoLongerToldWhatItTookBack) {
+TEST_F(Observer, StopsReceivingAfterRemoval) {
   makeDesktop(R"({"at": 1, "notify": "N", "element": "a"})");
   EXPECT_EQ(observer_->removeNotification(root_, "N"), HLAXErrorNotificationNotRegistered);
   EXPECT_EQ(add("", "N"), HLAXErrorSuccess);
@@ -126,7 +126,7 @@ TEST_F(Observer, IsNoLongerToldWhatItTookBack) {
   EXPECT_THAT(told_, IsEmpty());
 }
 
-TEST_F(Observer, OfSeveralIsEachToldInTheOrderInWhichTheyWereMade) {
+TEST_F(Observer, NotifiesInCreationOrder) {
   makeDesktop(R"({"at": 1, "notify": "N", "element": "a"})");
   std::vector<int> order;
   std::vector<std::unique_ptr<HLObserver>> observers;
@@ -140,7 +140,7 @@ TEST_F(Observer, OfSeveralIsEachToldInTheOrderInWhichTheyWereMade) {
   EXPECT_THAT(order, ElementsAre(0, 1, 2));
 }
 
-TEST_F(Observer, FailsToRegisterInTheOrderOfFailures) {
+TEST_F(Observer, ChecksRegistrationErrorsInOrder) {
   makeDesktop(R"({"at": 1, "remove": "a"}, {"at": 2, "trust": false})");
   EXPECT_EQ(add("a", "N"), HLAXErrorSuccess);
   desktop_->sleep(1);
@@ -154,7 +154,7 @@ TEST_F(Observer, FailsToRegisterInTheOrderOfFailures) {
 }
 
 TEST(ObservedApplication, MayRefuseANotification) {
-  Desktop desktop(R"({"applications": [{"pid": 4, "windows": [{"id": "w"}], "registerErrors": {"N": -25207}}],
+  SimulatedDesktop desktop(R"({"applications": [{"pid": 4, "windows": [{"id": "w"}], "registerErrors": {"N": -25207}}],
     "timeline": [{"at": 1, "notify": "N", "element": "w"}, {"at": 1, "notify": "M", "element": "w"}]})");
   std::vector<std::string> told;
   const auto observer = desktop.accessibility().createObserver(

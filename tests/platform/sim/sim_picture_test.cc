@@ -9,7 +9,7 @@ namespace {
 
 // The picture of a desktop with these windows, without its frame and blank edges on the right.
 std::string pictureOf(const std::string& windows) {
-  const std::string picture = Desktop(Scene(windows)).simulator().picture();
+  const std::string picture = SimulatedDesktop(Scene(windows)).simulator().picture();
   std::string inner;
   std::size_t begin = picture.find('\n') + 1;
   const std::size_t last = picture.rfind('\n', picture.size() - 2) + 1;
@@ -25,8 +25,8 @@ std::string pictureOf(const std::string& windows) {
   return inner.substr(0, inner.find_last_not_of('\n') + 1);
 }
 
-TEST(Picture, OfAnEmptyScreenIsAnEmptyScreen) {
-  const std::string picture = Desktop("{}").simulator().picture();
+TEST(Picture, ShowsAnEmptyScreen) {
+  const std::string picture = SimulatedDesktop("{}").simulator().picture();
   std::string line;
   for (int column = 0; column < 102; ++column) line += "─";
   const std::string blank = "│" + std::string(102, ' ') + "│\n";
@@ -35,7 +35,7 @@ TEST(Picture, OfAnEmptyScreenIsAnEmptyScreen) {
   EXPECT_EQ(picture, expected + "╰" + line + "╯\n");
 }
 
-TEST(Picture, ShowsANotificationWithItsTextsAndButtons) {
+TEST(Picture, ShowsTextsAndButtons) {
   EXPECT_EQ(pictureOf(R"({"role": "AXWindow", "subrole": "AXSystemDialog", "title": "Notification Center",
     "frame": [0, 0, 400, 400], "children": [{"role": "AXGroup", "frame": [0, 0, 400, 400], "children": [
       {"role": "AXGroup", "description": "Calendar, Dinner with Tom, Today, at the usual place", "frame": [14, 20, 336, 120],
@@ -50,7 +50,7 @@ TEST(Picture, ShowsANotificationWithItsTextsAndButtons) {
             "╰──────────────────────╯");
 }
 
-TEST(Picture, WrapsBetweenWordsAndEndsInAnEllipsisWhatDoesNotFit) {
+TEST(Picture, WrapsAndShortensLongTexts) {
   EXPECT_EQ(pictureOf(R"({"children": [{"description": "Mail, Are you still coming tonight or äöü tomorrow",
     "frame": [14, 20, 168, 80]}]})"),
             "╭ Mail ────╮\n"
@@ -59,7 +59,7 @@ TEST(Picture, WrapsBetweenWordsAndEndsInAnEllipsisWhatDoesNotFit) {
             "╰──────────╯");
 }
 
-TEST(Picture, ShowsAWindowWithItsTitleAndPlainTextsInTheirPlaces) {
+TEST(Picture, PlacesTextsInAWindow) {
   EXPECT_EQ(pictureOf(R"({"role": "AXWindow", "title": "Notes", "frame": [14, 20, 280, 100], "children": [
     {"role": "AXStaticText", "value": "Groceries", "frame": [42, 40, 140, 16]},
     {"role": "AXButton", "title": "OK", "frame": [42, 80, 84, 20]},
@@ -71,24 +71,24 @@ TEST(Picture, ShowsAWindowWithItsTitleAndPlainTextsInTheirPlaces) {
             "╰──────────────────╯");
 }
 
-TEST(Picture, ShowsOneOfSeveralNotificationsInTheSamePlace) {
+TEST(Picture, ShowsOverlappingNotificationsOnce) {
   EXPECT_EQ(pictureOf(R"({"children": [{"description": "Chat, {n}", "repeat": 3, "frame": [14, 20, 112, 60]}]})"),
             "╭ Chat ╮\n"
             "│ 1    │\n"
             "╰══════╯");
 }
 
-TEST(Picture, LeavesOutWhatIsDeadOrGone) {
-  Desktop desktop(R"({"applications": [{"pid": 4, "windows": [{"title": "w", "frame": [14, 20, 140, 100]}]}],
+TEST(Picture, OmitsDestroyedElements) {
+  SimulatedDesktop desktop(R"({"applications": [{"pid": 4, "windows": [{"title": "w", "frame": [14, 20, 140, 100]}]}],
     "timeline": [{"at": 1, "quit": 4}]})");
-  const std::string empty = Desktop("{}").simulator().picture();
+  const std::string empty = SimulatedDesktop("{}").simulator().picture();
   EXPECT_NE(desktop.simulator().picture(), empty);
   desktop.sleep(1);
   EXPECT_EQ(desktop.simulator().picture(), empty);
 }
 
 TEST(Picture, CutsWhatReachesBeyondTheScreen) {
-  Desktop desktop(
+  SimulatedDesktop desktop(
       Scene(R"({"title": "far", "frame": [-1e300, -500, 1e308, 1e7]}, {"title": "out", "frame": [1e9, 1e9, 100, 100]},
     {"title": "control \u0007 \n character", "frame": [0, 0, 500, 100]})"));
   EXPECT_LT(desktop.simulator().picture().size(), 60000U);

@@ -30,36 +30,40 @@ std::string content(const std::string& path) {
   return text.str();
 }
 
-TEST(SimulatedProcess, HasTheArgumentsOfTheRealOneUnlessTheSceneSaysOtherwise) {
+TEST(SimulatedProcess, TakesArgumentsFromTheScene) {
   const HLSimulatorSetup setup{{"/bin/sim", "--a", "--b"}, {}};
-  EXPECT_THAT(Desktop("{}", setup).process().arguments(), ElementsAre("/bin/sim", "--a", "--b"));
-  EXPECT_THAT(Desktop(R"({"arguments": ["--c"]})", setup).process().arguments(), ElementsAre("/bin/sim", "--c"));
-  EXPECT_THAT(Desktop(R"({"arguments": []})", setup).process().arguments(), ElementsAre("/bin/sim"));
+  EXPECT_THAT(SimulatedDesktop("{}", setup).process().arguments(), ElementsAre("/bin/sim", "--a", "--b"));
+  EXPECT_THAT(SimulatedDesktop(R"({"arguments": ["--c"]})", setup).process().arguments(),
+              ElementsAre("/bin/sim", "--c"));
+  EXPECT_THAT(SimulatedDesktop(R"({"arguments": []})", setup).process().arguments(), ElementsAre("/bin/sim"));
 }
 
-TEST(SimulatedProcess, HasTheEnvironmentThatItIsGiven) {
-  Desktop desktop("{}", {{"sim"}, {{"A", "1"}, {"EMPTY", ""}}});
+TEST(SimulatedProcess, HasTheGivenEnvironment) {
+  SimulatedDesktop desktop("{}", {{"sim"}, {{"A", "1"}, {"EMPTY", ""}}});
   EXPECT_EQ(desktop.process().environment("A"), "1");
   EXPECT_EQ(desktop.process().environment("EMPTY"), "");
   EXPECT_EQ(desktop.process().environment("PATH"), std::nullopt);
 }
 
-TEST(SimulatedProcess, FindsItsDirectoriesInTheSceneThenInTheEnvironment) {
+TEST(SimulatedProcess, PrefersDirectoriesOfTheScene) {
   const HLSimulatorSetup setup{{"sim"}, {{"HOME", "/home/me/"}}};
   const HLSimulatorSetup withData{{"sim"}, {{"HOME", "/home/me"}, {"XDG_DATA_HOME", "/data/"}}};
-  EXPECT_EQ(Desktop("{}", setup).process().homeDirectory(), "/home/me");
-  EXPECT_EQ(Desktop(R"({"home": "/scene"})", setup).process().homeDirectory(), "/scene");
-  EXPECT_EQ(Desktop("{}", setup).process().applicationSupportDirectory(), "/home/me/.local/share");
-  EXPECT_EQ(Desktop(R"({"home": "/scene"})", setup).process().applicationSupportDirectory(), "/scene/.local/share");
-  EXPECT_EQ(Desktop("{}", withData).process().applicationSupportDirectory(), "/data");
-  EXPECT_EQ(Desktop(R"({"applicationSupport": "/s"})", withData).process().applicationSupportDirectory(), "/s");
-  EXPECT_EQ(Desktop(R"({"applicationSupport": null})", withData).process().applicationSupportDirectory(), std::nullopt);
+  EXPECT_EQ(SimulatedDesktop("{}", setup).process().homeDirectory(), "/home/me");
+  EXPECT_EQ(SimulatedDesktop(R"({"home": "/scene"})", setup).process().homeDirectory(), "/scene");
+  EXPECT_EQ(SimulatedDesktop("{}", setup).process().applicationSupportDirectory(), "/home/me/.local/share");
+  EXPECT_EQ(SimulatedDesktop(R"({"home": "/scene"})", setup).process().applicationSupportDirectory(),
+            "/scene/.local/share");
+  EXPECT_EQ(SimulatedDesktop("{}", withData).process().applicationSupportDirectory(), "/data");
+  EXPECT_EQ(SimulatedDesktop(R"({"applicationSupport": "/s"})", withData).process().applicationSupportDirectory(),
+            "/s");
+  EXPECT_EQ(SimulatedDesktop(R"({"applicationSupport": null})", withData).process().applicationSupportDirectory(),
+            std::nullopt);
 }
 
-TEST(SimulatedProcess, HasABundleWhereTheSceneGivesOne) {
-  EXPECT_EQ(Desktop("{}").process().bundleIdentifier(), std::nullopt);
-  EXPECT_TRUE(Desktop("{}").process().informationDictionary().empty());
-  Desktop desktop(R"({"bundle": {"identifier": "com.example.a", "info": {"HLProductFlavor": "product", "n": 3,
+TEST(SimulatedProcess, HasTheBundleOfTheScene) {
+  EXPECT_EQ(SimulatedDesktop("{}").process().bundleIdentifier(), std::nullopt);
+  EXPECT_TRUE(SimulatedDesktop("{}").process().informationDictionary().empty());
+  SimulatedDesktop desktop(R"({"bundle": {"identifier": "com.example.a", "info": {"HLProductFlavor": "product", "n": 3,
     "nothing": null, "list": [1.5, {"deep": true}]}}})");
   EXPECT_EQ(desktop.process().bundleIdentifier(), "com.example.a");
   const HLDictionary info = desktop.process().informationDictionary();
@@ -72,25 +76,26 @@ TEST(SimulatedProcess, HasABundleWhereTheSceneGivesOne) {
   EXPECT_EQ(*HLDictionaryValue(*list[1].as<HLDictionary>(), "deep")->as<bool>(), true);
 }
 
-TEST(SimulatedProcess, HasTheParentThatTheSceneNamesAndElseNone) {
-  Desktop child(R"({"parent": 7, "applications": [{"pid": 7, "name": "Terminal"}]})");
+TEST(SimulatedProcess, HasTheParentOfTheScene) {
+  SimulatedDesktop child(R"({"parent": 7, "applications": [{"pid": 7, "name": "Terminal"}]})");
   EXPECT_EQ(child.process().parentProcessIdentifier(), 7);
-  Desktop orphan(
+  SimulatedDesktop orphan(
       R"({"applications": [{"pid": 1}, {"pid": 500}, {"pid": 501}], "timeline": [{"at": 1, "launch": {"pid": 2}}]})");
   orphan.sleep(1);
   EXPECT_FALSE(orphan.applications().find(orphan.process().parentProcessIdentifier()).has_value());
   EXPECT_FALSE(orphan.applications().find(orphan.process().processIdentifier()).has_value());
 }
 
-TEST(SimulatedProcess, HasTheSameIdentifierInEveryRun) {
-  EXPECT_EQ(Desktop("{}").process().processIdentifier(), Desktop("{}").process().processIdentifier());
-  EXPECT_EQ(Desktop("{}").process().parentProcessIdentifier(), Desktop("{}").process().parentProcessIdentifier());
+TEST(SimulatedProcess, HasAFixedPid) {
+  EXPECT_EQ(SimulatedDesktop("{}").process().processIdentifier(), SimulatedDesktop("{}").process().processIdentifier());
+  EXPECT_EQ(SimulatedDesktop("{}").process().parentProcessIdentifier(),
+            SimulatedDesktop("{}").process().parentProcessIdentifier());
 }
 
 // Services
 
 TEST(SimulatedPropertyLists, AreThoseOfTheScene) {
-  Desktop desktop(R"({"propertyLists": {"/a.plist": {"Label": "x", "List": [1]}, "/list.plist": [1]}})");
+  SimulatedDesktop desktop(R"({"propertyLists": {"/a.plist": {"Label": "x", "List": [1]}, "/list.plist": [1]}})");
   HLPropertyLists& lists = desktop.simulator().platform().propertyLists;
   const std::optional<HLDictionary> list = lists.readDictionary("/a.plist");
   ASSERT_TRUE(list.has_value());
@@ -103,7 +108,7 @@ class SimulatedUserNotifications : public testing::Test {
  protected:
   // "granted", "denied" or "silent", and the error where there is one.
   static std::string permission(const std::string& service) {
-    Desktop desktop(R"({"services": {"userNotifications": )" + service + "}}");
+    SimulatedDesktop desktop(R"({"services": {"userNotifications": )" + service + "}}");
     std::string answer = "silent";
     desktop.simulator().platform().userNotifications->requestAuthorization(
         [&answer](bool granted, const std::optional<std::string>& error) {
@@ -120,8 +125,8 @@ TEST_F(SimulatedUserNotifications, ArePermittedAsTheSceneSays) {
   EXPECT_EQ(permission(R"({"permission": "silent"})"), "silent");
 }
 
-TEST_F(SimulatedUserNotifications, AreKeptAndAnsweredAsTheSceneSays) {
-  Desktop desktop(R"({"services": {"userNotifications": {"addErrors": {"b": "full"}}}})");
+TEST_F(SimulatedUserNotifications, FollowTheScene) {
+  SimulatedDesktop desktop(R"({"services": {"userNotifications": {"addErrors": {"b": "full"}}}})");
   std::vector<std::string> answers;
   for (const char* identifier : {"a", "b"}) {
     desktop.simulator().platform().userNotifications->add(
@@ -137,13 +142,14 @@ TEST_F(SimulatedUserNotifications, AreKeptAndAnsweredAsTheSceneSays) {
 
 // The record
 
-TEST(Record, IsALineAddedToItsFileAtTheEnd) {
+TEST(Record, AppendsALineAtTheEnd) {
   const std::string path = FreshPath("record");
   std::ofstream(path) << "before\n";
   {
-    Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "children": [{"id": "a", "actions": ["Close\n"],
+    SimulatedDesktop desktop(
+        Scene(R"({"id": "w", "actions": ["AXPress"], "children": [{"id": "a", "actions": ["Close\n"],
       "closes": "a"}, {"title": "nameless", "actions": ["AXPress"]}, {"id": "b"}]})",
-                          R"(, "record": ")" + path + '"'));
+              R"(, "record": ")" + path + '"'));
     const HLElementRef nameless = desktop.elements(desktop.element("w"), "AXChildren").at(1);
     desktop.sleep(0.0124);
     EXPECT_EQ(desktop.press("a", "Close\n"), HLAXErrorSuccess);
@@ -160,12 +166,12 @@ TEST(Record, IsALineAddedToItsFileAtTheEnd) {
   EXPECT_EQ(record["present"], json::parse(R"(["w", "b"])"));
 }
 
-TEST(Record, ListsTheObserversThatAreStillThere) {
+TEST(Record, ListsLiveObservers) {
   const std::string path = FreshPath("observers");
   const HLObserverCallback nothing = [](const HLElementRef&, std::string_view) {};
   std::unique_ptr<HLObserver> kept;
   {
-    Desktop desktop(Scene(R"({"id": "w"})", R"(, "record": ")" + path + '"'));
+    SimulatedDesktop desktop(Scene(R"({"id": "w"})", R"(, "record": ")" + path + '"'));
     const auto dropped = desktop.accessibility().createObserver(400, nothing);
     kept = desktop.accessibility().createObserver(400, nothing);
     const HLElementRef root = desktop.accessibility().createApplication(400);
@@ -177,19 +183,19 @@ TEST(Record, ListsTheObserversThatAreStillThere) {
   EXPECT_EQ(json::parse(content(path))["observers"], json::parse(R"([{"pid": 400, "notifications": ["N", "A"]}])"));
 }
 
-TEST(Record, ListsTheNotificationsThatTheProgramPosted) {
+TEST(Record, ListsPostedNotifications) {
   const std::string path = FreshPath("notifications");
   {
-    Desktop desktop(R"({"record": ")" + path + "\"}");
+    SimulatedDesktop desktop(R"({"record": ")" + path + "\"}");
     desktop.simulator().platform().userNotifications->add({"id", "title", "body", 2, true}, [](const auto&) {});
   }
   EXPECT_EQ(json::parse(content(path))["notifications"],
             json::parse(R"([{"identifier": "id", "title": "title", "body": "body", "delay": 2, "sound": true}])"));
 }
 
-TEST(Record, ThatCannotBeWrittenIsComplainedAbout) {
+TEST(Record, ReportsAnUnwritableFile) {
   testing::internal::CaptureStderr();
-  { const Desktop desktop(R"({"record": "/nowhere/at/all"})"); }
+  { const SimulatedDesktop desktop(R"({"record": "/nowhere/at/all"})"); }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "/nowhere/at/all: No such file or directory\n");
 }
 
@@ -218,7 +224,7 @@ class Host : public testing::Test {
   }
 };
 
-TEST_F(Host, ShowsTheBuiltInEveningWhereNoSceneIsNamed) {
+TEST_F(Host, DefaultsToTheEveningScene) {
   const auto made = make();
   const auto* host = std::get_if<std::unique_ptr<HLHost>>(&made);
   ASSERT_NE(host, nullptr);
@@ -228,7 +234,7 @@ TEST_F(Host, ShowsTheBuiltInEveningWhereNoSceneIsNamed) {
   EXPECT_EQ(platform.runningApplications->list().back().bundleIdentifier, "com.apple.notificationcenterui");
 }
 
-TEST_F(Host, ShowsTheSceneThatTheEnvironmentNames) {
+TEST_F(Host, ReadsTheSceneOfTheEnvironment) {
   const std::string path = FreshPath("scene.json");
   std::ofstream(path) << R"({"applications": [{"pid": 77}]})";
   setenv("HUSHLET_SCENE", path.c_str(), 1);
@@ -238,13 +244,13 @@ TEST_F(Host, ShowsTheSceneThatTheEnvironmentNames) {
   EXPECT_TRUE((*host)->platform().runningApplications->find(77).has_value());
 }
 
-TEST_F(Host, PrintsTheScreenAtTheStartAndAtTheEndWhereTheEnvironmentWantsIt) {
+TEST_F(Host, PrintsTheScreenOnRequest) {
   const std::string path = FreshPath("scene.json");
   std::ofstream(path) << Scene(R"({"id": "w", "role": "AXWindow", "title": "Gone", "frame": [0, 0, 400, 100]})",
                                R"(, "timeline": [{"at": 1, "remove": "w"}])");
   setenv("HUSHLET_SCENE", path.c_str(), 1);
-  const std::string window = Desktop(content(path)).simulator().picture();
-  const std::string empty = Desktop("{}").simulator().picture();
+  const std::string window = SimulatedDesktop(content(path)).simulator().picture();
+  const std::string empty = SimulatedDesktop("{}").simulator().picture();
   ASSERT_NE(window, empty);
   for (const auto& [wanted, printed] : {std::pair{"1", "before:\n" + window + "after:\n" + empty}, {"0", ""}}) {
     setenv("HUSHLET_PICTURE", wanted, 1);
@@ -257,7 +263,7 @@ TEST_F(Host, PrintsTheScreenAtTheStartAndAtTheEndWhereTheEnvironmentWantsIt) {
   }
 }
 
-TEST_F(Host, IsNotThereForASceneThatCannotBeRead) {
+TEST_F(Host, FailsOnAMalformedScene) {
   const std::string path = FreshPath("bad.json");
   std::ofstream(path) << R"({"applications": [{"pid": 77, "windows": [{}, {"frame": [1]}]}]})";
   EXPECT_EQ(failureWith(path), path + ": applications[0].windows[1].frame: expected four numbers");

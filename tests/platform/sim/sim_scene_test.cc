@@ -18,7 +18,7 @@ void expectRefusals(std::initializer_list<Mistake> mistakes) {
   for (const Mistake& mistake : mistakes) EXPECT_EQ(SceneError(mistake.scene), mistake.message) << mistake.scene;
 }
 
-TEST(Scene, WithAMistakeAtItsTopLevelIsRefusedWithItsPlace) {
+TEST(Scene, LocatesMistakesAtTheTopLevel) {
   expectRefusals({{"[]", "scene.json: top level: expected an object"},
                   {R"({"aplications": []})", "scene.json: aplications: unknown key"},
                   {R"({"applications": {}})", "scene.json: applications: expected a list"},
@@ -37,7 +37,7 @@ TEST(Scene, WithAMistakeAtItsTopLevelIsRefusedWithItsPlace) {
                   {R"({"services": {"mail": 1}})", "scene.json: services.mail: unknown key"}});
 }
 
-TEST(Scene, WithAMistakeInItsJsonIsRefusedWithItsPlace) {
+TEST(Scene, LocatesMistakesInTheJson) {
   expectRefusals({{"",
                    "scene.json: line 1, column 1: syntax error while parsing value - unexpected end of input; "
                    "expected '[', '{', or a literal"},
@@ -54,7 +54,7 @@ TEST(Scene, WithAMistakeInItsJsonIsRefusedWithItsPlace) {
                   {R"({"a\nb": 1})", R"(scene.json: a\nb: unknown key)"}});
 }
 
-TEST(Scene, WithAMistakeInAnApplicationIsRefusedWithItsPlace) {
+TEST(Scene, LocatesMistakesInApplications) {
   expectRefusals(
       {{R"({"applications": [1]})", "scene.json: applications[0]: expected an object"},
        {R"({"applications": [{}]})", "scene.json: applications[0]: \"pid\" is missing"},
@@ -84,7 +84,7 @@ TEST(Scene, WithAMistakeInAnApplicationIsRefusedWithItsPlace) {
 #define WINDOW(members) R"({"applications": [{"pid": 4}, {"pid": 5, "windows": [{}, )" members "]}]}"
 #define AT_WINDOW "scene.json: applications[1].windows[1]"
 
-TEST(Scene, WithAMistakeInAnElementIsRefusedWithItsPlace) {
+TEST(Scene, LocatesMistakesInElements) {
   expectRefusals(
       {{WINDOW(R"({"frame": [1, 2, 3]})"), AT_WINDOW ".frame: expected four numbers"},
        {WINDOW(R"({"frame": [1, 2, 3, "4"]})"), AT_WINDOW ".frame: expected four numbers"},
@@ -134,7 +134,7 @@ TEST(Scene, WithAMistakeInAnElementIsRefusedWithItsPlace) {
   R"({"applications": [{"pid": 5, "windows": [{"id": "w"}]}], "timeline": [{"at": 0, "quit": 9}, )" event "]}"
 #define AT_EVENT "scene.json: timeline[1]"
 
-TEST(Scene, WithAMistakeInTheTimelineIsRefusedWithItsPlace) {
+TEST(Scene, LocatesMistakesInTheTimeline) {
   expectRefusals(
       {{EVENT("5"), AT_EVENT ": expected an object"},
        {EVENT(R"({"quit": 5})"), AT_EVENT ": \"at\" is missing"},
@@ -163,7 +163,7 @@ TEST(Scene, WithAMistakeInTheTimelineIsRefusedWithItsPlace) {
        {EVENT(R"({"at": 0, "trust": 1})"), AT_EVENT ".trust: expected true or false"}});
 }
 
-TEST(Scene, WithAMistakeInAnEventOfTheUserIsRefusedWithItsPlace) {
+TEST(Scene, LocatesMistakesInUserEvents) {
   expectRefusals(
       {{EVENT(R"({"at": 0, "click": "middle"})"), AT_EVENT R"(.click: expected "left", "right" or "none")"},
        {EVENT(R"({"at": 0, "click": "left", "modifiers": ["hyper"]})"),
@@ -181,7 +181,7 @@ TEST(Scene, WithAMistakeInAnEventOfTheUserIsRefusedWithItsPlace) {
        {EVENT(R"({"at": 0, "terminate": "now"})"), AT_EVENT ".terminate: expected true"}});
 }
 
-TEST(Scene, WithAMistakeInTheServicesIsRefusedWithItsPlace) {
+TEST(Scene, LocatesMistakesInServices) {
   expectRefusals(
       {{R"({"services": {"grantOnPrompt": 1}})", "scene.json: services.grantOnPrompt: expected true or false"},
        {R"({"services": {"opens": "http"}})", "scene.json: services.opens: expected a list"},
@@ -202,7 +202,7 @@ TEST(Scene, WithAMistakeInTheServicesIsRefusedWithItsPlace) {
        {R"({"services": {"alertAnswers": [1]}})", "scene.json: services.alertAnswers[0]: expected a string"}});
 }
 
-TEST(Scene, MayHoldEverythingThatTheFormatKnows) {
+TEST(Scene, AcceptsEveryKey) {
   EXPECT_EQ(SceneError(R"({
     "applications": [{"pid": 5, "bundleIdentifier": "b", "name": "n", "windows": null, "terminated": false,
       "lingers": 0.5, "ignoresTerminate": true, "elementFails": false, "observerFails": false,
@@ -227,8 +227,8 @@ TEST(Scene, MayHoldEverythingThatTheFormatKnows) {
             "");
 }
 
-TEST(Scene, OfUserEventsAloneChangesNothing) {
-  Desktop desktop(
+TEST(Scene, KeepsElementsDuringUserEvents) {
+  SimulatedDesktop desktop(
       Scene(R"({"id": "w"})", R"(, "timeline": [{"at": 0.5, "click": "left"}, {"at": 0.5, "terminate": true},
     {"at": 0.6, "choose": "No such title"}, {"at": 0.7, "dump": "/nowhere/at/all"}])"));
   desktop.runLoop().runFor(1);
@@ -236,8 +236,8 @@ TEST(Scene, OfUserEventsAloneChangesNothing) {
   EXPECT_EQ(desktop.present(), std::vector<std::string>{"w"});
 }
 
-TEST(Scene, IsAnEmptyTrustedDesktopWhereNothingIsSaid) {
-  Desktop desktop("{}");
+TEST(Scene, DefaultsToAnEmptyTrustedDesktop) {
+  SimulatedDesktop desktop("{}");
   EXPECT_TRUE(desktop.applications().list().empty());
   EXPECT_TRUE(desktop.accessibility().isProcessTrusted(false));
   EXPECT_EQ(desktop.simulator().elapsed(), 0);
@@ -248,13 +248,13 @@ TEST(Scene, MayBeNestedVeryDeep) {
   std::string window = R"({"id": "w0")";
   for (int depth = 1; depth <= kDepth; ++depth) window += R"(, "children": [{"id": "w)" + std::to_string(depth) + '"';
   for (int depth = 1; depth <= kDepth; ++depth) window += "}]";
-  Desktop desktop(Scene(window + "}"));
+  SimulatedDesktop desktop(Scene(window + "}"));
   EXPECT_EQ(desktop.present().size(), kDepth + 1U);
   EXPECT_EQ(desktop.elements(desktop.element("w19999"), "AXChildren").size(), 1U);
 }
 
 // What is written is 100,000 times smaller than what it stands for.
-TEST(Scene, ThatIsTooLargeWithItsRepetitionsIsRefusedInOneLine) {
+TEST(Scene, RejectsTooManyRepetitions) {
   std::string members = R"({"repeat": 100000})";
   for (int i = 0; i < 10; ++i) members += R"(, {"repeat": 100000})";
   EXPECT_NE(SceneError(Scene(R"({"children": [)" + members + "]}"))
@@ -269,11 +269,11 @@ TEST(Scene, ThatIsTooLargeWithItsRepetitionsIsRefusedInOneLine) {
             std::string::npos);
 }
 
-TEST(Scene, MayRepeatAnElementAHundredThousandTimes) {
+TEST(Scene, Accepts100000Repetitions) {
   EXPECT_EQ(SceneError(Scene(R"({"children": [{"repeat": 100000, "role": "AXGroup", "title": "{n}"}]})")), "");
 }
 
-TEST(Scene, WhoseValuesAreNestedWithoutEndIsRefused) {
+TEST(Scene, RejectsDeepNesting) {
   const std::string deep = std::string(5000, '[') + std::string(5000, ']');
   EXPECT_NE(SceneError(R"({"defaults": {"a": )" + deep + "}}").find("nested too deeply"), std::string::npos);
   EXPECT_NE(SceneError(Scene(R"({"attributes": {"AXList": )" + deep + "}}")).find("nested too deeply"),

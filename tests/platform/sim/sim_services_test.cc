@@ -19,7 +19,7 @@ std::string services(const std::string& members) { return R"({"services": {)" + 
 
 // Alerts
 
-TEST(Alerts, AreAnsweredWithTheirFirstButtonUnlessTheSceneSaysOtherwise) {
+TEST(Alerts, DefaultToTheFirstButton) {
   MenuBar program(services(R"("alertAnswers": ["Later", "OK"])"));
   HLAlerts& alerts = program.host().alerts;
   EXPECT_EQ(alerts.runModal({"One", "a", {"Download", "Later"}}), 1U);
@@ -31,7 +31,7 @@ TEST(Alerts, AreAnsweredWithTheirFirstButtonUnlessTheSceneSaysOtherwise) {
                             {"title": "Three", "message": "c", "buttons": ["First", "Second"], "answer": "First"}])"));
 }
 
-TEST(Alerts, WithoutTheButtonThatTheSceneAnswersEndTheProgramWithOneLine) {
+TEST(Alerts, RejectAnUnknownAnswer) {
   MenuBar program(Timeline(R"({"at": 5, "quit": 9})", R"(, "services": {"alertAnswers": ["Maybe", "Never"]})"));
   testing::internal::CaptureStderr();
   EXPECT_EQ(program.run([&] {
@@ -80,7 +80,7 @@ TEST(LoginItem, IsRegisteredAndUnregistered) {
   EXPECT_EQ(item.status(), HLLoginItemStatus::notRegistered);
 }
 
-TEST(LoginItem, HasTheStatesThatTheSceneSays) {
+TEST(LoginItem, HasTheStatusesOfTheScene) {
   MenuBar program(services(R"("loginItem": {"status": 3, "statusAfterRegister": 2, "registerError": null})"));
   HLLoginItem& item = program.host().loginItem;
   EXPECT_EQ(program.dump()["loginItemStatus"], 3);
@@ -90,7 +90,7 @@ TEST(LoginItem, HasTheStatesThatTheSceneSays) {
   EXPECT_EQ(item.status(), HLLoginItemStatus::notRegistered);
 }
 
-TEST(LoginItem, KeepsItsStatusWhenAChangeFails) {
+TEST(LoginItem, KeepsItsStatusOnFailure) {
   MenuBar program(services(R"("loginItem": {"status": 2, "registerError": "no", "unregisterError": "never"})"));
   HLLoginItem& item = program.host().loginItem;
   const HLLoginItemOutcome registered = item.registerItem();
@@ -104,7 +104,7 @@ TEST(LoginItem, KeepsItsStatusWhenAChangeFails) {
 
 // Preferences
 
-TEST(Defaults, AreWhatIsStoredElseWhatIsRegistered) {
+TEST(Defaults, PreferStoredValues) {
   MenuBar program(R"({"defaults": {"kept": 1, "changed": "old", "list": [true, 1.5]}})");
   HLUserDefaults& defaults = program.host().userDefaults;
   defaults.registerDefaults({{"kept", std::int64_t{9}}, {"fallback", std::string("f")}, {"other", true}});
@@ -123,14 +123,14 @@ TEST(Defaults, AreWhatIsStoredElseWhatIsRegistered) {
 
 // The workspace
 
-TEST(Workspace, OpensEveryAddressUnlessTheSceneSaysOtherwise) {
+TEST(Workspace, OpensEveryAddressByDefault) {
   MenuBar program("{}");
   EXPECT_TRUE(program.host().workspace->openAddress("x-apple:pane"));
   EXPECT_TRUE(program.host().workspace->openAddress("https://a/b"));
   EXPECT_EQ(program.dump()["openedAddresses"], json::parse(R"(["x-apple:pane", "https://a/b"])"));
 }
 
-TEST(Workspace, OpensTheAddressesThatBeginAsTheSceneSays) {
+TEST(Workspace, OpensOnlyGivenPrefixes) {
   MenuBar program(services(R"("opens": ["https://a/", "mailto:x"])"));
   HLWorkspace& workspace = program.host().workspace;
   EXPECT_TRUE(workspace.openAddress("https://a/b"));
@@ -211,7 +211,7 @@ std::string inflated(const std::string& stream) {
   return bytes;
 }
 
-TEST(Picture, OfAWindowIsABlankOneOfItsSize) {
+TEST(Picture, IsBlankForAWindow) {
   MenuBar program("{}");
   for (const auto& [width, height] : std::vector<std::pair<double, double>>{{420, 280}, {1, 1}, {2000, 700}}) {
     const auto window = program.host().windows->makeWindow({"W", width, height, 0, 0, {}, {}});
@@ -234,7 +234,7 @@ TEST(Picture, OfAWindowIsABlankOneOfItsSize) {
   }
 }
 
-TEST(Views, ListEveryWindowInTheOrderOfCreation) {
+TEST(Views, ListWindowsInCreationOrder) {
   MenuBar program("{}");
   const auto a = program.open("A");
   const auto b = program.open("B");
@@ -253,7 +253,7 @@ TEST(Views, ListEveryWindowInTheOrderOfCreation) {
 
 // Trust
 
-TEST(GrantOnPrompt, TrustsTheProcessOnceTheRunLoopIsIdle) {
+TEST(GrantOnPrompt, TrustsInAnIdleRunLoop) {
   MenuBar program(Timeline(R"({"at": 3, "quit": 9})", R"(, "trusted": false, "services": {"grantOnPrompt": true})"));
   const auto trusted = [&](bool prompt) { return program.desktop().accessibility().isProcessTrusted(prompt); };
   (void)program.run([&] {
@@ -271,7 +271,7 @@ TEST(GrantOnPrompt, TrustsTheProcessOnceTheRunLoopIsIdle) {
   EXPECT_THAT(program.entries(), ElementsAre("not@1500", "not@2000", "trusted@2001"));
 }
 
-TEST(GrantOnPrompt, IsNotGivenByAnyOtherScene) {
+TEST(GrantOnPrompt, IsOffByDefault) {
   MenuBar program(R"({"trusted": false})");
   (void)program.run([&] {
     EXPECT_FALSE(program.desktop().accessibility().isProcessTrusted(true));

@@ -23,7 +23,7 @@ using testing::IsEmpty;
 // What threads did, in the order in which they did it, each with the moment in milliseconds.
 class Journal {
  public:
-  explicit Journal(Desktop& desktop) : desktop_(desktop) {}
+  explicit Journal(SimulatedDesktop& desktop) : desktop_(desktop) {}
 
   void note(const std::string& what) {
     const long milliseconds = std::lround(desktop_.simulator().elapsed() * 1000);
@@ -36,7 +36,7 @@ class Journal {
   }
 
  private:
-  Desktop& desktop_;
+  SimulatedDesktop& desktop_;
   HLMutex mutex_;
   std::vector<std::string> entries_ HL_GUARDED_BY(mutex_);
 };
@@ -44,7 +44,7 @@ class Journal {
 class VirtualTime : public testing::Test {
  protected:
   void makeDesktop(const std::string& scene, HLSimulatorSetup setup = {}) {
-    desktop_ = std::make_unique<Desktop>(scene, std::move(setup));
+    desktop_ = std::make_unique<SimulatedDesktop>(scene, std::move(setup));
     journal_ = std::make_unique<Journal>(*desktop_);
   }
   [[nodiscard]] std::unique_ptr<HLOperationQueue> queue(int limit) {
@@ -63,11 +63,11 @@ class VirtualTime : public testing::Test {
     };
   }
 
-  std::unique_ptr<Desktop> desktop_;
+  std::unique_ptr<SimulatedDesktop> desktop_;
   std::unique_ptr<Journal> journal_;
 };
 
-TEST_F(VirtualTime, OperationsWithoutThreadsRunOnTheWaitingOne) {
+TEST_F(VirtualTime, RunsOperationsInlineWithoutThreads) {
   makeDesktop("{}", {.refusesThreads = [] { return true; }});
   const auto pool = queue(4);
   const std::thread::id here = std::this_thread::get_id();
@@ -82,7 +82,7 @@ TEST_F(VirtualTime, OperationsWithoutThreadsRunOnTheWaitingOne) {
   EXPECT_THAT(journal_->entries(), testing::ElementsAre("a@0", "b@1000"));
 }
 
-TEST_F(VirtualTime, OperationsShareTheThreadsThatStart) {
+TEST_F(VirtualTime, SharesTheThreadsThatStart) {
   int started = 0;
   makeDesktop("{}", {.refusesThreads = [&started] { return started++ == 2; }});
   const auto pool = queue(4);
@@ -100,7 +100,7 @@ TEST_F(VirtualTime, PassesOnlyWhileEveryThreadWaits) {
   EXPECT_EQ(desktop_->simulator().elapsed(), 0.25);
 }
 
-TEST_F(VirtualTime, OfDaysIsOverAtOnce) {
+TEST_F(VirtualTime, PassesDaysAtOnce) {
   makeDesktop("{}");
   const auto begin = std::chrono::steady_clock::now();
   sleep(86400.0 * 365);
@@ -119,7 +119,7 @@ TEST_F(VirtualTime, StopsAtTheClocksEnd) {
   }
 }
 
-TEST_F(VirtualTime, IsCountedInWholeMicrosecondsTheNearest) {
+TEST_F(VirtualTime, RoundsToMicroseconds) {
   makeDesktop("{}");
   sleep(0.0000014);
   EXPECT_EQ(desktop_->simulator().elapsed(), 0.000001);
@@ -127,7 +127,7 @@ TEST_F(VirtualTime, IsCountedInWholeMicrosecondsTheNearest) {
   EXPECT_EQ(desktop_->simulator().elapsed(), 0.000003);
 }
 
-TEST_F(VirtualTime, LetsTheSceneGoBeforeTheSleepersOfTheSameMoment) {
+TEST_F(VirtualTime, RunsTheSceneBeforeSleepers) {
   makeDesktop(
       Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {"AXPress": {"after": 1, "effects": [{"remove": "w"}]}}},
     {"id": "v"})",
@@ -137,7 +137,7 @@ TEST_F(VirtualTime, LetsTheSceneGoBeforeTheSleepersOfTheSameMoment) {
   EXPECT_THAT(desktop_->present(), IsEmpty());
 }
 
-TEST_F(VirtualTime, GivesTurnsToOperationsInTheOrderInWhichTheyWereAdded) {
+TEST_F(VirtualTime, StartsOperationsInOrder) {
   makeDesktop("{}");
   const auto pool = queue(4);
   for (int i = 1; i <= 10; ++i) pool->addOperation([this, i] { note(std::to_string(i)); });
@@ -159,7 +159,7 @@ TEST_F(VirtualTime, LetsOperationsSleepSideBySide) {
   EXPECT_EQ(desktop_->simulator().elapsed(), 0.2);
 }
 
-TEST_F(VirtualTime, WakesOperationsOfOneMomentInTheOrderInWhichTheyWereAdded) {
+TEST_F(VirtualTime, WakesOperationsInOrder) {
   makeDesktop("{}");
   const auto pool = queue(3);
   pool->addOperation(sleeper("a", {0.1, 0.1}));
@@ -169,7 +169,7 @@ TEST_F(VirtualTime, WakesOperationsOfOneMomentInTheOrderInWhichTheyWereAdded) {
   EXPECT_THAT(journal_->entries(), ElementsAre("a@0", "b@0", "c@0", "b@50", "a@100", "a@200", "b@200", "c@200"));
 }
 
-TEST_F(VirtualTime, WakesOtherSleepersInTheOrderInWhichTheyFellAsleep) {
+TEST_F(VirtualTime, WakesOtherSleepersInOrder) {
   makeDesktop("{}");
   const auto first = queue(1);
   const auto second = queue(1);
@@ -183,7 +183,7 @@ TEST_F(VirtualTime, WakesOtherSleepersInTheOrderInWhichTheyFellAsleep) {
               ElementsAre("first@0", "second@0", "first@100", "main@200", "second@200", "first@200"));
 }
 
-TEST_F(VirtualTime, KeepsActionsOfOneBatchFromSeeingEachOthersEffects) {
+TEST_F(VirtualTime, HidesEffectsWithinABatch) {
   makeDesktop(Scene(R"({"id": "a", "actions": ["AXPress"], "onAction": {"AXPress": {"effects": [{"remove": "b"}]}}},
     {"id": "b", "actions": ["AXPress"], "onAction": {"AXPress": {"effects": [{"remove": "a"}]}}})"));
   const auto pool = queue(4);
@@ -197,7 +197,7 @@ TEST_F(VirtualTime, KeepsActionsOfOneBatchFromSeeingEachOthersEffects) {
   EXPECT_THAT(desktop_->present(), IsEmpty());
 }
 
-TEST_F(VirtualTime, BlocksAnActionThatTakesTimeAndNobodyElse) {
+TEST_F(VirtualTime, BlocksOnlyTheSlowAction) {
   makeDesktop(Scene(R"({"id": "slow", "actions": ["AXPress"], "onAction": {"AXPress": {"seconds": 2}}},
     {"id": "quick", "actions": ["AXPress"]})"));
   const auto pool = queue(4);
@@ -253,7 +253,7 @@ class Notified : public VirtualTime {
   std::function<void()> onNotified_;
 };
 
-TEST_F(Notified, WhileTheRunLoopRunsAndNotBefore) {
+TEST_F(Notified, OnlyDuringTheRunLoop) {
   watch({1, 2, 3});
   sleep(1.5);
   EXPECT_THAT(journal_->entries(), IsEmpty());
@@ -262,14 +262,14 @@ TEST_F(Notified, WhileTheRunLoopRunsAndNotBefore) {
   EXPECT_EQ(desktop_->simulator().elapsed(), 2.5) << "it does not return early";
 }
 
-TEST_F(Notified, OfWhatIsDueAtTheVeryMomentAtWhichTheRunLoopsTimeEnds) {
+TEST_F(Notified, AtTheEndOfARun) {
   watch({1, 1});
   desktop_->runLoop().runFor(1);
   EXPECT_THAT(journal_->entries(), ElementsAre("AXCreated@1000", "AXCreated@1000"));
   EXPECT_EQ(desktop_->simulator().elapsed(), 1);
 }
 
-TEST_F(Notified, OfWhatACallbackCausesAtThatMoment) {
+TEST_F(Notified, AboutEffectsOfACallback) {
   watch({1}, R"({"effects": [{"notify": "AXMoved", "element": "w"}]})");
   int presses = 0;
   onNotified_ = [&] {
@@ -281,7 +281,7 @@ TEST_F(Notified, OfWhatACallbackCausesAtThatMoment) {
   EXPECT_EQ(desktop_->simulator().elapsed(), 1);
 }
 
-TEST_F(Notified, NotOfWhatIsDueAMicrosecondLater) {
+TEST_F(Notified, NotAfterTheEnd) {
   watch({1.000001});
   desktop_->runLoop().runFor(1);
   EXPECT_THAT(journal_->entries(), IsEmpty());
@@ -289,7 +289,7 @@ TEST_F(Notified, NotOfWhatIsDueAMicrosecondLater) {
   EXPECT_EQ(journal_->entries().size(), 1U);
 }
 
-TEST_F(Notified, OfWhatIsWaitingByARunOfNoTime) {
+TEST_F(Notified, DuringAnEmptyRun) {
   watch({1});
   sleep(1);
   desktop_->runLoop().runFor(0);
@@ -304,7 +304,7 @@ TEST_F(Notified, BeforeOtherSleepersOfThatMoment) {
   EXPECT_THAT(journal_->entries(), ElementsAre("worker@0", "AXCreated@1000", "worker@1000"));
 }
 
-TEST_F(Notified, LateWhenACallbackBeforeTookItsTime) {
+TEST_F(Notified, LateAfterASlowCallback) {
   watch({1, 2}, R"({"seconds": 5})");
   onNotified_ = [&] { EXPECT_EQ(desktop_->press("w"), HLAXErrorSuccess); };
   desktop_->runLoop().runFor(3);
@@ -338,17 +338,17 @@ TEST_F(Notified, LeavesStepsDueAfterTheEnd) {
 
 // The real clock
 
-TEST(RealTime, IsReallySlept) {
-  Desktop desktop(R"({"clock": "real"})");
+TEST(RealTime, SleepsForReal) {
+  SimulatedDesktop desktop(R"({"clock": "real"})");
   const auto begin = std::chrono::steady_clock::now();
   desktop.sleep(0.05);
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
   EXPECT_GE(desktop.simulator().elapsed(), 0.05);
 }
 
-TEST(RealTime, BringsTimelineAndEffectsWhenTheyAreDue) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "closes": "w"}, {"id": "v"})",
-                        R"(, "clock": "real", "timeline": [{"at": 0.02, "remove": "v"}])"));
+TEST(RealTime, AppliesTimelineAndEffects) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "closes": "w"}, {"id": "v"})",
+                                 R"(, "clock": "real", "timeline": [{"at": 0.02, "remove": "v"}])"));
   EXPECT_EQ(desktop.press("w"), HLAXErrorSuccess);
   const double pressed = desktop.simulator().actions().at(0).at;
   while (desktop.present().size() > 1 || desktop.simulator().elapsed() < 0.02) desktop.sleep(0.001);
@@ -357,14 +357,14 @@ TEST(RealTime, BringsTimelineAndEffectsWhenTheyAreDue) {
   EXPECT_GE(desktop.simulator().elapsed() - pressed, 0.05 - 1e-6);
 }
 
-TEST(RealTime, PassesForWhoNeverWaits) {
-  Desktop desktop(Scene(R"({"id": "w"})", R"(, "clock": "real", "timeline": [{"at": 0.01, "remove": "w"}])"));
+TEST(RealTime, PassesWithoutWaiting) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w"})", R"(, "clock": "real", "timeline": [{"at": 0.01, "remove": "w"}])"));
   while (desktop.simulator().elapsed() < 0.01) EXPECT_LT(desktop.simulator().elapsed(), 20);
   EXPECT_EQ(desktop.error("w", "AXRole"), HLAXErrorInvalidElement);
 }
 
 TEST(RealTime, RunsSeveralThreadsAtOnce) {
-  Desktop desktop(R"({"clock": "real"})");
+  SimulatedDesktop desktop(R"({"clock": "real"})");
   const auto pool = desktop.runLoop().makeOperationQueue("test", HLQualityOfService::userInitiated, 2);
   // Each waits for the other one: with turns they would wait for ever.
   std::mutex mutex;
@@ -384,9 +384,9 @@ TEST(RealTime, RunsSeveralThreadsAtOnce) {
 }
 
 TEST(RealTime, DeliversNotificationsOfAnothersAction) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {"AXPress": {"after": 0.01,
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "onAction": {"AXPress": {"after": 0.01,
     "effects": [{"notify": "AXMoved", "element": "w"}]}}})",
-                        R"(, "clock": "real")"));
+                                 R"(, "clock": "real")"));
   int notified = 0;
   const auto observer =
       desktop.accessibility().createObserver(400, [&](const HLElementRef&, std::string_view) { ++notified; });

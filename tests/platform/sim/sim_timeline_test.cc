@@ -15,8 +15,8 @@ using testing::IsEmpty;
 
 std::string timeline(const std::string& events) { return R"(, "timeline": [)" + events + "]"; }
 
-TEST(Timeline, AddsLastOrFirstInTheListThatItNames) {
-  Desktop desktop(Scene(
+TEST(Timeline, AddsAtEitherEnd) {
+  SimulatedDesktop desktop(Scene(
       R"({"id": "w", "children": [{"title": "a"}]})",
       timeline(
           R"({"at": 1, "add": {"title": "b"}, "to": "w"}, {"at": 1, "add": {"title": "c"}, "to": "w", "first": true},
@@ -37,16 +37,18 @@ TEST(Timeline, AddsLastOrFirstInTheListThatItNames) {
 }
 
 TEST(Timeline, AddsEveryRepetitionOfAMember) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"title": "a"}]})",
-                        timeline(R"({"at": 1, "add": {"repeat": 2, "title": "new {n}"}, "to": "w", "first": true})")));
+  SimulatedDesktop desktop(
+      Scene(R"({"id": "w", "children": [{"title": "a"}]})",
+            timeline(R"({"at": 1, "add": {"repeat": 2, "title": "new {n}"}, "to": "w", "first": true})")));
   desktop.sleep(1);
   EXPECT_THAT(desktop.titles(desktop.element("w"), "AXChildren"), ElementsAre("new 1", "new 2", "a"));
 }
 
-TEST(Timeline, MeansTheNewestByTheIdOfWhatIsAddedAgain) {
-  Desktop desktop(Scene(R"({"id": "w", "actions": ["AXPress"], "children": [], "onAction": {"AXPress": {"effects": [
+TEST(Timeline, UsesTheNewestOfAnId) {
+  SimulatedDesktop desktop(
+      Scene(R"({"id": "w", "actions": ["AXPress"], "children": [], "onAction": {"AXPress": {"effects": [
     {"add": {"id": "n", "title": "x"}, "to": "w"}]}}})",
-                        timeline(R"({"at": 3, "remove": "n"})")));
+            timeline(R"({"at": 3, "remove": "n"})")));
   EXPECT_EQ(desktop.press("w"), HLAXErrorSuccess);
   desktop.sleep(1);
   const HLElementRef first = desktop.element("n");
@@ -60,7 +62,7 @@ TEST(Timeline, MeansTheNewestByTheIdOfWhatIsAddedAgain) {
 }
 
 TEST(Timeline, ChangesAttributesAndTakesThemAway) {
-  Desktop desktop(
+  SimulatedDesktop desktop(
       Scene(R"({"id": "w", "title": "old", "description": "d", "actions": ["AXPress"], "children": [{"id": "a"}]})",
             timeline(R"({"at": 1, "set": "w", "attribute": "AXTitle", "value": "new"},
         {"at": 1, "set": "w", "attribute": "AXDescription", "value": null},
@@ -84,7 +86,7 @@ TEST(Timeline, ChangesAttributesAndTakesThemAway) {
 }
 
 TEST(Timeline, DoesNothingToWhatHasGone) {
-  Desktop desktop(
+  SimulatedDesktop desktop(
       Scene(R"({"id": "w", "children": [{"id": "a"}]})",
             timeline(R"({"at": 1, "remove": "a"}, {"at": 2, "remove": "a"}, {"at": 2, "add": {"id": "b"}, "to": "a"},
         {"at": 2, "set": "a", "attribute": "AXTitle", "value": "x"}, {"at": 2, "quit": 77},
@@ -98,16 +100,16 @@ TEST(Timeline, DoesNothingToWhatHasGone) {
   EXPECT_EQ(desktop.simulator().element("c"), nullptr);
 }
 
-TEST(Timeline, AtNoughtHasHappenedBeforeTheProgramsFirstStep) {
-  Desktop desktop(Scene(R"({"id": "w"})", timeline(R"({"at": 0, "remove": "w"}, {"at": 0, "trust": false},
+TEST(Timeline, AppliesTimeZeroAtOnce) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w"})", timeline(R"({"at": 0, "remove": "w"}, {"at": 0, "trust": false},
     {"at": 0.0000004, "launch": {"pid": 7}})")));
   EXPECT_FALSE(desktop.accessibility().isProcessTrusted(false));
   EXPECT_THAT(desktop.present(), IsEmpty());
   EXPECT_TRUE(desktop.applications().find(7).has_value()) << "moments are whole microseconds, nearest";
 }
 
-TEST(Timeline, HappensInTheOrderOfItsMomentsThenAsWritten) {
-  Desktop desktop(
+TEST(Timeline, OrdersByTimeThenPosition) {
+  SimulatedDesktop desktop(
       Scene(R"({"id": "w"})", timeline(R"({"at": 2, "set": "w", "attribute": "AXTitle", "value": "written first"},
                           {"at": 1, "set": "w", "attribute": "AXTitle", "value": "due first"},
                           {"at": 2, "set": "w", "attribute": "AXTitle", "value": "written last"})")));
@@ -117,8 +119,8 @@ TEST(Timeline, HappensInTheOrderOfItsMomentsThenAsWritten) {
   EXPECT_EQ(desktop.text("w", "AXTitle"), "written last");
 }
 
-TEST(Timeline, ComesBeforeEffectsThatAreDueAtTheSameMoment) {
-  Desktop desktop(Scene(
+TEST(Timeline, PrecedesEffects) {
+  SimulatedDesktop desktop(Scene(
       R"({"id": "w", "actions": ["A", "B"], "onAction": {
         "A": {"after": 1, "effects": [{"set": "w", "attribute": "AXA", "value": "effect"}]},
         "B": {"seconds": 0.5, "after": 0.5, "effects": [{"set": "w", "attribute": "AXB", "value": "second"},
@@ -134,8 +136,8 @@ TEST(Timeline, ComesBeforeEffectsThatAreDueAtTheSameMoment) {
 
 // Applications
 
-TEST(Timeline, LaunchesAnApplicationAsTheLastOne) {
-  Desktop desktop(
+TEST(Timeline, AppendsALaunchedApplication) {
+  SimulatedDesktop desktop(
       Scene(R"({"id": "w"})", timeline(R"({"at": 1, "launch": {"pid": 7, "bundleIdentifier": "b", "name": "n",
     "windows": [{"id": "new", "role": "AXWindow"}]}})")));
   EXPECT_FALSE(desktop.applications().find(7).has_value());
@@ -154,8 +156,8 @@ TEST(Timeline, LaunchesAnApplicationAsTheLastOne) {
   EXPECT_EQ(desktop.elements(desktop.accessibility().createApplication(7), "AXWindows").at(0), desktop.element("new"));
 }
 
-TEST(Timeline, QuitMakesEveryElementOfTheDeadInvalid) {
-  Desktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}]})", timeline(R"({"at": 1, "quit": 400})")));
+TEST(Timeline, InvalidatesElementsOnQuit) {
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}]})", timeline(R"({"at": 1, "quit": 400})")));
   const HLElementRef root = desktop.accessibility().createApplication(400);
   desktop.sleep(1);
   EXPECT_THAT(desktop.applications().list(), IsEmpty());
@@ -164,8 +166,8 @@ TEST(Timeline, QuitMakesEveryElementOfTheDeadInvalid) {
   EXPECT_EQ(desktop.error("a", "AXRole"), HLAXErrorInvalidElement);
 }
 
-TEST(Application, LingersTerminatedAndIsFollowedByItsRelaunch) {
-  Desktop desktop(R"({"applications": [{"pid": 4, "name": "old", "lingers": 2, "relaunch": {"after": 1,
+TEST(Application, LingersUntilItsRelaunch) {
+  SimulatedDesktop desktop(R"({"applications": [{"pid": 4, "name": "old", "lingers": 2, "relaunch": {"after": 1,
     "application": {"pid": 5, "name": "new", "relaunch": {"application": {"pid": 6}}}}}, {"pid": 9}]})");
   const auto pids = [&desktop] {
     std::vector<std::string> found;
@@ -188,8 +190,8 @@ TEST(Application, LingersTerminatedAndIsFollowedByItsRelaunch) {
   EXPECT_THAT(pids(), ElementsAre("9", "6"));
 }
 
-TEST(Application, ThatComesBackWithItsPidIsTheOneThatIsFound) {
-  Desktop desktop(R"({"applications": [{"pid": 4, "name": "old", "lingers": 5, "windows": [{"title": "old"}],
+TEST(Application, IsFoundAfterReusingItsPid) {
+  SimulatedDesktop desktop(R"({"applications": [{"pid": 4, "name": "old", "lingers": 5, "windows": [{"title": "old"}],
     "relaunch": {"after": 1, "application": {"pid": 4, "name": "new", "windows": [{"title": "new"}]}}}]})");
   EXPECT_EQ(desktop.applications().sendSignal(4, SIGTERM), HLSignalOutcome::sent);
   EXPECT_TRUE(desktop.applications().find(4)->terminated);
@@ -202,8 +204,8 @@ TEST(Application, ThatComesBackWithItsPidIsTheOneThatIsFound) {
   EXPECT_EQ(desktop.applications().find(4)->name, "old");
 }
 
-TEST(Application, MayIgnoreBeingAskedToEndButNotBeingKilled) {
-  Desktop desktop(R"({"applications": [{"pid": 4, "ignoresTerminate": true}, {"pid": 5}]})");
+TEST(Application, MayIgnoreOnlyTermination) {
+  SimulatedDesktop desktop(R"({"applications": [{"pid": 4, "ignoresTerminate": true}, {"pid": 5}]})");
   EXPECT_EQ(desktop.applications().sendSignal(4, SIGTERM), HLSignalOutcome::sent);
   EXPECT_EQ(desktop.applications().sendSignal(5, 0), HLSignalOutcome::sent);
   EXPECT_EQ(desktop.applications().list().size(), 2U);
@@ -214,8 +216,8 @@ TEST(Application, MayIgnoreBeingAskedToEndButNotBeingKilled) {
   EXPECT_EQ(desktop.applications().sendSignal(77, SIGKILL), HLSignalOutcome::sent);
 }
 
-TEST(Application, ThatIsListedDeadHasInvalidElementsAndDiesNoSecondTime) {
-  Desktop desktop(R"({"applications": [{"pid": 4, "terminated": true, "windows": [{"id": "w"}],
+TEST(Application, DiesOnlyOnce) {
+  SimulatedDesktop desktop(R"({"applications": [{"pid": 4, "terminated": true, "windows": [{"id": "w"}],
     "relaunch": {"application": {"pid": 5}}}]})");
   EXPECT_TRUE(desktop.applications().find(4)->terminated);
   EXPECT_EQ(desktop.error("w", "AXRole"), HLAXErrorInvalidElement);
@@ -226,8 +228,8 @@ TEST(Application, ThatIsListedDeadHasInvalidElementsAndDiesNoSecondTime) {
   EXPECT_FALSE(desktop.applications().find(5).has_value());
 }
 
-TEST(Application, MayShowNoWindowsOrFailToSay) {
-  Desktop desktop(R"({"applications": [{"pid": 4}, {"pid": 5, "windows": []}, {"pid": 6, "windows": null}]})");
+TEST(Application, MayFailToListWindows) {
+  SimulatedDesktop desktop(R"({"applications": [{"pid": 4}, {"pid": 5, "windows": []}, {"pid": 6, "windows": null}]})");
   const auto windows = [&desktop](std::int32_t pid) {
     return desktop.accessibility().createApplication(pid)->copyAttributeValue("AXWindows");
   };
@@ -236,8 +238,9 @@ TEST(Application, MayShowNoWindowsOrFailToSay) {
   EXPECT_EQ(windows(6).error, HLAXErrorNoValue);
 }
 
-TEST(Application, MayGiveNoRootElementAndNoObserver) {
-  Desktop desktop(R"({"applications": [{"pid": 4, "elementFails": true}, {"pid": 5, "observerFails": true}]})");
+TEST(Application, MayLackRootAndObserver) {
+  SimulatedDesktop desktop(
+      R"({"applications": [{"pid": 4, "elementFails": true}, {"pid": 5, "observerFails": true}]})");
   const HLObserverCallback nothing = [](const HLElementRef&, std::string_view) {};
   EXPECT_EQ(desktop.accessibility().createApplication(4), nullptr);
   EXPECT_NE(desktop.accessibility().createApplication(5), nullptr);
@@ -248,7 +251,7 @@ TEST(Application, MayGiveNoRootElementAndNoObserver) {
 // Trust
 
 TEST(Trust, IsAskedForAfreshEachTime) {
-  Desktop desktop(Scene(R"({"id": "w", "role": "r"})", R"(, "trusted": false,
+  SimulatedDesktop desktop(Scene(R"({"id": "w", "role": "r"})", R"(, "trusted": false,
     "timeline": [{"at": 1, "trust": true}, {"at": 2, "trust": false}])"));
   const HLElementRef root = desktop.accessibility().createApplication(400);
   EXPECT_FALSE(desktop.accessibility().isProcessTrusted(false));
@@ -260,8 +263,8 @@ TEST(Trust, IsAskedForAfreshEachTime) {
   EXPECT_FALSE(desktop.accessibility().isProcessTrusted(false));
 }
 
-TEST(Trust, IsGrantedOnAPromptOnceTheRunLoopIsIdle) {
-  Desktop desktop(R"({"trusted": false, "services": {"grantOnPrompt": true}})");
+TEST(Trust, FollowsAPromptWhenIdle) {
+  SimulatedDesktop desktop(R"({"trusted": false, "services": {"grantOnPrompt": true}})");
   EXPECT_FALSE(desktop.accessibility().isProcessTrusted(false));
   desktop.runLoop().runFor(1);
   EXPECT_FALSE(desktop.accessibility().isProcessTrusted(true)) << "the call does not wait for the answer";
@@ -271,8 +274,8 @@ TEST(Trust, IsGrantedOnAPromptOnceTheRunLoopIsIdle) {
   EXPECT_TRUE(desktop.accessibility().isProcessTrusted(false));
 }
 
-TEST(Trust, IsNotGrantedOnAPromptByItself) {
-  Desktop desktop(R"({"trusted": false})");
+TEST(Trust, IgnoresAPromptByDefault) {
+  SimulatedDesktop desktop(R"({"trusted": false})");
   EXPECT_FALSE(desktop.accessibility().isProcessTrusted(true));
   desktop.runLoop().runFor(1);
   EXPECT_FALSE(desktop.accessibility().isProcessTrusted(false));

@@ -51,36 +51,36 @@ TEST(Click, CarriesItsModifiers) {
                           "click 2 1048576@1000", "click 2 8388608@1000", "click 4 393216@1000"));
 }
 
-TEST(Click, OfNoneComesWithoutAnEvent) {
+TEST(Click, HasNoEventForNone) {
   MenuBar program(Timeline(R"({"at": 1, "click": "none", "modifiers": ["shift"]})"));
   (void)program.run([&] { installItem(program); });
   EXPECT_THAT(program.entries(), ElementsAre("click@1000"));
 }
 
-TEST(Click, ThatOpensTheMenuChoosesNothing) {
+TEST(Click, ChoosesNothingInTheMenu) {
   MenuBar program(Timeline(R"({"at": 1, "click": "right"})"));
   EXPECT_EQ(program.run([&] { installItem(program, true); }), 0);
   EXPECT_THAT(program.entries(), ElementsAre("click 4 0@1000", "update@1000"));
 }
 
-TEST(Click, WithoutAStatusItemDoesNothing) {
+TEST(Click, NeedsAStatusItem) {
   MenuBar program(Timeline(R"({"at": 1, "click": "left"}, {"at": 1, "openMenu": true})"));
   EXPECT_EQ(program.run(), 0);
 }
 
-TEST(Menu, IsUpdatedEachTimeItIsOpened) {
+TEST(Menu, UpdatesAtEachOpening) {
   MenuBar program(Timeline(R"({"at": 1, "openMenu": true}, {"at": 2, "openMenu": true})"));
   (void)program.run([&] { installItem(program); });
   EXPECT_THAT(program.entries(), ElementsAre("update@1000", "update@2000"));
 }
 
-TEST(Menu, IsOpenedForAChoiceWithoutAClick) {
+TEST(Menu, OpensForAChoice) {
   MenuBar program(Timeline(R"({"at": 1, "choose": "First"}, {"at": 1, "choose": "Second"})"));
   EXPECT_EQ(program.run([&] { installItem(program); }), 0);
   EXPECT_THAT(program.entries(), ElementsAre("update@1000", "first@1000", "update@1000"));
 }
 
-TEST(Menu, IsChosenFromByTheTitlesThatItsUpdateGives) {
+TEST(Menu, UsesUpdatedTitles) {
   MenuBar program(Timeline(R"({"at": 1, "choose": "Renamed"})"));
   EXPECT_EQ(program.run([&] {
     HLMenu menu{"Menu", {{"item", "Old", "", program.noting("chosen")}, {"", "Other", "", {}}}, {}};
@@ -118,7 +118,7 @@ TEST(Press, TogglesACheckBox) {
   for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(program.dumps().at(i)["windows"][0]["content"][0]["on"], i == 1);
 }
 
-TEST(Press, TellsACheckBoxTheStateThatTheProgramGaveItTurnedRound) {
+TEST(Press, InvertsACheckBox) {
   MenuBar program(Timeline(R"({"at": 1, "press": "Box", "window": "W"})"));
   std::unique_ptr<HLWindow> window;
   (void)program.run([&] {
@@ -128,7 +128,7 @@ TEST(Press, TellsACheckBoxTheStateThatTheProgramGaveItTurnedRound) {
   EXPECT_THAT(program.entries(), ElementsAre("off@1000"));
 }
 
-TEST(Press, HasNoEffectOnWhatIsDisabledOrDoesNothing) {
+TEST(Press, IgnoresDisabledControls) {
   MenuBar program(Timeline(R"({"at": 1, "press": "B", "window": "W"}, {"at": 1, "press": "Box", "window": "W"},
     {"at": 1, "key": {"code": 36}}, {"at": 1, "press": "Idle", "window": "W"})"));
   std::unique_ptr<HLWindow> window;
@@ -146,7 +146,7 @@ TEST(Press, HasNoEffectOnWhatIsDisabledOrDoesNothing) {
   EXPECT_EQ(program.dump()["windows"][0]["content"][1]["on"], false);
 }
 
-TEST(Press, MeansTheFrontOneOfTwoWindowsOfOneTitle) {
+TEST(Press, PrefersTheFrontWindow) {
   MenuBar program(Timeline(R"({"at": 1, "press": "B", "window": "W"}, {"at": 2, "press": "B", "window": "W"})"));
   std::unique_ptr<HLWindow> first;
   std::unique_ptr<HLWindow> second;
@@ -158,7 +158,7 @@ TEST(Press, MeansTheFrontOneOfTwoWindowsOfOneTitle) {
   EXPECT_THAT(program.entries(), ElementsAre("second@1000", "first@2000"));
 }
 
-TEST(Window, ThatTheUserClosesIsHiddenAndKept) {
+TEST(Window, IsHiddenWhenTheUserCloses) {
   MenuBar program(Timeline(R"({"at": 1, "closeWindow": "W"}, {"at": 3, "closeWindow": "W"})"));
   std::unique_ptr<HLWindow> window;
   EXPECT_EQ(program.run([&] {
@@ -173,7 +173,7 @@ TEST(Window, ThatTheUserClosesIsHiddenAndKept) {
   EXPECT_EQ(program.dumps().at(1)["windows"][0]["visible"], true);
 }
 
-TEST(Window, ThatTheProgramClosesTellsItOnce) {
+TEST(Window, ReportsClosingOnce) {
   MenuBar program("{}");
   const std::unique_ptr<HLWindow> window = program.open("W");
   window->close();
@@ -202,7 +202,7 @@ std::vector<bool> keyWindows(const json& dump) {
   return key;
 }
 
-TEST(Windows, HaveTheOneInFrontThatWasOrderedThereLast) {
+TEST(Windows, OrderTheLastShownInFront) {
   MenuBar program(Timeline(R"({"at": 3, "closeWindow": "B"}, {"at": 4, "closeWindow": "A"})"));
   std::unique_ptr<HLWindow> a;
   std::unique_ptr<HLWindow> b;
@@ -224,7 +224,7 @@ TEST(Windows, HaveTheOneInFrontThatWasOrderedThereLast) {
 
 // Keys
 
-TEST(Return, PressesTheButtonOfTheFrontWindowThatHasIt) {
+TEST(Return, PressesTheFrontWindowsButton) {
   MenuBar program(Timeline(R"({"at": 1, "key": {"code": 36}}, {"at": 2, "key": {"code": 76}},
     {"at": 3, "closeWindow": "B"}, {"at": 4, "key": {"code": 36, "modifiers": [], "characters": "\r"}})"));
   std::unique_ptr<HLWindow> a;
@@ -236,7 +236,7 @@ TEST(Return, PressesTheButtonOfTheFrontWindowThatHasIt) {
   EXPECT_THAT(program.entries(), ElementsAre("of B@1000", "closed B@3000", "of A@4000"));
 }
 
-TEST(Key, OfAProgramWithoutAnOpenWindowIsNotSeen) {
+TEST(Key, NeedsAnOpenWindow) {
   MenuBar program(Timeline(R"({"at": 1, "key": {"code": 36}}, {"at": 1, "key": {"code": 45}})"));
   std::unique_ptr<HLWindow> window;
   std::unique_ptr<HLKeyMonitor> monitor;
@@ -248,7 +248,7 @@ TEST(Key, OfAProgramWithoutAnOpenWindowIsNotSeen) {
   EXPECT_THAT(program.entries(), IsEmpty());
 }
 
-TEST(Key, ThatIsRecordedGoesNoFurther) {
+TEST(Key, StopsAtTheMonitor) {
   MenuBar program(Timeline(R"({"at": 1, "key": {"code": 36, "modifiers": ["command", "function"]}},
     {"at": 2, "key": {"code": 45, "characters": "n"}}, {"at": 3, "key": {"code": 36}})"));
   std::unique_ptr<HLWindow> window;
@@ -270,7 +270,7 @@ TEST(Key, ThatIsRecordedGoesNoFurther) {
 
 // Hot keys
 
-TEST(Shortcut, FiresTheHotKeyThatIsRegisteredForIt) {
+TEST(Shortcut, FiresTheRegisteredHotKey) {
   MenuBar program(Timeline(R"({"at": 1, "shortcut": {"code": 45, "modifiers": ["command", "control", "option"]}},
     {"at": 2, "shortcut": {"code": 45, "modifiers": ["command", "control"]}},
     {"at": 3, "shortcut": {"code": 46, "modifiers": ["command", "control", "option"]}},
@@ -299,7 +299,7 @@ TEST(Shortcut, FiresTheHotKeyThatIsRegisteredForIt) {
   EXPECT_EQ(program.dumps().at(3)["hotKey"], json::parse(R"({"code": 45, "modifiers": 6400})"));
 }
 
-TEST(HotKeyEvent, ArrivesWithTheIdentityThatTheSceneGives) {
+TEST(HotKeyEvent, HasTheIdentityOfTheScene) {
   MenuBar program(Timeline(R"({"at": 1, "hotKey": {"signature": "HLhk", "id": 4294967295}}, {"at": 2, "hotKey": null},
     {"at": 3, "shortcut": {"code": 1}})"));
   EXPECT_EQ(program.run([&] {
@@ -315,7 +315,7 @@ TEST(HotKeyEvent, ArrivesWithTheIdentityThatTheSceneGives) {
   EXPECT_EQ(program.dump()["hotKeyAnswer"], -9874);
 }
 
-TEST(HotKeyEvent, WithoutAHandlerDoesNothing) {
+TEST(HotKeyEvent, NeedsAHandler) {
   MenuBar program(Timeline(R"({"at": 1, "hotKey": {"signature": "HLhk", "id": 1}})"));
   EXPECT_EQ(program.run(), 0);
   EXPECT_EQ(program.dump()["hotKeyAnswer"], nullptr);
@@ -328,7 +328,7 @@ struct Absence {
   const char* line;
 };
 
-TEST(Title, ThatIsNotThereEndsTheProgramWithOneLine) {
+TEST(Title, EndsTheProgramWhenUnknown) {
   for (const Absence& absence : std::vector<Absence>{
            {R"("choose": "Third")", "timeline: the menu has no item \"Third\""},
            {R"("choose": "")", "timeline: the menu has no item \"\""},
