@@ -13,7 +13,7 @@ namespace {
 
 std::unique_ptr<HLSimulator> makeSimulator(std::string_view scene, HLSimulatorSetup setup, const std::string& home) {
   setup.environment.emplace("HOME", home);
-  auto made = HLMakeSimulator(scene, "scene", std::move(setup));
+  auto made = HLMakeSimulator(scene, "scene.json", std::move(setup));
   if (const auto* failure = std::get_if<std::string>(&made)) throw std::runtime_error(*failure);
   return std::move(std::get<std::unique_ptr<HLSimulator>>(made));
 }
