@@ -17,6 +17,9 @@ bool isButton(const HLRawNode& node) { return node.role == HLRawRole::pushButton
 
 bool isLabel(const HLRawNode& node) { return node.is(HLRoleTrait::kLabel); }
 
+// Its labels are what it asks for, such as a reply, no texts of the notification.
+bool isTextField(const HLRawNode& node) { return node.role == HLRawRole::text; }
+
 bool hasBannerRole(const HLRawNode& node) {
   return node.isShowing() && (node.role == HLRawRole::notification || node.role == HLRawRole::alert);
 }
@@ -41,7 +44,7 @@ HLBanner bannerAt(const HLRawTree& tree, int index) {
     const bool button = i != index && isButton(at(tree, i));
     if (button) banner.buttons.push_back(i);
     if (!button && isLabel(at(tree, i))) banner.labels.push_back(i);
-    return !button && !isLabel(at(tree, i));
+    return !button && !isLabel(at(tree, i)) && !isTextField(at(tree, i));
   });
   return banner;
 }
@@ -186,7 +189,8 @@ int wholeBanner(const HLRawTree& tree, int index, std::size_t inWindow) {
   const bool alone = inWindow == 1 && parent > 0 && at(tree, parent).parent == 0;
   if (!alone || mayBeWholeBanner(tree, index)) return index;
   for (int sibling : at(tree, parent).children) {
-    const bool simple = isButton(at(tree, sibling)) || isLabel(at(tree, sibling));
+    const HLRawNode& beside = at(tree, sibling);
+    const bool simple = isButton(beside) || isLabel(beside) || isTextField(beside);
     if (sibling != index && !simple && anyBelow(tree, sibling, isContent)) return index;
   }
   return parent;

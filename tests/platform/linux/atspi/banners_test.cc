@@ -80,6 +80,31 @@ TEST(RecordedBanners, PlasmaKeepsTheCloseButtonBesideTheNotification) {
   EXPECT_THAT(controlsOf(tree), ElementsAre("Close/Mail 0", "Close/Chat 0"));
 }
 
+TEST(RecordedBanners, PlasmaMayAskForAReply) {
+  const HLRawTree tree = ParseTree(R"(
+frame '' [908 515 336x125]
+  tool bar '' [914 515 324x30]
+  label 'Chat' [914 522 281x17]
+  button 'Configure' / 'Chat' (hidden)
+    label 'Configure' (hidden)
+  button 'Close' / 'Chat' [1214 515 30x30] <Press> <SetFocus> <Press>
+    label 'Close' (hidden)
+  notification 'Ada' / 'Lunch?  from Chat' [914 545 324x35]
+    label 'Ada' [914 545 320x17]
+    panel ''
+      text '' [914 563 254x17] <SetFocus>
+        label '' (hidden)
+  button 'Reply' [1187 605 51x30] <Press> <SetFocus> <Press>
+    label 'Reply'
+  text '' / 'Reply to Ada' [914 605 252x30] <SetFocus>
+    label 'Reply to Ada'
+  button 'Send' [1170 605 68x30] <Press> <SetFocus>
+    label 'Send'
+)");
+  EXPECT_THAT(textsOf(tree), ElementsAre("Chat, Ada, Lunch?  from Chat"));
+  EXPECT_THAT(controlsOf(tree), ElementsAre("Close/Chat 0"));
+}
+
 TEST(RecordedBanners, CinnamonHasACloseButtonThatCannotBePressed) {
   const HLRawTree tree = RecordedTree("cinnamon");
   EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world"));
