@@ -7,6 +7,7 @@
 
 #include "platform/platform.h"
 #include "platform/run_loop.h"
+#include "tests/support/flushed_stream.h"
 #include "tests/support/scenes.h"
 #include "tests/support/simulated_desktop.h"
 
@@ -149,7 +150,27 @@ TEST(AutoCloser, RepeatsAfterAConfiguredDelay) {
   EXPECT_EQ(closer.handled().size(), 1U);
 }
 
-TEST(AutoCloser, HandlesLayoutChangesOfDescendants) {
+TEST(AutoCloser, RestartsTheDelayAfterForgetting) {
+  const auto event = [](double at, const std::string& id) {
+    return R"({"at": )" + std::to_string(at) + R"(, "notify": "AXLayoutChanged", "element": ")" + id + "\"}";
+  };
+  std::string alerts = banner("a", kBanner, R"("Name:Close")");
+  std::string events = event(1, "a");
+  for (int i = 1; i <= 200; ++i) {
+    const std::string id = "other" + std::to_string(i);
+    alerts += "," + banner(id, std::string(kBanner) + " " + id, R"("Name:Close")");
+    events += "," + event(2, id);
+  }
+  // Closed at 1, forgotten at 2, closed again at 3 for ten seconds.
+  for (const double at : {3.0, 12.0}) events += "," + event(at, "a");
+  SimulatedDesktop desktop(scene(alerts, R"(,"timeline": [)" + events + "]"));
+  HLAutoCloser closer;
+  closer.setRepeatAfter(10);
+  watch(closer, 20);
+  EXPECT_EQ(closer.closed(), 202);
+}
+
+TEST(AutoCloser, IgnoresOtherNotifications) {
   SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"),
                                  R"(,"timeline": [{"at": 0.5, "notify": "AXCreated", "element": "a"}])"));
   HLAutoCloser closer;
@@ -165,7 +186,7 @@ TEST(AutoCloser, MatchesNothingWithoutRules) {
   EXPECT_EQ(presses(desktop), Presses{});
 }
 
-TEST(AutoCloser, StartedTwiceItWatchesOnce) {
+TEST(AutoCloser, WatchesOnceWhenStartedTwice) {
   SimulatedDesktop desktop(
       scene(banner("a", kBanner, R"("Name:Close")", R"(,"onAction": {"Name:Close": {"error": -25204}})"),
             layoutChanges({"a"})));
@@ -193,7 +214,7 @@ TEST(AutoCloser, KeepsItsCountWhenStopped) {
   EXPECT_EQ(presses(desktop).size(), 1U);
 }
 
-TEST(AutoCloser, SaysWhyItCouldNotStart) {
+TEST(AutoCloser, LogsWhyItCouldNotStart) {
   {
     SimulatedDesktop desktop("{" + kProduct.substr(1) + "}");
     HLAutoCloser closer;
@@ -230,6 +251,15 @@ TEST(AutoCloseProbe, PrintsHowManyItClosed) {
   EXPECT_EQ(HLRunAutoCloseProbe(2.5, out), 0);
   EXPECT_EQ(out.str(), "watching\nclosed=2\n");
   EXPECT_EQ(desktop.elapsedMicroseconds(), 2'500'000);
+}
+
+TEST(AutoCloseProbe, FlushesBeforeItWatches) {
+  SimulatedDesktop desktop(scene(""));
+  FlushedStream out;
+  std::string flushed;
+  desktop.runLoop().postToMainQueueAfter(0.5, [&] { flushed = out.flushed(); });
+  EXPECT_EQ(HLRunAutoCloseProbe(1, out), 0);
+  EXPECT_EQ(flushed, "watching\n");
 }
 
 TEST(AutoCloseProbe, UsesTheBuiltInRuleAlone) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/terminal.h"
+#include "tests/support/flushed_stream.h"
 #include "tests/support/scenes.h"
 #include "tests/support/simulated_desktop.h"
 
@@ -136,6 +137,23 @@ TEST(Observer, PrintsEachEventWithItsTime) {
                 kNoButtons + " desc=Mail, Lunch");
   EXPECT_EQ(second[2], "AXValueChanged role=AXWindow subrole=(none) frame=null actions=(none) context=axwindow" +
                            kNoButtons + " desc=");
+}
+
+TEST(Observer, FlushesEachLine) {
+  SimulatedDesktop desktop(NotificationCenterScene(
+      R"({"id": "w", "role": "AXWindow"})", R"(,"timeline": [{"at": 1, "notify": "AXCreated", "element": "w"}])"));
+  FlushedStream out;
+  std::ostringstream err;
+  std::vector<std::string> flushed;
+  for (const double at : {0.5, 1.5}) {
+    desktop.runLoop().postToMainQueueAfter(at, [&] {
+      EXPECT_EQ(out.flushed(), out.written());
+      flushed.push_back(out.flushed());
+    });
+  }
+  EXPECT_EQ(HLObserveNotificationCenter(2, out, err), 0);
+  ASSERT_EQ(flushed.size(), 2U);
+  EXPECT_LT(flushed[0].size(), flushed[1].size());
 }
 
 std::string descriptionOn(bool terminal) {
