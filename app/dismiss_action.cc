@@ -3,7 +3,6 @@
 #include "app/access.h"
 #include "app/app_delegate.h"
 #include "app/dismiss_feedback.h"
-#include "app/failure.h"
 #include "base/log.h"
 #include "base/paths.h"
 #include "daemon/routing.h"

@@ -3,6 +3,11 @@
 #include <cmath>
 
 #include "base/format.h"
+#include "core/scan/context.h"
+#include "core/scan/element_access.h"
+#include "core/scan/notification_center.h"
+#include "core/scan/tree_scan.h"
+#include "core/scan/tree_walk.h"
 
 std::string HLBusyTitle(bool isProductFlavor) { return isProductFlavor ? "" : "HL…"; }
 
@@ -12,3 +17,39 @@ std::string HLProgressTitle(bool isProductFlavor, std::int64_t count) {
 }
 
 std::int64_t HLElapsedMilliseconds(double seconds) { return std::llround(seconds * 1000); }
+
+bool HLHasBanner() {
+  const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
+  if (!center || !HLIsAccessibilityTrusted(false)) return false;
+  const HLElementRef application = HLNotificationCenterElement(center->pid);
+  if (application == nullptr) return false;
+  bool found = false;
+  for (const HLElementRef& window : HLNotificationWindows(*application)) {
+    HLWalkTree({window, HLContext()}, HLScanLimit, [&found](const HLVisit& visit) {
+      found = found || visit.facts.subrole == "AXNotificationCenterAlert" ||
+              visit.facts.subrole == "AXNotificationCenterBanner";
+      return found ? HLDescent::prune : HLDescent::enter;
+    });
+  }
+  return found;
+}
+
+std::optional<std::string> HLFailureReason(const HLDismissResult& result, bool hasBanner,
+                                           const std::string& applicationName) {
+  switch (result.status) {
+    case HLDismissStatusSuccess:
+      return std::nullopt;
+    case HLDismissStatusNothing:
+      if (!hasBanner) return std::nullopt;
+      return HLFormat("%@ finds no close button on the notifications that your desktop shows.", applicationName);
+    case HLDismissStatusAccessDenied:
+      return HLFormat("%@ cannot see your notifications, because accessibility is off.", applicationName);
+    case HLDismissStatusNotificationCenterUnavailable:
+      return HLFormat("%@ finds no program that shows notifications.", applicationName);
+    case HLDismissStatusFailed:
+      break;
+  }
+  if (result.remaining == 1) return "One notification could not be closed.";
+  if (result.remaining > 1) return HLFormat("%ld notifications could not be closed.", result.remaining);
+  return "Some notifications could not be closed.";
+}

@@ -46,45 +46,19 @@ std::string adviceFor(HLDismissStatus status) {
   return "";
 }
 
-void printResult(const HLDismissResult& result, const HLModeCall& call) {
+// Returns the exit code, the same for every result.
+int printResult(const HLDismissResult& result, const HLModeCall& call) {
   call.out << HLResultWireString(result) << std::endl;  // before the advice, where both go to one terminal
-  if (!HLIsTerminal(call.err)) return;
-  if (const std::string advice = adviceFor(result.status); !advice.empty()) call.err << advice << '\n';
-}
-
-int requestAccessibility(const HLModeCall&) { return HLRequestAccessibility(true) ? EXIT_FAILURE : EXIT_SUCCESS; }
-
-int daemon(const HLModeCall&) { return HLRunTrustedDaemon(); }
-
-int daemonDismiss(const HLModeCall& call) {
-  printResult(HLDismissNotificationsPreferTrustedDaemon(), call);
+  const std::string advice = HLIsTerminal(call.err) ? adviceFor(result.status) : "";
+  if (!advice.empty()) call.err << advice << '\n';
   return EXIT_SUCCESS;
 }
-
-int daemonSelfCheck(const HLModeCall& call) { return HLLocalDaemonSelfCheck(call.out); }
 
 int autoCloseMatch(const HLModeCall& call) {
   const bool match = HLAlertDescriptionMatchesAutoClose(call.value, HLAutoCloseRules(std::nullopt));
   call.out << (match ? "match" : "no") << '\n';
   return EXIT_SUCCESS;
 }
-
-int closeMatching(const HLModeCall& call) { return HLCloseMatchingAlerts(call.value, call.out); }
-
-int autoCloseProbe(const HLModeCall& call) { return HLRunAutoCloseProbe(call.seconds, call.out); }
-
-int observe(const HLModeCall& call) { return HLObserveNotificationCenter(call.seconds, call.out, call.err); }
-
-int selfCheck(const HLModeCall& call) { return HLSelfCheck(call.out); }
-
-int sendTestNotifications(const HLModeCall&) { return HLSendTestNotifications(); }
-
-int dismissNow(const HLModeCall& call) {
-  printResult(HLDismissNotificationsNow(), call);
-  return EXIT_SUCCESS;
-}
-
-int menuBarApplication(const HLModeCall& call) { return HLRunApplication(call.err); }
 
 int help(const HLModeCall& call);
 
@@ -93,27 +67,27 @@ int version(const HLModeCall& call) {
   return EXIT_SUCCESS;
 }
 
-int explain(const HLModeCall& call) { return HLExplainScreen(call.out, call.err); }
-
-int recordScene(const HLModeCall& call) { return HLRecordScene(call.value, kProgram, call.out, call.err); }
+using Call = const HLModeCall&;
+using enum HLModeValue;
 
 constexpr std::array<HLMode, 16> kModes = {{
-    {"--request-accessibility", HLModeValue::none, requestAccessibility},
-    {"--daemon", HLModeValue::none, daemon},
-    {"--daemon-dismiss", HLModeValue::none, daemonDismiss},
-    {"--daemon-self-check", HLModeValue::none, daemonSelfCheck},
-    {"--auto-close-match", HLModeValue::required, autoCloseMatch},
-    {"--close-matching", HLModeValue::required, closeMatching},
-    {"--auto-close-probe", HLModeValue::seconds, autoCloseProbe},
-    {"--observe-nc", HLModeValue::seconds, observe},
-    {"--self-check", HLModeValue::none, selfCheck},
-    {"--send-test-notifications", HLModeValue::none, sendTestNotifications},
-    {"--dismiss-now", HLModeValue::none, dismissNow},
-    {"--help", HLModeValue::none, help},
-    {"--version", HLModeValue::none, version},
-    {"--explain", HLModeValue::none, explain},
-    {"--record-scene", HLModeValue::required, recordScene},
-    {"", HLModeValue::none, menuBarApplication},
+    {"--request-accessibility", none, [](Call) { return HLRequestAccessibility(true) ? EXIT_FAILURE : EXIT_SUCCESS; }},
+    {"--daemon", none, [](Call) { return HLRunTrustedDaemon(); }},
+    {"--daemon-dismiss", none,
+     [](Call call) { return printResult(HLDismissNotificationsPreferTrustedDaemon(), call); }},
+    {"--daemon-self-check", none, [](Call call) { return HLLocalDaemonSelfCheck(call.out); }},
+    {"--auto-close-match", required, autoCloseMatch},
+    {"--close-matching", required, [](Call call) { return HLCloseMatchingAlerts(call.value, call.out); }},
+    {"--auto-close-probe", seconds, [](Call call) { return HLRunAutoCloseProbe(call.seconds, call.out); }},
+    {"--observe-nc", seconds, [](Call call) { return HLObserveNotificationCenter(call.seconds, call.out, call.err); }},
+    {"--self-check", none, [](Call call) { return HLSelfCheck(call.out); }},
+    {"--send-test-notifications", none, [](Call) { return HLSendTestNotifications(); }},
+    {"--dismiss-now", none, [](Call call) { return printResult(HLDismissNotificationsNow(), call); }},
+    {"--help", none, help},
+    {"--version", none, version},
+    {"--explain", none, [](Call call) { return HLExplainScreen(call.out, call.err); }},
+    {"--record-scene", expected, [](Call call) { return HLRecordScene(call.value, kProgram, call.out, call.err); }},
+    {"", none, [](Call call) { return HLRunApplication(call.err); }},
 }};
 
 void printSwitch(const HLSwitchText& text, std::ostream& out) {
@@ -182,6 +156,8 @@ HLSelectedMode HLSelectMode(const std::vector<std::string>& arguments) {
       case HLModeValue::required:
         if (isLast) continue;
         return {mode, found[1], 0};
+      case HLModeValue::expected:
+        return {mode, isLast ? "" : found[1], 0};
       case HLModeValue::seconds:
         return {mode, "", isLast ? kDefaultSeconds : secondsOf(found[1])};
     }

@@ -21,6 +21,7 @@ using HLModeFunction = int (*)(const HLModeCall& call);
 enum class HLModeValue {
   none,
   required,  // the argument after the switch; without one the mode does not apply
+  expected,  // the argument after the switch; "" without one, which is for the mode to refuse
   seconds,   // the same as a number, with a default
 };
 

@@ -58,7 +58,7 @@ std::optional<std::string> publish(const std::string& draft, const std::string& 
 // stays as it is.
 std::optional<std::string> createFile(const std::string& path, std::string_view text) {
   std::signal(SIGXFSZ, SIG_IGN);  // beyond the file size limit a write then fails, and does not end the process
-  std::string draft = path + ".XXXXXX";
+  std::string draft = path.substr(0, path.rfind('/') + 1) + ".hushlet-XXXXXX";
   const int file = ::mkstemp(draft.data());
   if (file < 0) return systemMessage();
   std::optional<std::string> mistake = writeAll(file, text);
@@ -87,7 +87,8 @@ std::variant<HLRecording, std::string> HLRecordingOf(std::unique_ptr<HLCapture> 
 
 int HLRecordScene(const std::string& path, const std::string& program, std::ostream& out, std::ostream& err) {
   const auto fail = [&err, &path](const std::string& reason) {
-    err << "hushlet: " << HLVisibleText(HLEncodableText(path)) << ": not recorded: " << reason << '\n';
+    err << "hushlet: " << HLVisibleText(HLEncodableText(path)) << (path.empty() ? "" : ": ")
+        << "not recorded: " << reason << '\n';
     return EXIT_FAILURE;
   };
   if (path.empty() || path.starts_with("--")) return fail("a path is expected");

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "app/failure.h"
-
 namespace {
 
 TEST(BusyTitle, IsEmptyBesideAnImage) {

@@ -32,6 +32,7 @@ std::vector<std::string> argumentsOf(const HLMode& mode) {
     case HLModeValue::none:
       return {name};
     case HLModeValue::required:
+    case HLModeValue::expected:
       return {name, "/nonexistent/Ünïcode, x"};  // which is no file to write, either
     case HLModeValue::seconds:
       return {name, "0.01"};

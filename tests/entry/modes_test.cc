@@ -27,7 +27,7 @@ const std::vector<std::pair<std::string, HLModeValue>> kTable = {{"--request-acc
                                                                  {"--help", HLModeValue::none},
                                                                  {"--version", HLModeValue::none},
                                                                  {"--explain", HLModeValue::none},
-                                                                 {"--record-scene", HLModeValue::required}};
+                                                                 {"--record-scene", HLModeValue::expected}};
 
 std::string selected(Arguments arguments) {
   arguments.insert(arguments.begin(), "/opt/hushlet/hushlet");
@@ -62,7 +62,7 @@ TEST(Help, ListsEveryModeWithItsSummary) {
   const std::string text = outputOf("--help");
   EXPECT_EQ(text.find("Usage: hushlet "), 0U);
   for (const auto& [name, value] : kTable) {
-    const std::string placeholder = name == "--record-scene"         ? " FILE"
+    const std::string placeholder = value == HLModeValue::expected   ? " FILE"
                                     : value == HLModeValue::none     ? ""
                                     : value == HLModeValue::required ? " TEXT"
                                                                      : " [SECONDS]";
@@ -177,11 +177,17 @@ TEST(ModeValue, ReadsLeadingSeconds) {
 TEST(ModeValue, OthersHaveNone) {
   for (const auto& [name, value] : kTable) {
     const HLSelectedMode mode = HLSelectMode({"hushlet", name, "2.5"});
-    EXPECT_EQ(mode.value, value == HLModeValue::required ? "2.5" : "") << name;
+    const bool hasText = value == HLModeValue::required || value == HLModeValue::expected;
+    EXPECT_EQ(mode.value, hasText ? "2.5" : "") << name;
     EXPECT_EQ(mode.seconds, value == HLModeValue::seconds ? 2.5 : 0.0) << name;
   }
   EXPECT_EQ(HLSelectMode({"hushlet", "text"}).value, "");
   EXPECT_EQ(HLSelectMode({"hushlet", "2.5"}).seconds, 0.0);
+}
+
+TEST(ModeValue, MayBeMissingWhereTheModeRefusesThat) {
+  EXPECT_EQ(selected({"--record-scene"}), "--record-scene");
+  EXPECT_EQ(HLSelectMode({"hushlet", "--record-scene"}).value, "");
 }
 
 TEST(ModeValue, ConsumesASwitch) {
