@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "app/failure.h"
 #include "base/format.h"
 #include "core/scan/context.h"
 #include "core/scan/element_access.h"
@@ -67,22 +68,27 @@ HLTrialReport notTried(const char* reason) {
   return {HLFormat("%@: not tried", std::string(reason)), HLTextColor::secondary};
 }
 
-HLTrialReport cannotBeCleared(const std::string& server, const char* reason) {
-  return {HLFormat("%@ cannot be cleared, because %@.", server, std::string(reason)), HLTextColor::orange};
+HLTrialReport cannotBeCleared(const std::string& server, const std::string& reason) {
+  return {HLFormat("%@ cannot be cleared, because %@.", server, reason), HLTextColor::orange};
 }
 
 HLTrialReport notShown(const std::string& server) {
+  if (HLHasBanner()) return notTried("Other banners leave no room, clear them first");
   return {
-      HLFormat("%@ showed no banner that can be read. Do not disturb may be on, or other banners may leave no room. "
-               "If accessibility was switched on just now, log out and in once.",
-               server),
+      HLFormat(
+          "%@ showed no banner that can be read. Do not disturb may be on. If accessibility was switched on just now, "
+          "log out and in once.",
+          server),
       HLTextColor::orange};
 }
 
-HLTrialReport clear(const std::string& title, const std::string& server) {
+HLTrialReport clear(HLTrials& trials, const std::string& title, const std::string& server) {
   Look look = lookUntil(title, kAppearTimeout, [](const Look& seen) { return seen.isShown; });
   if (!look.isReadable) return cannotBeCleared(server, "it does not offer its windows to assistive programs");
-  if (!look.isShown) return notShown(server);
+  if (!look.isShown) {
+    const std::optional<std::string> reason = trials.unclosableReason();
+    return reason ? cannotBeCleared(server, *reason) : notShown(server);
+  }
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto canBePressed = [](const Look& seen) { return seen.target || !seen.isShown; };
     look = lookUntil(title, kCloseButtonTimeout, canBePressed);
@@ -103,7 +109,7 @@ HLTrialReport HLRunTrial(HLTrials& trials, const std::string& title) {
   const auto notification = trials.post(title, "This notification clears itself.");
   if (notification == nullptr) return notTried("Your desktop accepts no notifications");
   const std::optional<std::string> name = trials.serverName();
-  HLTrialReport report = clear(title, name ? "Your notification server " + *name : "Your notification server");
+  HLTrialReport report = clear(trials, title, name ? "Your notification server " + *name : "Your notification server");
   if (report.color != HLTextColor::green) notification->withdraw();
   return report;
 }

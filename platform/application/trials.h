@@ -28,6 +28,10 @@ class HLTrials {
   // Returns name and version of the notification server, such as "dunst 1.9.0", or nullopt if there is none.
   [[nodiscard]] virtual std::optional<std::string> serverName() = 0;
 
+  // Returns why no program can close the server's banners, such as "its banners go by themselves"; nullopt if no such
+  // reason is known.
+  [[nodiscard]] virtual std::optional<std::string> unclosableReason() = 0;
+
   // Returns whether the server keeps banners back because the user does not want to be disturbed; nullopt if that
   // cannot be read.
   [[nodiscard]] virtual std::optional<bool> isDoNotDisturbOn() = 0;

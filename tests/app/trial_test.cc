@@ -30,9 +30,11 @@ class SceneTrials : public HLTrials {
   std::optional<std::string> name = "Bannerd 1.2";
   std::optional<bool> doNotDisturb;
   bool accepts = true;
+  std::optional<std::string> obstacle;
   Calls calls;
 
   std::optional<std::string> serverName() override { return name; }
+  std::optional<std::string> unclosableReason() override { return obstacle; }
   std::optional<bool> isDoNotDisturbOn() override { return doNotDisturb; }
   std::unique_ptr<HLTrialNotification> post(const std::string& title, const std::string&) override {
     calls.push_back("post " + title);
@@ -132,12 +134,27 @@ TEST(Trial, NamesAnUnreadableServer) {
 }
 
 TEST(Trial, ReportsAMissingBanner) {
-  Application application(sceneWith("", closable("other", "Other")));
+  Application application(sceneWith(""));
   SceneTrials trials;
   EXPECT_THAT(HLRunTrial(trials, kTitle).text,
               HasSubstr("Bannerd 1.2 showed no banner that can be read. Do not disturb"));
   EXPECT_EQ(trials.calls.back(), "withdraw");
+}
+
+TEST(Trial, ReportsThatOthersLeaveNoRoom) {
+  Application application(sceneWith("", closable("other", "Other")));
+  SceneTrials trials;
+  EXPECT_EQ(HLRunTrial(trials, kTitle).text, "Other banners leave no room, clear them first: not tried");
+  EXPECT_EQ(trials.calls.back(), "withdraw");
   EXPECT_EQ(descriptions().size(), 1U);
+}
+
+TEST(Trial, NamesAnUnclearableServer) {
+  Application application(sceneWith(""));
+  SceneTrials trials;
+  trials.obstacle = "its bubbles go by themselves";
+  EXPECT_EQ(HLRunTrial(trials, kTitle).text,
+            "Your notification server Bannerd 1.2 cannot be cleared, because its bubbles go by themselves.");
 }
 
 TEST(Trial, ReportsABannerThatExpired) {

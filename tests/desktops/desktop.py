@@ -10,7 +10,7 @@ from bus import NAME, PATH, Bus, Sender
 from servers import Server
 from session import Session, wait_until
 
-PICTURE_RIGHT = "org.gnome.SettingsDaemon.MediaKeys"  # GNOME Shell takes pictures for the owner of this name
+PICTURE_RIGHT = "org.freedesktop.impl.portal.desktop.gnome"  # GNOME Shell takes pictures for the owner of this name
 START_LIMIT = 60
 IDLE_TIME = 5  # seconds
 QUIET = 1.0  # seconds without a change, until a desktop has started
@@ -53,8 +53,11 @@ class Desktop(Session):
         if server.screen == "own":
             self.environment["XDG_SESSION_TYPE"] = "wayland"
         self._silence_welcome()
-        self.processes = [self.start(command) for command in server.commands]
+        for command in server.commands:
+            self.start(command)
         wait_until(lambda: self.bus.has_owner(NAME), START_LIMIT, server.name)
+        if server.screen == "own":
+            self.environment["WAYLAND_DISPLAY"] = "wayland-0"
         if server.shell:
             time.sleep(QUIET * 5)
         if "gnome" in server.name:

@@ -5,6 +5,7 @@ import string
 
 from cases import CASES
 from servers import SERVERS, Server
+from trials import TRIALS
 
 BEGIN = "<!-- {} by make desktops -->"
 END = "<!-- end -->"
@@ -84,7 +85,7 @@ def _replace(path: pathlib.Path, name: str, table: str):
 def write(root: pathlib.Path, results: pathlib.Path):
     known = {name: json.loads((results / f"{name}.json").read_text()) for name in SERVERS
              if (results / f"{name}.json").exists()}
-    cleared, times, short, reasons = [], [], [], []
+    cleared, times, trials, short, reasons = [], [], [], [], []
     for name, server in SERVERS.items():
         stored = known.get(name, {"version": "", "outcomes": {}})
         outcomes = stored["outcomes"]
@@ -93,6 +94,7 @@ def write(root: pathlib.Path, results: pathlib.Path):
                         _kept(server, outcomes.get("five"))])
         times.append([title, *(_time(outcomes.get(case.name)) for case in CASES.values() if case.timed),
                       *_idle(stored.get("idle"))])
+        trials.append([title, *(stored.get("trials", {}).get(trial, "") for trial in TRIALS)])
         short.append([title, _verdict(outcomes), server.remark])
     _replace(root / "docs/desktops.md", "cleared",
              _rows(["server", *(case.title for case in CASES.values()), "stays, of 5"], cleared) +
@@ -100,4 +102,5 @@ def write(root: pathlib.Path, results: pathlib.Path):
                      for index, reason in enumerate(reasons)))
     _replace(root / "docs/desktops.md", "times",
              _rows(["server", *(case.title for case in CASES.values() if case.timed), "daemon, MiB", "wake-ups"], times))
+    _replace(root / "docs/desktops.md", "trials", _rows(["server", *TRIALS.values()], trials))
     _replace(root / "README.md", "servers", _rows(["server", "cleared?", ""], short))

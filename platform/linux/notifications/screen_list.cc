@@ -122,7 +122,8 @@ std::optional<Listed> listByConfiguration(HLServerConnection& connection, const 
   std::uint32_t count = 0;
   if (!state || sd_bus_message_read(state.message.get(), "(bbu)", &isQuiet, &isCenterOpen, &count) <= 0)
     return std::nullopt;
-  if (isQuiet != 0 || isCenterOpen != 0 || count == 0) return Listed();
+  if (isQuiet != 0 || isCenterOpen != 0) return Listed();
+  if (count == 0 && !open) return Listed();  // the count leaves transient ones out
   const HLBusReply reply = connection.call(
       {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetConnectionUnixProcessID"}, "s",
       server.owner.c_str());

@@ -44,6 +44,23 @@ std::optional<bool> swayncSetting(HLServerConnection& connection) {
   return booleanIn(connection.call({kService, "/org/erikreider/swaync/cc", kService, "GetDnd"}), nullptr);
 }
 
+std::optional<bool> budgieSetting(HLServerConnection& connection) {
+  return booleanIn(connection.call({"org.budgie_desktop.Notifications", "/org/budgie_desktop/Notifications",
+                                    "org.buddiesofbudgie.budgie.Dispatcher", "GetDoNotDisturb"}),
+                   nullptr);
+}
+
+// The mode that mako's manual proposes. What a mode hides is the user's choice.
+std::optional<bool> makoSetting(HLServerConnection& connection) {
+  const HLBusReply reply =
+      connection.call({HLNotificationService, "/fr/emersion/Mako", "fr.emersion.Mako", "ListModes"});
+  if (!reply || sd_bus_message_enter_container(reply.message.get(), 'a', "s") <= 0) return std::nullopt;
+  for (const char* mode = nullptr; sd_bus_message_read_basic(reply.message.get(), 's', &mode) > 0;) {
+    if (std::string_view(mode) == "do-not-disturb") return true;
+  }
+  return false;
+}
+
 std::optional<bool> xfceSetting(HLServerConnection& connection) {
   constexpr const char* kService = "org.xfce.Xfconf";
   const HLBusReply reply = connection.call({kService, "/org/xfce/Xfconf", kService, "GetProperty"}, "ss",
@@ -75,6 +92,8 @@ std::optional<bool> HLReadDoNotDisturb(HLServerConnection& connection, const std
   if (const auto inhibited = property(connection, HLNotificationService, "Inhibited")) return inhibited;
   if (const auto paused = property(connection, "org.dunstproject.cmd0", "paused")) return paused;
   if (const auto silenced = swayncSetting(connection)) return silenced;
+  if (server.name == "Budgie Notification Server") return budgieSetting(connection);
+  if (server.name == "mako") return makoSetting(connection);
   if (server.name == "Xfce Notify Daemon") return xfceSetting(connection);
   if (server.name == "lxqt-notificationd") return lxqtSetting(configHome);
   return desktopSetting(server);

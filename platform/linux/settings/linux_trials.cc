@@ -35,6 +35,12 @@ std::optional<std::string> HLLinuxTrials::serverName() {
   return version.empty() ? name : name + " " + version;
 }
 
+std::optional<std::string> HLLinuxTrials::unclosableReason() {
+  const std::optional<HLPresentServer> server = HLServerConnection().server();
+  if (!server || server->information.name != "notify-osd") return std::nullopt;
+  return "its bubbles have no close button and ignore requests to close; they go by themselves";
+}
+
 std::optional<bool> HLLinuxTrials::isDoNotDisturbOn() {
   HLServerConnection connection;
   return HLReadDoNotDisturb(connection, HLConfigHome(process_));

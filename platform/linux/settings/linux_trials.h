@@ -13,6 +13,7 @@ class HLLinuxTrials final : public HLTrials {
       : process_(process), displayName_(std::move(displayName)) {}
 
   [[nodiscard]] std::optional<std::string> serverName() override;
+  [[nodiscard]] std::optional<std::string> unclosableReason() override;
   [[nodiscard]] std::optional<bool> isDoNotDisturbOn() override;
   // Starts the server if it does not run. The notification keeps its connection: some servers let no one else withdraw
   // it.

@@ -260,7 +260,7 @@ TEST_F(SessionNotifications, ListByConfiguredTimes) {
   std::atomic<bool> isQuiet = false;
   const FakeServer server({"SwayNotificationCenter", "ErikReider", "0.7.3"}, [&isQuiet](sd_bus_message* call) {
     return answers(call, "org.erikreider.swaync.cc", "GetSubscribeData") &&
-           sd_bus_reply_method_return(call, "(bbu)", isQuiet ? 1 : 0, 0, 3U) >= 0;
+           sd_bus_reply_method_return(call, "(bbu)", isQuiet ? 1 : 0, 0, 0U) >= 0;  // as for transient ones
   });
   stay();
   Poster poster;

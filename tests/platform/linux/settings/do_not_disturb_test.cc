@@ -8,68 +8,13 @@
 #include <fstream>
 #include <memory>
 #include <string>
-#include <thread>
-#include <utility>
 
 #include "platform/linux/settings/program_output.h"
 #include "tests/platform/linux/desktop/servers.h"
+#include "tests/platform/linux/notifications/bus_session.h"
 #include "tests/platform/linux/support/desktop_session.h"
 
 namespace {
-
-// A notification server with one property that says whether it is silent.
-class FakeServer {
- public:
-  FakeServer(std::string interface, std::string property)
-      : interface_(std::move(interface)), property_(std::move(property)) {
-    sd_bus_open_user(&bus_);
-    vtable_[0] = SD_BUS_VTABLE_START(0);
-    vtable_[1] = SD_BUS_PROPERTY(property_.c_str(), "b", &FakeServer::read, 0, 0);
-    vtable_[2] = SD_BUS_VTABLE_END;
-    sd_bus_add_object_vtable(bus_, nullptr, kPath, HLNotificationService, kInformation, nullptr);
-    sd_bus_add_object_vtable(bus_, nullptr, kPath, interface_.c_str(), vtable_, &silent_);
-    sd_bus_request_name(bus_, HLNotificationService, 0);
-    thread_ = std::thread([this] {
-      while (!ends_) {
-        while (sd_bus_process(bus_, nullptr) > 0) {
-        }
-        sd_bus_wait(bus_, 20'000);
-      }
-    });
-  }
-
-  ~FakeServer() {
-    ends_ = true;
-    thread_.join();
-    sd_bus_flush_close_unref(bus_);
-  }
-
-  void setSilent(bool silent) { silent_ = silent ? 1 : 0; }
-
- private:
-  static constexpr const char* kPath = "/org/freedesktop/Notifications";
-
-  static int read(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* silent, sd_bus_error*) {
-    return sd_bus_message_append(reply, "b", static_cast<std::atomic<int>*>(silent)->load());
-  }
-  static int answer(sd_bus_message* call, void*, sd_bus_error*) {
-    return sd_bus_reply_method_return(call, "ssss", "Fake", "Test", "3.1", "1.2");
-  }
-  static const sd_bus_vtable kInformation[];
-
-  // sd-bus keeps the addresses.
-  const std::string interface_;
-  const std::string property_;
-  sd_bus_vtable vtable_[3];
-  sd_bus* bus_ = nullptr;
-  std::atomic<int> silent_ = 0;
-  std::atomic<bool> ends_ = false;
-  std::thread thread_;
-};
-
-const sd_bus_vtable FakeServer::kInformation[] = {
-    SD_BUS_VTABLE_START(0), SD_BUS_METHOD("GetServerInformation", "", "ssss", &FakeServer::answer, 0),
-    SD_BUS_VTABLE_END};
 
 class DoNotDisturb : public testing::Test {
  protected:
@@ -91,19 +36,48 @@ class DoNotDisturb : public testing::Test {
 
 TEST_F(DoNotDisturb, IsUnknownWithoutAServer) { EXPECT_EQ(isOn(), std::nullopt); }
 
-TEST_F(DoNotDisturb, IsReadOfThePropertiesOfServers) {
-  const std::pair<std::string, std::string> properties[] = {{HLNotificationService, "Inhibited"},
-                                                            {"org.dunstproject.cmd0", "paused"}};
-  for (const auto& [interface, property] : properties) {
-    FakeServer server(interface, property);
-    EXPECT_EQ(isOn(), false) << property;
-    server.setSilent(true);
-    EXPECT_EQ(isOn(), true) << property;
+TEST_F(DoNotDisturb, IsReadOfPropertiesOfServers) {
+  for (const std::string interface : {"org.freedesktop.Notifications", "org.dunstproject.cmd0"}) {
+    std::atomic<bool> isSilent = false;
+    const FakeServer server({"Fake", "Tests", "1.0"}, [&](sd_bus_message* call) {
+      const char* asked = nullptr;
+      return sd_bus_message_is_method_call(call, HLPropertiesInterface, "Get") > 0 &&
+             sd_bus_message_read_basic(call, 's', &asked) > 0 && asked == interface &&
+             sd_bus_reply_method_return(call, "v", "b", isSilent ? 1 : 0) >= 0;
+    });
+    EXPECT_EQ(isOn(), false) << interface;
+    isSilent = true;
+    EXPECT_EQ(isOn(), true) << interface;
   }
 }
 
+TEST_F(DoNotDisturb, IsReadOfBudgie) {
+  std::atomic<bool> isSilent = false;
+  const FakeServer::Handler answer = [&isSilent](sd_bus_message* call) {
+    return sd_bus_message_is_method_call(call, "org.buddiesofbudgie.budgie.Dispatcher", "GetDoNotDisturb") > 0 &&
+           sd_bus_reply_method_return(call, "b", isSilent ? 1 : 0) >= 0;
+  };
+  const FakeServer server({"Budgie Notification Server", "Budgie Desktop Developers", "10.7.1"});
+  EXPECT_EQ(isOn(), std::nullopt);
+  const FakeServer dispatcher({}, answer, "org.budgie_desktop.Notifications");
+  EXPECT_EQ(isOn(), false);
+  isSilent = true;
+  EXPECT_EQ(isOn(), true);
+}
+
+TEST_F(DoNotDisturb, IsReadOfMakosModes) {
+  std::atomic<const char*> mode = "work";
+  const FakeServer server({"mako", "emersion", "1.7.1"}, [&mode](sd_bus_message* call) {
+    return sd_bus_message_is_method_call(call, "fr.emersion.Mako", "ListModes") > 0 &&
+           sd_bus_reply_method_return(call, "as", 2, "default", mode.load()) >= 0;
+  });
+  EXPECT_EQ(isOn(), false);
+  mode = "do-not-disturb";
+  EXPECT_EQ(isOn(), true);
+}
+
 TEST_F(DoNotDisturb, IsUnknownOfAnUnknownServer) {
-  const FakeServer server("org.example", "Other");
+  const FakeServer server;
   EXPECT_EQ(isOn(), std::nullopt);
 }
 
