@@ -18,9 +18,13 @@ std::string bundle(bool isProduct) {
          R"(", "CFBundleDisplayName": "Hushlet", "CFBundleShortVersionString": "1.3", "CFBundleVersion": "11"}})";
 }
 
+std::string bareBundle(const std::string& info) {
+  return R"(, "bundle": {"identifier": "com.tessaly.hushlet", "info": {"HLProductFlavor": "product")" + info + "}}";
+}
+
 std::string sceneText(const ApplicationScene& scene, const std::string& record) {
   std::string text = R"({"record": ")" + record + "\"";
-  if (scene.hasBundle) text += bundle(scene.isProduct);
+  text += scene.bareBundle ? bareBundle(*scene.bareBundle) : bundle(scene.isProduct);
   if (scene.hasNotificationCenter) {
     text += R"(, "applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
       "name": "Notification Center", "windows": [)" +

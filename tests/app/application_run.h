@@ -2,6 +2,7 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,7 +10,8 @@
 // What a scene's process is: its bundle, and what else stands at the top of the scene.
 struct ApplicationScene {
   bool isProduct = true;
-  bool hasBundle = true;  // else the flavor is what `further` says
+  // Of a bundle of the product flavor without paths: further members of its information dictionary, as in ", \"a\": 1".
+  std::optional<std::string> bareBundle = std::nullopt;
   std::vector<std::string> timeline = {};
   std::string further = "";  // further top-level keys, each behind a comma
   std::string windows = "";  // Notification Center's

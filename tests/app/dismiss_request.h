@@ -66,9 +66,6 @@ struct Request {
     }
     return titles;
   }
-  [[nodiscard]] std::vector<std::string> log() const {
-    return LogMessages(FileContent(desktop.home() + "/.local/share/test/status.log"));
-  }
 
   SimulatedDesktop desktop;
   SpyHost host{*std::get<const HLApplicationPlatform*>(desktop.platform().applicationPlatform())};

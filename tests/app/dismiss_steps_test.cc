@@ -53,7 +53,8 @@ TEST(RequestSteps, EndAsFailedWithoutAThread) {
   Request request;
   request.runLoop.fixedNow = 5.001;
   request.runLoop.run(request.runLoop.refusals);
-  EXPECT_EQ(request.log().back(), "dismissNotifications outcome status=failed dismissed=0 remaining=0 elapsedMs=5001");
+  EXPECT_EQ(request.desktop.statusLog().back(),
+            "dismissNotifications outcome status=failed dismissed=0 remaining=0 elapsedMs=5001");
   HLReportProgress(5);
   EXPECT_THAT(request.runLoop.steps, IsEmpty()) << "the progress handler is gone";
   request.delegate->dismissNotifications();
@@ -63,13 +64,13 @@ TEST(RequestSteps, EndAsFailedWithoutAThread) {
 TEST(RequestSteps, RunOneRequestAtATime) {
   Request request;
   const auto shown = request.titles();
-  const auto logged = request.log();
+  const auto logged = request.desktop.statusLog();
   request.delegate->dismissNotifications();
   EXPECT_EQ(request.titles(), shown);
   EXPECT_EQ(request.runLoop.works.size(), 1U);
   EXPECT_THAT(request.runLoop.steps, IsEmpty());
-  ASSERT_EQ(request.log().size(), logged.size() + 1);
-  EXPECT_EQ(request.log().back(), "dismissNotifications skipped reason=inFlight");
+  ASSERT_EQ(request.desktop.statusLog().size(), logged.size() + 1);
+  EXPECT_EQ(request.desktop.statusLog().back(), "dismissNotifications skipped reason=inFlight");
 }
 
 TEST(RequestSteps, LogTimeFromClickToResult) {
@@ -79,7 +80,7 @@ TEST(RequestSteps, LogTimeFromClickToResult) {
     request.runWork();
     request.runLoop.fixedNow = 9;
     request.runStep();
-    EXPECT_EQ(request.log().back(),
+    EXPECT_EQ(request.desktop.statusLog().back(),
               std::string("dismissNotifications outcome status=notificationCenterUnavailable dismissed=0 remaining=0 "
                           "elapsedMs=") +
                   milliseconds);

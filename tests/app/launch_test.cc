@@ -37,9 +37,7 @@ TEST(Launch, SetsNoShortcutInPersonalFlavor) {
 }
 
 TEST(Launch, WritesMissingPathsAsEmpty) {
-  const ApplicationRun run =
-      RunApplication({.hasBundle = false, .further = R"(, "bundle": {"identifier": "com.tessaly.hushlet",
-    "info": {"HLProductFlavor": "product"}})"});
+  const ApplicationRun run = RunApplication({.bareBundle = ""});
   EXPECT_THAT(run.log.at(0), HasSubstr("bundle= executable= trusted=true"));
 }
 
@@ -179,22 +177,16 @@ void expectName(const json& dump, const std::string& name) {
 }
 
 TEST(DisplayName, ComesFromTheBundle) {
-  const ApplicationRun run =
-      RunApplication({.hasBundle = false,
-                      .timeline = {At(1, OpenSettings), DumpAt(2)},
-                      .further = R"(, "trusted": false, "bundle": {"identifier": "com.tessaly.hushlet",
-         "info": {"HLProductFlavor": "product", "CFBundleDisplayName": "Quiet"}})"});
+  const ApplicationRun run = RunApplication({.bareBundle = R"(, "CFBundleDisplayName": "Quiet")",
+                                             .timeline = {At(1, OpenSettings), DumpAt(2)},
+                                             .further = Untrusted});
   expectName(run.dumps.at(0), "Quiet");
 }
 
 TEST(DisplayName, DefaultsToHushlet) {
-  for (const char* name : {R"("none": "")", R"("CFBundleDisplayName": "")", R"("CFBundleDisplayName": 7)"}) {
+  for (const char* name : {"", R"(, "CFBundleDisplayName": "")", R"(, "CFBundleDisplayName": 7)"}) {
     const ApplicationRun run =
-        RunApplication({.hasBundle = false,
-                        .timeline = {At(1, OpenSettings), DumpAt(2)},
-                        .further = R"(, "trusted": false, "bundle": {"identifier": "com.tessaly.hushlet",
-           "info": {"HLProductFlavor": "product", )" +
-                                   std::string(name) + "}}"});
+        RunApplication({.bareBundle = name, .timeline = {At(1, OpenSettings), DumpAt(2)}, .further = Untrusted});
     expectName(run.dumps.at(0), "Hushlet");
   }
 }

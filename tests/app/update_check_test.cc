@@ -14,6 +14,7 @@ using testing::IsEmpty;
 
 constexpr const char* kCheck = R"("choose": "Check for Updates…")";
 constexpr const char* kBody = R"("{\"version\": \"1.4\", \"build\": 12, \"released\": 1700000000}")";
+const std::string kNewerBuild = std::string(R"("status": 200, "body": )") + kBody;
 
 std::string feed(const std::string& answer, const std::string& further = "") {
   return R"(, "services": {"http": {"/quillmere/latest.json": {)" + answer + "}}" + further + "}";
@@ -24,7 +25,7 @@ ApplicationRun check(const std::string& services) {
 }
 
 TEST(UpdateCheck, OffersANewerBuild) {
-  const ApplicationRun run = check(feed(std::string(R"("status": 200, "body": )") + kBody));
+  const ApplicationRun run = check(feed(kNewerBuild));
   EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre("update check status=200 kind=1 feedBuild=12 build=11"));
   ASSERT_EQ(run.dumps.at(0)["alerts"].size(), 1U);
   const json alert = run.dumps.at(0)["alerts"][0];
@@ -37,8 +38,7 @@ TEST(UpdateCheck, OffersANewerBuild) {
 }
 
 TEST(UpdateCheck, OpensNothingAfterLater) {
-  const ApplicationRun run =
-      check(feed(std::string(R"("status": 200, "body": )") + kBody, R"(, "alertAnswers": ["Later"])"));
+  const ApplicationRun run = check(feed(kNewerBuild, R"(, "alertAnswers": ["Later"])"));
   EXPECT_EQ(run.dumps.at(0)["alerts"][0]["answer"], "Later");
   EXPECT_THAT(run.dumps.at(0)["openedAddresses"], IsEmpty());
 }
@@ -91,11 +91,8 @@ TEST(UpdateCheck, RunsBesideAnother) {
 }
 
 TEST(UpdateCheck, WorksWithoutInstalledVersion) {
-  const ApplicationRun run = RunApplication(
-      {.hasBundle = false,
-       .timeline = {At(1, kCheck), DumpAt(9)},
-       .further = R"(, "bundle": {"identifier": "com.tessaly.hushlet", "info": {"HLProductFlavor": "product"}})" +
-                  feed(std::string(R"("status": 200, "body": )") + kBody)});
+  const ApplicationRun run =
+      RunApplication({.bareBundle = "", .timeline = {At(1, kCheck), DumpAt(9)}, .further = feed(kNewerBuild)});
   EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre("update check status=200 kind=1 feedBuild=12 build=0"));
   EXPECT_THAT(run.dumps.at(0)["alerts"][0]["message"].get<std::string>(), testing::StartsWith("You have ?. "));
 }
@@ -112,12 +109,9 @@ TEST(UpdateCheck, AcceptsBuildAsNumberOrText) {
                                       {"[12]", "1 feedBuild=12 build=0"},
                                       {"\"7 (beta)\"", "1 feedBuild=12 build=7"},
                                       {"\"beta\"", "1 feedBuild=12 build=0"}}) {
-    const ApplicationRun run = RunApplication(
-        {.hasBundle = false,
-         .timeline = {At(1, kCheck)},
-         .further = R"(, "bundle": {"identifier": "com.tessaly.hushlet", "info": {"HLProductFlavor": "product",
-           "CFBundleVersion": )" +
-                    std::string(build) + "}}" + feed(std::string(R"("status": 200, "body": )") + kBody)});
+    const ApplicationRun run = RunApplication({.bareBundle = R"(, "CFBundleVersion": )" + std::string(build),
+                                               .timeline = {At(1, kCheck)},
+                                               .further = feed(kNewerBuild)});
     EXPECT_THAT(MessagesOf(run, "update check"), ElementsAre(std::string("update check status=200 kind=") + logged));
   }
 }
@@ -125,12 +119,10 @@ TEST(UpdateCheck, AcceptsBuildAsNumberOrText) {
 TEST(UpdateCheck, AcceptsANumericInstalledVersion) {
   for (const auto& [version, named] :
        {std::pair{"1.5", "1.5"}, {"2", "2"}, {"\"1.3 beta\"", "1.3 beta"}, {"[1]", "?"}}) {
-    const ApplicationRun run = RunApplication(
-        {.hasBundle = false,
-         .timeline = {At(1, kCheck), DumpAt(9)},
-         .further = R"(, "bundle": {"identifier": "com.tessaly.hushlet", "info": {"HLProductFlavor": "product",
-           "CFBundleShortVersionString": )" +
-                    std::string(version) + "}}" + feed(std::string(R"("status": 200, "body": )") + kBody)});
+    const ApplicationRun run =
+        RunApplication({.bareBundle = R"(, "CFBundleShortVersionString": )" + std::string(version),
+                        .timeline = {At(1, kCheck), DumpAt(9)},
+                        .further = feed(kNewerBuild)});
     EXPECT_THAT(run.dumps.at(0)["alerts"][0]["message"].get<std::string>(),
                 testing::StartsWith(std::string("You have ") + named + ". "));
   }

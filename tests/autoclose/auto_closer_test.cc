@@ -17,9 +17,6 @@ using Lines = std::vector<std::string>;
 
 constexpr const char* kBanner = "Shortcuts, Running your automation";
 
-// The product flavor keeps its status log in the home, where no other process writes.
-const std::string kProduct = R"(,"bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}})";
-
 std::string banner(const std::string& id, const std::string& description, const std::string& actions,
                    const std::string& further = "", const std::string& subrole = "AXNotificationCenterAlert") {
   return R"({"id": ")" + id + R"(", "role": "AXGroup", "subrole": ")" + subrole + R"(", "description": ")" +
@@ -40,11 +37,7 @@ std::string layoutChanges(const std::vector<std::string>& ids) {
 
 std::string scene(const std::string& alerts, const std::string& further = "") {
   return NotificationCenterScene(R"({"id": "window", "role": "AXWindow", "children": [)" + alerts + "]}",
-                                 further + kProduct);
-}
-
-Lines statusLog(const SimulatedDesktop& desktop) {
-  return LogMessages(FileContent(desktop.home() + "/.local/share/test/status.log"));
+                                 further + ", " + ProductBundle);
 }
 
 std::vector<std::pair<std::string, std::string>> presses(SimulatedDesktop& desktop) {
@@ -72,7 +65,7 @@ TEST(AutoCloser, ClosesAutomationBannersOnly) {
   EXPECT_EQ(closer.closed(), 1);
   EXPECT_EQ(closer.pid(), NotificationCenterPid);
   EXPECT_EQ(presses(desktop), (Presses{{"automation", "Name:Close\nTarget:0x0"}}));
-  EXPECT_EQ(statusLog(desktop),
+  EXPECT_EQ(desktop.statusLog(),
             (Lines{"auto-close watching pid=400 register=0", "auto-close app=Shortcuts error=0 closed=1"}));
 }
 
@@ -82,7 +75,7 @@ TEST(AutoCloser, HandlesADescriptionOnce) {
   HLAutoCloser closer;
   watch(closer, 2);
   EXPECT_EQ(presses(desktop).size(), 1U);
-  EXPECT_EQ(statusLog(desktop).size(), 2U);
+  EXPECT_EQ(desktop.statusLog().size(), 2U);
 }
 
 TEST(AutoCloser, LogsAFailedCloseOnce) {
@@ -92,7 +85,7 @@ TEST(AutoCloser, LogsAFailedCloseOnce) {
   HLAutoCloser closer;
   watch(closer, 2);
   EXPECT_EQ(closer.closed(), 0);
-  EXPECT_EQ(statusLog(desktop).back(), "auto-close app=Shortcuts error=-25204 closed=0");
+  EXPECT_EQ(desktop.statusLog().back(), "auto-close app=Shortcuts error=-25204 closed=0");
   EXPECT_EQ(presses(desktop).size(), 1U);
 }
 
@@ -119,7 +112,7 @@ TEST(AutoCloser, TakesTheFirstCloseAction) {
   watch(closer, 3);
   EXPECT_EQ(presses(desktop), (Presses{{"a", "AXClose"}, {"b", "Name:Close Tab"}}));
   EXPECT_EQ(closer.handled().count(third), 1U);
-  EXPECT_EQ(statusLog(desktop).size(), 3U);
+  EXPECT_EQ(desktop.statusLog().size(), 3U);
 }
 
 TEST(AutoCloser, ForgetsAfter200Descriptions) {
@@ -194,7 +187,7 @@ TEST(AutoCloser, WatchesOnceWhenStartedTwice) {
   closer.startForCurrentNotificationCenter();
   watch(closer, 2);
   EXPECT_EQ(presses(desktop).size(), 1U);
-  EXPECT_EQ(statusLog(desktop),
+  EXPECT_EQ(desktop.statusLog(),
             (Lines{"auto-close watching pid=400 register=0", "auto-close watching pid=400 register=0",
                    "auto-close app=Shortcuts error=-25204 closed=0"}));
 }
@@ -216,30 +209,30 @@ TEST(AutoCloser, KeepsItsCountWhenStopped) {
 
 TEST(AutoCloser, LogsWhyItCouldNotStart) {
   {
-    SimulatedDesktop desktop("{" + kProduct.substr(1) + "}");
+    SimulatedDesktop desktop(std::string("{") + ProductBundle + "}");
     HLAutoCloser closer;
     closer.startForCurrentNotificationCenter();
     EXPECT_EQ(closer.pid(), 0);
-    EXPECT_EQ(statusLog(desktop), Lines{"auto-close start failed nc=missing"});
+    EXPECT_EQ(desktop.statusLog(), Lines{"auto-close start failed nc=missing"});
   }
   SimulatedDesktop desktop(
-      R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui", "observerFails": true}])" +
-      kProduct + "}");
+      R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui", "observerFails": true}], )" +
+      std::string(ProductBundle) + "}");
   HLAutoCloser closer;
   closer.startForCurrentNotificationCenter();
   EXPECT_EQ(closer.pid(), 0);
-  EXPECT_EQ(statusLog(desktop), Lines{"auto-close start failed nc=present"});
+  EXPECT_EQ(desktop.statusLog(), Lines{"auto-close start failed nc=present"});
 }
 
 TEST(AutoCloser, LogsARefusedRegistration) {
   SimulatedDesktop desktop(
       R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
-          "registerErrors": {"AXLayoutChanged": -25207}}])" +
-      kProduct + "}");
+          "registerErrors": {"AXLayoutChanged": -25207}}], )" +
+      std::string(ProductBundle) + "}");
   HLAutoCloser closer;
   closer.startForCurrentNotificationCenter();
   EXPECT_EQ(closer.pid(), 400);
-  EXPECT_EQ(statusLog(desktop), Lines{"auto-close watching pid=400 register=-25207"});
+  EXPECT_EQ(desktop.statusLog(), Lines{"auto-close watching pid=400 register=-25207"});
 }
 
 TEST(AutoCloseProbe, PrintsHowManyItClosed) {
@@ -272,7 +265,7 @@ TEST(AutoCloseProbe, UsesTheBuiltInRuleAlone) {
 }
 
 TEST(AutoCloseProbe, PrintsNothingWithoutNotificationCenter) {
-  const SimulatedDesktop desktop("{" + kProduct.substr(1) + "}");
+  const SimulatedDesktop desktop(std::string("{") + ProductBundle + "}");
   std::ostringstream out;
   EXPECT_EQ(HLRunAutoCloseProbe(2.5, out), 1);
   EXPECT_EQ(out.str(), "");

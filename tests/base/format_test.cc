@@ -37,6 +37,7 @@ TEST(Format, PadsIntegersWithZeros) {
   EXPECT_EQ(HLFormat("%02ld-%03d", std::int64_t{0}, 7), "00-007");
   EXPECT_EQ(HLFormat("%02ld %02ld", std::int64_t{10}, std::int64_t{123}), "10 123");
   EXPECT_EQ(HLFormat("%02d %03d", -5, -5), "-5 -05");
+  EXPECT_EQ(HLFormat("%01d %09ld", 7, std::int64_t{7}), "7 000000007");
 }
 
 TEST(Format, PrintsUnsignedNumbers) { EXPECT_EQ(HLFormat("Key %u", 90U), "Key 90"); }

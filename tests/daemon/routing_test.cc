@@ -125,7 +125,7 @@ TEST_F(Routing, ReportsMalformedRepliesAsUnreachable) {
 }
 
 TEST_F(Routing, LogsTheAccessRequest) {
-  const std::string product = R"(, "bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}}})";
+  const std::string product = std::string(", ") + ProductBundle + "}";
   const auto log = [this](const char* name) { return LogMessages(FileContent(home() + "/.local/share/test/" + name)); };
   EXPECT_EQ(run(R"({"trusted": false)" + product, {"--request-accessibility"}).exitCode, 1);
   EXPECT_EQ(run(R"({"trusted": true)" + product, {"--request-accessibility"}).exitCode, 0);

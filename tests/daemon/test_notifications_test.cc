@@ -4,21 +4,15 @@
 
 #include <vector>
 
+#include "tests/support/scenes.h"
 #include "tests/support/simulated_desktop.h"
 
 namespace {
 
 using Lines = std::vector<std::string>;
 
-// The product flavor keeps its status log in the home, where no other process writes.
 std::string scene(const std::string& services) {
-  return R"({"bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}},
-             "services": {"userNotifications": {)" +
-         services + "}}}";
-}
-
-Lines statusLog(const SimulatedDesktop& desktop) {
-  return LogMessages(FileContent(desktop.home() + "/.local/share/test/status.log"));
+  return std::string("{") + ProductBundle + R"(, "services": {"userNotifications": {)" + services + "}}}";
 }
 
 TEST(TestNotifications, AreThreeWithSound) {
@@ -37,7 +31,7 @@ TEST(TestNotifications, AreThreeWithSound) {
     EXPECT_EQ(posted[i].delay, static_cast<double>(i + 1));
     EXPECT_TRUE(posted[i].sound);
   }
-  EXPECT_EQ(statusLog(desktop), Lines{"sendTestNotificationsLaunch scheduled=3 permissionGranted=true"});
+  EXPECT_EQ(desktop.statusLog(), Lines{"sendTestNotificationsLaunch scheduled=3 permissionGranted=true"});
   EXPECT_EQ(desktop.elapsedMicroseconds(), 0);
 }
 
@@ -45,13 +39,13 @@ TEST(TestNotifications, DeniedMakeNoRequest) {
   SimulatedDesktop desktop(scene(R"("permission": "denied")"));
   EXPECT_EQ(HLSendTestNotifications(), 0);
   EXPECT_TRUE(desktop.simulator().notifications().empty());
-  EXPECT_EQ(statusLog(desktop), Lines{"sendTestNotificationsLaunch scheduled=0 permissionGranted=false error=none"});
+  EXPECT_EQ(desktop.statusLog(), Lines{"sendTestNotificationsLaunch scheduled=0 permissionGranted=false error=none"});
 }
 
 TEST(TestNotifications, DeniedWithAnErrorSayWhich) {
   SimulatedDesktop desktop(scene(R"("permission": "denied", "error": "not allowed here")"));
   EXPECT_EQ(HLSendTestNotifications(), 0);
-  EXPECT_EQ(statusLog(desktop),
+  EXPECT_EQ(desktop.statusLog(),
             Lines{"sendTestNotificationsLaunch scheduled=0 permissionGranted=false error=not allowed here"});
 }
 
@@ -60,15 +54,16 @@ TEST(TestNotifications, WaitFiveSecondsForPermission) {
   EXPECT_EQ(HLSendTestNotifications(), 0);
   EXPECT_EQ(desktop.elapsedMicroseconds(), 5'000'000);
   EXPECT_TRUE(desktop.simulator().notifications().empty());
-  EXPECT_EQ(statusLog(desktop), Lines{"sendTestNotificationsLaunch scheduled=0 permissionGranted=false error=none"});
+  EXPECT_EQ(desktop.statusLog(), Lines{"sendTestNotificationsLaunch scheduled=0 permissionGranted=false error=none"});
 }
 
 TEST(TestNotifications, LogFailedRequests) {
   SimulatedDesktop desktop(scene(R"("addErrors": {"hushlet-local-test-2": "no room", "hushlet-local-test-3": ""})"));
   EXPECT_EQ(HLSendTestNotifications(), 0);
-  EXPECT_EQ(statusLog(desktop), (Lines{"sendTestNotifications add failed identifier=hushlet-local-test-2 error=no room",
-                                       "sendTestNotifications add failed identifier=hushlet-local-test-3 error=unknown",
-                                       "sendTestNotificationsLaunch scheduled=3 permissionGranted=true"}));
+  EXPECT_EQ(desktop.statusLog(),
+            (Lines{"sendTestNotifications add failed identifier=hushlet-local-test-2 error=no room",
+                   "sendTestNotifications add failed identifier=hushlet-local-test-3 error=unknown",
+                   "sendTestNotificationsLaunch scheduled=3 permissionGranted=true"}));
 }
 
 }  // namespace

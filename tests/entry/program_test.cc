@@ -69,9 +69,8 @@ TEST_F(Program, DismissesWithoutThreads) {
 }
 
 TEST_F(Program, FailsDismissalsWithoutThreads) {
-  const std::string scene = write(
-      R"({"bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}}, "trusted": true,
-          "timeline": [{"at": 1, "click": "left"}]})");
+  const std::string scene =
+      write(std::string("{") + ProductBundle + R"(, "trusted": true, "timeline": [{"at": 1, "click": "left"}]})");
   const std::vector<std::string> command = WithoutThreads({HUSHLET_SIM});
   const ProgramRun run = RunProgram(
       command, {{"HOME", home_.path().c_str()}, {"XDG_DATA_HOME", nullptr}, {"HUSHLET_SCENE", scene.c_str()}});

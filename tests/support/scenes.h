@@ -18,6 +18,10 @@ inline constexpr int NotificationCenterPid = 400;
   return scene;
 }
 
+// A top-level key: the product flavor keeps its status log in the home, where no other process writes.
+inline constexpr const char* ProductBundle =
+    R"("bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}})";
+
 // A control "link1" in the element "window": its press replaces it by "link2", and so on, so many in all. Their
 // descriptions name that application.
 [[nodiscard]] inline std::string ChainOfControls(int length, const std::string& app) {

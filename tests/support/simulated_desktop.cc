@@ -77,6 +77,10 @@ std::string SimulatedDesktop::diagnosticsPath() const {
   return home() + "/.local/state/hushlet/hushlet_detailed_diagnostics.log";
 }
 
+std::vector<std::string> SimulatedDesktop::statusLog() const {
+  return LogMessages(FileContent(home() + "/.local/share/test/status.log"));
+}
+
 std::vector<std::string> SimulatedDesktop::diagnostics() const { return LogMessages(FileContent(diagnosticsPath())); }
 
 std::vector<std::string> LogMessages(const std::string& content) {

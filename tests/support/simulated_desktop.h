@@ -51,6 +51,8 @@ class SimulatedDesktop {
   // Since the start, on the scene's clock.
   [[nodiscard]] std::int64_t elapsedMicroseconds() const;
 
+  // The messages of a scene with ProductBundle in the status log, without their times.
+  [[nodiscard]] std::vector<std::string> statusLog() const;
   // The messages in the diagnostics log, without their times.
   [[nodiscard]] std::vector<std::string> diagnostics() const;
   [[nodiscard]] std::string diagnosticsPath() const;
