@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "app/failure.h"
+#include "app/dismiss_feedback.h"
 #include "base/format.h"
 #include "core/scan/context.h"
 #include "core/scan/element_access.h"
