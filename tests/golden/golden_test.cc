@@ -130,6 +130,15 @@ TEST_P(ExplanationGolden, MatchesTheKeptOutput) {
   expectGolden("explain/" + GetParam(), run(GetParam(), {"--explain", "--keep-texts"}));
 }
 
+// What real servers showed, in one file each.
+class RecordingGolden : public testing::TestWithParam<std::string> {};
+
+TEST_P(RecordingGolden, MatchesTheKeptOutput) {
+  const std::string scene = "recorded/" + GetParam();
+  expectGolden(scene, run(scene, {"--self-check"}) + "\n" + run(scene, {"--dismiss-now"}) + "\n" +
+                          run(scene, {"--explain", "--keep-texts"}));
+}
+
 // The menu-bar application on scenes with a timeline of what a user does.
 class ApplicationGolden : public testing::TestWithParam<std::string> {};
 
@@ -142,6 +151,8 @@ std::string nameOf(const testing::TestParamInfo<std::string>& info) {
 INSTANTIATE_TEST_SUITE_P(Scenes, Golden, testing::ValuesIn(namesIn(kScenes, ".json")), nameOf);
 
 INSTANTIATE_TEST_SUITE_P(Scenes, ExplanationGolden, testing::ValuesIn(namesIn(kScenes, ".json")), nameOf);
+
+INSTANTIATE_TEST_SUITE_P(Scenes, RecordingGolden, testing::ValuesIn(namesIn(kScenes / "recorded", ".json")), nameOf);
 
 INSTANTIATE_TEST_SUITE_P(Scenes, ApplicationGolden, testing::ValuesIn(namesIn(kScenes / "app", ".json")), nameOf);
 
@@ -174,7 +185,9 @@ TEST(Goldens, ShowEveryMode) {
 TEST(Goldens, AreThereForScenesOnly) {
   EXPECT_FALSE(namesIn(kScenes, ".json").empty());
   const std::vector<std::string> scenes = namesIn(kScenes, ".json");
-  EXPECT_EQ(namesIn(kGoldens / "app", ".txt"), namesIn(kScenes / "app", ".json"));
+  for (const char* folder : {"app", "recorded"}) {
+    EXPECT_EQ(namesIn(kGoldens / folder, ".txt"), namesIn(kScenes / folder, ".json"));
+  }
   EXPECT_EQ(namesIn(kGoldens / "explain", ".txt"), scenes);
   for (const std::string& golden : namesIn(kGoldens, ".txt")) {
     if (golden == "CMakeLists" || golden == kEveryMode || golden == kExplanationData) continue;
