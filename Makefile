@@ -83,7 +83,7 @@ bench:
 desktops:
 	@tools/install-packages build desktops
 	cmake --preset release $(CONFIGURE_FLAGS)
-	cmake --build --preset release -j $(JOBS) --target hushlet
+	cmake --build --preset release -j $(JOBS) --target hushlet hushlet-desktop.so
 	tests/desktops/run --program build-release/bin/hushlet
 
 coverage:

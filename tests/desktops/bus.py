@@ -8,7 +8,7 @@ from gi.repository import Gio, GLib  # noqa: E402  (after the version is named)
 
 NAME = "org.freedesktop.Notifications"
 PATH = "/org/freedesktop/Notifications"
-TIMEOUT_MS = 10000
+TIMEOUT_MS = 30000
 
 
 class Bus:

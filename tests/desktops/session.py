@@ -36,6 +36,9 @@ SWAY_CONFIGURATION = f"output * resolution {SIZE} position 0 0 bg {BACKGROUND} s
 class NotReady(Exception):
     """A component did not start within its time limit."""
 
+    def __str__(self):
+        return f"{self.args[0]} did not start"
+
 
 def wait_until(condition, limit: float, what: str):
     """Polls until the condition holds and returns its value. Raises NotReady at the limit."""

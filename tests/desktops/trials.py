@@ -1,6 +1,8 @@
 """What the button "Try It" answers: on an empty screen, beside banners of others, and while the server shows nothing."""
 import pathlib
 
+from gi.repository import GLib
+
 from application import Application
 from cases import CASES, SETTLE, clean_up, post
 from desktop import Desktop
@@ -49,8 +51,8 @@ def try_button(server: Server, program: pathlib.Path, pictures: pathlib.Path) ->
             application = Application(desktop)
             answers = {trial: _try(desktop, application, trial, pictures / f"{server.name}-trial-{trial}.png")
                        for trial in TRIALS}
-    except NotReady as reason:
-        answers = {trial: f"not tried: {reason} did not start" for trial in TRIALS}
+    except (NotReady, GLib.Error) as reason:
+        answers = {trial: f"not tried: {reason}" for trial in TRIALS}
     for trial, answer in answers.items():
         print(f"{server.name:<20}trial {trial:<8}{answer}", flush=True)
     return answers
