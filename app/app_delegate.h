@@ -109,7 +109,7 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void installHotKeyHandler();
   void unregisterHotKey() { hotKeyRef_ = nullptr; }
   [[nodiscard]] std::string shownShortcut() const;  // storedShortcutLabel() as users of this host write it
-  [[nodiscard]] std::string dismissHint() const;    // tells the user how to clear notifications
+  [[nodiscard]] std::string dismissHint() const;    // for the user: how to clear notifications
   void setShortcutNote(const HLShortcutNote& note);
   void setRecordButtonTitle(const std::string& title);
 

@@ -1,4 +1,4 @@
-// What the user is told of a dismissal: titles of the status button meanwhile, and why notifications were left.
+// Feedback of a dismissal: titles of the status button while it runs, and why notifications are left.
 #pragma once
 
 #include <cstdint>

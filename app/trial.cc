@@ -17,7 +17,7 @@ namespace {
 
 constexpr double kLookInterval = 0.1;      // seconds
 constexpr double kAppearTimeout = 5;       // seconds, for a banner to be shown
-constexpr double kCloseButtonTimeout = 1;  // seconds, for a banner that is shown to get its close control
+constexpr double kCloseButtonTimeout = 1;  // seconds from the banner to its close control
 constexpr double kDisappearTimeout = 3;    // seconds, of each attempt
 constexpr int kAttempts = 2;
 
@@ -51,7 +51,7 @@ Look lookFor(const std::string& title) {
   return look;
 }
 
-// Looks again and again until the condition holds or the time is over. Returns the last look.
+// Scans repeatedly until the condition is true or the time is over. Returns the last result.
 template <class Condition>
 Look lookUntil(const std::string& title, double seconds, Condition holds) {
   HLRunLoop& runLoop = HLCurrentPlatform().runLoop;

@@ -1,4 +1,4 @@
-// Posts a notification, clears that one only, and says what happened.
+// "Try It": posts a notification, clears only that one, and reports the outcome.
 #pragma once
 
 #include <string>
@@ -11,6 +11,6 @@ struct HLTrialReport {
   HLTextColor color = HLTextColor::secondary;
 };
 
-// Tries it with a notification of this title, which no other notification contains. Other notifications are left alone.
-// Blocks for up to about 15 seconds; never on the main thread.
+// Runs the trial with a notification of this title, which must be unique: no other notification is pressed. Blocks for
+// up to about 15 seconds; not for the main thread.
 [[nodiscard]] HLTrialReport HLRunTrial(HLTrials& trials, const std::string& title);

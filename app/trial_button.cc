@@ -22,7 +22,7 @@ std::string trialTitle() {
 
 }  // namespace
 
-// Adds a row that ends with the button, and the line for its answer.
+// Adds a row of the controls `besides` and the button, and a line for the report.
 void HLAppDelegate::addTrial(HLWindowDescription& window, std::vector<HLControl> besides) {
   besides.emplace_back(HLButton{kTrialButton, "Try It", "", [this] { tryIt(); }});
   window.stack.push_back({HLRow{std::move(besides), HLRowSpacing}, 8, false});

@@ -25,7 +25,7 @@ class HLAutoCloser {
   // Nothing is closed until there are rules.
   void setRules(HLAutoCloseRuleList rules) { rules_ = std::move(rules); }
 
-  // Has it act on a description again, so many seconds after the last time.
+  // Allows another press for an equal description `seconds` after the last one.
   void setRepeatAfter(double seconds) { repeatAfter_ = seconds; }
 
   // Watches the Notification Center that runs now, instead of any other. Success shows in pid().
@@ -34,7 +34,7 @@ class HLAutoCloser {
 
   [[nodiscard]] std::int32_t pid() const { return pid_; }        // 0 when not watching
   [[nodiscard]] std::int64_t closed() const { return closed_; }  // since construction
-  // Descriptions of the alerts that it acted on; it acts on each once, unless setRepeatAfter() was called.
+  // Descriptions of alerts that were handled. Each is handled once, unless setRepeatAfter() was called.
   [[nodiscard]] const std::set<std::string>& handled() const { return handled_; }
 
  private:

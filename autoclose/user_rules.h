@@ -8,7 +8,7 @@
 #include "autoclose/rules.h"
 #include "platform/value.h"
 
-// The preference that holds them: a list of texts "APPLICATION|PHRASE", or one such text.
+// The preference: a list of texts "APPLICATION|PHRASE", or one such text.
 inline constexpr std::string_view HLUserRulesKey = "HLAutoCloseRules";
 
 struct HLUserRules {
@@ -16,6 +16,6 @@ struct HLUserRules {
   std::vector<std::string> mistakes;  // a sentence for each rule that is ignored
 };
 
-// Reads what is stored under the key. The application "*" stands for any. White space around the parts does not count.
+// Parses the value of the preference. The application "*" matches any. Trims white space around both parts.
 // Pure; thread-safe.
 [[nodiscard]] HLUserRules HLReadUserRules(const HLValue& stored);

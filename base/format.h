@@ -18,7 +18,7 @@ using HLFormatArgument = std::variant<std::string_view, std::int64_t, std::uint6
 struct HLFormatPlaceholder {
   char kind = 0;       // '@', 'd', 'u', 'f', or '%' for the sign itself
   int precision = 6;   // of 'f'; of an integer, how many digits there are at least
-  std::size_t length;  // in the format, the percent sign included; 0 when it is none that is understood
+  std::size_t length;  // in the format, with the percent sign; 0 for an unknown placeholder
 };
 
 constexpr HLFormatPlaceholder HLParsePlaceholder(std::string_view format) {
@@ -83,7 +83,7 @@ class HLFormatString {
   std::string_view text_;
 };
 
-// The text of a format that is known to fit its arguments.
+// Formats arguments that are known to fit the format.
 [[nodiscard]] std::string HLFormatArguments(std::string_view format, std::span<const HLFormatArgument> arguments);
 
 template <class T>

@@ -31,7 +31,7 @@ std::string timestamp(double now) {
     static HLMutex mutex;  // tzset() and strftime() change the C library's one record of the zone
     const HLLock lock(mutex);
     std::tm local{};
-    ::tzset();  // localtime_r() itself reads the system's zone at its first call only
+    ::tzset();  // localtime_r() reads the system's zone at its first call only
     ::localtime_r(&seconds, &local);
     std::strftime(date.data(), date.size(), "%Y-%m-%d %H:%M:%S", &local);
     std::strftime(zone.data(), zone.size(), "%z", &local);

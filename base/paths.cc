@@ -10,7 +10,7 @@
 
 namespace {
 
-// Creates the directory and its missing parents, all with `mode` as the process's mask allows.
+// Creates the directory and its missing parents with `mode`, less the process's mask.
 void createDirectories(const std::string& path, mode_t mode) {
   for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
     ::mkdir(path.substr(0, end).c_str(), mode);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The slot of every stream that holds whether it goes to a terminal.
+// The slot of each stream for its terminal mark.
 int markIndex() {
   static const int index = std::ios_base::xalloc();
   return index;
@@ -20,7 +20,7 @@ int columnsIndex() {
   return index;
 }
 
-// C0, DEL, C1; what orders text from right to left, and line and paragraph separators.
+// C0, DEL, C1; direction controls, line and paragraph separators.
 bool isControl(char32_t c) {
   return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x200E || c == 0x200F || (c >= 0x2028 && c <= 0x202E) ||
          (c >= 0x2066 && c <= 0x2069);

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::size_t kAddressPathBytes = 103;  // what every system's record can hold beside its end
+constexpr std::size_t kAddressPathBytes = 103;  // fits every system's sockaddr_un with its terminator
 constexpr std::size_t kRequestBytes = 1025;
 constexpr std::size_t kReadBytes = 1024;
 constexpr std::size_t kResponseBytes = 16384;

@@ -22,7 +22,7 @@ class HLSocket {
   int descriptor_;
 };
 
-// Bind or connect the socket to the first 103 bytes of the path, which is what an address holds.
+// Bind or connect the socket to the first 103 bytes of the path, the capacity of an address.
 [[nodiscard]] bool HLBindLocalSocket(int descriptor, const std::string& path);
 [[nodiscard]] bool HLConnectLocalSocket(int descriptor, const std::string& path);
 

@@ -37,7 +37,7 @@ std::string actionSummary(const std::vector<std::string>& names) {
   return names.empty() ? "(none)" : joined;
 }
 
-// Other programs' texts may hold sequences that a terminal obeys, so a terminal gets control characters spelled out.
+// Escapes control characters on a terminal: texts of other programs may contain escape sequences.
 void printLine(std::ostream& out, std::string_view line) {
   const std::string text = HLEncodableText(line);
   out << (HLIsTerminal(out) ? HLVisibleText(text) : text) << '\n';

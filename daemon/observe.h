@@ -14,7 +14,7 @@
 
 [[nodiscard]] std::string HLElementDebugSummary(const HLElement& element);
 
-// Returns a summary of the element that the attribute holds, or "none".
+// Returns a summary of the element in the attribute, or "none".
 [[nodiscard]] std::string HLAttributeButtonSummary(const HLElement& element, std::string_view attribute);
 
 [[nodiscard]] std::string HLFrameSummary(const HLRect& frame);

@@ -25,7 +25,7 @@
 namespace {
 
 constexpr int kBacklog = 8;
-constexpr mode_t kSocketMode = 0600;  // the only check of a caller: whoever may open the file may ask
+constexpr mode_t kSocketMode = 0600;  // the only access check
 
 HLDismissResult trustReport() {
   return {HLIsAccessibilityTrusted(false) ? HLDismissStatusNothing : HLDismissStatusAccessDenied, 0, 0};
@@ -49,7 +49,7 @@ bool serve(int connection) {
 
 using FileIdentity = std::pair<dev_t, ino_t>;
 
-// Returns nullopt where the path is longer than an address holds: the file has a shorter name then.
+// Returns nullopt if the path is longer than a socket address, since the file then has a shorter name.
 std::optional<FileIdentity> identityOf(const std::string& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) return std::nullopt;

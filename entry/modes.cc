@@ -110,7 +110,7 @@ int help(const HLModeCall& call) {
   return EXIT_SUCCESS;
 }
 
-// The number that the text begins with: blanks, a sign, digits, a dot, an exponent, as in the C locale; 0 for none.
+// Returns the number at the beginning of the text (spaces, sign, digits, dot, exponent; C locale), or 0 without one.
 double leadingNumber(const std::string& text) {
   const auto isDigit = [&text](std::size_t i) { return i < text.size() && text[i] >= '0' && text[i] <= '9'; };
   const auto skipDigits = [&isDigit](std::size_t i) {
@@ -131,7 +131,7 @@ double leadingNumber(const std::string& text) {
   std::istringstream stream(text.substr(begin, end - begin));
   stream.imbue(std::locale::classic());
   double number = 0;
-  stream >> number;  // beyond the range of numbers it is the largest one
+  stream >> number;  // out of range, the largest number
   return number;
 }
 

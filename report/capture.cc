@@ -12,11 +12,11 @@
 namespace {
 
 constexpr std::string_view kWindows = "AXWindows";
-// What is read beyond HLFactAttributeNames: the controls that an element may name, and the host's own words.
+// Read besides HLFactAttributeNames: controls of the element, and why the host doubts one.
 constexpr std::array<std::string_view, 4> kFurtherAttributes = {"AXCloseButton", "AXCancelButton", "AXDefaultButton",
                                                                 HLDoubtAttributeName};
 
-// One of the handles of an element that has many.
+// One of several handles of an element with freshHandles.
 class FreshHandle : public HLElement {
  public:
   explicit FreshHandle(const HLCapturedElement& element) : element_(element) {}
@@ -51,7 +51,7 @@ class ScreenReader {
 
   void read(const HLElementRef& application) {
     readAttribute(capture_.add(), *application, kWindows);
-    // Elements are found while others are read.
+    // Reading an element appends its children to found_.
     for (std::size_t next = 0; next < found_.size(); ++next) {
       const auto [number, handle] = found_[next];
       HLCapturedElement& element = capture_.elements[static_cast<std::size_t>(number)];
@@ -73,7 +73,7 @@ class ScreenReader {
     element.attributes.push_back({std::string(name), std::move(answer)});
   }
 
-  // Replaces the elements of a value by captured ones.
+  // Replaces elements in the value by captured ones.
   void adopt(HLValue& value) {
     if (const HLElementRef* held = value.as<HLElementRef>()) {
       const int number = *held == nullptr ? -1 : numberOf(*held);
@@ -104,7 +104,8 @@ class ScreenReader {
     return number;
   }
 
-  // A scan reads an element once for each of its handles, and finds out whether the children too come as further ones.
+  // A scan visits the element again by its second handle. Reading the children as well shows whether they get new
+  // handles too.
   void meetChildren(const HLElement& element) {
     for (std::string_view name : HLChildAttributes) {
       for (const HLElementRef& child : HLElementsFromAttribute(element.copyAttributeValue(name))) (void)numberOf(child);
@@ -120,7 +121,7 @@ class ScreenReader {
   const std::vector<std::string_view> names_ = HLCapturedAttributeNames();
   std::deque<Found> found_;
   std::deque<HLElementRef> fresh_;                 // second handles of elements, whose children are still to be met
-  std::unordered_map<HLElementRef, int> numbers_;  // owns the handles, so that no address is used again
+  std::unordered_map<HLElementRef, int> numbers_;  // owns the handles, so that no address is reused
 };
 
 }  // namespace

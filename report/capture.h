@@ -19,7 +19,7 @@ struct HLCapturedAttribute {
   HLAttribute answer;  // elements in its value are those of the capture
 };
 
-// An element as it was read. Its answers never change; its actions fail. Equal to each of its handles.
+// A copy of an element. Its attributes never change; its actions fail.
 class HLCapturedElement : public HLElement {
  public:
   explicit HLCapturedElement(int number) : number_(number) {}
@@ -29,12 +29,12 @@ class HLCapturedElement : public HLElement {
   [[nodiscard]] HLAXError performAction(std::string_view) const override { return HLAXErrorFailure; }
   [[nodiscard]] bool isEqual(const HLElement& other) const override;
 
-  // In the capture, the application's element being 0.
+  // Its index in the capture; the application's element has 0.
   [[nodiscard]] int number() const { return number_; }
 
-  std::vector<HLCapturedAttribute> attributes;  // those that were answered by a value or an error other than NoValue
+  std::vector<HLCapturedAttribute> attributes;  // those with a value or an error other than NoValue
   HLActionList actions;
-  bool freshHandles = false;  // each read that yields the element yields another handle
+  bool freshHandles = false;  // each read returns a new handle of the element
 
  private:
   const int number_;
@@ -53,11 +53,11 @@ struct HLCapture {
   std::string host;
   HLServerVersion server;
   std::optional<HLRunningApplication> process;
-  std::vector<HLRawElement> raw;  // the same interface in the host's words, read a moment later
-  // The first is the application; empty when there is no process, or when its element cannot be made. The elements
-  // refer to each other, so a capture is not copied.
+  std::vector<HLRawElement> raw;  // the same interface as the host reads it, read slightly later
+  // The first is the application; empty without a process, or if its element cannot be created. Elements point to each
+  // other, so a capture cannot be copied.
   std::deque<HLCapturedElement> elements;
-  bool isComplete = true;  // false when there were more elements than the limit
+  bool isComplete = true;  // false if elements beyond HLCaptureLimit were left out
 
   HLCapture() = default;
   HLCapture(const HLCapture&) = delete;
@@ -75,13 +75,14 @@ struct HLCapture {
   }
 };
 
-// Reads everything that the engine may read of the process, from its windows down, each element once. Blocks.
+// Copies the windows of the process that shows notifications: every element, and every attribute that the engine reads.
+// Blocks.
 [[nodiscard]] std::unique_ptr<HLCapture> HLCaptureScreen();
 
 // Returns the names of the attributes that are read of each element, in order.
 [[nodiscard]] std::vector<std::string_view> HLCapturedAttributeNames();
 
-// Returns the number of a captured element, by any of its handles; -1 for an element of another kind.
+// Returns the number of a captured element or of a handle of one; -1 for other elements.
 [[nodiscard]] int HLCapturedNumber(const HLElement& element);
 
 // Returns the elements of a list attribute by number, repetitions included; empty for any other value.

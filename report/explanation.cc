@@ -13,7 +13,7 @@
 
 namespace {
 
-// What the scan said of an element when it met it first.
+// The first report of the scan about an element.
 struct Step {
   HLScoreDetails details;
   std::optional<HLDismissTarget> candidate;

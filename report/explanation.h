@@ -1,4 +1,4 @@
-// Why a dismissal would press what it would press, as values.
+// What a dismissal would press, and why it would not press the rest.
 #pragma once
 
 #include <cstddef>
@@ -16,9 +16,9 @@
 
 enum class HLScanned {
   yes,
-  belowStrongTarget,  // the scan leaves out what is below a control that it is sure of
-  beyondLimit,        // the scan of the window had visited as many elements as it may
-  no,                 // this process may not read the other one
+  belowStrongTarget,  // the scan skips everything below a control with a high score
+  beyondLimit,        // the scan of the window had visited HLScanLimit elements
+  no,                 // this process is not trusted
 };
 
 struct HLExplainedElement {
@@ -30,38 +30,37 @@ struct HLExplainedElement {
   HLScanned scanned = HLScanned::no;
   HLScoreDetails details;
   std::optional<HLDismissTarget> candidate;
-  std::optional<std::size_t> target;  // its place in the order of targets; none for one with the key of another
-  std::string doubt;                  // the host's own reason
+  std::optional<std::size_t> target;  // its index in `targets`; nullopt if an earlier target has the same key
+  std::string doubt;                  // why the host does not offer the element as a close control; may be empty
 };
 
-// What a target comes to.
 struct HLExplainedTarget {
   HLDismissTarget target;
-  HLDismissTarget control;  // what it resolves to, itself or another
-  std::size_t press = 0;    // the place of that control in the order of presses
-  bool presses = false;     // false when an earlier target leads to the same control
+  HLDismissTarget control;  // the control that it resolves to; may be the target itself
+  std::size_t press = 0;    // the index of that control in `presses`
+  bool presses = false;     // false if an earlier target resolves to the same control
 };
 
 struct HLExplanation {
   const HLCapture& capture;
   std::vector<HLExplainedElement> elements;  // in tree order, window by window
   std::vector<HLExplainedTarget> targets;    // in the order in which they are considered
-  std::vector<HLDismissTarget> presses;      // in the order in which they would begin
+  std::vector<HLDismissTarget> presses;      // in the order in which they would start
 };
 
 // Explains the first attempt of a dismissal. The explanation refers to the capture. Presses nothing, logs nothing.
 [[nodiscard]] HLExplanation HLExplain(HLCapture& capture);
 
-// Returns why the element is not pressed, for a person; "" when it is a candidate, or when there is nothing to say of
-// it because it is no button, no banner and cannot be pressed.
+// Returns a phrase for the user that says why the element would not be pressed; "" for a candidate, and for an element
+// that is no button, no banner and has no press action.
 [[nodiscard]] std::string HLRefusalText(const HLExplainedElement& element);
 
 struct HLExplanationStyle {
-  int columns = 120;  // names are cut so that lines are no longer
+  int columns = 120;  // names are cut to this line width
   bool hasColors = false;
 };
 
-// Prints the explanation for a person. Control characters are spelled out.
+// Prints the explanation as text, with control characters escaped.
 void HLPrintExplanation(const HLExplanation& explanation, const HLExplanationStyle& style, std::ostream& out);
 
 // Returns the explanation as data.

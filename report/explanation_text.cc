@@ -11,7 +11,7 @@
 
 namespace {
 
-// As the numbers by which terminals select them.
+// The values are SGR codes of terminals.
 enum class Tone { plain = 0, strong = 1, good = 32, bad = 33 };
 
 std::string number(double value) { return HLFormat("%.0f", value); }
@@ -21,7 +21,7 @@ std::string frameText(const HLRect& frame) {
   return " [" + number(frame.x) + " " + number(frame.y) + " " + number(frame.width) + "x" + number(frame.height) + "]";
 }
 
-// macOS writes what a custom action calls behind its name, each on a line of its own.
+// On macOS the name of a custom action goes on with lines for its target and selector.
 std::string_view firstLine(std::string_view action) { return action.substr(0, action.find('\n')); }
 
 std::string actionsText(const std::vector<std::string>& actions) {
@@ -51,7 +51,7 @@ class Printer {
   }
 
  private:
-  // Texts of other programs may hold line feeds, and sequences that a terminal obeys.
+  // Texts of other programs may contain line feeds and escape sequences.
   void line(Tone tone, std::string_view text) {
     const std::string visible = HLVisibleText(HLEncodableText(text));
     if (style_.hasColors && tone != Tone::plain) {
@@ -117,7 +117,7 @@ class Printer {
     }
   }
 
-  // The element in one line, its name cut to what the rest leaves.
+  // Returns the element as one line; the name gets the columns that the rest leaves.
   [[nodiscard]] std::string described(const std::string& margin, const HLExplainedElement& element) const {
     const HLElementFacts& facts = element.facts;
     std::string front = margin + (facts.role.empty() ? "(no role)" : facts.role);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kLineLength = 118;  // leaves room for a comma
 
-// Control characters get JSON's escapes, those too that JSON would not ask for.
+// Escapes more control characters than JSON requires: the text may go to a terminal.
 std::string jsonString(std::string_view text) {
   std::string quoted = "\"";
   for (const char c : HLEncodableText(text)) {
@@ -51,7 +51,7 @@ std::string_view brackets(const HLValue& value) {
   return value.as<HLDictionary>() != nullptr ? "{}" : "";
 }
 
-// Calls `each` with what is written before each member, "" or the key, and with the member, until it returns false.
+// Calls `each` for each member, with the key as it is written ("" in a list) and the value, until `each` returns false.
 template <class Each>
 void forEachMember(const HLValue& value, const Each& each) {
   if (const auto* members = value.as<HLArray>()) {
@@ -65,7 +65,7 @@ void forEachMember(const HLValue& value, const Each& each) {
   }
 }
 
-// Returns nullopt for a list or an object that has members and takes more than `room` bytes.
+// Returns nullopt for a list or an object with members that takes more than `room` bytes.
 std::optional<std::string> inOneLine(const HLValue& value, std::size_t room) {
   if (brackets(value).empty()) return scalarText(value);
   std::string line(1, brackets(value).front());
@@ -81,7 +81,7 @@ std::optional<std::string> inOneLine(const HLValue& value, std::size_t room) {
   return fits ? std::optional(line + brackets(value).back()) : std::nullopt;
 }
 
-// Appends the value: its first line at `column`, the other ones indented.
+// Appends the value. Its first line starts at `column`; the other lines are indented.
 void append(std::string& out, const HLValue& value, std::size_t indent, std::size_t column) {
   if (const auto line = inOneLine(value, kLineLength - std::min(column, kLineLength))) {
     out += *line;

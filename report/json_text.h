@@ -5,6 +5,6 @@
 
 #include "platform/value.h"
 
-// Returns the document as indented text, an object or list that fits into a line in one; ends with a line feed. A real
-// number is written so that it is read as the same real number; what JSON cannot hold is null. Text is made encodable.
+// Returns the document as indented text that ends with a line feed; short objects and lists take one line. Reals keep
+// their exact value. NaN, infinities and values that JSON lacks become null; ill-formed text becomes U+FFFD.
 [[nodiscard]] std::string HLJsonText(const HLValue& document);

@@ -8,7 +8,7 @@
 
 namespace {
 
-// For each text the index of the first that equals it.
+// Returns for each text the index of the first text that equals it.
 std::vector<std::size_t> firstAlike(const std::vector<std::string>& texts) {
   std::vector<std::size_t> first;
   for (const std::string& text : texts) {
@@ -21,7 +21,7 @@ std::vector<std::size_t> firstAlike(const std::vector<std::string>& texts) {
 
 HLJudgement HLJudgeCapture(HLCapture& capture, const HLScanListener& listener) {
   if (!capture.trusted || capture.elements.empty()) return {};
-  // A scan that is listened to writes no log.
+  // A scan with a listener writes no log.
   const HLScanListener nobody = [](const HLScanStep&) {};
   HLJudgement judgement;
   judgement.targets = HLSortedTargets(HLCurrentTargets(*capture.handle(0), listener ? listener : nobody));

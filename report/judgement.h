@@ -1,4 +1,4 @@
-// What the engine thinks of a captured interface, and what it would do first.
+// The targets that the engine finds in a capture, and its first batch of presses.
 #pragma once
 
 #include <cstddef>
@@ -17,11 +17,10 @@ struct HLJudgement {
 };
 
 // Scans, orders and resolves as the first attempt of a dismissal does; presses and logs nothing. The listener is that
-// of HLCurrentTargets. Of a process that this one may not read it is empty.
+// of HLCurrentTargets. Returns an empty judgement if this process was not trusted.
 [[nodiscard]] HLJudgement HLJudgeCapture(HLCapture& capture, const HLScanListener& listener = nullptr);
 
-// What two judgements have in common when they come to the same, whatever the texts: trust, targets, which of them
-// count as one, and presses.
+// The parts of a judgement that do not depend on texts. Two captures are judged the same if their outlines are equal.
 struct HLJudgementOutline {
   bool trusted = false;
   std::vector<std::string> targets;       // as the log describes them, without snapshots

@@ -68,7 +68,7 @@ class Masker {
     }
   }
 
-  // What a rule for the banners of automations reads in the text, if it matches.
+  // Returns the application and the phrases by which a rule recognizes the description as an automation's; else none.
   [[nodiscard]] std::vector<std::string> automationTexts(std::string_view description) const {
     if (!HLAlertDescriptionMatchesAutoClose(description, rules_)) return {};
     const HLAlertDescription parts = HLSplitAlertDescription(description);
@@ -108,7 +108,7 @@ class Masker {
     return HLNumberText(number) == text ? number : HLValue(text);
   }
 
-  // A real number whose replacement would not be read as the same text stays.
+  // Keeps a real number if its replacement would read as another text.
   [[nodiscard]] HLValue maskedReal(double real) {
     const std::string text = mask_.replaced(HLNumberText(real).value_or(""));
     const HLValue number = std::strtod(text.c_str(), nullptr);

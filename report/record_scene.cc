@@ -28,7 +28,7 @@ namespace {
 
 std::string systemMessage() { return std::strerror(errno); }
 
-// Writes everything, or says why not.
+// Returns the reason if not everything could be written.
 std::optional<std::string> writeAll(int file, std::string_view text) {
   while (!text.empty()) {
     const ssize_t written = ::write(file, text.data(), text.size());
@@ -40,8 +40,8 @@ std::optional<std::string> writeAll(int file, std::string_view text) {
   return std::nullopt;
 }
 
-// Gives a finished draft its name, which must be new, or says why not. Some file systems have no links: there the name
-// is taken by an empty file first, which the draft then replaces.
+// Gives the finished draft its name; returns the reason if that fails or the name exists. link() never replaces a file.
+// Where the file system has no links, O_EXCL creates an empty file of that name, which rename() replaces.
 std::optional<std::string> publish(const std::string& draft, const std::string& path) {
   if (::link(draft.c_str(), path.c_str()) == 0) return std::nullopt;
   if (errno == EEXIST) return systemMessage();
@@ -54,8 +54,8 @@ std::optional<std::string> publish(const std::string& draft, const std::string& 
   return mistake;
 }
 
-// Makes the file, for its user alone and with its whole content, or leaves none and says why. A file that is there
-// stays as it is.
+// Creates the file with mode 0600 and its whole content; returns the reason if that fails. Leaves no partial file, and
+// an existing file as it is.
 std::optional<std::string> createFile(const std::string& path, std::string_view text) {
   std::signal(SIGXFSZ, SIG_IGN);  // beyond the file size limit a write then fails, and does not end the process
   std::string draft = path.substr(0, path.rfind('/') + 1) + ".hushlet-XXXXXX";
@@ -99,7 +99,7 @@ int HLRecordScene(const std::string& path, const std::string& program, std::ostr
   if (const auto* reason = std::get_if<std::string>(&recorded)) return fail(*reason);
   const auto& recording = std::get<HLRecording>(recorded);
   if (const auto mistake = createFile(path, recording.scene)) return fail(*mistake);
-  // The application's own element is no element of the scene.
+  // A scene has no element for the application.
   out << HLVisibleText(HLEncodableText(path)) << ": "
       << recording.elements - std::min<std::size_t>(1, recording.elements) << " elements, texts "
       << (keepsTexts ? "kept" : "replaced") << '\n';

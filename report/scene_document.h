@@ -10,8 +10,7 @@
 #include "report/capture.h"
 #include "report/judgement.h"
 
-// The attribute of the last window that holds the elements whose nesting would be too deep for JSON; lists refer to
-// them.
+// An attribute of the last window: the elements that are nested too deep for JSON parsers. Lists refer to them by id.
 inline constexpr std::string_view HLSceneDeepAttribute = "HLRecordedBelow";
 
 // Returns the key that a scene has for one of HLTextAttributes or HLChildAttributes: "role" for "AXRole".
@@ -19,7 +18,7 @@ inline constexpr std::string_view HLSceneDeepAttribute = "HLRecordedBelow";
 
 struct HLRecordedScene {
   HLValue document;
-  std::vector<int> order;  // for each element of the capture, its place among those of the document
+  std::vector<int> order;  // for each element of the capture, its position in the document
 };
 
 // Returns the scene. The controls that the judgement would press, and those that have an action for closing, close the
@@ -27,6 +26,6 @@ struct HLRecordedScene {
 [[nodiscard]] HLRecordedScene HLSceneOfCapture(const HLCapture& capture, const HLJudgement& judgement,
                                                const std::string& program);
 
-// Reads a scene of HLSceneOfCapture, of other scenes not all keys. Returns the capture, its elements in the order of
-// the document; nullptr if the text is no scene.
+// Reads a scene that HLSceneOfCapture wrote; ignores keys that it never writes. Returns the capture, its elements in the
+// order of the document, or nullptr if the text is no scene.
 [[nodiscard]] std::unique_ptr<HLCapture> HLCaptureOfScene(std::string_view text);

@@ -60,7 +60,7 @@ class SceneReader {
     }
   }
 
-  // The members of a list that is a key of its own.
+  // Reads "windows", "children", "rows" or "visibleChildren".
   HLValue elements(const HLArray& list) {
     HLArray members;
     for (const HLValue& each : list) {
@@ -98,7 +98,7 @@ class SceneReader {
     element.attributes.push_back({std::string(name), {HLAXErrorSuccess, std::move(value)}});
   }
 
-  // In the order in which they were written, which not every parser keeps.
+  // Reads the attributes in the order of the writer, since some parsers sort keys.
   void addAttributes(HLCapturedElement& element, const HLValue& attributes) {
     for (std::string_view name : HLCapturedAttributeNames()) {
       if (const HLValue* value = member(attributes, name)) add(element, name, attribute(*value));

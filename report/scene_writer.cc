@@ -17,14 +17,14 @@
 
 namespace {
 
-constexpr int kNestedElements = 60;  // each takes two levels of JSON, of which some parsers read about 500
+constexpr int kNestedElements = 60;  // an element takes two levels of JSON; some parsers allow about 500
 
 bool isList(std::string_view attribute) {
   const auto* const end = HLChildAttributes.end();
   return attribute == "AXWindows" || std::find(HLChildAttributes.begin(), end, attribute) != end;
 }
 
-// Calls `found` with the number of each element in the value.
+// Calls `found` with the number of each element in the value, also inside lists.
 template <class Found>
 void forEachElement(const HLValue& value, const Found& found) {
   if (const auto* element = value.as<HLElementRef>()) return found(HLCapturedNumber(**element));
@@ -33,7 +33,7 @@ void forEachElement(const HLValue& value, const Found& found) {
   }
 }
 
-// How the elements of a capture hang together.
+// How the elements of a capture refer to each other.
 struct Links {
   std::map<int, int> owners;  // of each element: the first that names it, breadth-first
   std::set<int> listed;       // those that are in a list
@@ -229,7 +229,7 @@ class SceneWriter {
     if (!errors.empty()) value.push_back({"errors", std::move(errors)});
   }
 
-  // An attribute that no shorter key holds.
+  // Returns the value of an attribute under "attributes".
   HLValue attributeValue(const HLValue& value, int depth) {
     if (const auto* held = value.as<HLElementRef>()) {
       const int number = HLCapturedNumber(**held);
@@ -270,8 +270,8 @@ class SceneWriter {
 
   const HLCapture& capture_;
   Links links_;
-  std::map<int, int> closes_;  // controls, and what they close
-  std::vector<int> order_;     // -1 for what is not written yet
+  std::map<int, int> closes_;  // from a control to the notification that it closes
+  std::vector<int> order_;     // positions in the document; -1 for elements that are not written yet
   std::deque<int> deep_;       // elements that addDeep() has still to write
   std::size_t written_ = 0;
 };
@@ -280,7 +280,7 @@ void addText(HLDictionary& dictionary, std::string key, const std::optional<std:
   if (text && !text->empty()) dictionary.push_back({std::move(key), *text});
 }
 
-// What this program reads of its own bundle, without paths, which name the user.
+// Returns identifier and information dictionary; no paths, since they may contain the user's name.
 HLDictionary bundleValue() {
   HLProcessInfo& process = HLCurrentPlatform().process;
   HLDictionary bundle;
@@ -293,7 +293,7 @@ HLDictionary bundleValue() {
   return bundle;
 }
 
-// What a recording says of itself.
+// Returns "recorded": where the recording comes from.
 HLDictionary noteValue(const HLCapture& capture, const std::string& program) {
   HLDictionary server;
   addText(server, "name", capture.server.name);

@@ -7,9 +7,8 @@
 
 namespace {
 
-// Letters of replacements, for the first attempts to find one: consonants without x, which names close buttons; then
-// letters that have both cases and are in no list of words, for words so short that consonants run out; then
-// ideographs.
+// Letters of replacements: consonants first, without x, since "x" names close buttons. For short words, consonants run
+// out: then Cyrillic letters, which have both cases and are in no word list; then ideographs.
 constexpr std::u16string_view kConsonants = u"bcdfghjklmnpqrstvwz";
 constexpr char16_t kCyrillic = u'\u0431';
 constexpr std::uint64_t kCyrillicCount = 31;
@@ -19,9 +18,9 @@ constexpr int kAttemptsWithConsonants = 64;
 constexpr int kAttemptsWithCyrillic = 256;
 constexpr int kAttempts = 100000;
 
-constexpr std::size_t kLongNumber = 19;  // digits, at most, of a signed number of 64 bits
+constexpr std::size_t kLongNumber = 19;  // digits of the largest signed 64-bit integer
 
-// A lower-cased text, unit by unit, with the code point that each unit came from.
+// The UTF-16 units of a lower-cased text, with the code point that each unit came from.
 struct LowerText {
   struct Letter {
     std::string_view bytes;  // of the code point, as written
@@ -32,7 +31,7 @@ struct LowerText {
   std::string text;  // encodable
   std::vector<Letter> letters;
   std::u16string units;
-  std::vector<std::size_t> owner;  // of each unit: its index in `letters`
+  std::vector<std::size_t> owner;  // for each unit, the index of its code point in `letters`
 };
 
 LowerText lowerText(std::string_view text) {
@@ -48,13 +47,13 @@ LowerText lowerText(std::string_view text) {
     lower.units += HLUtf16Units(lowered);
     lower.owner.resize(lower.units.size(), lower.letters.size() - 1);
   }
-  // A sigma at the end of a word has a lower case of its own.
+  // Lower-casing the whole text gives a final sigma its own form.
   const std::u16string units = HLUtf16Units(HLLowercase(whole));
   if (units.size() == lower.units.size()) lower.units = units;
   return lower;
 }
 
-// The units as scoring compacts them, each with its place in the text.
+// The units with white space compacted as in HLSearchableContext, each with its position in the text.
 struct CompactText {
   std::u16string units;
   std::vector<std::size_t> place;
@@ -78,7 +77,7 @@ CompactText compactText(const LowerText& lower) {
   return compact;
 }
 
-// Calls `found` with each place of the phrase.
+// Calls `found` with each position of the phrase.
 template <class Found>
 void forEachPlace(std::u16string_view text, std::u16string_view phrase, const Found& found) {
   for (std::size_t at = text.find(phrase); at != std::u16string_view::npos; at = text.find(phrase, at + 1)) found(at);
@@ -102,7 +101,7 @@ void forEachTwoWordPhrase(const Found& found) {
   }
 }
 
-// Whether the replacement has a phrase of the engine where the word has none.
+// Whether the replacement contains an engine phrase that the word does not contain at the same position.
 bool saysMore(std::u16string_view word, std::u16string_view replacement) {
   bool more = false;
   for (const std::u16string& phrase : enginePhrases()) {
@@ -111,7 +110,7 @@ bool saysMore(std::u16string_view word, std::u16string_view replacement) {
   return more;
 }
 
-// Calls `run` with begin and end of each longest range of word units.
+// Calls `run` with begin and end of each word: a maximal range of word units.
 template <class Run>
 void forEachWord(const LowerText& lower, const Run& run) {
   const auto isWord = [&lower](std::size_t unit) { return lower.letters[lower.owner[unit]].isWord; };
@@ -125,14 +124,14 @@ void forEachWord(const LowerText& lower, const Run& run) {
   }
 }
 
-// Marks all units of a code point of which one is marked.
+// Marks all units of each code point that has a marked unit.
 void keepWholeLetters(const LowerText& lower, std::vector<bool>& keeps) {
   std::vector<bool> keepsLetter(lower.letters.size(), false);
   for (std::size_t i = 0; i < keeps.size(); ++i) keepsLetter[lower.owner[i]] = keepsLetter[lower.owner[i]] || keeps[i];
   for (std::size_t i = 0; i < keeps.size(); ++i) keeps[i] = keepsLetter[lower.owner[i]];
 }
 
-// Writes replaced units in the letter case of the text, and what stays as it was written.
+// Returns the text with the units that `keeps` does not mark replaced, in the letter case of the text.
 std::string written(const LowerText& lower, const std::u16string& units, const std::vector<bool>& keeps) {
   std::string out;
   for (std::size_t i = 0; i < units.size(); ++i) {
@@ -228,7 +227,7 @@ std::string HLTextMask::replaced(std::string_view text, const std::vector<std::s
   return written(lower, units, keeps);
 }
 
-// The phrases in a compacted text, and the halves of phrases at its ends of which other texts have the other half.
+// Returns the phrases in a compacted text, and the halves of phrases at its ends whose other half another text has.
 std::vector<HLTextMask::Span> HLTextMask::phrasesIn(std::u16string_view compact) const {
   std::vector<Span> phrases;
   for (const std::u16string& phrase : enginePhrases()) {
@@ -242,7 +241,7 @@ std::vector<HLTextMask::Span> HLTextMask::phrasesIn(std::u16string_view compact)
   return phrases;
 }
 
-// Units that `keeps` marks stay. "0" and "1" stay too, since truth values read like that.
+// Keeps the units that `keeps` marks. Keeps "0" and "1" too, since booleans read as these.
 std::u16string HLTextMask::replacement(const std::u16string& word, const std::vector<bool>& keeps) {
   const auto [entry, isNew] = known_.try_emplace({word, keeps}, word);
   if (!isNew || word == u"0" || word == u"1") return entry->second;
@@ -256,8 +255,8 @@ std::u16string HLTextMask::replacement(const std::u16string& word, const std::ve
   return entry->second = std::u16string(word.size(), u'_');  // more words of this kind than replacements
 }
 
-// A number keeps the zeros at both ends and gets no others there, so that it has as many digits when it is read and
-// written again. It stays within 64 bits.
+// Keeps the zeros at both ends of a number and adds none there, so that the number keeps its length when it is parsed
+// and formatted again. Keeps numbers within 64 bits.
 std::u16string HLTextMask::drawn(const std::u16string& word, const std::vector<bool>& keeps, int attempt) {
   const bool isNumber = std::all_of(word.begin(), word.end(), isDigit);
   const std::size_t first = isNumber ? word.find_first_not_of(u'0') : std::u16string::npos;

@@ -1,4 +1,4 @@
-// Makes texts unreadable to a person, in a way that the engine cannot tell.
+// Makes texts unreadable for people, without a difference for the engine.
 #pragma once
 
 #include <cstddef>
@@ -12,25 +12,24 @@
 #include <vector>
 
 // Replaces the letters and digits of texts, word by word: equal words by equal ones, different words by different ones.
-// A replacement is drawn at random; only the length of the word, its upper case and its digits are seen in it. What
-// stays: every phrase of the engine's word lists, the words of texts that stay themselves, white space, punctuation,
-// symbols, and the length of the lower-cased text in UTF-16 units.
+// A replacement is random; it shows the length of the word, its letter case, and which characters are digits. Kept are
+// every phrase of the engine's word lists, the words of texts that are kept, white space, punctuation and symbols.
 //
-// Call the meet functions with every text before replaced(): what stays of a text, and where its words are parted,
-// depends on the others.
+// Pass every text to the meet functions before replaced(), since the replacement of a text depends on the other texts.
 class HLTextMask {
  public:
   // The same seed and calls give the same replacements.
   explicit HLTextMask(std::uint64_t seed) : random_(seed), used_{u"0", u"1"} {}
 
   void meet(std::string_view text);
-  // For a text that stays as it is. Its words stay in the other texts too.
+  // For a text that is kept. Its words are kept in the other texts too.
   void meetKept(std::string_view text);
-  // For a text of which only the first `units` UTF-16 units count. The word that lies across is replaced as two words,
-  // in all texts.
+  // For a text that the engine cuts after `units` UTF-16 units. In every text, the word across the cut is replaced as
+  // two words.
   void meetCut(std::string_view text, std::size_t units);
 
-  // Returns the text with its words replaced. The `kept` parts of the text stay, in any letter case.
+  // Returns the text with its words replaced. The parts of the text that equal one of `kept`, in any letter case, are
+  // kept.
   [[nodiscard]] std::string replaced(std::string_view text, const std::vector<std::string>& kept = {});
 
  private:
@@ -46,10 +45,10 @@ class HLTextMask {
 
   std::mt19937_64 random_;
   std::map<std::pair<std::u16string, std::vector<bool>>, std::u16string> known_;
-  std::set<std::u16string> used_;  // words that are no replacement any more
+  std::set<std::u16string> used_;  // words that cannot be replacements
   std::set<std::u16string> keptWords_;
-  std::map<std::u16string, std::set<std::size_t>> cutWords_;  // with the places of the cuts
-  // The first words of two-word phrases with which a text ends, and the second words with which one begins.
+  std::map<std::u16string, std::set<std::size_t>> cutWords_;  // with the positions of the cuts
+  // First words of two-word phrases that end a text, and second words that begin a text.
   std::set<std::u16string> endings_;
   std::set<std::u16string> beginnings_;
 };

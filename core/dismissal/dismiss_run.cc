@@ -14,7 +14,7 @@
 
 namespace {
 
-// Notification Center holds back what one application posts beyond this many alerts.
+// Notification Center shows at most this number of alerts of one application and holds back the rest.
 constexpr std::int64_t kOverflowThreshold = 20;
 
 constexpr int kRestartPolls = 50;
@@ -24,7 +24,7 @@ constexpr int kKillPoll = 25;
 constexpr int kPresentedPolls = 16;
 constexpr double kPresentedPollSeconds = 0.3;
 
-// Restarts Notification Center, dismisses what it had held back, and merges that into the result. Called once per
+// Restarts Notification Center, dismisses the alerts that it held back, and merges both results. Called once per
 // dismissal, even if more alerts are held back afterwards.
 void drainOverflow(std::int32_t oldPid, HLDismissResult& result) {
   constexpr std::int64_t kDrain = 0;

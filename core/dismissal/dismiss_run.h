@@ -9,7 +9,7 @@
 // Dismisses all notifications. Keeps no state between calls. Any thread, one call at a time; blocks.
 [[nodiscard]] HLDismissResult HLDismissNotificationsNow();
 
-// Ends the process and waits for its successor. Returns the successor's process identifier, or 0 when none started.
+// Ends the process and waits for its successor. Returns the successor's process identifier, or 0 if none started.
 // Blocks.
 [[nodiscard]] std::int32_t HLRestartNotificationCenter(std::int32_t oldPid);
 

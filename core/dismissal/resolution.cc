@@ -46,7 +46,7 @@ std::optional<std::string> dismissOrPressAction(const std::vector<std::string>& 
   return action;
 }
 
-// The control that one visited element is, still without its snapshot, or nullopt.
+// Returns the visited element as a control without a snapshot, or nullopt if it closes nothing.
 std::optional<HLDismissTarget> focusedControl(const HLVisit& visit, const HLRect& rootFrame) {
   const auto& [element, facts, own, context] = visit;
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);

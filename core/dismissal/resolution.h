@@ -5,7 +5,7 @@
 
 #include "core/scan/records.h"
 
-// Returns the close control at or below the target when the target is large and its action dismisses nothing; otherwise
+// Returns the close control at or below the target if the target is large and its action dismisses nothing; otherwise
 // the target itself.
 [[nodiscard]] HLDismissTarget HLResolvedTarget(const HLDismissTarget& target);
 

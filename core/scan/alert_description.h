@@ -1,4 +1,4 @@
-// What an alert's accessibility description holds: "APPLICATION, TITLE, BODY".
+// The parts of an alert's accessibility description: "APPLICATION, TITLE, BODY".
 #pragma once
 
 #include <optional>

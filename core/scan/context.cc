@@ -20,7 +20,7 @@ constexpr std::size_t longestWord(HLWordList words) {
 }
 constexpr std::size_t kReach = std::max(longestWord(HLNotificationWords), longestWord(HLDismissWords)) - 1;
 
-// The words that contain no other one, first. A text that contains any of the rest contains one of these.
+// The words that contain no other word of the list. A text with any word of the list contains one of these.
 template <std::size_t Count>
 struct ShortestWords {
   std::array<std::string_view, Count> words = {};
@@ -82,7 +82,7 @@ bool HLContext::holdsAny(HLWordList words, std::optional<bool> Words::*known) co
   const Words* last = last_.get();
   while (last != nullptr && !(last->*known) && !last->holdsAny(words)) last = last->before.get();
   const bool found = last != nullptr && (last->*known).value_or(true);
-  // All from there on, down to this context, have the same answer.
+  // The answer holds for all contexts from that one down to this one.
   const Words* end = last == nullptr ? nullptr : last->before.get();
   for (Words* each = last_.get(); each != end; each = each->before.get()) each->*known = found;
   return found;
@@ -91,7 +91,7 @@ bool HLContext::holdsAny(HLWordList words, std::optional<bool> Words::*known) co
 bool HLContext::Words::holdsAny(HLWordList words) const {
   if (HLLowercaseContainsAny(own, words)) return true;
   if (before == nullptr) return false;
-  // A word may straddle the joint, and then has all but one of its bytes at most on either side.
+  // A word may straddle the boundary, with at most all but one of its bytes on either side.
   return HLLowercaseContainsAny(before->lastBytes(kReach) + ' ' + own.substr(0, kReach), words);
 }
 
@@ -102,7 +102,7 @@ const std::string& HLContext::lastWords() const {
 
 std::string HLContext::text() const { return firstBytes(std::string::npos); }
 
-// No UTF-16 unit comes of more than three bytes, and a code point has four at most.
+// A UTF-16 unit takes at most three bytes of UTF-8, and a code point four.
 std::string HLContext::beginning(std::size_t units) const { return HLUtf16Prefix(firstBytes(3 * units + 4), units); }
 
 std::string HLContext::firstBytes(std::size_t count) const {

@@ -17,9 +17,9 @@
 // Returns the same of role, subrole, role description and identifier only.
 [[nodiscard]] std::string HLStructuralContext(const HLElementFacts& facts);
 
-// An immutable value; cheap to copy. A context shares the words of its parent, so that a tree takes as much memory as
-// its words have. Words are searched once, when a context first asks for them: long texts are common, questions are
-// not. One thread at a time may use contexts that share words.
+// An immutable value; cheap to copy. A context shares the words of its parent, so a tree takes memory in proportion to
+// its words. Words are searched lazily and once: long texts are common, queries are rare. One thread at a time may use
+// contexts that share words.
 class HLContext {
  public:
   HLContext() = default;  // has no words
@@ -40,14 +40,14 @@ class HLContext {
   [[nodiscard]] const std::string& lastWords() const;
 
  private:
-  // The words of one element, never empty, and what they and those before them hold, as far as it is known.
+  // The words of one element, never empty, and cached answers about them together with the words before.
   struct Words {
     std::shared_ptr<Words> before;
     std::string own;
     std::optional<bool> isNotification;
     std::optional<bool> hasCloseWord;
 
-    // Whether any of them is in the own words or straddles the joint with those before.
+    // Whether any of `words` is in the own words, or straddles the boundary to the words before.
     [[nodiscard]] bool holdsAny(HLWordList words) const;
     [[nodiscard]] std::string lastBytes(std::size_t count) const;
   };

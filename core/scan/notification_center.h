@@ -1,4 +1,4 @@
-// Finds the process that shows notifications, and what can be dismissed in it. Nothing is cached.
+// Finds the process that shows notifications, and its dismissible controls. Nothing is cached.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@ inline constexpr std::string_view HLNotificationCenterBundleIdentifier = "com.ap
 // Returns the first running one, in the platform's order.
 [[nodiscard]] std::optional<HLRunningApplication> HLNotificationCenterApplication();
 
-// Returns the root element of a Notification Center process, or nullptr when it cannot be made.
+// Returns the root element of a Notification Center process, or nullptr if it cannot be created.
 [[nodiscard]] HLElementRef HLNotificationCenterElement(std::int32_t pid);
 
 [[nodiscard]] std::vector<HLElementRef> HLNotificationWindows(const HLElement& application);

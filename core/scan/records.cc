@@ -7,8 +7,8 @@
 
 namespace {
 
-// Whether the text is ASCII and compact already. Every byte is looked at, and without a branch, so that compilers look
-// at many at once.
+// Whether the text is ASCII and already compact. Tests every byte without a branch, so that compilers vectorize the
+// loop.
 bool isCompactAscii(std::string_view text) {
   if (text.empty()) return true;
   if (text.front() == ' ' || text.back() == ' ') return false;

@@ -50,7 +50,7 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
   Score score{details, 0, ""};
 
-  // Before the menu veto and whatever the words: the text of a notification must not keep it on screen.
+  // Tested before menus and words, so that no text of a notification keeps it on screen.
   if (explicitAction && HLIsNotificationBannerSubrole(facts.subrole)) {
     score.add(kShortcutScore, "notification-subrole-explicit-action");
     return HLDismissTarget{element,

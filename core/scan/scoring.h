@@ -1,4 +1,4 @@
-// Whether an element dismisses a notification: an additive score over yes/no tests of what was read of it.
+// Whether an element dismisses a notification: a sum of points for tests on its attributes.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 // Whether role, subrole or structural words mark a part of a menu.
 [[nodiscard]] bool HLIsMenuLike(const HLElementFacts& facts);
 
-// Why an element is no target: the first test that it failed.
+// The first test that an element failed.
 enum class HLRefusal {
   none,
   noPress,              // no action that names closing, and no plain press
@@ -31,15 +31,15 @@ struct HLScorePart {
   std::string_view word;  // as in a target's reason
 };
 
-// How a decision about one element came about.
+// The steps of the decision about one element.
 struct HLScoreDetails {
   HLRefusal refusal = HLRefusal::none;
   std::vector<HLScorePart> parts;  // those added before the decision
   std::string_view negativeWord;   // the first one in the element's own words, once they were searched; else ""
 };
 
-// Returns the element as a target, or nullopt when it dismisses nothing. `own` are its searchable words, which end
-// `context`. Fills `details`, which must be empty, unless it is nullptr.
+// Returns the element as a target, or nullopt if it dismisses nothing. `own` are its searchable words, which end
+// `context`. Fills `details`, which must be empty, unless nullptr.
 [[nodiscard]] std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element,
                                                                    const HLElementFacts& facts,
                                                                    const HLContext& context, const std::string& own,

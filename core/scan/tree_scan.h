@@ -1,4 +1,4 @@
-// Finds what can be dismissed in one window.
+// Finds the dismissible controls of one window.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@
 
 inline constexpr std::size_t HLScanLimit = 1400;  // elements visited per root
 
-// What a scan made of an element that it visited.
+// The outcome of visiting one element.
 struct HLScanStep {
   const HLVisit& visit;
   const HLScoreDetails& details;
@@ -27,5 +27,5 @@ using HLScanListener = std::function<void(const HLScanStep&)>;
 [[nodiscard]] std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::string_view label,
                                                            const HLScanListener& listener = nullptr);
 
-// Whether the target is so clearly a single control that the scan leaves out its descendants.
+// Whether the scan skips the descendants: the target is certainly a single control.
 [[nodiscard]] bool HLShouldPruneDescendantsAfterCandidate(const HLDismissTarget& target);

@@ -15,7 +15,7 @@ struct HLVisit {
   const HLElementRef& element;
   const HLElementFacts& facts;
   const std::string& own;    // its searchable context
-  const HLContext& context;  // its own words behind those of its ancestors
+  const HLContext& context;  // the words of its ancestors, then its own
 };
 
 enum class HLDescent {

@@ -1,5 +1,5 @@
 // The words by which notifications and the controls that close them are recognized: which list is for what. The lists
-// overlap on purpose ("unmute" beside "mute"): each is data with its own history, and not to be tidied.
+// overlap on purpose ("unmute" and "mute"); do not deduplicate.
 #pragma once
 
 #include <array>
@@ -46,7 +46,7 @@ inline constexpr std::array<std::string_view, 3> HLMenuStructureWords = {"menu i
 [[nodiscard]] std::optional<std::string> HLExplicitDismissAction(const std::vector<std::string>& actionNames);
 
 // Returns the first action that closes a banner of an automation: one that begins with "Name:Close", or "AXClose". The
-// auto-closer acts on its own, and so trusts fewer names than a dismissal that the user asked for.
+// auto-closer acts without the user, so it accepts fewer names than a dismissal.
 [[nodiscard]] std::optional<std::string> HLCloseAction(const std::vector<std::string>& actionNames);
 
 // Whether a plain press is among the actions.
