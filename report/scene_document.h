@@ -26,6 +26,6 @@ struct HLRecordedScene {
 [[nodiscard]] HLRecordedScene HLSceneOfCapture(const HLCapture& capture, const HLJudgement& judgement,
                                                const std::string& program);
 
-// Reads a scene that HLSceneOfCapture wrote; ignores keys that it never writes. Returns the capture, its elements in the
-// order of the document, or nullptr if the text is no scene.
+// Reads a scene that HLSceneOfCapture wrote; ignores keys that it never writes. Returns the capture, its elements in
+// the order of the document, or nullptr if the text is no scene.
 [[nodiscard]] std::unique_ptr<HLCapture> HLCaptureOfScene(std::string_view text);
