@@ -165,20 +165,3 @@ int HLCapturedNumber(const HLElement& element) {
   const auto* handle = dynamic_cast<const FreshHandle*>(&element);
   return handle == nullptr ? -1 : handle->element().number();
 }
-
-std::vector<int> HLCapturedList(const HLCapturedElement& element, std::string_view name) {
-  std::vector<int> numbers;
-  for (const HLElementRef& member : HLElementsFromAttribute(element.copyAttributeValue(name))) {
-    numbers.push_back(HLCapturedNumber(*member));
-  }
-  return numbers;
-}
-
-std::vector<int> HLCapturedChildren(const HLCapturedElement& element) {
-  std::vector<int> numbers;
-  for (std::string_view name : HLChildAttributes) {
-    const std::vector<int> members = HLCapturedList(element, name);
-    numbers.insert(numbers.end(), members.begin(), members.end());
-  }
-  return numbers;
-}

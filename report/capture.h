@@ -84,9 +84,3 @@ struct HLCapture {
 
 // Returns the number of a captured element or of a handle of one; -1 for other elements.
 [[nodiscard]] int HLCapturedNumber(const HLElement& element);
-
-// Returns the elements of a list attribute by number, repetitions included; empty for any other value.
-[[nodiscard]] std::vector<int> HLCapturedList(const HLCapturedElement& element, std::string_view name);
-
-// Returns the children under all HLChildAttributes by number, in the order in which a scan meets them.
-[[nodiscard]] std::vector<int> HLCapturedChildren(const HLCapturedElement& element);

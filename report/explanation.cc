@@ -8,6 +8,7 @@
 
 #include "core/dismissal/resolution.h"
 #include "core/scan/element_access.h"
+#include "core/scan/notification_center.h"
 #include "core/scan/tree_scan.h"
 #include "core/scan/words.h"
 
@@ -59,7 +60,9 @@ class Explainer {
   void addWindows() {
     std::vector<Place> stack;
     int window = 0;
-    for (int number : HLCapturedList(capture_.element(0), "AXWindows")) stack.push_back({number, window++, 0, false});
+    for (const HLElementRef& each : HLNotificationWindows(capture_.element(0))) {
+      stack.push_back({HLCapturedNumber(*each), window++, 0, false});
+    }
     std::reverse(stack.begin(), stack.end());
     while (!stack.empty()) {
       const Place place = stack.back();
@@ -67,14 +70,13 @@ class Explainer {
       if (!add(place)) continue;
       const auto step = steps_.find(place.number);
       const bool isPruned = place.isPruned || (step != steps_.end() && step->second.descent == HLDescent::prune);
-      std::vector<int> children = HLCapturedChildren(capture_.element(place.number));
       std::set<int> listed;  // the same child is usually in several lists
-      children.erase(std::remove_if(children.begin(), children.end(),
-                                    [&listed](int child) { return !listed.insert(child).second; }),
-                     children.end());
-      for (auto child = children.rbegin(); child != children.rend(); ++child) {
-        stack.push_back({*child, place.window, place.depth + 1, isPruned});
+      std::vector<Place> below;
+      for (const HLElementRef& child : explanation_.elements.back().facts.children) {
+        const int number = HLCapturedNumber(*child);
+        if (listed.insert(number).second) below.push_back({number, place.window, place.depth + 1, isPruned});
       }
+      stack.insert(stack.end(), below.rbegin(), below.rend());
     }
   }
 
