@@ -32,7 +32,7 @@ class BesideADaemon : public TrustedDaemon {
   // A daemon of the product flavor.
   void startProduct() {
     launch(std::string("{") + kProduct + "}");
-    ASSERT_TRUE(WaitFor([this] { return Client(productState() + "/daemon.sock").ask("ping\n") != ""; }));
+    ASSERT_TRUE(WaitFor([this] { return DaemonClient(productState() + "/daemon.sock").ask("ping\n") != ""; }));
   }
   [[nodiscard]] std::string productState() const { return home() + "/.local/share/com.tessaly.hushlet"; }
   [[nodiscard]] static std::int64_t questionsIn(const std::vector<std::string>& diagnostics) {

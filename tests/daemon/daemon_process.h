@@ -1,13 +1,8 @@
-// Daemons as processes of their own, and clients that are written by hand.
+// Daemons as processes of their own.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <fstream>
@@ -20,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/daemon_client.h"
 #include "tests/support/processes.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/temporary_directory.h"
@@ -27,46 +23,6 @@
 inline const std::string kThreeBanners =
     R"({"repeat": 3, "id": "b{n}", "role": "AXGroup", "subrole": "AXNotificationCenterAlert",
         "description": "Mail, message {n}", "actions": ["AXPress", "Name:Close"], "closes": "b{n}"})";
-
-// One connection, used step by step.
-class Client {
- public:
-  explicit Client(const std::string& path) : descriptor_(::socket(AF_UNIX, SOCK_STREAM, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(static_cast<char*>(address.sun_path), 103);
-    connected_ = ::connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  }
-  ~Client() { ::close(descriptor_); }
-  Client(const Client&) = delete;
-  Client& operator=(const Client&) = delete;
-
-  [[nodiscard]] bool isConnected() const { return connected_; }
-  void send(std::string_view bytes) const { (void)::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
-  void endSending() const { ::shutdown(descriptor_, SHUT_WR); }
-  [[nodiscard]] bool hasReplyWithin(std::chrono::milliseconds time) const {
-    pollfd waiting{descriptor_, POLLIN, 0};
-    return ::poll(&waiting, 1, static_cast<int>(time.count())) > 0;
-  }
-  // Until the end of the stream, or the reset that follows a reply to a request that was not read whole.
-  [[nodiscard]] std::string receive() const {
-    std::string received;
-    std::array<char, 256> buffer{};
-    for (ssize_t count = 0; (count = ::read(descriptor_, buffer.data(), buffer.size())) > 0;) {
-      received.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    return received;
-  }
-  [[nodiscard]] std::string ask(std::string_view bytes) const {
-    send(bytes);
-    endSending();
-    return receive();
-  }
-
- private:
-  int descriptor_;
-  bool connected_ = false;
-};
 
 inline bool WaitFor(const std::function<bool()>& condition) {
   const std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
@@ -88,7 +44,7 @@ class TrustedDaemon : public testing::Test {
   // Starts a daemon on the scene, and waits until it answers.
   RunningProgram& start(const std::string& scene, const std::vector<std::string>& command = {HUSHLET_SIM, "--daemon"}) {
     RunningProgram& daemon = launch(scene, command);
-    EXPECT_TRUE(WaitFor([this] { return Client(socketPath()).ask("ping\n") != ""; }));
+    EXPECT_TRUE(WaitFor([this] { return DaemonClient(socketPath()).ask("ping\n") != ""; }));
     return daemon;
   }
   RunningProgram& launch(const std::string& scene,
@@ -123,7 +79,7 @@ class TrustedDaemon : public testing::Test {
 
   [[nodiscard]] const std::string& home() const { return home_.path(); }
   [[nodiscard]] std::string socketPath() const { return home() + "/.local/state/hushlet/daemon.sock"; }
-  [[nodiscard]] std::string ask(std::string_view bytes) const { return Client(socketPath()).ask(bytes); }
+  [[nodiscard]] std::string ask(std::string_view bytes) const { return DaemonClient(socketPath()).ask(bytes); }
   [[nodiscard]] std::vector<std::string> diagnostics() const {
     return LogMessages(FileContent(home() + "/.local/state/hushlet/hushlet_detailed_diagnostics.log"));
   }

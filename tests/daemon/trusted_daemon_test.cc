@@ -24,7 +24,7 @@ TEST_F(TrustedDaemon, AnswersEveryCommand) {
   EXPECT_EQ(ask("quit-daemon\n"), "success|0|0\n");
   EXPECT_EQ(ended(daemon), 0);
   EXPECT_FALSE(std::filesystem::exists(socketPath()));
-  EXPECT_FALSE(Client(socketPath()).isConnected());
+  EXPECT_FALSE(DaemonClient(socketPath()).isConnected());
 }
 
 #ifdef __linux__  // macOS allows no stack that is larger than the memory
@@ -64,7 +64,7 @@ TEST_F(TrustedDaemon, AnswersAnythingElseWithFailed) {
 TEST_F(TrustedDaemon, AnswersAnOverlongLine) {
   start("{}");
   EXPECT_EQ(ask(std::string(2000, 'x')), "failed|0|0\n");
-  const Client open(socketPath());
+  const DaemonClient open(socketPath());
   open.send(std::string(1025, 'x'));  // neither a line feed nor an end: the limit alone ends it
   EXPECT_EQ(open.receive(), "failed|0|0\n");
 }
@@ -72,17 +72,17 @@ TEST_F(TrustedDaemon, AnswersAnOverlongLine) {
 TEST_F(TrustedDaemon, OutlivesClientsThatLeaveEarly) {
   start("{}");
   for (int i = 0; i < 50; ++i) {
-    { const Client silent(socketPath()); }
-    { Client(socketPath()).send("ping\n"); }  // a reply that nobody reads
-    { Client(socketPath()).send("pi"); }
+    { const DaemonClient silent(socketPath()); }
+    { DaemonClient(socketPath()).send("ping\n"); }  // a reply that nobody reads
+    { DaemonClient(socketPath()).send("pi"); }
   }
   EXPECT_EQ(ask("ping\n"), "nothing|0|0\n");
 }
 
 TEST_F(TrustedDaemon, WaitsForAnIdleClient) {
   start("{}");
-  auto silent = std::make_unique<Client>(socketPath());
-  const Client other(socketPath());
+  auto silent = std::make_unique<DaemonClient>(socketPath());
+  const DaemonClient other(socketPath());
   other.send("ping\n");
   EXPECT_FALSE(other.hasReplyWithin(std::chrono::milliseconds(200)));
   silent = nullptr;
@@ -94,7 +94,7 @@ TEST_F(TrustedDaemon, ServesQueuedClientsInOrder) {
       R"({"id": "a", "role": "AXGroup", "subrole": "AXNotificationCenterAlert", "description": "Mail, a",
           "actions": ["Name:Close"], "onAction": {"Name:Close": {"seconds": 0.3, "effects": [{"remove": "a"}]}}})",
       R"(,"clock": "real")"));
-  const Client dismissing(socketPath());
+  const DaemonClient dismissing(socketPath());
   dismissing.send("dismiss\n");
   std::vector<std::string> replies(10);
   std::vector<std::thread> clients;
@@ -149,14 +149,14 @@ TEST_F(TrustedDaemon, ReplacesAStaleSocket) {
   ::kill(killed.pid(), SIGKILL);
   (void)ended(killed);
   EXPECT_TRUE(std::filesystem::exists(socketPath()));
-  EXPECT_FALSE(Client(socketPath()).isConnected());
+  EXPECT_FALSE(DaemonClient(socketPath()).isConnected());
   start("{}");
   EXPECT_EQ(ask("ping\n"), "nothing|0|0\n");
 }
 
 TEST_F(TrustedDaemon, TakesOverTheSocketPath) {
   RunningProgram& first = start(R"({"trusted": false})");
-  const Client kept(socketPath());
+  const DaemonClient kept(socketPath());
   ASSERT_TRUE(kept.isConnected());
   launch("{}");
   ASSERT_TRUE(WaitFor([this] { return diagnostics().size() == 2; })) << "the second one has started";
@@ -168,7 +168,7 @@ TEST_F(TrustedDaemon, TakesOverTheSocketPath) {
 
 TEST_F(TrustedDaemon, LeavesWhatReplacedItsSocketFile) {
   RunningProgram& daemon = start("{}");
-  const Client kept(socketPath());
+  const DaemonClient kept(socketPath());
   ASSERT_TRUE(kept.isConnected());
   std::filesystem::remove(socketPath());
   std::ofstream(socketPath()) << "somebody else's";
@@ -194,10 +194,10 @@ TEST_F(TrustedDaemon, CutsALongSocketPath) {
   std::filesystem::create_directories(deep + "/.local/state/hushlet");
   const std::string cut = path.substr(0, 103);
   RunningProgram& daemon = launch(scene);
-  ASSERT_TRUE(WaitFor([&] { return Client(path).ask("ping\n") == "nothing|0|0\n"; }));
+  ASSERT_TRUE(WaitFor([&] { return DaemonClient(path).ask("ping\n") == "nothing|0|0\n"; }));
   EXPECT_TRUE(std::filesystem::is_socket(cut));
   EXPECT_NE(FileMode(cut), 0600U) << "the permissions go by the whole path";
-  EXPECT_EQ(Client(path).ask("quit-daemon\n"), "success|0|0\n");
+  EXPECT_EQ(DaemonClient(path).ask("quit-daemon\n"), "success|0|0\n");
   EXPECT_EQ(ended(daemon), 0);
   EXPECT_TRUE(std::filesystem::is_socket(cut)) << "the removal too";
   RunningProgram& next = launch(scene);

@@ -1,58 +1,22 @@
 #include "tests/swarm/callers.h"
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
-#include <array>
-#include <cerrno>
+#include <algorithm>
+#include <chrono>
+#include <optional>
 #include <string_view>
 #include <thread>
 
 #include "platform/text.h"
+#include "tests/support/daemon_client.h"
 
 namespace {
 
 constexpr std::size_t kLongestRequest = 1025;
 
-class Connection {
- public:
-  // Tries until the daemon listens.
-  explicit Connection(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(static_cast<char*>(address.sun_path), 103);
-    for (;;) {
-      descriptor_ = ::socket(AF_UNIX, SOCK_STREAM, 0);
-      if (::connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return;
-      ::close(descriptor_);
-      std::this_thread::yield();
-    }
-  }
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
-  ~Connection() { ::close(descriptor_); }
-
-  void send(std::string_view bytes) const { (void)::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
-  void endSending() const { ::shutdown(descriptor_, SHUT_WR); }
-  [[nodiscard]] bool hasReplyWithin(int milliseconds) const {
-    pollfd waiting{descriptor_, POLLIN, 0};
-    return ::poll(&waiting, 1, milliseconds) > 0;
-  }
-  // To the end of the stream, or the reset behind a reply to a request that was not read whole.
-  [[nodiscard]] std::string receive() const {
-    std::string received;
-    std::array<char, 256> buffer{};
-    for (ssize_t count = 0; (count = ::read(descriptor_, buffer.data(), buffer.size())) > 0;) {
-      received.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    return received;
-  }
-
- private:
-  int descriptor_ = -1;
-};
+// Tries until the daemon listens.
+void connect(std::optional<DaemonClient>& connection, const std::string& path) {
+  for (connection.emplace(path); !connection->isConnected(); connection.emplace(path)) std::this_thread::yield();
+}
 
 // What the daemon answers to these bytes; "" for one of several answers.
 std::string answerTo(const std::string& bytes) {
@@ -65,37 +29,39 @@ std::string answerTo(const std::string& bytes) {
 
 CallerOutcome serve(const Caller& caller, const std::string& path) {
   CallerOutcome outcome;
-  const Connection connection(path);
+  std::optional<DaemonClient> connection;
+  connect(connection, path);
   switch (caller.manner) {
     case Manner::asks:
       outcome.wanted = answerTo(caller.request);
-      connection.send(caller.request);
+      connection->send(caller.request);
       break;
     case Manner::sendsInPieces:
       outcome.wanted = answerTo(caller.request);
-      for (const char byte : caller.request) connection.send({&byte, 1});
+      for (const char byte : caller.request) connection->send({&byte, 1});
       break;
     case Manner::asksWithoutEnd:
       outcome.wanted = "failed|0|0";
-      connection.send(std::string(kLongestRequest + caller.request.size(), '-'));
-      outcome.received = connection.receive();
+      connection->send(std::string(kLongestRequest + caller.request.size(), '-'));
+      outcome.received = connection->receive();
       return outcome;
     case Manner::leavesEarly:
       outcome.wanted = answerTo(caller.request) == "dismiss" ? "dismiss" : "-";
       outcome.leavesEarly = true;
-      connection.send(caller.request);
+      connection->send(caller.request);
       return outcome;
     case Manner::staysIdle: {
-      const Connection behind(path);
-      behind.send("ping\n");
-      outcome.answeredTooEarly = behind.hasReplyWithin(1);
-      connection.endSending();
-      outcome.received = behind.receive();
+      std::optional<DaemonClient> behind;
+      connect(behind, path);
+      behind->send("ping\n");
+      outcome.answeredTooEarly = behind->hasReplyWithin(std::chrono::milliseconds(1));
+      connection->endSending();
+      outcome.received = behind->receive();
       return outcome;
     }
   }
-  connection.endSending();
-  outcome.received = connection.receive();
+  connection->endSending();
+  outcome.received = connection->receive();
   return outcome;
 }
 
