@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "app/dismiss_feedback.h"
 #include "platform/application/user_defaults.h"
 #include "tests/app/spied_application.h"
 
@@ -268,6 +269,14 @@ TEST(Failure, StaysSilentOnMacOS) {
   EXPECT_THAT(dismissal.messages("dismissNotifications unfinished"), IsEmpty());
   dismissal.delegate->showSettingsWindow();
   EXPECT_THAT(dismissal.host.calls, Not(Contains("label ")));
+}
+
+TEST(Failure, NeverAsksForAccess) {
+  Application application(R"("trusted": false, "services": {"grantOnPrompt": true}, "applications": [{"pid": 400,
+    "bundleIdentifier": "com.apple.notificationcenterui"}])");
+  EXPECT_FALSE(HLHasBanner());
+  application.desktop.runLoop().runFor(1);
+  EXPECT_FALSE(application.desktop.accessibility().isProcessTrusted(false));
 }
 
 TEST(Failure, ExplainsAMissingNotificationCenter) {

@@ -178,10 +178,12 @@ TEST(Trial, PostsNothingDuringDoNotDisturb) {
 }
 
 TEST(Trial, PostsNothingWithoutAccess) {
-  Application application(R"("trusted": false)");
+  Application application(R"("trusted": false, "services": {"grantOnPrompt": true})");
   SceneTrials trials;
   EXPECT_EQ(HLRunTrial(trials, kTitle).text, "Accessibility is off: not tried");
   EXPECT_THAT(trials.calls, IsEmpty());
+  application.desktop.runLoop().runFor(1);
+  EXPECT_FALSE(application.desktop.accessibility().isProcessTrusted(false)) << "the user is not asked";
 }
 
 TEST(Trial, ReportsARefusingServer) {
