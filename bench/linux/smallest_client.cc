@@ -1,4 +1,4 @@
-// The smallest program that does something on the session bus: the floor of every command.
+// The smallest program that makes a call on the session bus: the baseline for the start time of commands.
 #include <systemd/sd-bus.h>
 
 #include <cstdlib>

@@ -10,11 +10,11 @@
 struct HLHostChoice {
   std::string key;
   std::string title;
-  std::string note;  // what it does, and when a change counts
+  std::string note;  // its effect, and when a change applies
 };
 
 struct HLConventions {
-  // The setup window's way to the permission. "%@" stands for the application's name.
+  // Texts of the setup window. "%@" is replaced by the application's name.
   std::string accessExplanation;
   std::string accessSteps;
   std::string accessNote;
@@ -31,8 +31,8 @@ struct HLConventions {
   bool spellsModifiers = false;       // shortcuts are too long to share a row with their buttons
   bool offersAutoClose = true;        // the host has automations whose banners can be closed
   bool offersUserRules = false;       // the preferences may hold rules for banners to close
-  bool restoresShortcutNote = false;  // when a recording is canceled
-  bool logsUnchangedPolls = true;     // of the setup window
-  bool explainsFailures = false;      // of dismissals: by the status item, or without one by the settings window
-  bool iconMayBeMissing = false;      // then the first start without an icon opens the settings window
+  bool restoresShortcutNote = false;  // a canceled recording restores the note under the shortcut
+  bool logsUnchangedPolls = true;     // the setup window's polls are logged even without a change
+  bool explainsFailures = false;  // the status item, or without one the settings window, says why a dismissal failed
+  bool iconMayBeMissing = false;  // the first start without an icon opens the settings window
 };

@@ -15,7 +15,7 @@
 
 namespace {
 
-// What is said of the element with this title, which is in a banner.
+// Returns the refusal of an element with these keys, in a window with notification words.
 std::string refusalOf(const std::string& keys) {
   const SimulatedDesktop desktop(
       NotificationCenterScene(R"({"title": "Notification Center", "children": [{"title": "wanted", )" + keys + "}]}"));

@@ -151,7 +151,7 @@ struct Reading {
   std::size_t fault = std::string_view::npos;  // the first bracket that begins no tag
 };
 
-// Reads as browsers do: whatever is no tag, no comment and no reference is text.
+// Parses like a browser: everything except tags, comments and character references is text.
 Reading readMarkup(std::string_view body, bool knowsBlocks) {
   constexpr std::string_view kCommentEnd = "-->";
   Reading reading;

@@ -6,8 +6,8 @@
 #include "platform/application/workspace.h"
 #include "platform/process_info.h"
 
-// Pages and mail go to the desktop's own choice, by xdg-open or else the desktop portal. The macOS address of
-// its Accessibility pane stands for the desktop's screen about assistive technologies. What is started runs by itself.
+// Opens web and mail addresses with xdg-open, or else the desktop portal. For the address of macOS's Accessibility pane
+// it opens the desktop's accessibility settings. Started programs are detached.
 class HLLinuxWorkspace : public HLWorkspace {
  public:
   explicit HLLinuxWorkspace(HLProcessInfo& process) : process_(process) {}

@@ -14,8 +14,8 @@ class HLMacRunningApplications : public HLRunningApplications {
  public:
   [[nodiscard]] std::vector<HLRunningApplication> list() override;
   [[nodiscard]] std::optional<HLRunningApplication> find(std::int32_t pid) override;
-  // The workspace announces applications that have a place in the Dock; of the others, such as Notification Center, the
-  // list tells. One may be told of twice.
+  // The workspace reports only applications with a Dock icon, so changes of the list are reported too. An application
+  // may be reported twice.
   void observeLaunches(std::function<void(const HLRunningApplication&)> observer) override;
   // Every signal is sent: the system starts Notification Center again by itself.
   [[nodiscard]] HLSignalOutcome sendSignal(std::int32_t pid, int signal) override;

@@ -97,7 +97,7 @@ TEST(Context, FindsWordsAcrossTheBoundary) {
   EXPECT_TRUE(HLContext("notification").extendedBy("center").isNotification());
 }
 
-// A context that is asked finds the answers of those above it, in whatever order they were asked before.
+// The cached answers do not depend on the order of the queries.
 TEST(Context, AnswersAlikeInEveryOrder) {
   for (int asked = 0; asked < 16; ++asked) {
     std::vector<HLContext> path = {HLContext("axwindow")};

@@ -188,7 +188,7 @@ std::uint32_t bigEndian(const std::string& bytes, std::size_t at) {
   return number;
 }
 
-// What stored blocks hold, checked against the sum that follows them.
+// Returns the content of a zlib stream of stored blocks; checks its Adler-32 checksum.
 std::string inflated(const std::string& stream) {
   std::string bytes;
   std::size_t at = 2;

@@ -37,11 +37,11 @@ struct Dismissal {
   std::set<std::string> ineffective;
   std::vector<BatchEntry> batch;
   bool inBatch = false;
-  std::uint64_t dismissed = 0;         // in this loop
-  std::uint64_t dismissedEarlier = 0;  // in loops before
+  std::uint64_t dismissed = 0;         // in this attempt loop
+  std::uint64_t dismissedEarlier = 0;  // in earlier attempt loops
   bool failed = false;
   HLDismissStatus firstStatus = HLDismissStatusNothing;  // before the drain
-  std::optional<HLDismissStatus> preflight;              // the result where no loop has run
+  std::optional<HLDismissStatus> preflight;              // the result if no attempt loop has run
 
   [[nodiscard]] HLDismissResult expected(std::int64_t onScreen) const;
 };
@@ -139,7 +139,8 @@ class Course {
   double otherPressSeconds = 0;  // of presses outside batches
   bool workIsRefused = false;
 
-  // What the next dismissal in the daemon beside comes to; "" where its answer could not be read. None without one.
+  // Returns the result line of the other daemon's next dismissal, or "" if its reply could not be read. Empty without
+  // another daemon.
   std::function<std::string()> daemonAnswer;
 
   // Whether the thread that is to start now is refused.

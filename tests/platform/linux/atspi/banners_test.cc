@@ -272,7 +272,7 @@ TEST(CloseControl, IsNotAButtonWithAnotherNameThatIsDescribedSo) {
               ElementsAre("none"));
 }
 
-TEST(CloseControl, IsNotATextThatTheApplicationMayHaveGiven) {
+TEST(CloseControl, IsNoButtonNamedByTheApplication) {
   for (const std::string name : {"Close", "Dismiss", "x"}) {
     EXPECT_THAT(controlsWith("  button '" + name + "' [300 6 80x24] <Click>\n"), ElementsAre("none")) << name;
     EXPECT_THAT(controlsWith("  button '" + name + "' [310 70 24x24] <Click>\n"), ElementsAre("none")) << name;

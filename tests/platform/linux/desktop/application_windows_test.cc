@@ -227,7 +227,7 @@ TEST_F(ApplicationWindows, GiveTheNoteBackAfterACanceledRecording) {
   EXPECT_TRUE(screen_->findTitled(kSettings)) << "Escape ends the recording only";
 }
 
-TEST_F(ApplicationWindows, WithoutADisplayItSaysSoAndEnds) {
+TEST_F(ApplicationWindows, FailWithOneLineWithoutADisplay) {
   begin();
   Environment without = session_->environment();
   without.erase("DISPLAY");

@@ -129,7 +129,7 @@ TEST_F(LoginItem, OfAnEntryThatTheUserHasSwitchedOffIsNotRegistered) {
   }
 }
 
-TEST_F(LoginItem, WhoseProgramIsGoneIsNotFound) {
+TEST_F(LoginItem, IsNotFoundWithoutItsProgram) {
   for (const char* gone : {"Exec=/nowhere/at/all\n", "Exec=no-such-program-anywhere\n", "Exec=\n", "",
                            "Exec=env\nTryExec=/nowhere/at/all\n", "Exec=/etc/passwd\n", "Exec=/usr\n"}) {
     write(own(), entry(gone));

@@ -235,7 +235,7 @@ TEST_F(MainLoop, AForeignLoopServesItWhenItsDescriptorIsReadable) {
   EXPECT_FALSE(isReadable());
 }
 
-TEST_F(MainLoop, ASourceIsServedUntilItSaysThatNothingWillCome) {
+TEST_F(MainLoop, ServesASourceUntilItEnds) {
   const int descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   int taken = 0;
   (void)loop_.addSource({descriptor, [&] {
