@@ -1,6 +1,7 @@
 #include "tests/platform/linux/notifications/bus_session.h"
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -61,6 +62,11 @@ void BusSession::startBus() {
   std::filesystem::remove(directory_.path() + "/bus");
   bus_ = start({"dbus-daemon", "--nofork", "--config-file=" + directory_.path() + "/bus.conf"});
   if (!Eventually([] { return HLBus::openSession() != nullptr; })) throw std::runtime_error("no session bus");
+}
+
+void BusSession::killBus() {
+  bus_->signal(SIGKILL);
+  (void)bus_->wait(std::chrono::seconds(5));
 }
 
 FakeServer::FakeServer(HLServerInformation information, Handler handler, std::string name)

@@ -26,6 +26,8 @@ class BusSession {
   [[nodiscard]] const Environment& environment() const { return environment_; }
   [[nodiscard]] std::unique_ptr<ChildProcess> start(const std::vector<std::string>& command);
   void stopBus() { bus_ = nullptr; }
+  // Without the messages by which a bus that ends takes leave.
+  void killBus();
   void startBus();
 
  private:

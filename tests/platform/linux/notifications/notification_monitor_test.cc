@@ -316,6 +316,18 @@ TEST_F(NotificationMonitor, KnowsNotificationsWithoutNumbers) {
   EXPECT_THAT(open(), ElementsAre("org.example.Clock/timer Tea", "org.example.Clock/odd "));
 }
 
+TEST_F(NotificationMonitor, TakesUniqueDestinationsWithoutNumbers) {
+  const FakeServer server;
+  const FakeServer named({"Fake", "Tests", "1"}, {}, kNamed);
+  watch();
+  ASSERT_NE(table_.namedServer(), "");
+  Poster poster;
+  sd_bus_call_method(poster.bus(), table_.namedServer().c_str(), "/org/gtk/Notifications", kNamed, "AddNotification",
+                     nullptr, nullptr, "ssa{sv}", "org.example.Clock", "timer", 1, "title", "s", "Tea");
+  settle(poster);
+  EXPECT_THAT(open(), ElementsAre("org.example.Clock/timer Tea"));
+}
+
 TEST_F(NotificationMonitor, ReadsUrgencyBehindImages) {
   const FakeServer server;
   watch();
@@ -385,7 +397,7 @@ TEST_F(NotificationMonitor, EndsWithTheBusAndStartsAnew) {
   auto poster = std::make_unique<Poster>();
   (void)poster->post("first");
   settle(*poster);
-  session_.stopBus();
+  session_.killBus();
   EXPECT_TRUE(Eventually([this] { return !monitor_.isWatching(); }));
   EXPECT_TRUE(Eventually([this] { return open().empty(); }));
   monitor_.start();

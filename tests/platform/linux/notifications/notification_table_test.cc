@@ -172,6 +172,15 @@ TEST_F(NotificationTable, KeepsConfirmedClosesOfItsServer) {
   EXPECT_THAT(table_.confirmedClosed(), IsEmpty());
 }
 
+TEST_F(NotificationTable, BoundsConfirmedCloses) {
+  for (std::uint32_t i = 1; i <= HLNotificationTable::kMostConfirmed + 1; ++i) {
+    post("n", i);
+    table_.answered(askToClose(i), 0, {});
+  }
+  ASSERT_THAT(table_.confirmedClosed(), SizeIs(HLNotificationTable::kMostConfirmed));
+  EXPECT_EQ(table_.confirmedClosed().front().notification->name.number, 2U);
+}
+
 TEST_F(NotificationTable, SparesNumbersReusedWhileClosing) {
   post("first", 1);
   const HLCallIdentity close = askToClose(1);
@@ -228,6 +237,16 @@ TEST_F(NotificationTable, BoundsTexts) {
   EXPECT_EQ(table_.byteCount(), 0U);
 }
 
+TEST_F(NotificationTable, BoundsNames) {
+  for (int i = 0; i < 900; ++i) {
+    std::string identifier = std::to_string(i);
+    identifier.resize(HLNotificationTextLimit, 'x');
+    table_.addNamed("org.example.Clock", identifier, {}, {});
+  }
+  EXPECT_LE(table_.byteCount(), HLNotificationTable::kMostBytes);
+  EXPECT_LE(table_.open().size() * HLNotificationTextLimit, HLNotificationTable::kMostBytes);
+}
+
 TEST_F(NotificationTable, BoundsUnansweredTexts) {
   HLPostedNotification posted = titled(std::string(HLNotificationTextLimit, 'x'));
   for (std::uint64_t i = 1; i <= 900; ++i) table_.notifyCalled({":1.1", i}, posted);
@@ -249,6 +268,14 @@ TEST_F(NotificationTable, SignalsEveryChangeOfOpen) {
   table_.closed(2);
   EXPECT_FALSE(signaled());
   table_.closed(1);
+  EXPECT_TRUE(signaled());
+  post("second", 2);
+  EXPECT_TRUE(signaled());
+  table_.answered(askToClose(2), 0, {});
+  EXPECT_TRUE(signaled());
+  table_.addNamed("org.example.Clock", "alarm", titled("Wake up"), {});
+  EXPECT_TRUE(signaled());
+  table_.removeNamed("org.example.Clock", "alarm");
   EXPECT_TRUE(signaled());
   table_.setServer(":1.20");
   EXPECT_TRUE(signaled());
