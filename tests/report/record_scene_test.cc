@@ -1,9 +1,12 @@
 #include "report/record_scene.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -12,6 +15,19 @@
 #include "tests/support/processes.h"
 #include "tests/support/scenes.h"
 #include "tests/support/simulated_desktop.h"
+
+namespace {
+
+bool hasLinks = true;  // whether link() works
+
+}  // namespace
+
+// Takes the place of the C library's function in this program.
+extern "C" int link(const char* from, const char* to) noexcept {
+  if (hasLinks) return ::linkat(AT_FDCWD, from, AT_FDCWD, to, 0);
+  errno = EPERM;
+  return -1;
+}
 
 namespace {
 
@@ -78,6 +94,20 @@ TEST_F(RecordScene, NeverOverwrites) {
   EXPECT_EQ(FileContent(path_), scene);
   std::filesystem::create_symlink("nowhere", desktop_.home() + "/link");
   EXPECT_EQ(record(desktop_.home() + "/link"), 1);
+}
+
+TEST_F(RecordScene, WritesWhereTheFileSystemHasNoLinks) {
+  hasLinks = false;
+  EXPECT_EQ(record(path_), 0) << err_.str();
+  const std::string scene = FileContent(path_);
+  EXPECT_EQ(record(path_), 1);
+  hasLinks = true;
+  EXPECT_NE(scene.find("AXNotificationCenterAlert"), std::string::npos);
+  EXPECT_EQ(FileContent(path_), scene);
+  struct stat status {};
+  ASSERT_EQ(::stat(path_.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777U, 0600U);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(desktop_.home()), {}), 1);
 }
 
 TEST(RecordSceneInAProcess, FailsBeyondTheFileSizeLimit) {
