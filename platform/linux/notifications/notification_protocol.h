@@ -1,4 +1,4 @@
-// Questions of one Hushlet process to another about open notifications (docs/linux.md).
+// Questions of one Hushlet process to another about open notifications (docs/linux-backend.md).
 #pragma once
 
 #include <systemd/sd-bus.h>
