@@ -9,8 +9,8 @@
 #include "platform/threads/thread_safety.h"
 
 // Has two connections. On the first it is a monitor of the bus: nothing is written there. On the second it answers the
-// questions of other processes (docs/linux-backend.md), as long as no earlier process does. The thread wakes up for messages
-// only; it reads all that the bus lets through for HLMonitorRules.
+// questions of other processes (docs/linux-backend.md), as long as no earlier process does. The thread wakes up for
+// messages only; it reads all that the bus lets through for HLMonitorRules.
 //
 // The table is emptied when the bus ends. Thread-safe.
 class HLNotificationMonitor {
