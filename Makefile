@@ -1,5 +1,5 @@
 # The commands; CMakePresets.json holds what they configure. Each one installs the packages that it needs and that are missing.
-.PHONY: run package release test fuzz swarm mutate sanitize bench coverage macos mac-report lint tidy format clean
+.PHONY: run package release test fuzz swarm mutate sanitize bench desktops coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
@@ -45,7 +45,7 @@ test:
 
 # The same tests under the address, undefined-behavior and thread sanitizers.
 sanitize:
-	@tools/install-packages build test
+	@tools/install-packages build test fuzz
 	for preset in asan tsan; do \
 	  cmake --preset $$preset $(CONFIGURE_FLAGS) && cmake --build --preset $$preset -j $(JOBS) && \
 	  ctest --preset $$preset -j $(SANITIZER_TEST_JOBS) || exit 1; \
@@ -105,7 +105,7 @@ lint:
 tidy:
 	@tools/install-packages build test lint
 	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
-	run-clang-tidy -quiet -p build '$(CURDIR)/(entry|app|daemon|autoclose|core|base|platform)/.*\.cc$$'
+	run-clang-tidy -quiet -p build '$(CURDIR)/(entry|app|daemon|autoclose|core|report|base|platform)/.*\.cc$$'
 
 format:
 	@tools/install-packages lint

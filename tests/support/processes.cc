@@ -13,6 +13,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tests/support/sanitizers.h"
 #include "tests/support/temporary_directory.h"
 
 extern char** environ;
@@ -90,11 +91,8 @@ ProgramRun RunProgram(const std::vector<std::string>& command, const std::map<st
 }
 
 std::vector<std::string> WithoutThreads(std::vector<std::string> command) {
-#ifdef __SANITIZE_THREAD__
-  const std::string kilobytes = "268435456";  // ThreadSanitizer needs the addresses that a larger limit sets aside
-#else
-  const std::string kilobytes = "1073741824";
-#endif
+  // The thread sanitizer needs the addresses that a larger limit sets aside.
+  const std::string kilobytes = kIsThreadSanitized ? "268435456" : "1073741824";
   command.insert(command.begin(), {"/bin/sh", "-c", "ulimit -S -s " + kilobytes + " && exec \"$@\"", "sh"});
   return command;
 }

@@ -1,5 +1,6 @@
 #include "tests/swarm/shrink.h"
 
+#include <algorithm>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -22,10 +23,9 @@ class Shrinker {
     scene_ = Json::parse(plan_.scene);
     bool smaller = true;
     while (smaller) {
-      smaller =
-          shorten(plan_.callFaults) | shorten(plan_.clockJumps) | shorten(plan_.callers) | shorten(plan_.daemonReplies);
-      smaller = shorten(plan_.threadRefusals) | shorten(plan_.shortAnswers) | shorten(plan_.logFaults) | smaller;
-      smaller = dropAllocation() | thin(Pointer()) | smaller;
+      smaller = std::max({shorten(plan_.callFaults), shorten(plan_.clockJumps), shorten(plan_.callers),
+                          shorten(plan_.daemonReplies), shorten(plan_.threadRefusals), shorten(plan_.shortAnswers),
+                          shorten(plan_.logFaults), dropAllocation(), thin(Pointer())});
       std::cerr << tries_ << " tries, " << plan_.scene.size() << " bytes\n";
     }
     return plan_;
@@ -88,7 +88,7 @@ class Shrinker {
           }
         }
       }
-      for (std::size_t i = 0; i < scene_[at].size(); ++i) smaller = thin(at / i) | smaller;
+      for (std::size_t i = 0; i < scene_[at].size(); ++i) smaller = std::max(thin(at / i), smaller);
     } else if (scene_[at].is_object()) {
       std::vector<std::string> keys;
       for (const auto& entry : scene_[at].items()) keys.push_back(entry.key());

@@ -16,6 +16,7 @@
 #include "platform/linux/notifications/bus_events.h"
 #include "platform/linux/session/bus.h"
 #include "tests/platform/linux/notifications/bus_session.h"
+#include "tests/support/sanitizers.h"
 
 namespace {
 
@@ -24,12 +25,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr const char* kObject = "/org/freedesktop/Notifications";
-// Sanitizers keep memory that was given back, and are slow with much of it.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsSanitized = true;
-#else
-constexpr bool kIsSanitized = false;
-#endif
 constexpr const char* kNamed = "org.gtk.Notifications";
 
 // Answers no question.

@@ -266,7 +266,7 @@ std::uint32_t NotificationSender::send(const std::string& application, const std
   sd_bus_message_close_container(message);
   sd_bus_message_append(message, "a{sv}i", 0, 0);
   sd_bus_message* reply = nullptr;
-  sd_bus_error error = SD_BUS_ERROR_NULL;
+  sd_bus_error error{};
   const int sent = sd_bus_call(bus_, message, 0, &error, &reply);
   std::uint32_t id = 0;
   if (sent >= 0) sd_bus_message_read_basic(reply, 'u', &id);

@@ -38,7 +38,7 @@ constexpr std::uint32_t kN = 45;  // virtual key codes
 constexpr std::uint32_t kF5 = 96;
 constexpr std::uint32_t kF6 = 97;
 constexpr std::uint32_t kThree = HLHotKeyCommand | HLHotKeyOption | HLHotKeyControl;
-constexpr HLHotKeyIdentity kNoIdentity;
+const HLHotKeyIdentity kNoIdentity;
 
 constexpr xcb_keycode_t keycode(int kernelKey) { return static_cast<xcb_keycode_t>(kernelKey + 8); }
 
