@@ -32,8 +32,8 @@ QImage HLDrawApplicationIcon(int size) {
   painter.setBrush(downwards(8, 120, QColor(0x4B, 0x5F, 0xC4), QColor(0x27, 0x30, 0x6E)));
   painter.drawRoundedRect(QRectF(8.5, 8.5, 111, 111), 25.5, 25.5);
 
-  painter.translate(26, 26);
-  painter.scale(4.75, 4.75);  // scales to the symbol's grid
+  painter.translate(19.2, 19.2);
+  painter.scale(5.6, 5.6);  // scales to the symbol's grid
   painter.fillPath(HLTraySymbol("bell.slash"),
                    downwards(2.3, 13.7, QColor(0xFF, 0xFF, 0xFF), QColor(0xD5, 0xDC, 0xF7)));
   return image;

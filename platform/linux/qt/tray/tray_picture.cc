@@ -116,8 +116,8 @@ QPainterPath titlePath(const QString& title) {
   return path;
 }
 
-// Puts the number in the lower right corner, in front of the symbol.
-QPainterPath withNumber(const QPainterPath& symbol, const QString& number) {
+// Puts the number in the lower right corner, in front of the symbol's outline. Of what is in it, scraps would remain.
+QPainterPath withNumber(const QPainterPath& outline, const QString& number) {
   const QPainterPath digits = textPath(number);
   const QRectF bounds = digits.boundingRect();
   const double scale = std::min(kNumberHeight / bounds.height(), kPictureGrid / bounds.width());
@@ -127,7 +127,9 @@ QPainterPath withNumber(const QPainterPath& symbol, const QString& number) {
   const QPainterPath placed = corner.map(digits);
   QTransform smaller;
   smaller.scale(0.72, 0.72);
-  QPainterPath path = cut(smaller.map(symbol), joined(placed, stroked(placed, 2 * kGap)));
+  QPainterPath room;
+  room.addRect(placed.boundingRect().adjusted(-2 * kGap, -kGap, kGap, kGap));
+  QPainterPath path = cut(smaller.map(outline), room);
   path.addPath(placed);
   return path;
 }
@@ -136,7 +138,7 @@ QPainterPath pathOf(const HLTrayLook& look) {
   const QPainterPath symbol = HLTraySymbol(look.symbol);
   const QString title = QString::fromStdString(look.title).trimmed();
   if (title.isEmpty()) return symbol;
-  return symbol.isEmpty() ? titlePath(title) : withNumber(symbol, title);
+  return symbol.isEmpty() ? titlePath(title) : withNumber(HLTraySymbolBody(look.symbol), title);
 }
 
 }  // namespace
