@@ -108,7 +108,7 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void registerDefaultShortcut();
   void installHotKeyHandler();
   void unregisterHotKey() { hotKeyRef_ = nullptr; }
-  [[nodiscard]] std::string shownShortcut() const;  // storedShortcutLabel() as users of this host write it
+  [[nodiscard]] std::string shownShortcut() const;  // for display; storedShortcutLabel() is for logs
   [[nodiscard]] std::string dismissHint() const;    // for the user: how to clear notifications
   void setShortcutNote(const HLShortcutNote& note);
   void setRecordButtonTitle(const std::string& title);

@@ -160,7 +160,7 @@ void HLAppDelegate::updateAutoCloser() {
   if (autoCloser_ == nullptr) {
     autoCloser_ = std::make_unique<HLAutoCloser>();
     autoCloser_->setRules(conventions().offersAutoClose ? HLAutoCloseRules(std::nullopt) : userRules_.rules);
-    // Other than an automation's banner, one of these may come again with the same texts.
+    // Unlike an automation's banner, such a banner may appear again with equal texts.
     if (!conventions().offersAutoClose) autoCloser_->setRepeatAfter(kRepeatAfter);
   }
   autoCloser_->startForCurrentNotificationCenter();

@@ -21,7 +21,7 @@ constexpr double kCloseButtonTimeout = 1;  // seconds from the banner to its clo
 constexpr double kDisappearTimeout = 3;    // seconds, of each attempt
 constexpr int kAttempts = 2;
 
-// What one scan shows of the trial notification.
+// The state of the trial notification in one scan.
 struct Look {
   bool isReadable = false;  // the server offers its elements
   bool isShown = false;

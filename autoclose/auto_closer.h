@@ -22,13 +22,13 @@ class HLAutoCloser {
   HLAutoCloser(const HLAutoCloser&) = delete;
   HLAutoCloser& operator=(const HLAutoCloser&) = delete;
 
-  // Nothing is closed until there are rules.
+  // Without rules nothing is closed.
   void setRules(HLAutoCloseRuleList rules) { rules_ = std::move(rules); }
 
   // Allows another press for an equal description `seconds` after the last one.
   void setRepeatAfter(double seconds) { repeatAfter_ = seconds; }
 
-  // Watches the Notification Center that runs now, instead of any other. Success shows in pid().
+  // Stops watching, then watches the running Notification Center. On success pid() is not 0.
   void startForCurrentNotificationCenter();
   void stop();
 

@@ -28,7 +28,7 @@ std::string timestamp(double now) {
   std::array<char, 16> zone{};
   std::array<char, 8> fraction{};
   {
-    static HLMutex mutex;  // tzset() and strftime() change the C library's one record of the zone
+    static HLMutex mutex;  // tzset() and strftime() change the C library's global time zone
     const HLLock lock(mutex);
     std::tm local{};
     ::tzset();  // localtime_r() reads the system's zone at its first call only
@@ -85,8 +85,8 @@ class FileSizeSignalBlock {
 };
 
 // Replaces the last character of a cut line by a line feed, so that the next line begins on a line of its own. These
-// bytes are ours: the file offset is the end of what this descriptor wrote, wherever the file ends by now. A full disk
-// has room for bytes that replace others.
+// bytes are ours: the file offset is the end of what this descriptor wrote, even if other processes have appended. A
+// full disk still allows overwriting.
 void endCutLine(int file, std::string_view cut) {
   std::size_t last = cut.size() - 1;
   while (last > 0 && (cut[last] & 0xC0) == 0x80) --last;

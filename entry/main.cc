@@ -14,7 +14,7 @@
 
 namespace {
 
-// Returns 0 when the terminal does not say.
+// Returns 0 if the width is unknown.
 int columnsOf(int descriptor) {
   winsize size{};
   return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;

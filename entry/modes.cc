@@ -46,9 +46,9 @@ std::string adviceFor(HLDismissStatus status) {
   return "";
 }
 
-// Returns the exit code, the same for every result.
+// Returns 0, whatever the result.
 int printResult(const HLDismissResult& result, const HLModeCall& call) {
-  call.out << HLResultWireString(result) << std::endl;  // before the advice, where both go to one terminal
+  call.out << HLResultWireString(result) << std::endl;  // flushed, so that it precedes the advice on a terminal
   const std::string advice = HLIsTerminal(call.err) ? adviceFor(result.status) : "";
   if (!advice.empty()) call.err << advice << '\n';
   return EXIT_SUCCESS;

@@ -7,21 +7,21 @@
 #include <string_view>
 #include <vector>
 
-// What a mode is run with.
+// The arguments of a mode.
 struct HLModeCall {
-  std::string value;   // of a mode that needs one
-  double seconds = 0;  // of a mode that lasts
+  std::string value;   // of modes with a text
+  double seconds = 0;  // of modes with a duration
   std::ostream& out;
   std::ostream& err;
 };
 
-// Runs the mode to completion on the main thread; the exit code.
+// Runs the mode to its end and returns the exit code. Main thread only.
 using HLModeFunction = int (*)(const HLModeCall& call);
 
 enum class HLModeValue {
   none,
   required,  // the argument after the switch; without one the mode does not apply
-  expected,  // the argument after the switch; "" without one, which is for the mode to refuse
+  expected,  // the argument after the switch; without one "", which the mode refuses
   seconds,   // the same as a number, with a default
 };
 
@@ -31,7 +31,7 @@ struct HLMode {
   HLModeFunction run;
 };
 
-// All modes in the order in which they are tested, the menu-bar application last.
+// Returns all modes in the order in which they are tested, the menu-bar application last.
 [[nodiscard]] std::span<const HLMode> HLModes();
 
 struct HLSelectedMode {
@@ -40,8 +40,8 @@ struct HLSelectedMode {
   double seconds = 0;
 };
 
-// The first mode that applies. The first argument is the executable's path. Unknown switches are ignored.
+// Returns the first mode that applies. Skips the first argument, the executable's path, and unknown switches.
 [[nodiscard]] HLSelectedMode HLSelectMode(const std::vector<std::string>& arguments);
 
-// The mode's exit code.
+// Runs the mode and returns its exit code.
 [[nodiscard]] int HLRunMode(const HLSelectedMode& selected, std::ostream& out, std::ostream& err);

@@ -54,7 +54,7 @@ class Explainer {
     int number;
     int window;
     int depth;
-    bool isPruned;  // below a control that the scan is sure of
+    bool isPruned;  // below a control with a high score
   };
 
   void addWindows() {

@@ -28,7 +28,7 @@ double numberOf(const HLValue& value) {
   return real == nullptr ? 0 : *real;
 }
 
-// Returns the point or size of four or two numbers.
+// Returns the point or size of two numbers from `index` on.
 template <class Pair>
 HLValue pairAt(const HLArray& numbers, std::size_t index) {
   if (numbers.size() < index + 2) return {};

@@ -55,7 +55,7 @@ Links linksOf(const HLCapture& capture) {
   return links;
 }
 
-// A whole number is written without a fraction. JSON has no infinities.
+// Writes integers without a fraction. Clamps infinities, which JSON lacks.
 HLValue coordinate(double value) {
   constexpr double kMost = std::numeric_limits<double>::max();
   constexpr double kWhole = 1e15;
@@ -64,7 +64,7 @@ HLValue coordinate(double value) {
   return std::clamp(value, -kMost, kMost);
 }
 
-// JSON has no NaN either.
+// Returns a missing value for NaN, which JSON lacks.
 HLValue coordinates(std::string_view key, double first, double second) {
   if (std::isnan(first) || std::isnan(second)) return {};
   return HLDictionary{{std::string(key), HLArray{coordinate(first), coordinate(second)}}};
@@ -106,8 +106,8 @@ class SceneWriter {
     links_.named.insert(notification);
   }
 
-  // The nearest element at or above the control with a banner's subrole, or else with words of a notification and below
-  // a window; the control itself where there is none.
+  // Returns the nearest element at or above the control with a banner's subrole, or else with words of a notification;
+  // else the control itself. Ignores the words of the window.
   [[nodiscard]] int notificationAbove(int control) const {
     std::vector<int> path = {control};
     for (auto owner = links_.owners.find(control); owner != links_.owners.end() && owner->second != 0;

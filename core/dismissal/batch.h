@@ -24,7 +24,7 @@ struct HLPreparedBatch {
   double resolutionSeconds = 0;
 };
 
-// Resolves each target; of those that lead to one control the first stays. Presses nothing.
+// Resolves each target; of several targets with one control keeps the first. Presses nothing.
 [[nodiscard]] HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible);
 
 // Performs the action of each prepared target, at most four concurrently, each control once. Returns the eligible
