@@ -204,6 +204,18 @@ TEST_P(Adapter, AServerThatWakesUpIsReadAgain) {
   EXPECT_EQ(HLRunDirectDismiss(*root), (HLDismissResult{HLDismissStatusSuccess, 1, 0}));
 }
 
+TEST_P(Adapter, AServerThatAnsweredAgainHasAllItsTime) {
+  const HLElementRef root = applicationShowing(1);
+  server_->signal(SIGSTOP);
+  EXPECT_THAT(banners(*root), SizeIs(1));
+  server_->signal(SIGCONT);
+  sender_->close(ids_.front());
+  ASSERT_TRUE(Eventually([&] { return banners(*root).empty(); }));
+  server_->signal(SIGSTOP);
+  EXPECT_GE(timeOf([&] { (void)banners(*root); }), HLBusTimeout - milliseconds(50));
+  server_->signal(SIGCONT);
+}
+
 TEST_P(Adapter, AStoppedServerIsNoApplication) {
   (void)applicationShowing(1);
   server_->signal(SIGSTOP);
