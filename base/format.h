@@ -1,6 +1,6 @@
-// Messages are written as they read in the log: %@ for text and for booleans ("true", "false"), and of C's placeholders
-// %s, %d, %ld, %u, %lu, %%, integers filled up with zeros (%02ld), and %f with a precision. A message whose arguments
-// do not fit its placeholders does not compile.
+// A type-checked formatter: an argument that does not fit its placeholder does not compile. Placeholders are %@ for
+// text and for booleans ("true", "false"), and C's %s, %d, %ld, %u, %lu and %%, zero-padded integers (%02ld), and %f
+// with a precision.
 #pragma once
 
 #include <concepts>
@@ -14,10 +14,10 @@
 
 using HLFormatArgument = std::variant<std::string_view, std::int64_t, std::uint64_t, double>;
 
-// What the placeholders of a format ask for.
+// One parsed placeholder.
 struct HLFormatPlaceholder {
   char kind = 0;       // '@', 'd', 'u', 'f', or '%' for the sign itself
-  int precision = 6;   // of 'f'; of an integer, how many digits there are at least
+  int precision = 6;   // of 'f'; the minimum number of digits of an integer
   std::size_t length;  // in the format, with the percent sign; 0 for an unknown placeholder
 };
 

@@ -9,8 +9,8 @@
 #include "base/format.h"
 #include "base/paths.h"
 
-// Appends a line: local time, space, message. Creates the missing file and directories. Every failure is silent: no
-// path, a message that is no UTF-8, a path that is not that of a regular file.
+// Appends a line: local time, space, message. Creates a missing file and its directories. Ignores all errors, also a
+// missing path, a message that is no UTF-8, and a path of something other than a regular file.
 void HLAppendLineToPath(const std::optional<std::string>& path, std::string_view message);
 
 // Appends to the status log: what the user did and what followed.
