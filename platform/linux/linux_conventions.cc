@@ -51,7 +51,7 @@ HLConventions HLLinuxConventions() {
       "runs, and remembers the open ones in memory. It never stores, logs or sends them. The settings switch that off.";
   conventions.accessSteps =
       "1. Click Switch On Accessibility.\n"
-      "2. If your desktop shows its own settings, there is nothing to change in them.\n"
+      "2. If your desktop shows its settings, change nothing there.\n"
       "3. Come back here. This window updates by itself.";
   conventions.accessNote =
       "From then on all programs of your desktop, not only %@, offer their windows to assistive programs. That may "

@@ -38,6 +38,11 @@ HLQtLabel::HLQtLabel(const HLLabel& label, int widest, QWidget* parent)
   applyColor();
 }
 
+void HLQtLabel::setText(const QString& text) {
+  QLabel::setText(text);
+  setHidden(text.isEmpty());
+}
+
 void HLQtLabel::setColor(HLTextColor color) {
   color_ = color;
   applyColor();

@@ -12,6 +12,8 @@ class HLQtLabel : public QLabel {
   // The size hint is the width of the text on one line, at most `widest`.
   HLQtLabel(const HLLabel& label, int widest, QWidget* parent);
 
+  // A label without text is hidden and takes no room.
+  void setText(const QString& text);
   void setColor(HLTextColor color);
 
   [[nodiscard]] QSize sizeHint() const override;

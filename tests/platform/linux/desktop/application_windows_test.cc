@@ -246,7 +246,7 @@ TEST_P(ApplicationWindowsInMode, ArePhotographed) {
   std::vector<std::string> arguments = {"--open-settings", "--snapshot-windows", directory};
   if (dark) arguments.insert(arguments.begin(), "--appearance-dark");
   startApplication(arguments);
-  waitForLogged("snapshot window=Hushlet Settings size=420x360 wrote=1");
+  waitForLogged("snapshot window=Hushlet Settings size=420x346 wrote=1");
   keepPicture(dark ? "dark" : "light");
   std::vector<std::string> names;
   for (const auto& file : std::filesystem::directory_iterator(directory)) names.push_back(file.path().filename());
@@ -260,7 +260,7 @@ TEST_P(ApplicationWindowsInMode, ArePhotographed) {
   int lightness = 0;
   ASSERT_EQ(std::sscanf(measure->output().c_str(), "%dx%d %d", &width, &height, &lightness), 3);
   EXPECT_EQ(width, 420);
-  EXPECT_EQ(height, 360);
+  EXPECT_EQ(height, 346);
   EXPECT_EQ(lightness < 128, dark) << lightness;
 }
 

@@ -127,6 +127,9 @@ TEST_F(Windows, ItIsMadeAsHighAsItsTextsNeed) {
   window.setLabel("status", "Allowed.", HLTextColor::green);
   window.fitHeight();
   EXPECT_EQ(widget().height(), height);
+  window.setLabel("status", "", HLTextColor::green);
+  window.fitHeight();
+  EXPECT_LT(widget().height(), height) << "an empty label takes no room";
 }
 
 TEST_F(Windows, ShowEveryTextWhole) {
