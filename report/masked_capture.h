@@ -7,10 +7,10 @@
 #include "report/capture.h"
 #include "report/judgement.h"
 
-// Returns the same interface with the texts of notifications replaced, judged the same as `judgement`, which is the
-// capture's; nullptr if a few tries all change the judgement. The replacements cannot be undone.
+// Returns a copy with the texts of notifications replaced. `judgement` is the capture's; the copy is judged the same.
+// Returns nullptr if several random replacements all change the judgement.
 [[nodiscard]] std::unique_ptr<HLCapture> HLMaskedCapture(HLCapture& capture, const HLJudgement& judgement);
 
-// Does so without judging; the seed is that of the HLTextMask. Roles, subroles, identifiers, action names, the host's
-// own words and names of processes stay. Logs nothing.
+// Returns such a copy without judging it. `seed` is for HLTextMask. Keeps roles, subroles, identifiers, action names,
+// the host's own words and names of processes. Logs nothing.
 [[nodiscard]] std::unique_ptr<HLCapture> HLMaskedCapture(HLCapture& capture, std::uint64_t seed);

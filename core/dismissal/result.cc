@@ -43,7 +43,7 @@ bool HLParseResultString(std::string_view text, HLDismissResult& result) {
   if (second == std::string_view::npos) return false;
   for (std::size_t i = 0; i < kStatusWords.size(); ++i) {
     if (text.substr(0, first) != kStatusWords[i]) continue;
-    // Each number ends by itself at the bar that follows it.
+    // HLLeadingInteger() stops at the bar behind a number.
     result = {static_cast<HLDismissStatus>(i), HLLeadingInteger(text.substr(first + 1, second - first - 1)),
               HLLeadingInteger(text.substr(second + 1))};
     return true;

@@ -35,7 +35,7 @@ TEST(Capture, ReadsADeepTreeOnASmallStack) {
   EXPECT_EQ(elements, std::to_string(kDepth + 2));
 }
 
-TEST(Capture, NotesThatThereWereMoreElements) {
+TEST(Capture, IsIncompleteBeyondTheLimit) {
   const SimulatedDesktop desktop(NotificationCenterScene(R"({"children": [{"repeat": 20001}]})"));
   const std::unique_ptr<HLCapture> capture = HLCaptureScreen();
   EXPECT_EQ(capture->elements.size(), HLCaptureLimit);

@@ -59,7 +59,7 @@ TEST(Refusal, AddsTheDoubtOfTheHost) {
             "no action that closes it; two alike");
 }
 
-TEST(Refusal, SaysNothingOfWhatIsPressed) {
+TEST(Refusal, IsEmptyForCandidatesAndTexts) {
   EXPECT_EQ(refusalOf(R"("role": "AXButton", "actions": ["Close"])"), "");
   EXPECT_EQ(refusalOf(R"("role": "AXStaticText")"), "");
 }
@@ -94,7 +94,7 @@ std::string explain(bool onTerminal, int columns, const std::string& options = "
   return out.str();
 }
 
-TEST(Explain, ShowsTextsOnATerminalWithControlsSpelledOut) {
+TEST(Explain, ShowsEscapedTextsOnATerminal) {
   const std::string text = explain(true, 200);
   EXPECT_NE(text.find("\"Mail, \\u001B[31mTom, Lunch\""), std::string::npos) << text;
   EXPECT_NE(text.find("\033[32m"), std::string::npos);

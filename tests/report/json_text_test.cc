@@ -9,7 +9,7 @@
 
 namespace {
 
-TEST(JsonText, EscapesWhatATerminalObeys) {
+TEST(JsonText, EscapesControlCharacters) {
   EXPECT_EQ(HLJsonText(std::string("a\"\\\n\x1b\x7f\u009b\u202e")),
             "\"a\\\"\\\\\\u000A\\u001B\\u007F\\u009B\\u202E\"\n");
 }
@@ -20,7 +20,7 @@ TEST(JsonText, WritesShortListsInOneLine) {
             "\n");
 }
 
-TEST(JsonText, IndentsWhatIsLongerThanALine) {
+TEST(JsonText, IndentsLongValues) {
   const std::string text(110, 'x');
   EXPECT_EQ(HLJsonText(HLDictionary{{"key", HLArray{text, HLArray()}}, {"other", HLDictionary()}}),
             "{\n  \"key\": [\n    \"" + text + "\",\n    []\n  ],\n  \"other\": {}\n}\n");
@@ -35,6 +35,6 @@ TEST(JsonText, WritesRealsThatReadTheSame) {
   EXPECT_EQ(HLJsonText(std::numeric_limits<double>::infinity()), "null\n");
 }
 
-TEST(JsonText, ReplacesWhatIsNoText) { EXPECT_EQ(HLJsonText(std::string("\xff")), "\"\uFFFD\"\n"); }
+TEST(JsonText, ReplacesIllFormedText) { EXPECT_EQ(HLJsonText(std::string("\xff")), "\"\uFFFD\"\n"); }
 
 }  // namespace

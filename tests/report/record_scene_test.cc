@@ -45,7 +45,7 @@ class RecordScene : public testing::Test {
   std::ostringstream err_;
 };
 
-TEST_F(RecordScene, WritesAFileForItsUserAlone) {
+TEST_F(RecordScene, WritesAPrivateFile) {
   EXPECT_EQ(record(path_), 0);
   EXPECT_EQ(out_.str(), path_ + ": 3 elements, texts replaced\n");
   EXPECT_EQ(err_.str(), "");
@@ -72,7 +72,7 @@ TEST_F(RecordScene, ClosesTheNotificationAboveAControl) {
   EXPECT_NE(FileContent(path_).find(R"("closes": "e2")"), std::string::npos) << FileContent(path_);
 }
 
-TEST(Recording, KeepsWhatAScanMeetsTwice) {
+TEST(Recording, KeepsFreshHandlesErrorsAndNulls) {
   const SimulatedDesktop desktop(NotificationCenterScene(R"({"title": "Notification Center",
     "children": [{"id": "fresh", "role": "AXGroup", "freshHandles": true}, {"role": "AXRow", "errors": {"AXTitle": -25204},
                   "attributes": {"AXTitle": "x", "AXValue": null, "AXSize": {"size": [3, 4]}}}, 7],
@@ -124,7 +124,7 @@ TEST(RecordSceneInAProcess, FailsBeyondTheFileSizeLimit) {
   EXPECT_EQ(result, "1: File too large\nno file");
 }
 
-TEST_F(RecordScene, SaysWhyThereIsNoFile) {
+TEST_F(RecordScene, ReportsWhyItFails) {
   EXPECT_EQ(record(desktop_.home() + "/no/scene.json"), 1);
   EXPECT_NE(err_.str().find("No such file or directory"), std::string::npos);
   EXPECT_EQ(record("--keep-texts"), 1);

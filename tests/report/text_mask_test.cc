@@ -59,7 +59,7 @@ TEST(TextMask, MakesNoPhraseOfTheEngine) {
   }
 }
 
-TEST(TextMask, KeepsEqualWordsEqualAndOthersDifferent) {
+TEST(TextMask, MapsWordsOneToOne) {
   HLTextMask mask(kSeed);
   EXPECT_EQ(HLLowercase(mask.replaced("Tom")), HLLowercase(mask.replaced("TOM")));
   std::set<std::string> hidden;
@@ -71,7 +71,7 @@ TEST(TextMask, KeepsEqualWordsEqualAndOthersDifferent) {
   EXPECT_EQ(hidden.size(), 26U + 26 * 26 + 1000);
 }
 
-TEST(TextMask, KeepsHalvesOfAPhraseThatTextsBringTogether) {
+TEST(TextMask, KeepsPhrasesAcrossTexts) {
   HLTextMask mask(kSeed);
   mask.meet("Main menu");
   mask.meet("item seven");
@@ -81,7 +81,7 @@ TEST(TextMask, KeepsHalvesOfAPhraseThatTextsBringTogether) {
   EXPECT_FALSE(without.replaced("item seven").starts_with("item "));
 }
 
-TEST(TextMask, KeepsWordsOfTextsThatStay) {
+TEST(TextMask, KeepsWordsOfKeptTexts) {
   HLTextMask mask(kSeed);
   mask.meetKept("body-7");
   EXPECT_EQ(mask.replaced("Body 7"), "Body 7");
@@ -98,19 +98,19 @@ TEST(TextMask, KeepsTheBeginningBeforeACut) {
   EXPECT_NE(first, second);
 }
 
-TEST(TextMask, KeepsACutWordOfTextsThatStay) {
+TEST(TextMask, KeepsCutWordsOfKeptTexts) {
   HLTextMask mask(kSeed);
   mask.meetKept("Shortcuts");
   mask.meetCut("Shortcuts", 4);
   EXPECT_EQ(mask.replaced("Shortcuts, done").substr(0, 9), "Shortcuts");
 }
 
-TEST(TextMask, KeepsWordsEqualThatEndInSigma) {
+TEST(TextMask, KeepsEqualWordsWithFinalSigma) {
   HLTextMask mask(kSeed);
   EXPECT_EQ(HLLowercase(mask.replaced("ΟΔΟΣ")), HLLowercase(mask.replaced("οδος")));
 }
 
-TEST(TextMask, KeepsTheLengthOfTheLowerCasedText) {
+TEST(TextMask, KeepsLowerCasedLength) {
   for (const char* text : {"İstanbul", "ΣΊΣΥΦΟΣ", "Straße", "日本語", "𝔘nicode", "ﬁne", "naïve", "💬 Ça va?"}) {
     EXPECT_EQ(HLUtf16Length(HLLowercase(replaced(text))), HLUtf16Length(HLLowercase(text))) << text;
   }
