@@ -1,4 +1,4 @@
-// A dismiss request whose steps are run one by one.
+// A dismiss request whose steps a test runs one by one.
 #pragma once
 
 #include <deque>
@@ -17,7 +17,7 @@
 #include "tests/support/spies.h"
 #include "tests/support/temporary_directory.h"
 
-// Keeps what is posted until a test takes it.
+// Queues posted steps and work until a test runs them.
 class HeldRunLoop : public SpyRunLoop {
  public:
   explicit HeldRunLoop(HLRunLoop& inner) : SpyRunLoop(inner) { fixedNow = 0; }
@@ -41,7 +41,7 @@ class HeldRunLoop : public SpyRunLoop {
   }
 };
 
-// A request that has begun, on a desktop without Notification Center, so that the work ends as soon as it is run.
+// A started request on a desktop without Notification Center, so that its work ends at once.
 struct Request {
   explicit Request(const std::string& flavor = "product")
       : desktop(R"({"bundle": {"identifier": "test", "info": {"HLProductFlavor": ")" + flavor + R"("}}})") {
@@ -58,7 +58,7 @@ struct Request {
     runLoop.run(runLoop.works);
   }
   void runStep() { runLoop.run(runLoop.steps); }
-  // All that the button has shown.
+  // All titles of the button, in order.
   [[nodiscard]] std::vector<std::string> titles() const {
     std::vector<std::string> titles;
     for (const std::string& call : host.calls) {

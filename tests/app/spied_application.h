@@ -1,4 +1,4 @@
-// The application on a host of spies and a simulated desktop.
+// The application on spies and a simulated desktop.
 #pragma once
 
 #include <algorithm>
@@ -35,7 +35,7 @@ class SpyLaunches : public SpyRunningApplications {
 
 using FoundHost = std::variant<const HLApplicationPlatform*, std::string>;
 
-// The product flavor on a host of spies. The accessibility call with number `failingCall` fails.
+// The product flavor on spies. The accessibility call with the number `failingCall` fails; 0 for none.
 struct Application {
   explicit Application(const std::string& scene = R"("trusted": true)", const std::string& name = "Hushlet",
                        std::int64_t failingCall = 0)

@@ -76,7 +76,7 @@ TEST(CloseMatching, NeverMakesMoreThanFivePasses) {
   EXPECT_EQ(desktop.elapsedMicroseconds(), 5 * 400'000);
 }
 
-TEST(CloseMatching, CountsOnlyPressesThatWereTaken) {
+TEST(CloseMatching, CountsAcceptedPressesOnly) {
   const SimulatedDesktop desktop(
       NotificationCenterScene(window({alert("a", "Mail, one", R"(,"onAction": {"Name:Close": {"error": -25204}})")})));
   const Outcome run = closeMatching("mail");

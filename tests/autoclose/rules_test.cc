@@ -25,18 +25,18 @@ TEST_F(AutoCloseRules, MatchARunningAutomation) {
   EXPECT_TRUE(matches("Shortcuts, Now: running your automation."));
 }
 
-TEST_F(AutoCloseRules, LetterCaseDoesNotCount) {
+TEST_F(AutoCloseRules, IgnoreLetterCase) {
   EXPECT_TRUE(matches("SHORTCUTS, RUNNING YOUR AUTOMATION"));
   EXPECT_TRUE(matches("sHortcuts, running Your automation"));
 }
 
-TEST_F(AutoCloseRules, AnotherApplicationsBannerDoesNotMatch) {
+TEST_F(AutoCloseRules, RejectOtherApplications) {
   EXPECT_FALSE(matches("Mail, Running your automation"));
   EXPECT_FALSE(matches("Shortcuts Beta, Running your automation"));
   EXPECT_FALSE(matches("My Shortcuts, Running your automation"));
 }
 
-TEST_F(AutoCloseRules, AnotherBodyDoesNotMatch) {
+TEST_F(AutoCloseRules, RejectOtherBodies) {
   EXPECT_FALSE(matches("Shortcuts, Your automation failed"));
   EXPECT_FALSE(matches("Shortcuts, "));
   EXPECT_FALSE(matches("Shortcuts, Mail, your automation"));

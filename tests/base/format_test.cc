@@ -26,7 +26,7 @@ TEST(Format, IgnoresPlaceholdersInArguments) {
   EXPECT_EQ(HLFormat("%@ %@", std::string("%d %@ %%"), std::string("100%")), "%d %@ %% 100%");
 }
 
-TEST(Format, WholeNumbersAreDecimal) {
+TEST(Format, PrintsIntegersAsDecimals) {
   EXPECT_EQ(HLFormat("%d %d %d", 0, -7, std::numeric_limits<std::int32_t>::max()), "0 -7 2147483647");
   EXPECT_EQ(HLFormat("%ld %ld", std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()),
             "-9223372036854775808 9223372036854775807");
@@ -62,9 +62,9 @@ TEST(Format, NegativeZeroKeepsItsSign) {
 
 TEST(Format, WritesBooleansAsTrueAndFalse) { EXPECT_EQ(HLFormat("%@ %s", true, false), "true false"); }
 
-TEST(Format, TwoPercentSignsAreOne) { EXPECT_EQ(HLFormat("%% %d%% %%", 5), "% 5% %"); }
+TEST(Format, PrintsTwoPercentSignsAsOne) { EXPECT_EQ(HLFormat("%% %d%% %%", 5), "% 5% %"); }
 
-TEST(Format, PlaceholdersMayTouch) {
+TEST(Format, AcceptsAdjacentPlaceholders) {
   EXPECT_EQ(HLFormat("%@%d%@%.1f%lu", "a", 1, "b", 2.0, std::size_t{3}), "a1b2.03");
 }
 

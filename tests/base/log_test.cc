@@ -129,7 +129,7 @@ TEST_F(Log, IgnoresTheLocale) {
   EXPECT_TRUE(std::regex_match(content("log"), line)) << content("log");
 }
 
-TEST_F(Log, LinesAreAddedAtTheEnd) {
+TEST_F(Log, AppendsLines) {
   std::ofstream(path("log")) << "without an end";
   HLAppendLineToPath(path("log"), "one");
   HLAppendLineToPath(path("log"), "two");

@@ -35,14 +35,14 @@ TEST(TestNotifications, AreThreeWithSound) {
   EXPECT_EQ(desktop.elapsedMicroseconds(), 0);
 }
 
-TEST(TestNotifications, DeniedMakeNoRequest) {
+TEST(TestNotifications, PostNothingWhenDenied) {
   SimulatedDesktop desktop(scene(R"("permission": "denied")"));
   EXPECT_EQ(HLSendTestNotifications(), 0);
   EXPECT_TRUE(desktop.simulator().notifications().empty());
   EXPECT_EQ(desktop.statusLog(), Lines{"sendTestNotificationsLaunch scheduled=0 permissionGranted=false error=none"});
 }
 
-TEST(TestNotifications, DeniedWithAnErrorSayWhich) {
+TEST(TestNotifications, LogTheErrorOfADenial) {
   SimulatedDesktop desktop(scene(R"("permission": "denied", "error": "not allowed here")"));
   EXPECT_EQ(HLSendTestNotifications(), 0);
   EXPECT_EQ(desktop.statusLog(),

@@ -40,7 +40,7 @@ std::vector<std::string> argumentsOf(const HLMode& mode) {
   return {};
 }
 
-TEST(Libraries, NoCommandLoadsAWindowToolkit) {
+TEST(Libraries, LoadNoToolkitForCommands) {
   for (const HLMode& mode : HLModes()) {
     if (mode.switchName.empty() || mode.switchName == "--daemon") continue;
     const std::string loaded = loadedBy(argumentsOf(mode));

@@ -146,7 +146,7 @@ TEST(ModeValue, SkipsModesMissingRequiredValues) {
   EXPECT_EQ(HLSelectMode({"hushlet", "--close-matching", "--auto-close-match"}).value, "--auto-close-match");
 }
 
-TEST(ModeValue, SecondsDefaultToTen) {
+TEST(ModeValue, DefaultsToTenSeconds) {
   for (const std::string name : {"--auto-close-probe", "--observe-nc"}) {
     EXPECT_EQ(selected({name}), name);
     EXPECT_EQ(HLSelectMode({"hushlet", name}).seconds, 10.0);
@@ -174,7 +174,7 @@ TEST(ModeValue, ReadsLeadingSeconds) {
   }
 }
 
-TEST(ModeValue, OthersHaveNone) {
+TEST(ModeValue, IsEmptyForOtherModes) {
   for (const auto& [name, value] : kTable) {
     const HLSelectedMode mode = HLSelectMode({"hushlet", name, "2.5"});
     const bool hasText = value == HLModeValue::required || value == HLModeValue::expected;
@@ -185,7 +185,7 @@ TEST(ModeValue, OthersHaveNone) {
   EXPECT_EQ(HLSelectMode({"hushlet", "2.5"}).seconds, 0.0);
 }
 
-TEST(ModeValue, MayBeMissingWhereTheModeRefusesThat) {
+TEST(ModeValue, MayBeMissingForSomeModes) {
   EXPECT_EQ(selected({"--record-scene"}), "--record-scene");
   EXPECT_EQ(HLSelectMode({"hushlet", "--record-scene"}).value, "");
 }

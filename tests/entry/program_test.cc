@@ -161,7 +161,7 @@ TEST_F(Program, WritesForItsUserAlone) {
             std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
-TEST_F(Program, SelfCheckCountsAndDismissesNothing) {
+TEST_F(Program, ChecksWithoutDismissing) {
   const std::string record = home_.path() + "/record";
   const ProgramRun program =
       run(NotificationCenterScene(kThreeBanners, R"(, "record": ")" + record + "\""), {"--self-check"});
@@ -205,7 +205,7 @@ TEST_F(Program, ChecksWithoutAPrompt) {
   EXPECT_FALSE(desktop.platform().accessibility->isProcessTrusted(false));
 }
 
-TEST_F(Program, SelfCheckNamesTheParent) {
+TEST_F(Program, NamesTheParentInItsCheck) {
   const ProgramRun program = run(R"({"applications": [{"pid": 77, "bundleIdentifier": "com.apple.Terminal",
       "name": "Terminal"}], "parent": 77})",
                                  {"--self-check"});

@@ -38,7 +38,7 @@ std::string reading(const std::string& text) {
   return value ? described(*value) : "nothing";
 }
 
-TEST(Json, EveryKindOfValueIsRead) {
+TEST(Json, ReadsEveryType) {
   EXPECT_EQ(reading("{}"), "{}");
   EXPECT_EQ(reading(" [ ] \n"), "[]");
   EXPECT_EQ(reading(R"([true, false, null, "a", 1, -2, 2.5])"), "[true false missing 'a' i1 i-2 d2.5]");
@@ -59,7 +59,7 @@ TEST(Json, ReadsLargerIntegersAsReals) {
   EXPECT_EQ(reading("[12.9, -0.25, 1.5e2, 25E-2]"), "[d12.9 d-0.25 d150 d0.25]");
 }
 
-TEST(Json, TextsAreUnescaped) {
+TEST(Json, UnescapesTexts) {
   EXPECT_EQ(reading(R"(["\"\\\/\b\f\n\r\t"])"), "['\"\\/\b\f\n\r\t']");
   EXPECT_EQ(reading(R"(["\u00e4 \u20AC \ud83d\ude00 ä"])"), "['ä € 😀 ä']");
   EXPECT_EQ(reading(R"({"\u0061": "[{\"}]"})"), "{a:'[{\"}]'}");

@@ -1,4 +1,4 @@
-// A host of the application that notes what is asked of it, one line a call.
+// Spies of the interfaces that the application uses. Each call appends one line to the list of calls.
 #pragma once
 
 #include <algorithm>
@@ -39,7 +39,7 @@ class SpyWindows : public HLWindows {
   explicit SpyWindows(Calls& calls) : calls_(calls) {}
 
   std::vector<HLWindowDescription> made;
-  std::vector<HLWindowView> shown;  // what views() says
+  std::vector<HLWindowView> shown;  // returned by views()
 
   [[nodiscard]] Calls titles() const {
     Calls titles;
@@ -92,12 +92,12 @@ template <class Control>
   return titles;
 }
 
-// Launches, reopens and ends.
+// run() launches the application, reopens it once and returns 7.
 class SpyApplication : public HLApplication {
  public:
   explicit SpyApplication(Calls& calls) : calls_(calls) {}
 
-  std::optional<HLEvent> event;  // that is being handled
+  std::optional<HLEvent> event;  // returned by currentEvent()
 
   [[nodiscard]] int run(HLApplicationHandlers handlers) override {
     handlers.didFinishLaunching();
@@ -177,7 +177,7 @@ class SpyHotKeys : public HLHotKeys {
   Calls& calls_;
 };
 
-// Answers before get() returns, as a host may from a thread of its own.
+// Calls `answer` before get() returns, as a host with a thread of its own may.
 class SpyHTTPClient : public HLHTTPClient {
  public:
   explicit SpyHTTPClient(Calls& calls) : calls_(calls) {}
@@ -191,7 +191,7 @@ class SpyHTTPClient : public HLHTTPClient {
   Calls& calls_;
 };
 
-// Notes the fallbacks, and when it is asked whether automation banners are to be closed.
+// Records registerDefaults() and reads of the auto-close preference; successive reads count once.
 class SpyUserDefaults : public ForwardingUserDefaults {
  public:
   SpyUserDefaults(Calls& calls, HLUserDefaults& inner) : ForwardingUserDefaults(inner), calls_(calls) {}
@@ -211,7 +211,7 @@ class SpyUserDefaults : public ForwardingUserDefaults {
   Calls& calls_;
 };
 
-// A copy of another host's services with all of these in it.
+// A copy of a platform in which these spies replace the interfaces.
 struct SpyHost {
   explicit SpyHost(const HLApplicationPlatform& inner) : userDefaults(calls, inner.userDefaults), platform(inner) {
     platform.application = application;

@@ -1,4 +1,4 @@
-// Records as one line of text, so that a test compares them whole and a difference can be read.
+// Records as one line of text, so that a test compares all fields and prints differences readably.
 #pragma once
 
 #include <optional>

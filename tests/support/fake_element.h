@@ -1,4 +1,4 @@
-// An element whose answers a test writes by hand, for what no scene can express.
+// An element whose attributes and actions a test sets directly, for cases that no scene can express.
 #pragma once
 
 #include <functional>
@@ -11,11 +11,11 @@
 
 class FakeElement : public HLElement {
  public:
-  std::map<std::string, HLAttribute, std::less<>> attributes;  // any other is missing
+  std::map<std::string, HLAttribute, std::less<>> attributes;  // others are missing
   HLActionList actions;
-  std::function<void()> onRead;  // called before each read of an attribute
+  std::function<void()> onRead;  // called before each attribute is read
   std::function<HLAXError(std::string_view)> onAction = [](std::string_view) { return HLAXErrorSuccess; };
-  const void* node = this;  // fake elements of one node are equal
+  const void* node = this;  // fake elements with the same node are equal
 
   [[nodiscard]] HLAttribute copyAttributeValue(std::string_view name) const override {
     if (onRead) onRead();

@@ -1,11 +1,11 @@
-// The status log of the personal flavor: one file that all its processes on this machine write to.
+// The status log of the personal flavor, one file for all processes on the machine.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
-// From when it is made until it is destroyed no other test that holds one runs. Any thread.
+// Holds a lock on the log from construction to destruction. Blocks while another test holds it. Any thread.
 class PersonalLogTurn {
  public:
   PersonalLogTurn();
@@ -13,7 +13,7 @@ class PersonalLogTurn {
   PersonalLogTurn& operator=(const PersonalLogTurn&) = delete;
   ~PersonalLogTurn();
 
-  // What has been written in this turn.
+  // The messages since construction, without timestamps.
   [[nodiscard]] std::vector<std::string> messages() const;
 
  private:

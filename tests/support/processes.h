@@ -1,4 +1,4 @@
-// Other processes: programs that are run, and functions that need a process of their own.
+// Child processes: programs, and functions that need a process of their own.
 #pragma once
 
 #include <functional>
@@ -7,15 +7,15 @@
 #include <vector>
 
 struct ProgramRun {
-  int exitCode = 0;  // 128 and the signal's number where one ended it
+  int exitCode = 0;  // 128 + the signal's number if a signal ended it
   std::string out;
   std::string err;
 };
 
-// A program that has been started; its output goes to files.
+// A started program. Its output goes to temporary files. Destruction waits for its end.
 class RunningProgram {
  public:
-  // In this process's environment with these variables set; one without a value is taken out.
+  // Adds these variables to this process's environment; a nullptr removes one. Throws if the program cannot be started.
   RunningProgram(const std::vector<std::string>& command, const std::map<std::string, const char*>& environment);
   RunningProgram(RunningProgram&& other) noexcept;
   RunningProgram(const RunningProgram&) = delete;
@@ -40,9 +40,9 @@ class RunningProgram {
 // larger than the memory.
 [[nodiscard]] std::vector<std::string> WithoutThreads(std::vector<std::string> command);
 
-// Runs the function in a child process and returns what it returned there. For what is decided once per process. Throws
-// when the child does not end well.
+// Runs the function in a child process and returns its result, for code that decides something once per process. Throws
+// if the child fails.
 [[nodiscard]] std::string InChildProcess(const std::function<std::string()>& function);
 
-// The same, in a child process that permissions bind: a test of root's becomes the user nobody there.
+// The same for code that needs file permissions to apply: if this process is root, the child becomes the user nobody.
 [[nodiscard]] std::string InUnprivilegedChildProcess(const std::function<std::string()>& function);

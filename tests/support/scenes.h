@@ -1,4 +1,4 @@
-// The frame around the trees that tests write.
+// Scenes around the element trees of tests.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 inline constexpr int NotificationCenterPid = 400;
 
-// A desktop whose only application is Notification Center, with these windows (a list's members). Further top-level
-// keys follow a comma.
+// A desktop whose only application is Notification Center. `windows` has the members of its window list, `further` the
+// other top-level keys, after a comma.
 [[nodiscard]] inline std::string NotificationCenterScene(std::string_view windows, std::string_view further = "") {
   std::string scene = R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
     "name": "Notification Center", "windows": [)";
@@ -22,8 +22,8 @@ inline constexpr int NotificationCenterPid = 400;
 inline constexpr const char* ProductBundle =
     R"("bundle": {"identifier": "test", "info": {"HLProductFlavor": "product"}})";
 
-// A control "link1" in the element "window": its press replaces it by "link2", and so on, so many in all. Their
-// descriptions name that application.
+// `length` controls in the element "window", of which only "link1" is there at first: closing one replaces it by the
+// next, "link2" and so on. Their descriptions begin with `app`.
 [[nodiscard]] inline std::string ChainOfControls(int length, const std::string& app) {
   std::string member;
   for (int i = length; i >= 1; --i) {

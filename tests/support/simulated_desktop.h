@@ -1,4 +1,4 @@
-// A desktop for one test: a scene's simulator, installed as the platform, with a home of its own.
+// A simulated desktop for one test: installed as the platform, with a temporary home directory.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@
 
 class SimulatedDesktop {
  public:
-  // Throws when the scene cannot be read. The process is told to be in the fresh home unless the scene says otherwise.
+  // Throws if the scene is malformed. HOME is the temporary directory unless the setup or the scene names another.
   explicit SimulatedDesktop(std::string_view scene, HLSimulatorSetup setup = {});
   SimulatedDesktop(const SimulatedDesktop&) = delete;
   SimulatedDesktop& operator=(const SimulatedDesktop&) = delete;
@@ -33,7 +33,7 @@ class SimulatedDesktop {
   void sleep(double seconds) { runLoop().sleep(seconds); }
   [[nodiscard]] const std::string& home() const { return home_.path(); }
 
-  // Throws when no element bears the id.
+  // Throws if no element has the id.
   [[nodiscard]] HLElementRef element(std::string_view id);
   // The root element of a process.
   [[nodiscard]] HLElementRef application(std::int32_t pid);
@@ -48,7 +48,7 @@ class SimulatedDesktop {
   HLAXError press(std::string_view id, std::string_view action = "AXPress");
   [[nodiscard]] std::vector<std::string> present() { return simulator_->presentElements(); }
 
-  // Since the start, on the scene's clock.
+  // Time since the start on the scene's clock.
   [[nodiscard]] std::int64_t elapsedMicroseconds() const;
 
   // The messages of a scene with ProductBundle in the status log, without their times.
@@ -62,8 +62,8 @@ class SimulatedDesktop {
   std::unique_ptr<HLSimulator> simulator_;
 };
 
-// The lines of a log without their times; a line that does not begin with one is left as it is.
+// The lines of a log without timestamps. Lines without a timestamp stay unchanged.
 [[nodiscard]] std::vector<std::string> LogMessages(const std::string& content);
 
-// What the launch context reads in a test whose scene names no parent.
+// The launch context of a test whose scene has no parent process.
 [[nodiscard]] std::string LaunchContextWithoutParent();

@@ -1,4 +1,4 @@
-// Platform interfaces that note what is asked of them, and pass it on.
+// Platform interfaces that record calls and forward them.
 #pragma once
 
 #include <cstdint>
@@ -22,8 +22,8 @@ class SpyRunLoop : public ForwardingRunLoop {
 
   using ForwardingRunLoop::ForwardingRunLoop;
 
-  std::vector<Queue> queues;       // in the order in which they were made
-  std::vector<double> sleeps;      // of the main thread; tests with sleeping workers do not look at them
+  std::vector<Queue> queues;       // in creation order
+  std::vector<double> sleeps;      // of the main thread; not thread-safe
   std::optional<double> fixedNow;  // returned by now() instead of the real time
 
   [[nodiscard]] double now() override { return fixedNow ? *fixedNow : ForwardingRunLoop::now(); }
@@ -47,7 +47,7 @@ class SpyRunningApplications : public ForwardingRunningApplications {
 
   std::vector<Signal> signals;
   int listings = 0;
-  bool refuses = false;  // then no signal goes through
+  bool refuses = false;  // sendSignal() forwards nothing and returns refused
 
   [[nodiscard]] std::vector<HLRunningApplication> list() override {
     ++listings;
@@ -59,7 +59,7 @@ class SpyRunningApplications : public ForwardingRunningApplications {
   }
 };
 
-// Installs a copy of the platform with both spies in it, and at its destruction the platform again.
+// Installs a copy of the platform with both spies. Destruction installs the original again.
 class SpiedPlatform {
  public:
   explicit SpiedPlatform(const HLPlatform& inner)

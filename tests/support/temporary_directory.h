@@ -1,9 +1,9 @@
-// A directory of a test's own.
+// A temporary directory for one test, and functions on files.
 #pragma once
 
 #include <string>
 
-// Made empty under the system's directory for temporary files, removed with everything in it at the end.
+// Creates an empty directory. Destruction removes it and its content.
 class TemporaryDirectory {
  public:
   TemporaryDirectory();

@@ -375,7 +375,7 @@ TEST(WaitForProgress, CountsReplacedTargets) {
   EXPECT_EQ(wait.scans, 1U);
 }
 
-TEST(WaitForProgress, ItsDelaysAreThese) {
+TEST(WaitForProgress, UsesItsTwoDelays) {
   EXPECT_EQ(HLBatchVerificationDelays, (std::array<double, 2>{0.08, 0.32}));
   SimulatedDesktop desktop(NotificationCenterScene(kTwo));
   SpiedPlatform spied(desktop.platform());
@@ -384,7 +384,7 @@ TEST(WaitForProgress, ItsDelaysAreThese) {
   EXPECT_EQ(spied.runLoop.sleeps, (std::vector<double>{0.08, 0.32}));
 }
 
-TEST(WaitForProgress, LetterCaseAloneIsNoProgress) {
+TEST(WaitForProgress, IgnoresLetterCase) {
   const Wait wait(R"({"id": "a", "title": "a", "actions": ["Name:Close"]})",
                   R"({"at": 0.01, "set": "a", "attribute": "actions", "value": ["Name:CLOSE"]})");
   EXPECT_EQ(wait.scans, 2U);

@@ -288,7 +288,7 @@ TEST(RestartNotificationCenter, IgnoresEndedProcesses) {
   EXPECT_EQ(restart.successor, 420) << "the first that lives";
 }
 
-TEST(RestartNotificationCenter, OtherApplicationsAreNotTaken) {
+TEST(RestartNotificationCenter, IgnoresOtherApplications) {
   const Restart restart(notificationCenter(400, "") +
                         R"(, {"pid": 300, "bundleIdentifier": "com.apple.mail"}, {"pid": 310})");
   EXPECT_EQ(restart.successor, 0);
@@ -337,7 +337,7 @@ TEST(WaitForRepresentedAlerts, ReturnsAfterTwoEqualPolls) {
   EXPECT_EQ(wait.spied.runLoop.sleeps, (std::vector<double>{0.3, 0.3}));
 }
 
-TEST(WaitForRepresentedAlerts, NoAlertsTwiceAreNone) {
+TEST(WaitForRepresentedAlerts, ReturnsZeroAfterTwoEmptyPolls) {
   const Representation wait({}, 0);
   EXPECT_EQ(wait.presented, 0);
   EXPECT_EQ(wait.counts, (Counts{0, 0}));

@@ -26,7 +26,7 @@ TEST(TargetOrder, PutsHigherScoresFirst) {
   EXPECT_EQ(sortedNames({named("framed", 199, {1, 1, 1, 1}), named("frameless", 200)}), (Names{"frameless", "framed"}));
 }
 
-TEST(TargetOrder, ScoresAreComparedAsSignedNumbers) {
+TEST(TargetOrder, ComparesSignedScores) {
   EXPECT_EQ(sortedNames({named("-1", -1), named("1", 1), named("least", std::numeric_limits<std::int64_t>::min()),
                          named("most", std::numeric_limits<std::int64_t>::max())}),
             (Names{"most", "1", "-1", "least"}));

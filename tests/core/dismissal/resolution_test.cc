@@ -124,7 +124,7 @@ TEST(AttributeControl, PrefersTheCloseButton) {
   EXPECT_EQ(HLCloseControlAttributeTarget(*group.element("group"))->element, group.element("x"));
 }
 
-TEST(AttributeControl, OtherAttributesAreNone) {
+TEST(AttributeControl, IgnoresOtherAttributes) {
   EXPECT_EQ(Group(R"(, "attributes": {
       "AXDefaultButton": {"element": {"title": "default", "actions": ["Name:Close"]}},
       "AXMinimizeButton": {"element": {"actions": ["AXPress"]}}})")
@@ -162,7 +162,7 @@ TEST(AttributeControl, SkipsUnpressableButtons) {
   }
 }
 
-TEST(AttributeControl, ItsSnapshotIsWhole) {
+TEST(AttributeControl, KeepsItsWholeSnapshot) {
   const std::string title(300, 'a');
   EXPECT_EQ(
       Group(R"(, "attributes": {"AXCloseButton": {"element": {"title": ")" + title + R"(", "actions": ["AXPress"]}}})")
@@ -209,7 +209,7 @@ TEST(FocusedControl, ScoresEachTest) {
   for (const Case& each : cases) EXPECT_EQ(focusedAlone(each.member), each.expected) << each.member;
 }
 
-TEST(FocusedControl, EachCloseWordCounts) {
+TEST(FocusedControl, CountsEveryCloseWord) {
   for (const std::string word : {"close", "dismiss", "clear", "xmark"}) {
     EXPECT_EQ(focusedAlone(R"({"title": "a)" + word + R"(b", "frame": [0, 0, 20, 20], "actions": ["AXPress"]})"),
               "AXPress 170 (0,0,20,20) [a" + word + "b] focused-press-fallback,close-words,small-frame");
@@ -222,7 +222,7 @@ TEST(FocusedControl, IgnoresCloseWordsOfAncestors) {
             "AXPress 140 (0,0,20,20) [x] focused-press-fallback,small-frame");
 }
 
-TEST(FocusedControl, EightyPointsBothWaysAreSmall) {
+TEST(FocusedControl, TreatsEightyPointsAsSmall) {
   const auto found = [](const std::string& size) {
     return focusedAlone(R"({"title": "x", "frame": [0, 0, )" + size + R"(], "actions": ["AXPress"]})");
   };
@@ -399,7 +399,7 @@ TEST(FocusedControl, UsesContextAsTextlessSnapshot) {
             "focused-press-fallback,small-frame,notification-context");
 }
 
-TEST(FocusedControl, ItsSnapshotIsWhole) {
+TEST(FocusedControl, KeepsItsWholeSnapshot) {
   const std::string title(300, 'a');
   EXPECT_EQ(focusedAlone(R"({"title": ")" + title + R"(", "frame": [0, 0, 20, 20], "actions": ["AXPress"]})"),
             "AXPress 140 (0,0,20,20) [" + title + "] focused-press-fallback,small-frame");

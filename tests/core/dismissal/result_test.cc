@@ -45,7 +45,7 @@ TEST(ResultText, MapsEveryStatusToItsWord) {
   }
 }
 
-TEST(ResultText, AnyOtherStatusReadsAsFailed) {
+TEST(ResultText, WritesOtherStatusesAsFailed) {
   for (const std::int64_t value : {std::int64_t{5}, std::int64_t{7}, std::int64_t{-1}, std::int64_t{1} << 32,
                                    std::numeric_limits<std::int64_t>::min()}) {
     EXPECT_EQ(HLStatusString(static_cast<HLDismissStatus>(value)), "failed");
@@ -66,7 +66,7 @@ TEST(ResultText, ParsesWhatWasWritten) {
   }
 }
 
-TEST(ResultText, FieldsAfterTheThirdAreIgnored) {
+TEST(ResultText, IgnoresExtraFields) {
   EXPECT_EQ(parsed("nothing|0|0|extra"), (HLDismissResult{HLDismissStatusNothing, 0, 0}));
   EXPECT_EQ(parsed("failed|1|2|"), (HLDismissResult{HLDismissStatusFailed, 1, 2}));
   EXPECT_EQ(parsed("failed|1|2|3|4"), (HLDismissResult{HLDismissStatusFailed, 1, 2}));
@@ -87,7 +87,7 @@ TEST(ResultText, KeepsTheRecordOnFailure) {
   EXPECT_EQ(result, (HLDismissResult{HLDismissStatusAccessDenied, 8, 9}));
 }
 
-TEST(ResultText, CountsAreReadLeniently) {
+TEST(ResultText, ReadsCountsLeniently) {
   EXPECT_EQ(parsed("success|x|3"), (HLDismissResult{HLDismissStatusSuccess, 0, 3}));
   EXPECT_EQ(parsed("success| 12|-4"), (HLDismissResult{HLDismissStatusSuccess, 12, -4}));
   EXPECT_EQ(parsed("success|12abc|+7"), (HLDismissResult{HLDismissStatusSuccess, 12, 7}));

@@ -59,7 +59,7 @@ TEST(Context, FindsWordsInsideOthers) {
   }
 }
 
-TEST(Context, OtherWordsAreNone) {
+TEST(Context, IgnoresOtherWords) {
   for (const char* word :
        {"", "notificatio", "otification", "stacke", "tacked", "from", "iphone", "from iphon", "rom iphone", "from ipad",
         "center", "xmark", "clos", "lose", "dismis", "ismiss", "clea", "lear", "cle ar"}) {

@@ -67,11 +67,11 @@ TEST_F(ElementAccess, ReadsBooleansAsOneOrZero) {
   EXPECT_EQ(text("false"), "0");
 }
 
-TEST_F(ElementAccess, AnyOtherValueHasNoText) {
+TEST_F(ElementAccess, ReadsNoTextOfOtherTypes) {
   for (const char* name : {"list", "element", "point", "size"}) EXPECT_EQ(text(name), std::nullopt) << name;
 }
 
-TEST_F(ElementAccess, MissingAndFailingAttributesAreNothing) {
+TEST_F(ElementAccess, ReadsFailingAttributesAsMissing) {
   for (const char* name : {"AXSubrole", "null", "AXDescription", "AXHelp"}) {
     EXPECT_EQ(text(name), std::nullopt) << name;
     EXPECT_FALSE(HLCopyAttribute(*element_, name).has_value()) << name;
@@ -125,7 +125,7 @@ TEST(ElementAnswers, YieldNoValueOnError) {
   EXPECT_TRUE(HLElementsFromAttribute(element.copyAttributeValue("AXChildren")).empty());
 }
 
-TEST(ElementAnswers, SuccessWithoutAValueIsMissing) {
+TEST(ElementAnswers, TreatEmptySuccessAsMissing) {
   FakeElement element;
   element.attributes["AXTitle"] = {HLAXErrorSuccess, {}};
   EXPECT_FALSE(HLCopyAttribute(element, "AXTitle").has_value());

@@ -40,7 +40,7 @@ TEST(FindingNotificationCenter, ReturnsNulloptWithoutApplications) {
   EXPECT_FALSE(HLNotificationCenterApplication().has_value());
 }
 
-TEST(FindingNotificationCenter, EachCallAsksAgain) {
+TEST(FindingNotificationCenter, CachesNothing) {
   SimulatedDesktop desktop(R"({"applications": [{"pid": 400, "bundleIdentifier": "com.apple.notificationcenterui",
     "relaunch": {"after": 0.5, "application": {"pid": 500, "bundleIdentifier": "com.apple.notificationcenterui"}}}],
     "timeline": [{"at": 1, "quit": 400}]})");

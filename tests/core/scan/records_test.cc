@@ -23,7 +23,7 @@ TEST(CompactSnapshot, TrimsEitherEndAlone) {
     EXPECT_EQ(HLCompactSnapshot(text), "a b") << text;
 }
 
-TEST(CompactSnapshot, BlankTextsAreEmpty) {
+TEST(CompactSnapshot, IsEmptyForBlankTexts) {
   EXPECT_EQ(HLCompactSnapshot(""), "");
   EXPECT_EQ(HLCompactSnapshot("\n\t \n  \t"), "");
   EXPECT_EQ(HLCompactSnapshot("\u00A0\u3000\u2029"), "");
@@ -33,7 +33,7 @@ TEST(CompactSnapshot, KeepsCaseAndForeignLetters) {
   EXPECT_EQ(HLCompactSnapshot(" Größe  ÄÖ 日本 😀 "), "Größe ÄÖ 日本 😀");
 }
 
-TEST(CompactSnapshot, EveryUnicodeBlankSeparates) {
+TEST(CompactSnapshot, SplitsAtEveryUnicodeBlank) {
   const std::vector<std::string> blanks = {"\t",     "\n",     "\v",     "\f",     "\r",     " ",      "\u0085",
                                            "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
                                            "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u200B",
@@ -62,7 +62,7 @@ TEST(DeduplicationKey, OmitsAMissingFrame) {
   EXPECT_EQ(HLDeduplicationKeyForTarget(target), "Name:Close|Mail|Hello");
 }
 
-TEST(DeduplicationKey, HalvesAreRoundedAwayFromZero) {
+TEST(DeduplicationKey, RoundsHalvesAwayFromZero) {
   EXPECT_EQ(HLDeduplicationKeyForTarget(targetAt(10.5, -10.5, 15.5, 2.5)), "AXPress|11|-11|16|3|axbutton close");
   EXPECT_EQ(HLDeduplicationKeyForTarget(targetAt(10.4999, -10.4999, 15.51, 0.5)), "AXPress|10|-10|16|1|axbutton close");
 }
@@ -76,7 +76,7 @@ TEST(DeduplicationKey, LargeNumbersAreWrittenOut) {
             "AXPress|-2147483648|1000000000000000|16|16|axbutton close");
 }
 
-TEST(DeduplicationKey, ScoreAndReasonTakeNoPart) {
+TEST(DeduplicationKey, IgnoresScoreAndReason) {
   HLDismissTarget other = targetAt(1, 2, 3, 4);
   other.score = 200;
   other.reason = "explicit-action";

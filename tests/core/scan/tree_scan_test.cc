@@ -223,7 +223,7 @@ TEST(TreeScan, SurvivesAFailingList) {
   EXPECT_EQ(scan.snapshots, Lines{"row"});
 }
 
-TEST(TreeScan, EachCallIsIndependent) {
+TEST(TreeScan, KeepsNoState) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"id": "root", "title": "a", "actions": ["Close"]})"));
   for (int round = 0; round < 2; ++round) EXPECT_EQ(HLTargetsInRoot(desktop.element("root"), "r").size(), 1U);
   EXPECT_EQ(desktop.diagnostics(), (Lines{"scan root=r visited=1 candidates=1", "scan root=r visited=1 candidates=1"}));

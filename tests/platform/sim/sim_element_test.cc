@@ -151,7 +151,7 @@ TEST(SimulatedElement, ReactsToUnlistedActions) {
 
 // Handles
 
-TEST(SimulatedElement, HasOneHandleForEver) {
+TEST(SimulatedElement, KeepsOneHandle) {
   SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [{"id": "a"}], "rows": [{"ref": "a"}],
     "attributes": {"AXMain": {"ref": "a"}}})"));
   const HLElementRef w = desktop.element("w");
@@ -193,7 +193,7 @@ TEST(SimulatedElement, CanBeRepeated) {
   EXPECT_THAT(desktop.titles(desktop.element("w"), "AXChildren"), ElementsAre("first", "1 of 1", "3 of 3", "{n}"));
 }
 
-TEST(SimulatedElement, MayBeRepeatedNotAtAll) {
+TEST(SimulatedElement, AcceptsZeroRepetitions) {
   SimulatedDesktop desktop(Scene(R"({"id": "w", "children": [{"repeat": 0, "id": "{n}"}]})"));
   EXPECT_THAT(desktop.present(), ElementsAre("w"));
 }

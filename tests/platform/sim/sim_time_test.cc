@@ -227,7 +227,7 @@ TEST_F(VirtualTime, GoesTheSameWayEveryTime) {
 
 // The run loop
 
-class Notified : public VirtualTime {
+class Notifications : public VirtualTime {
  protected:
   // A desktop on which the process emits "AXCreated" at these moments, and "AXMoved" as an effect of pressing "w".
   void watch(const std::vector<double>& moments, const std::string& reaction = "{}") {
@@ -253,7 +253,7 @@ class Notified : public VirtualTime {
   std::function<void()> onNotified_;
 };
 
-TEST_F(Notified, OnlyDuringTheRunLoop) {
+TEST_F(Notifications, ArriveOnlyDuringTheRunLoop) {
   watch({1, 2, 3});
   sleep(1.5);
   EXPECT_THAT(journal_->entries(), IsEmpty());
@@ -262,14 +262,14 @@ TEST_F(Notified, OnlyDuringTheRunLoop) {
   EXPECT_EQ(desktop_->simulator().elapsed(), 2.5) << "it does not return early";
 }
 
-TEST_F(Notified, AtTheEndOfARun) {
+TEST_F(Notifications, ArriveAtARunsEnd) {
   watch({1, 1});
   desktop_->runLoop().runFor(1);
   EXPECT_THAT(journal_->entries(), ElementsAre("AXCreated@1000", "AXCreated@1000"));
   EXPECT_EQ(desktop_->simulator().elapsed(), 1);
 }
 
-TEST_F(Notified, AboutEffectsOfACallback) {
+TEST_F(Notifications, FollowEffectsOfACallback) {
   watch({1}, R"({"effects": [{"notify": "AXMoved", "element": "w"}]})");
   int presses = 0;
   onNotified_ = [&] {
@@ -281,7 +281,7 @@ TEST_F(Notified, AboutEffectsOfACallback) {
   EXPECT_EQ(desktop_->simulator().elapsed(), 1);
 }
 
-TEST_F(Notified, NotAfterTheEnd) {
+TEST_F(Notifications, StopAtTheEnd) {
   watch({1.000001});
   desktop_->runLoop().runFor(1);
   EXPECT_THAT(journal_->entries(), IsEmpty());
@@ -289,14 +289,14 @@ TEST_F(Notified, NotAfterTheEnd) {
   EXPECT_EQ(journal_->entries().size(), 1U);
 }
 
-TEST_F(Notified, DuringAnEmptyRun) {
+TEST_F(Notifications, ArriveDuringAnEmptyRun) {
   watch({1});
   sleep(1);
   desktop_->runLoop().runFor(0);
   EXPECT_THAT(journal_->entries(), ElementsAre("AXCreated@1000"));
 }
 
-TEST_F(Notified, BeforeOtherSleepersOfThatMoment) {
+TEST_F(Notifications, ArriveBeforeOtherSleepers) {
   watch({1});
   const auto pool = queue(1);
   pool->addOperation(sleeper("worker", {1}));
@@ -304,7 +304,7 @@ TEST_F(Notified, BeforeOtherSleepersOfThatMoment) {
   EXPECT_THAT(journal_->entries(), ElementsAre("worker@0", "AXCreated@1000", "worker@1000"));
 }
 
-TEST_F(Notified, LateAfterASlowCallback) {
+TEST_F(Notifications, WaitForASlowCallback) {
   watch({1, 2}, R"({"seconds": 5})");
   onNotified_ = [&] { EXPECT_EQ(desktop_->press("w"), HLAXErrorSuccess); };
   desktop_->runLoop().runFor(3);
@@ -313,7 +313,7 @@ TEST_F(Notified, LateAfterASlowCallback) {
 }
 
 // The callback at 0.5 lasts until 2.5. The event at 1 was due by the end, the later ones were not.
-TEST_F(Notified, LeavesEventsDueAfterTheEnd) {
+TEST_F(Notifications, LeaveLaterEvents) {
   watch({0.5, 1, 1.000001, 2, 2.5}, R"({"seconds": 2})");
   onNotified_ = [&] { EXPECT_EQ(desktop_->press("w"), HLAXErrorSuccess); };
   desktop_->runLoop().runFor(1);
@@ -321,7 +321,7 @@ TEST_F(Notified, LeavesEventsDueAfterTheEnd) {
   EXPECT_EQ(desktop_->simulator().elapsed(), 4.5);
 }
 
-TEST_F(Notified, LeavesStepsDueAfterTheEnd) {
+TEST_F(Notifications, LeaveLaterSteps) {
   watch({0.5}, R"({"seconds": 2})");
   onNotified_ = [&] {
     desktop_->runLoop().postToMainQueueAfter(0.5, [this] { note("at the end"); });
