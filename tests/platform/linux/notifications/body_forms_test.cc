@@ -42,6 +42,13 @@ TEST(BodyForms, KeepElementsOfBasicServers) {
   EXPECT_THAT(HLBodyForms("&#65;&#x42;"), UnorderedElementsAre("&#65;&#x42;", "A&#x42;", "AB"));
 }
 
+TEST(BodyForms, DecodeNumbersOfCharactersOnly) {
+  EXPECT_THAT(HLBodyForms("&#X42;&#xe9;"), Contains("Bé"));
+  for (const std::string body : {"&#xD800;", "&#xDFFF;", "&#x110000;", "&#0;", "&#;", "&#x;", "&#4a;"}) {
+    EXPECT_THAT(HLBodyForms(body), ElementsAre(body));
+  }
+}
+
 TEST(BodyForms, KeepIllFormedMarkupWhole) {
   EXPECT_THAT(HLBodyForms("2 & 3"), ElementsAre("2 & 3"));
   EXPECT_THAT(HLBodyForms("<b>bold"), UnorderedElementsAre("bold", "<b>bold"));
@@ -67,6 +74,12 @@ TEST(BodyForms, DropImagesAndBreakLines) {
 TEST(BodyForms, JoinOrPartParagraphs) {
   EXPECT_THAT(HLBodyForms("<p>one</p><p>two</p>"),
               UnorderedElementsAre("one two", "onetwo", "<p>one</p><p>two</p>", ""));
+  EXPECT_THAT(HLBodyForms("one<p>two"), Contains("one two"));
+}
+
+TEST(BodyForms, AreNotBasicWhereElementsCross) {
+  EXPECT_THAT(HLBodyForms("<b><i>x</i></b><q>y</q>"), Contains("x<q>y</q>"));
+  EXPECT_THAT(HLBodyForms("<b><i>x</b></i><q>y</q>"), Not(Contains("x<q>y</q>")));
 }
 
 TEST(BodyForms, AreNeverEmptyForKnownElements) {
