@@ -14,6 +14,11 @@ constexpr char16_t kCyrillic = u'\u0431';
 constexpr std::uint64_t kCyrillicCount = 31;
 constexpr char16_t kIdeographs = u'\u4E00';
 constexpr std::uint64_t kIdeographCount = 20000;
+// Surrogates in place of surrogates, so that a cut between the two of a pair stays one. Any two are an ideograph.
+constexpr char16_t kHighSurrogates = 0xD840;
+constexpr std::uint64_t kHighSurrogateCount = 40;
+constexpr char16_t kLowSurrogates = 0xDC00;
+constexpr std::uint64_t kLowSurrogateCount = 1024;
 constexpr int kAttemptsWithConsonants = 64;
 constexpr int kAttemptsWithCyrillic = 256;
 constexpr int kAttempts = 100000;
@@ -131,6 +136,9 @@ void keepWholeLetters(const LowerText& lower, std::vector<bool>& keeps) {
   for (std::size_t i = 0; i < keeps.size(); ++i) keeps[i] = keepsLetter[lower.owner[i]];
 }
 
+bool isHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool isLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
 // Returns the text with the units that `keeps` does not mark replaced, in the letter case of the text.
 std::string written(const LowerText& lower, const std::u16string& units, const std::vector<bool>& keeps) {
   std::string out;
@@ -140,15 +148,19 @@ std::string written(const LowerText& lower, const std::u16string& units, const s
       if (i == letter.firstUnit) out += letter.bytes;
       continue;
     }
-    const std::string unit = HLTextOfUtf16(std::u16string_view(units).substr(i, 1));
-    out += letter.isUpper ? HLUppercase(unit) : unit;
+    const std::size_t begin = i;
+    if (isHighSurrogate(units[i])) ++i;
+    const std::string replacement = HLTextOfUtf16(std::u16string_view(units).substr(begin, i + 1 - begin));
+    out += letter.isUpper ? HLUppercase(replacement) : replacement;
   }
   return out;
 }
 
 bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
-char16_t letterFrom(std::uint64_t number, int attempt) {
+char16_t replacementOf(char16_t unit, std::uint64_t number, int attempt) {
+  if (isHighSurrogate(unit)) return static_cast<char16_t>(kHighSurrogates + number % kHighSurrogateCount);
+  if (isLowSurrogate(unit)) return static_cast<char16_t>(kLowSurrogates + number % kLowSurrogateCount);
   if (attempt < kAttemptsWithConsonants) return kConsonants[number % kConsonants.size()];
   if (attempt < kAttemptsWithCyrillic) return static_cast<char16_t>(kCyrillic + number % kCyrillicCount);
   return static_cast<char16_t>(kIdeographs + number % kIdeographCount);
@@ -266,7 +278,7 @@ std::u16string HLTextMask::drawn(const std::u16string& word, const std::vector<b
     if (keeps[i]) continue;
     const std::uint64_t number = random_();
     if (!isDigit(word[i])) {
-      made[i] = letterFrom(number, attempt);
+      made[i] = replacementOf(word[i], number, attempt);
     } else if (!isNumber) {
       made[i] = static_cast<char16_t>(u'0' + number % 10);
     } else if (i == 0 && i == first && word.size() >= kLongNumber) {

@@ -117,6 +117,19 @@ TEST(TextMask, KeepsLowerCasedLength) {
   EXPECT_TRUE(replaced("💬 Ça va?").starts_with("💬 "));
 }
 
+TEST(TextMask, ReplacesSurrogatePairsByOthers) {
+  const std::string text = "\U00010400\U0001D518";  // a capital letter and one without case
+  const std::u16string hidden = HLUtf16Units(replaced(text));
+  ASSERT_EQ(hidden.size(), 4U);
+  EXPECT_EQ(HLTextOfUtf16(hidden), replaced(text));
+  for (const std::size_t high : {0U, 2U}) EXPECT_EQ(hidden[high] & 0xFC00, 0xD800);
+  EXPECT_EQ(HLUtf16Units(text).find(hidden.substr(0, 2)), std::u16string::npos);
+
+  HLTextMask cut(kSeed);
+  cut.meetCut(text, 1);
+  EXPECT_EQ(HLUtf16Units(cut.replaced(text))[0] & 0xFC00, 0xD800);
+}
+
 TEST(TextMask, ReplacesHalvesOfPairs) { EXPECT_EQ(replaced("\xED\xA0\xBD"), "\xEF\xBF\xBD"); }
 
 TEST(TextMask, KeepsNumbersNumbers) {
