@@ -46,7 +46,10 @@ std::optional<Listed> listByCounts(HLServerConnection& connection, const HLPrese
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// mako lists them.
+// mako lists them, hidden ones too.
+
+constexpr const char* kMako = "fr.emersion.Mako";
+constexpr const char* kMakoPath = "/fr/emersion/Mako";
 
 // Reads one notification, a dictionary of texts and numbers.
 HLListedNotification readEntry(sd_bus_message* message) {
@@ -74,8 +77,7 @@ HLListedNotification readEntry(sd_bus_message* message) {
 }
 
 std::optional<Listed> listByServer(HLServerConnection& connection, const HLPresentServer& server) {
-  const HLBusReply reply =
-      connection.call({server.owner, "/fr/emersion/Mako", "fr.emersion.Mako", "ListNotifications"});
+  const HLBusReply reply = connection.call({server.owner, kMakoPath, kMako, "ListNotifications"});
   if (!reply || sd_bus_message_enter_container(reply.message.get(), 'a', "a{sv}") < 0) return std::nullopt;
   Listed all;
   while (sd_bus_message_enter_container(reply.message.get(), 'a', "{sv}") > 0) {
@@ -83,6 +85,7 @@ std::optional<Listed> listByServer(HLServerConnection& connection, const HLPrese
     if (entry.name.number != 0) all.push_back(std::move(entry));
     sd_bus_message_exit_container(reply.message.get());
   }
+  if (!all.empty() && HLIsMakoQuiet(connection).value_or(false)) return Listed();
   std::sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return a.name.number < b.name.number; });
   return all;
 }
@@ -153,6 +156,15 @@ std::optional<Listed> HLListScreen(HLServerConnection& connection, const HLPrese
       return listByConfiguration(connection, server, open);
   }
   return std::nullopt;
+}
+
+std::optional<bool> HLIsMakoQuiet(HLServerConnection& connection) {
+  const HLBusReply reply = connection.call({HLNotificationService, kMakoPath, kMako, "ListModes"});
+  if (!reply || sd_bus_message_enter_container(reply.message.get(), 'a', "s") <= 0) return std::nullopt;
+  for (const char* mode = nullptr; sd_bus_message_read_basic(reply.message.get(), 's', &mode) > 0;) {
+    if (std::string_view(mode) == "do-not-disturb") return true;
+  }
+  return false;
 }
 
 std::optional<HLShowTimes> HLShowTimesOf(std::string_view configuration) {

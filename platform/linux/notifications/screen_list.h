@@ -14,6 +14,10 @@
     HLServerConnection& connection, const HLPresentServer& server,
     const std::optional<std::vector<HLOpenNotificationRef>>& open);
 
+// Whether mako is in the mode "do-not-disturb", which hides banners as its manual proposes it; nullopt if it does not
+// say.
+[[nodiscard]] std::optional<bool> HLIsMakoQuiet(HLServerConnection& connection);
+
 // How long a server that is configured so shows a banner, by urgency; zero is for ever.
 struct HLShowTimes {
   std::chrono::milliseconds low{0};

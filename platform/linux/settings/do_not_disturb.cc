@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/linux/files/files.h"
+#include "platform/linux/notifications/screen_list.h"
 #include "platform/linux/settings/program_output.h"
 
 namespace {
@@ -50,17 +51,6 @@ std::optional<bool> budgieSetting(HLServerConnection& connection) {
                    nullptr);
 }
 
-// The mode that mako's manual proposes. What a mode hides is the user's choice.
-std::optional<bool> makoSetting(HLServerConnection& connection) {
-  const HLBusReply reply =
-      connection.call({HLNotificationService, "/fr/emersion/Mako", "fr.emersion.Mako", "ListModes"});
-  if (!reply || sd_bus_message_enter_container(reply.message.get(), 'a', "s") <= 0) return std::nullopt;
-  for (const char* mode = nullptr; sd_bus_message_read_basic(reply.message.get(), 's', &mode) > 0;) {
-    if (std::string_view(mode) == "do-not-disturb") return true;
-  }
-  return false;
-}
-
 std::optional<bool> xfceSetting(HLServerConnection& connection) {
   constexpr const char* kService = "org.xfce.Xfconf";
   const HLBusReply reply = connection.call({kService, "/org/xfce/Xfconf", kService, "GetProperty"}, "ss",
@@ -93,7 +83,7 @@ std::optional<bool> HLReadDoNotDisturb(HLServerConnection& connection, const std
   if (const auto paused = property(connection, "org.dunstproject.cmd0", "paused")) return paused;
   if (const auto silenced = swayncSetting(connection)) return silenced;
   if (server.name == "Budgie Notification Server") return budgieSetting(connection);
-  if (server.name == "mako") return makoSetting(connection);
+  if (server.name == "mako") return HLIsMakoQuiet(connection);
   if (server.name == "Xfce Notify Daemon") return xfceSetting(connection);
   if (server.name == "lxqt-notificationd") return lxqtSetting(configHome);
   return desktopSetting(server);

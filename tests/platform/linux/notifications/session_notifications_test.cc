@@ -277,7 +277,11 @@ TEST_F(SessionNotifications, ListByCounts) {
 }
 
 TEST_F(SessionNotifications, ListByTheServersList) {
-  const FakeServer server({"mako", "emersion", "0.0.0"}, [](sd_bus_message* call) {
+  std::atomic<const char*> mode = "default";
+  const FakeServer server({"mako", "emersion", "0.0.0"}, [&mode](sd_bus_message* call) {
+    if (answers(call, "fr.emersion.Mako", "ListModes")) {
+      return sd_bus_reply_method_return(call, "as", 1, mode.load()) >= 0;
+    }
     return answers(call, "fr.emersion.Mako", "ListNotifications") &&
            sd_bus_reply_method_return(call, "aa{sv}", 2,  //
                                       4, "app-name", "s", "Mail", "summary", "s", "Ada", "body", "s", "Lunch?", "id",
@@ -286,6 +290,8 @@ TEST_F(SessionNotifications, ListByTheServersList) {
   });
   EXPECT_TRUE(notifications_.serverTraits().lacksTree());
   EXPECT_THAT(listOf(notifications_.shown()), ElementsAre("4  Bob ", "9 Mail Ada Lunch?"));
+  mode = "do-not-disturb";
+  EXPECT_THAT(listOf(notifications_.shown()), IsEmpty()) << "the mode hides them";
 }
 
 TEST_F(SessionNotifications, ListByConfiguredTimes) {
