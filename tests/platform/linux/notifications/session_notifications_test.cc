@@ -171,6 +171,7 @@ TEST_F(SessionNotifications, TrustKnownServersThatAreSlow) {
   (void)poster.post("Ada", "Lunch?");
   (void)poster.post("Bob", "No");
   EXPECT_EQ(matchOf(notifications_, {"Ada", "Lunch?"}), numbered(1));
+  ASSERT_EQ(matchOf(notifications_, {"Bob", "No"}), numbered(2));
   EXPECT_TRUE(notifications_.close(numbered(1)));
   EXPECT_FALSE(Eventually(
       [this] {
