@@ -1,6 +1,7 @@
 // Reading and pressing the on-screen interface of other processes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -57,6 +58,9 @@ class HLElement {
 
   // Whether both handles stand for the same node.
   [[nodiscard]] virtual bool isEqual(const HLElement& other) const = 0;
+
+  // Returns the same number for equal handles, in this process.
+  [[nodiscard]] virtual std::size_t hash() const = 0;
 };
 
 // Watches one process. Notifications are delivered on the main thread, while its run loop runs, and only between

@@ -31,6 +31,7 @@ class FreshHandle : public HLElement {
     return element_.performAction(action);
   }
   [[nodiscard]] bool isEqual(const HLElement& other) const override { return element_.isEqual(other); }
+  [[nodiscard]] std::size_t hash() const override { return element_.hash(); }
 
  private:
   const HLCapturedElement& element_;
@@ -53,10 +54,10 @@ class ScreenReader {
     readAttribute(capture_.add(), *application, kWindows);
     // Reading an element appends its children to found_.
     for (std::size_t next = 0; next < found_.size(); ++next) {
-      const auto [number, handle] = found_[next];
-      HLCapturedElement& element = capture_.elements[static_cast<std::size_t>(number)];
-      for (std::string_view name : names_) readAttribute(element, *handle, name);
-      element.actions = handle->copyActionNames();
+      const HLElement& handle = *found_[next];
+      HLCapturedElement& element = capture_.elements[next + 1];
+      for (std::string_view name : names_) readAttribute(element, handle, name);
+      element.actions = handle.copyActionNames();
       while (!fresh_.empty()) {
         const HLElementRef parent = std::move(fresh_.front());
         fresh_.pop_front();
@@ -84,24 +85,17 @@ class ScreenReader {
   }
 
   int numberOf(const HLElementRef& handle) {
-    if (const auto known = numbers_.find(handle); known != numbers_.end()) return known->second;
-    const auto equal = std::find_if(found_.begin(), found_.end(),
-                                    [&handle](const Found& found) { return found.handle->isEqual(*handle); });
-    if (equal != found_.end()) {
-      const int number = equal->number;
-      numbers_.emplace(handle, number);
-      if (!std::exchange(capture_.elements[static_cast<std::size_t>(number)].freshHandles, true))
-        fresh_.push_back(handle);
-      return number;
+    if (const auto known = numbers_.find(handle); known != numbers_.end()) {
+      HLCapturedElement& element = capture_.elements[static_cast<std::size_t>(known->second)];
+      if (known->first != handle && !std::exchange(element.freshHandles, true)) fresh_.push_back(handle);
+      return element.number();
     }
     if (capture_.elements.size() >= HLCaptureLimit) {
       capture_.isComplete = false;
       return -1;
     }
-    const int number = capture_.add().number();
-    numbers_.emplace(handle, number);
-    found_.push_back({number, handle});
-    return number;
+    found_.push_back(handle);
+    return numbers_.emplace(handle, capture_.add().number()).first->second;
   }
 
   // A scan visits the element again by its second handle. Reading the children as well shows whether they get new
@@ -112,16 +106,18 @@ class ScreenReader {
     }
   }
 
-  struct Found {
-    int number;
-    HLElementRef handle;
+  struct Hash {
+    std::size_t operator()(const HLElementRef& handle) const { return handle->hash(); }
+  };
+  struct Equal {
+    bool operator()(const HLElementRef& a, const HLElementRef& b) const { return a->isEqual(*b); }
   };
 
   HLCapture& capture_;
   const std::vector<std::string_view> names_ = HLCapturedAttributeNames();
-  std::deque<Found> found_;
-  std::deque<HLElementRef> fresh_;                 // second handles of elements, whose children are still to be met
-  std::unordered_map<HLElementRef, int> numbers_;  // owns the handles, so that no address is reused
+  std::deque<HLElementRef> found_;  // first handles: of element 1, of element 2, and so on
+  std::deque<HLElementRef> fresh_;  // second handles of elements, whose children are still to be met
+  std::unordered_map<HLElementRef, int, Hash, Equal> numbers_;
 };
 
 }  // namespace

@@ -28,6 +28,7 @@ class HLCapturedElement : public HLElement {
   [[nodiscard]] HLActionList copyActionNames() const override { return actions; }
   [[nodiscard]] HLAXError performAction(std::string_view) const override { return HLAXErrorFailure; }
   [[nodiscard]] bool isEqual(const HLElement& other) const override;
+  [[nodiscard]] std::size_t hash() const override { return static_cast<std::size_t>(number_); }
 
   // Its index in the capture; the application's element has 0.
   [[nodiscard]] int number() const { return number_; }

@@ -1,6 +1,7 @@
 // An element whose attributes and actions a test sets directly, for cases that no scene can express.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <memory>
@@ -28,4 +29,5 @@ class FakeElement : public HLElement {
     const auto* fake = dynamic_cast<const FakeElement*>(&other);
     return fake != nullptr && fake->node == node;
   }
+  [[nodiscard]] std::size_t hash() const override { return std::hash<const void*>()(node); }
 };

@@ -2,6 +2,7 @@
 // override only the calls that they change.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -38,6 +39,7 @@ class ForwardingElement : public HLElement {
     const auto* wrapper = dynamic_cast<const ForwardingElement*>(&other);
     return inner_->isEqual(wrapper == nullptr ? other : *wrapper->inner_);
   }
+  [[nodiscard]] std::size_t hash() const override { return inner_->hash(); }
 
  private:
   const HLElementRef inner_;

@@ -188,6 +188,7 @@ TEST_P(PlatformContract, ComparesElementsConsistently) {
   ASSERT_EQ(first.size(), second.size());
   for (std::size_t i = 0; i < first.size(); ++i) {
     EXPECT_TRUE(first[i]->isEqual(*first[i]));
+    EXPECT_EQ(first[i]->hash(), second[i]->hash()) << i;
     for (std::size_t j = 0; j < second.size(); ++j) {
       EXPECT_EQ(first[i]->isEqual(*second[j]), i == j) << i << ", " << j;
       EXPECT_EQ(second[j]->isEqual(*first[i]), i == j) << i << ", " << j;
@@ -198,6 +199,7 @@ TEST_P(PlatformContract, ComparesElementsConsistently) {
 TEST_P(PlatformContract, MakesEqualRoots) {
   const HLElementRef made = root();
   EXPECT_TRUE(made->isEqual(*root()));
+  EXPECT_EQ(made->hash(), root()->hash());
   for (const HLElementRef& element : tree()) EXPECT_FALSE(made->isEqual(*element));
 }
 

@@ -72,6 +72,7 @@ class Element : public HLElement {
   [[nodiscard]] HLActionList copyActionNames() const override;
   [[nodiscard]] HLAXError performAction(std::string_view action) const override;
   [[nodiscard]] bool isEqual(const HLElement& other) const override;
+  [[nodiscard]] std::size_t hash() const override;
 
  private:
   // The element in the newest snapshot.
@@ -213,6 +214,8 @@ bool Element::isEqual(const HLElement& other) const {
          snapshot_.identity(index_) == element->snapshot_.identity(element->index_);
 }
 
+std::size_t Element::hash() const { return IdentityHash()(snapshot_.identity(index_)); }
+
 class ApplicationElement : public HLElement {
  public:
   ApplicationElement(std::shared_ptr<Source> source, std::shared_ptr<const Snapshot> first)
@@ -238,6 +241,8 @@ class ApplicationElement : public HLElement {
     const auto* element = dynamic_cast<const ApplicationElement*>(&other);
     return element != nullptr && source_->application->pid() == element->source_->application->pid();
   }
+
+  [[nodiscard]] std::size_t hash() const override { return std::hash<std::int32_t>()(source_->application->pid()); }
 
   [[nodiscard]] std::vector<HLEventSource> watch() const { return source_->application->watch(); }
 

@@ -78,6 +78,8 @@ class Element : public HLElement {
     return element != nullptr && CFEqual(system(), element);
   }
 
+  [[nodiscard]] std::size_t hash() const override { return CFHash(system()); }
+
  private:
   // The answer in one place of the array that a read of several attributes brings.
   [[nodiscard]] HLAttribute attribute(std::string_view name, CFTypeRef value) const {

@@ -40,6 +40,8 @@ class Element : public HLElement {
     return element != nullptr && &element->node_ == &node_;
   }
 
+  std::size_t hash() const override { return std::hash<const HLSimNode*>()(&node_); }
+
   [[nodiscard]] const HLSimNode& node() const { return node_; }
 
  private:

@@ -72,6 +72,7 @@ TEST(Values, OfElementsAreHandlesOfTheSameNode) {
   ASSERT_NE(first.as<HLElementRef>(), nullptr);
   ASSERT_NE(second.as<HLElementRef>(), nullptr);
   EXPECT_TRUE((*first.as<HLElementRef>())->isEqual(**second.as<HLElementRef>()));
+  EXPECT_EQ((*first.as<HLElementRef>())->hash(), (*second.as<HLElementRef>())->hash());
   EXPECT_EQ(HLSystemElement(**first.as<HLElementRef>()), element.get());
 }
 

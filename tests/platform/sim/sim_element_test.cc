@@ -170,6 +170,7 @@ TEST(SimulatedElement, MakesEqualFreshHandles) {
   const std::vector<HLElementRef> children = desktop.elements(desktop.element("w"), "AXChildren");
   EXPECT_NE(children[0], children[1]);
   EXPECT_TRUE(children[0]->isEqual(*children[1]));
+  EXPECT_EQ(children[0]->hash(), children[1]->hash());
   EXPECT_NE(desktop.elements(desktop.element("w"), "AXChildren").at(0), children[0]);
   EXPECT_NE(*desktop.read("w", "AXMain").value.as<HLElementRef>(), children[0]);
   EXPECT_TRUE(children[0]->isEqual(**desktop.read("w", "AXMain").value.as<HLElementRef>()));

@@ -157,6 +157,7 @@ TEST_P(Adapter, AHandleOutlivesTheReadThatMadeIt) {
   ASSERT_THAT(after, SizeIs(2));
   EXPECT_NE(before.front(), after.front());
   EXPECT_TRUE(before.front()->isEqual(*after.front()));
+  EXPECT_EQ(before.front()->hash(), after.front()->hash());
   EXPECT_FALSE(before.front()->isEqual(*after.back()));
   EXPECT_EQ(textOf(*before.front(), "AXDescription"), textOf(*after.front(), "AXDescription"));
 }
