@@ -16,9 +16,8 @@
 #include <vector>
 
 #include "base/terminal.h"
-#include "platform/platform.h"
-#include "platform/process_info.h"
 #include "platform/text.h"
+#include "report/arguments.h"
 #include "report/json_text.h"
 #include "report/judgement.h"
 #include "report/masked_capture.h"
@@ -92,8 +91,9 @@ int HLRecordScene(const std::string& path, const std::string& program, std::ostr
     return EXIT_FAILURE;
   };
   if (path.empty() || path.starts_with("--")) return fail("a path is expected");
-  const std::vector<std::string> arguments = HLCurrentPlatform().process->arguments();
-  const bool keepsTexts = std::find(arguments.begin(), arguments.end(), "--keep-texts") != arguments.end();
+  const std::string unknown = HLUnknownArgument({"--record-scene", path, "--keep-texts"});
+  if (!unknown.empty()) return fail(unknown + ": --record-scene takes a path and --keep-texts");
+  const bool keepsTexts = HLHasArgument("--keep-texts");
   const HLTexts texts = keepsTexts ? HLTexts::kept : HLTexts::replaced;
   const auto recorded = HLRecordingOf(HLCaptureScreen(), texts, program);
   if (const auto* reason = std::get_if<std::string>(&recorded)) return fail(*reason);

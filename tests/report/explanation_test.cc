@@ -123,6 +123,18 @@ TEST(Explain, CutsWideNamesToTheTerminal) {
   EXPECT_NE(out.str().find("  AXWindow \"通知のタイトルはとても長い…\"\n"), std::string::npos) << out.str();
 }
 
+TEST(Explain, RefusesUnknownArguments) {
+  for (const std::string argument : {"--jsn", "--keep-texts=no", "scene.json", ""}) {
+    const std::string arguments = R"("--explain", "--json", "--keep-texts", ")" + argument + "\"";
+    SimulatedDesktop desktop(NotificationCenterScene(kBanner, R"(, "arguments": [)" + arguments + "]"));
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(HLExplainScreen(out, err), 1);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(err.str(), "hushlet: unknown argument \"" + argument + "\": --explain takes --json and --keep-texts\n");
+  }
+}
+
 TEST(Explain, FailsWhereItCannotWrite) {
   SimulatedDesktop desktop(NotificationCenterScene(kBanner));
   std::ostream out(nullptr);

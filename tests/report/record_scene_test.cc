@@ -124,6 +124,19 @@ TEST(RecordSceneInAProcess, FailsBeyondTheFileSizeLimit) {
   EXPECT_EQ(result, "1: File too large\nno file");
 }
 
+TEST(RecordSceneMode, RefusesUnknownArguments) {
+  const SimulatedDesktop desktop(NotificationCenterScene(
+      kRecordedBanner, R"(, "arguments": ["--record-scene", "/no/scene.json", "--keep-texts", "--keep\u001Btext"])"));
+  std::ostringstream out;
+  std::ostringstream err;
+  EXPECT_EQ(HLRecordScene("/no/scene.json", "hushlet 9", out, err), 1);
+  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(
+      err.str(),
+      "hushlet: /no/scene.json: not recorded: unknown argument \"--keep\\u001Btext\": --record-scene takes a path and "
+      "--keep-texts\n");
+}
+
 TEST_F(RecordScene, ReportsWhyItFails) {
   EXPECT_EQ(record(desktop_.home() + "/no/scene.json"), 1);
   EXPECT_NE(err_.str().find("No such file or directory"), std::string::npos);
