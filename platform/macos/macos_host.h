@@ -8,6 +8,7 @@
 #include "platform/macos/appkit/macos_application.h"
 #include "platform/macos/appkit/macos_status_item.h"
 #include "platform/macos/appkit/macos_windows.h"
+#include "platform/macos/macos_host_report.h"
 #include "platform/macos/system/macos_accessibility.h"
 #include "platform/macos/system/macos_hot_keys.h"
 #include "platform/macos/system/macos_http_client.h"
@@ -73,9 +74,15 @@ class HLMacHost : public HLHost {
   HLMacProcessInfo process_;
   HLMacPropertyLists propertyLists_;
   HLMacUserNotifications userNotifications_;
+  HLMacHostReport report_;
   std::unique_ptr<HLMacApplicationHost> applicationHost_;
-  const HLPlatform platform_{
-      accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, [this] {
-        return &applicationPlatform();
-      }};
+  const HLPlatform platform_{accessibility_,
+                             runningApplications_,
+                             runLoop_,
+                             process_,
+                             propertyLists_,
+                             userNotifications_,
+                             [this] { return &applicationPlatform(); },
+                             std::nullopt,
+                             &report_};
 };

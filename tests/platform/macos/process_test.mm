@@ -1,13 +1,17 @@
 // This process, its bundle, and the applications beside it.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
 
+#include "platform/macos/macos_host_report.h"
 #include "platform/macos/system/macos_process_info.h"
 #include "platform/macos/system/macos_running_applications.h"
 
 namespace {
+
+using testing::MatchesRegex;
 
 TEST(Process, KnowsItsExecutable) {
   HLMacProcessInfo process;
@@ -37,6 +41,18 @@ TEST(RunningApplications, HoldNotificationCenter) {
   });
   ASSERT_NE(found, list.end());
   EXPECT_FALSE(found->terminated);
+}
+
+TEST(HostReport, NamesSystemAndNotificationCenter) {
+  HLMacHostReport report;
+  EXPECT_THAT(report.systemVersion(), MatchesRegex("macOS [0-9.]+ \\([0-9A-Za-z]+\\)"));
+  for (const HLRunningApplication& application : HLMacRunningApplications().list()) {
+    if (application.bundleIdentifier != "com.apple.notificationcenterui") continue;
+    const HLServerVersion center = report.serverVersion(application.pid);
+    EXPECT_NE(center.name, "");
+    EXPECT_NE(center.version, "");
+  }
+  EXPECT_EQ(report.serverVersion(-1).name, "");
 }
 
 TEST(Signals, GoToNoGroupOfProcesses) {

@@ -1,0 +1,13 @@
+// What a Mac tells of itself and of Notification Center.
+#pragma once
+
+#include "platform/host_report.h"
+
+class HLMacHostReport : public HLHostReport {
+ public:
+  // Returns version and build, as in "macOS 14.5 (23F79)".
+  [[nodiscard]] std::string systemVersion() override;
+  // Returns name, version and build of the process's bundle.
+  [[nodiscard]] HLServerVersion serverVersion(std::int32_t pid) override;
+  [[nodiscard]] std::vector<HLRawElement> rawElements(std::int32_t) override { return {}; }
+};
