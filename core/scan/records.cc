@@ -1,5 +1,6 @@
 #include "core/scan/records.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/format.h"
@@ -7,21 +8,21 @@
 
 namespace {
 
-// Whether the text is ASCII and already compact. Tests every byte without a branch, so that compilers vectorize the
-// loop.
+// Whether the text is compact, and ASCII without control characters. Reads every byte without a branch, so that
+// compilers vectorize the loop.
 bool isCompactAscii(std::string_view text) {
   if (text.empty()) return true;
   if (text.front() == ' ' || text.back() == ' ') return false;
-  const auto isOther = [](char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return (byte >= 0x80 ? 1 : 0) | (byte >= 0x09 && byte <= 0x0D ? 1 : 0);
-  };
-  auto found = static_cast<unsigned char>(isOther(text[0]));
+  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  unsigned char all = byte(0);
+  unsigned char least = byte(0);
+  unsigned char leastPair = 0xFF;  // the bits of two neighbors: ' ' only for two blanks
   for (std::size_t i = 1; i < text.size(); ++i) {
-    const int twoBlanks = (text[i - 1] == ' ' ? 1 : 0) & (text[i] == ' ' ? 1 : 0);
-    found = static_cast<unsigned char>(found | isOther(text[i]) | twoBlanks);
+    all |= byte(i);
+    least = std::min(least, byte(i));
+    leastPair = std::min<unsigned char>(leastPair, byte(i - 1) | byte(i));
   }
-  return found == 0;
+  return all < 0x80 && least >= ' ' && leastPair > ' ';
 }
 
 }  // namespace

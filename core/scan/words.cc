@@ -7,12 +7,29 @@
 
 namespace {
 
-constexpr std::size_t kLongText = 500;  // bytes
+constexpr std::size_t kBlock = 512;  // bytes
 
-// memmem() is faster than find() in long texts only, since it prepares a skip table first.
+// Whether four letters of the word are where they would be if it began in the block. Tests every byte without a branch,
+// so that compilers vectorize the loop.
+bool mayBeginIn(const char* block, std::string_view word) {
+  const std::size_t last = word.size() - 1;
+  const std::size_t second = last / 3;
+  const std::size_t third = last * 2 / 3;
+  unsigned char least = 0xFF;
+  for (std::size_t i = 0; i < kBlock; ++i) {
+    const int difference = (block[i] ^ word[0]) | (block[i + second] ^ word[second]) |
+                           (block[i + third] ^ word[third]) | (block[i + last] ^ word[last]);
+    least = std::min(least, static_cast<unsigned char>(difference));
+  }
+  return least == 0;
+}
+
 bool contains(std::string_view text, std::string_view word) {
-  if (text.size() < kLongText) return text.find(word) != std::string_view::npos;
-  return memmem(text.data(), text.size(), word.data(), word.size()) != nullptr;
+  for (; text.size() >= kBlock + word.size(); text.remove_prefix(kBlock)) {
+    const std::size_t reach = kBlock + word.size() - 1;
+    if (mayBeginIn(text.data(), word) && memmem(text.data(), reach, word.data(), word.size()) != nullptr) return true;
+  }
+  return text.find(word) != std::string_view::npos;
 }
 
 std::optional<std::string> firstOf(const std::vector<std::string>& actionNames, bool (*matches)(const std::string&)) {

@@ -15,6 +15,7 @@ TEST(CompactSnapshot, JoinsWordsWithOneBlank) {
   EXPECT_EQ(HLCompactSnapshot("  Close\n\n Notification\t"), "Close Notification");
   EXPECT_EQ(HLCompactSnapshot("Close"), "Close");
   EXPECT_EQ(HLCompactSnapshot("a      b"), "a b");
+  EXPECT_EQ(HLCompactSnapshot("a\tb"), "a b");
   EXPECT_EQ(HLCompactSnapshot("a\r\nb \t c"), "a b c");
 }
 

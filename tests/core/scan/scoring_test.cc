@@ -79,10 +79,10 @@ TEST(WordMatching, LowercasesTheTextOnly) {
   EXPECT_FALSE(HLStringContainsAny("VIEW view", upper));
 }
 
-TEST(StringContainsAny, FindsWordsAnywhereInLongTexts) {
+TEST(WordMatching, FindsWordsAnywhereInLongTexts) {
   const std::array<std::string_view, 2> words = {"xmark", "close"};
-  for (const std::size_t length : {499U, 500U, 501U, 20'000U}) {
-    const std::string text(length, 'o');
+  for (std::size_t length = 0; length < 1100; ++length) {
+    const std::string text = std::string(length, 'o') + "cloze";
     EXPECT_FALSE(HLStringContainsAny(text, words)) << length;
     EXPECT_FALSE(HLStringContainsAny("lose" + text + "clos", words)) << length;
     EXPECT_TRUE(HLStringContainsAny("Close" + text, words)) << length;
