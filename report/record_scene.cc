@@ -12,9 +12,8 @@
 #include <optional>
 #include <ostream>
 #include <string_view>
-#include <utility>
-#include <vector>
 
+#include "base/format.h"
 #include "base/terminal.h"
 #include "platform/text.h"
 #include "report/arguments.h"
@@ -67,6 +66,11 @@ std::optional<std::string> createFile(const std::string& path, std::string_view 
   return mistake;
 }
 
+// Without the application, which is no element of a scene.
+std::size_t elementsOf(const HLCapture& capture) {
+  return capture.elements.size() - std::min<std::size_t>(1, capture.elements.size());
+}
+
 }  // namespace
 
 std::variant<HLRecording, std::string> HLRecordingOf(std::unique_ptr<HLCapture> capture, HLTexts texts,
@@ -75,9 +79,13 @@ std::variant<HLRecording, std::string> HLRecordingOf(std::unique_ptr<HLCapture> 
   if (capture == nullptr) return "with its texts replaced it would be judged otherwise; --keep-texts keeps them";
   const HLJudgement judgement = HLJudgeCapture(*capture);
   const HLRecordedScene scene = HLSceneOfCapture(*capture, judgement, program);
-  HLRecording recording{HLJsonText(scene.document), capture->elements.size()};
+  HLRecording recording{HLJsonText(scene.document), elementsOf(*capture)};
   const std::unique_ptr<HLCapture> again = HLCaptureOfScene(recording.scene);
-  if (again == nullptr || again->elements.size() != capture->elements.size()) return "it could not be read again";
+  if (again == nullptr) return "the recording cannot be read again: it is no valid JSON, or is nested too deep";
+  if (elementsOf(*again) != recording.elements) {
+    return HLFormat("only %lu of %lu elements of the recording can be read again", elementsOf(*again),
+                    recording.elements);
+  }
   if (HLOutlineOf(*again, HLJudgeCapture(*again)) != HLOutlineOf(*capture, judgement, scene.order)) {
     return "the recording would be judged otherwise than the screen";
   }
@@ -99,9 +107,7 @@ int HLRecordScene(const std::string& path, const std::string& program, std::ostr
   if (const auto* reason = std::get_if<std::string>(&recorded)) return fail(*reason);
   const auto& recording = std::get<HLRecording>(recorded);
   if (const auto mistake = createFile(path, recording.scene)) return fail(*mistake);
-  // A scene has no element for the application.
-  out << HLVisibleText(HLEncodableText(path)) << ": "
-      << recording.elements - std::min<std::size_t>(1, recording.elements) << " elements, texts "
+  out << HLVisibleText(HLEncodableText(path)) << ": " << recording.elements << " elements, texts "
       << (keepsTexts ? "kept" : "replaced") << '\n';
   return EXIT_SUCCESS;
 }

@@ -26,6 +26,7 @@ struct HLRecordedScene {
 [[nodiscard]] HLRecordedScene HLSceneOfCapture(const HLCapture& capture, const HLJudgement& judgement,
                                                const std::string& program);
 
-// Reads a scene that HLSceneOfCapture wrote; ignores keys that it never writes. Returns the capture, its elements in
-// the order of the document, or nullptr if the text is no scene.
+// Reads trust and elements of a scene that HLSceneOfCapture wrote; ignores keys that it never writes. Returns the
+// capture, its elements in the order of the document, or nullptr if the text is not JSON or nested too deep for the
+// host.
 [[nodiscard]] std::unique_ptr<HLCapture> HLCaptureOfScene(std::string_view text);

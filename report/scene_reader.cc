@@ -142,9 +142,6 @@ std::unique_ptr<HLCapture> HLCaptureOfScene(std::string_view text) {
   capture->trusted = trusted != nullptr && *trusted;
   const auto* applications = memberAs<HLArray>(*document, "applications");
   if (applications == nullptr || applications->empty()) return capture;
-  const HLValue* pid = member(applications->front(), "pid");
-  if (pid == nullptr) return nullptr;
-  capture->process = HLRunningApplication{static_cast<std::int32_t>(numberOf(*pid)), {}, {}, false};
   if (const HLValue* windows = member(applications->front(), "windows")) SceneReader(*capture).read(*windows);
   return capture;
 }

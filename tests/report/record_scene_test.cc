@@ -86,6 +86,15 @@ TEST(Recording, KeepsFreshHandlesErrorsAndNulls) {
   }
 }
 
+TEST(Recording, NamesElementsThatAreLost) {
+  const SimulatedDesktop desktop(NotificationCenterScene(kRecordedBanner));
+  std::unique_ptr<HLCapture> capture = HLCaptureScreen();
+  capture->add();  // in no window
+  const auto recorded = HLRecordingOf(std::move(capture), HLTexts::kept, "hushlet 9");
+  ASSERT_TRUE(std::holds_alternative<std::string>(recorded));
+  EXPECT_EQ(std::get<std::string>(recorded), "only 3 of 4 elements of the recording can be read again");
+}
+
 TEST_F(RecordScene, NeverOverwrites) {
   EXPECT_EQ(record(path_), 0);
   const std::string scene = FileContent(path_);
