@@ -30,6 +30,9 @@ constexpr auto kServers = std::to_array<Row>({
     {"lxqt-notificationd", "lxqt.org", {.trust = kTruthful, .shownOfEqual = kOldest}},
     // Seen with 3.20, its last release: the banner stays, and later ones never appear.
     {"Notification Daemon", "GNOME", {.trust = HLClosingTrust::untruthful}},
+    {"notify-osd",
+     "Canonical Ltd",
+     {.unclosableReason = "its bubbles have no close button and ignore requests to close; they go by themselves"}},
     {"dunst", "knopwob", {.trust = kTruthful, .screen = HLScreenSource::counts}},
     {"mako", "emersion", {.trust = kTruthful, .screen = HLScreenSource::list}},
     {"SwayNotificationCenter", "ErikReider", {.trust = kTruthful, .screen = HLScreenSource::configuration}},

@@ -44,6 +44,7 @@ struct HLServerTraits {
   HLScreenSource screen = HLScreenSource::tree;
   // After a closing, the screen may look empty for that long before the next banner of the server's queue comes.
   std::chrono::milliseconds queueTime{0};
+  std::string_view unclosableReason = {};  // why its banners cannot be closed, as a clause for the user; else ""
 
   [[nodiscard]] bool lacksTree() const { return screen != HLScreenSource::tree; }
 };

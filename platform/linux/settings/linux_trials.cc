@@ -37,8 +37,8 @@ std::optional<std::string> HLLinuxTrials::serverName() {
 
 std::optional<std::string> HLLinuxTrials::unclosableReason() {
   const std::optional<HLPresentServer> server = HLServerConnection().server();
-  if (!server || server->information.name != "notify-osd") return std::nullopt;
-  return "its bubbles have no close button and ignore requests to close; they go by themselves";
+  if (!server || server->traits.unclosableReason.empty()) return std::nullopt;
+  return std::string(server->traits.unclosableReason);
 }
 
 std::optional<bool> HLLinuxTrials::isDoNotDisturbOn() {
