@@ -31,7 +31,7 @@ std::string shapeOf(const std::string& text) {
 }
 
 TEST(TextMask, KeepsCaseLengthAndPunctuation) {
-  const std::string text = "Ana Petrova, Dinner at 19:30 (Lindenstr. 12)!";
+  const std::string text = "Ana Petrova, Dinner at 19:30 (Lindenstr. 12, B204c), 30459 Ulm!";
   EXPECT_NE(replaced(text), text);
   EXPECT_EQ(shapeOf(replaced(text)), shapeOf(text));
 }
@@ -86,6 +86,13 @@ TEST(TextMask, KeepsWordsOfKeptTexts) {
   mask.meetKept("body-7");
   EXPECT_EQ(mask.replaced("Body 7"), "Body 7");
   EXPECT_NE(mask.replaced("Bodyguard"), "Bodyguard");
+}
+
+TEST(TextMask, KeepsGivenPartsOfWords) {
+  HLTextMask mask(kSeed);
+  const std::string hidden = mask.replaced("Alarmglocke", {"GLOCKE"});
+  EXPECT_EQ(hidden.substr(5), "glocke");
+  EXPECT_NE(hidden.substr(0, 5), "Alarm");
 }
 
 TEST(TextMask, KeepsTheBeginningBeforeACut) {
