@@ -84,10 +84,11 @@ std::vector<std::string> SimulatedDesktop::statusLog() const {
 std::vector<std::string> SimulatedDesktop::diagnostics() const { return LogMessages(FileContent(diagnosticsPath())); }
 
 std::vector<std::string> LogMessages(const std::string& content) {
-  static const std::regex time(R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [+-]\d{4} )");
+  static const std::regex time(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [+-]\d{4} )");
   std::vector<std::string> messages;
   std::istringstream lines(content);
-  for (std::string line; std::getline(lines, line);) messages.push_back(std::regex_replace(line, time, ""));
+  for (std::string line; std::getline(lines, line);)
+    messages.push_back(std::regex_replace(line, time, "", std::regex_constants::match_continuous));
   return messages;
 }
 
