@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -113,24 +114,20 @@ void runFirstBatch(const HLPlatform& platform) {
   HLInstallPlatform(&platform);
 }
 
-// Two desktops, since a run presses what the other looks at.
-Course courseOf(const std::string& scene) {
+// Looks before it runs, since the run presses.
+Course courseOf(SimulatedDesktop& desktop) {
   Course course;
-  {
-    const SimulatedDesktop desktop(scene);
-    course.trusted = HLIsAccessibilityTrusted(false);
-    const auto center = HLNotificationCenterApplication();
-    const HLElementRef application = center && course.trusted ? HLNotificationCenterElement(center->pid) : nullptr;
-    if (application != nullptr) {
-      const auto targets = HLSortedTargets(HLCurrentTargets(*application));
-      course.targets = targets.size();
-      const Places places(*application);
-      for (const HLDismissTarget& control : HLPrepareBatch(targets).resolved) {
-        course.presses.push_back(places.of(*control.element) + " " + control.action);
-      }
+  course.trusted = HLIsAccessibilityTrusted(false);
+  const auto center = HLNotificationCenterApplication();
+  const HLElementRef application = center && course.trusted ? HLNotificationCenterElement(center->pid) : nullptr;
+  if (application != nullptr) {
+    const auto targets = HLSortedTargets(HLCurrentTargets(*application));
+    course.targets = targets.size();
+    const Places places(*application);
+    for (const HLDismissTarget& control : HLPrepareBatch(targets).resolved) {
+      course.presses.push_back(places.of(*control.element) + " " + control.action);
     }
   }
-  SimulatedDesktop desktop(scene);
   runFirstBatch(desktop.platform());
   for (const std::string& line : desktop.diagnostics()) {
     if (!line.starts_with("attempt iteration=0 ")) continue;
@@ -149,16 +146,14 @@ void print(const Course& course) {
   for (const std::string& action : course.begun) std::cout << "  begun " << action << "\n";
 }
 
+// A recording, or why there is none.
+using Recorded = std::variant<HLRecording, std::string>;
+
 // Returns "" or what is wrong.
-std::string mistakeOf(const std::string& scene, Course wanted, HLTexts texts) {
-  std::string recorded;
-  {
-    const SimulatedDesktop desktop(scene);
-    auto recording = HLRecordingOf(HLCaptureScreen(), texts, "hushlet test");
-    if (const auto* reason = std::get_if<std::string>(&recording)) return *reason;
-    recorded = std::get<HLRecording>(recording).scene;
-  }
-  Course found = courseOf(recorded);
+std::string mistakeOf(const Recorded& recorded, Course wanted, HLTexts texts) {
+  if (const auto* reason = std::get_if<std::string>(&recorded)) return *reason;
+  SimulatedDesktop desktop(std::get<HLRecording>(recorded).scene);
+  Course found = courseOf(desktop);
   if (texts == HLTexts::replaced) {
     wanted.attempt = withoutSnapshots(wanted.attempt);
     found.attempt = withoutSnapshots(found.attempt);
@@ -173,9 +168,17 @@ class Count {
  public:
   void check(const std::string& name, const std::string& scene) {
     ++scenes_;
-    const Course wanted = courseOf(scene);
-    for (HLTexts texts : {HLTexts::replaced, HLTexts::kept}) {
-      const std::string mistake = mistakeOf(scene, wanted, texts);
+    std::vector<std::pair<HLTexts, Recorded>> recordings;
+    Course wanted;
+    {
+      SimulatedDesktop desktop(scene);
+      for (HLTexts texts : {HLTexts::replaced, HLTexts::kept}) {
+        recordings.emplace_back(texts, HLRecordingOf(HLCaptureScreen(), texts, "hushlet test"));
+      }
+      wanted = courseOf(desktop);
+    }
+    for (const auto& [texts, recorded] : recordings) {
+      const std::string mistake = mistakeOf(recorded, wanted, texts);
       if (mistake.empty()) continue;
       ++mistakes_;
       std::cout << name << (texts == HLTexts::kept ? ", texts kept: " : ", texts replaced: ") << mistake << std::endl;
