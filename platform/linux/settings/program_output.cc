@@ -23,11 +23,8 @@ bool readUntilEnd(int descriptor, Clock::time_point deadline, std::string& text)
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     if (left.count() <= 0) return false;
     pollfd waiting{descriptor, POLLIN, 0};
-    const int ready = poll(&waiting, 1, static_cast<int>(left.count()));
-    if (ready < 0 && errno != EINTR) return false;
-    if (ready <= 0) continue;
+    if (poll(&waiting, 1, static_cast<int>(left.count())) <= 0) continue;
     const ssize_t count = read(descriptor, part.data(), part.size());
-    if (count < 0 && errno != EINTR) return false;
     if (count == 0) return true;
     if (count > 0) text.append(part.data(), static_cast<std::size_t>(count));
   }

@@ -90,6 +90,18 @@ TEST_F(DoNotDisturb, IsReadOfMate) {
   expectBecomes(true);
 }
 
+TEST_F(DoNotDisturb, IsReadOfSettingsOfShells) {
+  const SessionEnvironment stored(Environment{{"GSETTINGS_BACKEND", "keyfile"}});
+  const auto expectRead = [this](const char* name, const char* schema, const char* key) {
+    const FakeServer server({name, "GNOME", "1.0"});
+    EXPECT_EQ(isOn(), false) << name;
+    ASSERT_TRUE(HLProgramOutput({"gsettings", "set", schema, key, "false"}));
+    expectBecomes(true);
+  };
+  expectRead("gnome-shell", "org.gnome.desktop.notifications", "show-banners");
+  expectRead("cinnamon", "org.cinnamon.desktop.notifications", "display-notifications");
+}
+
 TEST_F(DoNotDisturb, IsReadOfXfce) {
   const auto settings = session_.start({"/usr/lib/" HL_ARCHITECTURE "/xfce4/xfconf/xfconfd"});
   const auto server = session_.startServer(kXfce.command);

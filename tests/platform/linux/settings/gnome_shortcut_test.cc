@@ -61,6 +61,12 @@ TEST_F(GnomeShortcut, IsStoredAsACustomKeybinding) {
   EXPECT_EQ(setting("custom-keybindings"), "['" + path_ + "']") << "listed once";
 }
 
+TEST_F(GnomeShortcut, CannotBeSetWithoutGnomesSchemas) {
+  const SessionEnvironment other(Environment{{"XDG_DATA_DIRS", directory_.path()}});
+  EXPECT_FALSE(HLGnomeShortcut::isOffered());
+  EXPECT_FALSE(shortcut_.set("<Super>F5"));
+}
+
 TEST_F(GnomeShortcut, LeavesOthersAlone) {
   setOther("<Super>k");
   ASSERT_TRUE(shortcut_.set("<Super>F5"));
@@ -93,6 +99,7 @@ TEST(GnomeSettings, AreReadAsTexts) {
   EXPECT_THAT(HLTextsOfSetting("@as []"), IsEmpty());
   EXPECT_THAT(HLTextsOfSetting("['a b', \"it's\", 'back\\\\slash']"), ElementsAre("a b", "it's", "back\\slash"));
   EXPECT_THAT(HLTextsOfSetting("''"), ElementsAre(""));
+  EXPECT_THAT(HLTextsOfSetting("'cut\\"), ElementsAre("cut\\"));
 }
 
 TEST(GnomeSettings, CompareAccelerators) {
