@@ -142,9 +142,11 @@ void DesktopSession::configureSessionBus(const SessionSetup& setup) {
 }
 
 void DesktopSession::startScreen(const std::string& size) {
-  // The server itself finds a free display and says which.
+  // The server itself finds a free display and says which. With GLX it would load the graphics drivers first, half of
+  // its start.
   const std::string file = directory_ + "/display";
-  screen_ = start({"sh", "-c", "exec Xvfb -displayfd 3 -noreset -nolisten tcp -screen 0 " + size + " 3>" + file});
+  screen_ = start(
+      {"sh", "-c", "exec Xvfb -displayfd 3 -noreset -nolisten tcp -extension GLX -screen 0 " + size + " 3>" + file});
   if (!Eventually([&file] { return !firstLine(file).empty(); })) throw std::runtime_error("no X server");
   environment_["DISPLAY"] = ":" + firstLine(file);
 }
