@@ -63,6 +63,14 @@ class HLElement {
   [[nodiscard]] virtual std::size_t hash() const = 0;
 };
 
+// Elements by what their handles stand for.
+struct HLElementHash {
+  std::size_t operator()(const HLElementRef& element) const { return element->hash(); }
+};
+struct HLElementEqual {
+  bool operator()(const HLElementRef& a, const HLElementRef& b) const { return a->isEqual(*b); }
+};
+
 // Watches one process. Notifications are delivered on the main thread, while its run loop runs, and only between
 // attach() and detach(). Main thread only; destruction detaches.
 class HLObserver {

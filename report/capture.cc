@@ -106,18 +106,11 @@ class ScreenReader {
     }
   }
 
-  struct Hash {
-    std::size_t operator()(const HLElementRef& handle) const { return handle->hash(); }
-  };
-  struct Equal {
-    bool operator()(const HLElementRef& a, const HLElementRef& b) const { return a->isEqual(*b); }
-  };
-
   HLCapture& capture_;
   const std::vector<std::string_view> names_ = HLCapturedAttributeNames();
   std::deque<HLElementRef> found_;  // first handles: of element 1, of element 2, and so on
   std::deque<HLElementRef> fresh_;  // second handles of elements, whose children are still to be met
-  std::unordered_map<HLElementRef, int, Hash, Equal> numbers_;
+  std::unordered_map<HLElementRef, int, HLElementHash, HLElementEqual> numbers_;
 };
 
 }  // namespace

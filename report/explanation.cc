@@ -30,21 +30,20 @@ class Explainer {
       steps_.try_emplace(HLCapturedNumber(*step.visit.element), Step{step.details, step.candidate, step.descent});
     });
     explanation_.presses = judgement.batch.resolved;
-    for (const HLDismissTarget& target : judgement.targets) addTarget(target, judgement.batch);
+    for (const HLDismissTarget& press : explanation_.presses) {
+      presses_.emplace(HLCapturedNumber(*press.element), presses_.size());
+    }
+    for (const HLDismissTarget& target : judgement.targets) addTarget(target);
     if (!capture_.elements.empty()) addWindows();
     return std::move(explanation_);
   }
 
  private:
-  void addTarget(const HLDismissTarget& target, const HLPreparedBatch& batch) {
+  void addTarget(const HLDismissTarget& target) {
     HLExplainedTarget& added = explanation_.targets.emplace_back();
     added.target = target;
     added.control = HLResolvedTarget(target);
-    const auto isControl = [&added](const HLDismissTarget& control) {
-      return added.control.element->isEqual(*control.element);
-    };
-    const auto press = std::find_if(batch.resolved.begin(), batch.resolved.end(), isControl);
-    added.press = static_cast<std::size_t>(press - batch.resolved.begin());
+    added.press = presses_.at(HLCapturedNumber(*added.control.element));
     added.presses = added.press == pressesSoFar_;
     if (added.presses) ++pressesSoFar_;
     targets_.try_emplace(HLCapturedNumber(*target.element), explanation_.targets.size() - 1);
@@ -103,9 +102,10 @@ class Explainer {
 
   HLCapture& capture_;
   HLExplanation explanation_;
-  std::size_t pressesSoFar_ = 0;
   std::map<int, Step> steps_;
-  std::map<int, std::size_t> targets_;
+  std::size_t pressesSoFar_ = 0;
+  std::map<int, std::size_t> targets_;  // by element
+  std::map<int, std::size_t> presses_;  // by control
   std::set<int> added_;
 };
 

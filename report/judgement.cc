@@ -1,6 +1,7 @@
 #include "report/judgement.h"
 
-#include <algorithm>
+#include <string_view>
+#include <unordered_map>
 
 #include "core/dismissal/attempt_loop.h"
 #include "core/dismissal/ordering.h"
@@ -10,10 +11,9 @@ namespace {
 
 // Returns for each text the index of the first text that equals it.
 std::vector<std::size_t> firstAlike(const std::vector<std::string>& texts) {
+  std::unordered_map<std::string_view, std::size_t> known;
   std::vector<std::size_t> first;
-  for (const std::string& text : texts) {
-    first.push_back(static_cast<std::size_t>(std::find(texts.begin(), texts.end(), text) - texts.begin()));
-  }
+  for (const std::string& text : texts) first.push_back(known.try_emplace(text, first.size()).first->second);
   return first;
 }
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <memory>
+#include <unordered_set>
 #include <utility>
 
 #include "base/log.h"
@@ -65,15 +66,13 @@ std::string HLProgressIdentityKeyForTarget(const HLDismissTarget& target) {
 HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible) {
   HLRunLoop& clock = HLCurrentPlatform().runLoop;
   HLPreparedBatch batch;
+  std::unordered_set<HLElementRef, HLElementHash, HLElementEqual> controls;
   for (const HLDismissTarget& target : eligible) {
     const double start = clock.now();
     HLDismissTarget control = HLResolvedTarget(target);
     batch.resolutionSeconds += clock.now() - start;
     if (control.element == nullptr) continue;
-    const bool duplicate =
-        std::any_of(batch.resolved.begin(), batch.resolved.end(),
-                    [&control](const HLDismissTarget& earlier) { return control.element->isEqual(*earlier.element); });
-    if (duplicate) continue;
+    if (!controls.insert(control.element).second) continue;
     batch.prepared.push_back(target);
     batch.resolved.push_back(std::move(control));
   }
