@@ -37,7 +37,7 @@ Look lookFor(const std::string& title) {
   look.isReadable = true;
   for (const HLElementRef& window : HLNotificationWindows(*application)) {
     HLWalkTree({window, HLContext()}, HLScanLimit, [&](const HLVisit& visit) {
-      look.isShown = look.isShown || HLContainsIgnoringCase(visit.own, title);
+      look.isShown = look.isShown || HLContainsIgnoringCase(visit.context.own(), title);
       return look.isShown ? HLDescent::prune : HLDescent::enter;
     });
   }

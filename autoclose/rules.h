@@ -1,7 +1,6 @@
 // Recognizes the banners of running automations in every language of the system.
 #pragma once
 
-#include <iosfwd>
 #include <optional>
 #include <set>
 #include <string>

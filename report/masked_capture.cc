@@ -54,8 +54,7 @@ class Masker {
     }
     if (!from_.trusted) return;
     (void)HLCurrentTargets(*from_.handle(0), [this](const HLScanStep& step) {
-      const HLVisit& visit = step.visit;
-      if (step.candidate) mask_.meetCut(visit.own.empty() ? visit.context.text() : visit.own, HLSnapshotLimit);
+      if (step.candidate) mask_.meetCut(step.visit.context.ownOrAll(), HLSnapshotLimit);
     });
   }
 

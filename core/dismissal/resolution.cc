@@ -48,7 +48,7 @@ std::optional<std::string> dismissOrPressAction(const std::vector<std::string>& 
 
 // Returns the visited element as a control without a snapshot, or nullopt if it closes nothing.
 std::optional<HLDismissTarget> focusedControl(const HLVisit& visit, const HLRect& rootFrame) {
-  const auto& [element, facts, own, context] = visit;
+  const auto& [element, facts, context] = visit;
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
   if (explicitAction && HLIsNotificationBannerSubrole(facts.subrole)) {
     return HLDismissTarget{
@@ -57,7 +57,7 @@ std::optional<HLDismissTarget> focusedControl(const HLVisit& visit, const HLRect
   if (HLIsMenuLike(facts)) return std::nullopt;
 
   const bool small = isSmallControl(facts.frame);
-  const bool closeWords = HLLowercaseContainsAny(own, HLOwnCloseWords);
+  const bool closeWords = HLLowercaseContainsAny(context.own(), HLOwnCloseWords);
   const std::optional<std::string> action = dismissOrPressAction(facts.actionNames);
   if (!action || (!small && !(explicitAction && closeWords))) return std::nullopt;
 
@@ -118,7 +118,7 @@ std::optional<HLDismissTarget> HLFocusedDismissControlInSubtree(const HLElementR
     // the text of a context may be long.
     if (control && (!best || control->score > best->score)) {
       best = std::move(control);
-      best->snapshot = visit.own.empty() ? visit.context.text() : visit.own;
+      best->snapshot = visit.context.ownOrAll();
     }
     return HLDescent::enter;
   };

@@ -12,32 +12,13 @@
 
 namespace {
 
-// In bytes.
-constexpr std::size_t longestWord(HLWordList words) {
-  std::size_t longest = 0;
-  for (std::string_view word : words) longest = std::max(longest, word.size());
-  return longest;
-}
-constexpr std::size_t kReach = std::max(longestWord(HLNotificationWords), longestWord(HLDismissWords)) - 1;
-
-// The words that contain no other word of the list. A text with any word of the list contains one of these.
-template <std::size_t Count>
-struct ShortestWords {
-  std::array<std::string_view, Count> words = {};
-  std::size_t count = 0;
-
-  explicit constexpr ShortestWords(const std::array<std::string_view, Count>& all) {
-    for (std::string_view word : all) {
-      const bool containsAnother = std::any_of(all.begin(), all.end(), [word](std::string_view other) {
-        return word != other && word.find(other) != std::string_view::npos;
-      });
-      if (!containsAnother) words[count++] = word;
-    }
-  }
-  [[nodiscard]] constexpr HLWordList list() const { return HLWordList(words).first(count); }
-};
-constexpr ShortestWords kNotificationWords(HLNotificationWords);
-constexpr ShortestWords kDismissWords(HLDismissWords);
+// Those of HLNotificationWords that the others contain: a text with any of the list has one of these.
+constexpr std::array<std::string_view, 3> kNotificationWords = {"notification", "stacked", "from iphone"};
+constexpr std::size_t kReach = 11;  // bytes: all but one of the longest word
+static_assert(std::all_of(HLNotificationWords.begin(), HLNotificationWords.end(), [](std::string_view word) {
+  return std::any_of(kNotificationWords.begin(), kNotificationWords.end(),
+                     [word](std::string_view part) { return word.find(part) != std::string_view::npos; });
+}));
 
 std::string joinedWords(std::initializer_list<std::string_view> texts) {
   std::size_t size = 0;
@@ -65,39 +46,35 @@ std::string HLStructuralContext(const HLElementFacts& facts) {
 }
 
 HLContext HLContext::extendedBy(std::string own) const {
-  if (own.empty()) return *this;
-  auto words = std::make_shared<Words>();
-  words->before = last_;
-  words->own = std::move(own);
-  HLContext child;
-  child.last_ = std::move(words);
+  HLContext child = *this;
+  child.hasOwn_ = !own.empty();
+  if (child.hasOwn_) child.last_ = std::make_shared<Words>(Words{last_, std::move(own), {}, {}});
   return child;
 }
 
-bool HLContext::isNotification() const { return holdsAny(kNotificationWords.list(), &Words::isNotification); }
-
-bool HLContext::hasCloseWord() const { return holdsAny(kDismissWords.list(), &Words::hasCloseWord); }
-
-bool HLContext::holdsAny(HLWordList words, std::optional<bool> Words::*known) const {
-  const Words* last = last_.get();
-  while (last != nullptr && !(last->*known) && !last->holdsAny(words)) last = last->before.get();
-  const bool found = last != nullptr && (last->*known).value_or(true);
-  // The answer holds for all contexts from that one down to this one.
-  const Words* end = last == nullptr ? nullptr : last->before.get();
-  for (Words* each = last_.get(); each != end; each = each->before.get()) each->*known = found;
-  return found;
-}
-
-bool HLContext::Words::holdsAny(HLWordList words) const {
-  if (HLLowercaseContainsAny(own, words)) return true;
-  if (before == nullptr) return false;
-  // A word may straddle the boundary, with at most all but one of its bytes on either side.
-  return HLLowercaseContainsAny(before->lastBytes(kReach) + ' ' + own.substr(0, kReach), words);
-}
-
-const std::string& HLContext::lastWords() const {
+const std::string& HLContext::own() const {
   static const std::string none;
-  return last_ == nullptr ? none : last_->own;
+  return hasOwn_ ? last_->own : none;
+}
+
+bool HLContext::isNotification() const {
+  return last_ != nullptr && last_->holdsAny(kNotificationWords, &Words::isNotification);
+}
+
+bool HLContext::hasCloseWord() const {
+  return last_ != nullptr && last_->holdsAny(HLDismissWords, &Words::hasCloseWord);
+}
+
+bool HLContext::Words::holdsAny(HLWordList words, std::optional<bool> Words::*answer) {
+  if (!(this->*answer)) {
+    this->*answer = HLLowercaseContainsAny(own, words) || holdsAnyAcrossBoundary(words) ||
+                    (before != nullptr && before->holdsAny(words, answer));
+  }
+  return *(this->*answer);
+}
+
+bool HLContext::Words::holdsAnyAcrossBoundary(HLWordList words) const {
+  return before != nullptr && HLLowercaseContainsAny(before->lastBytes(kReach) + ' ' + own.substr(0, kReach), words);
 }
 
 std::string HLContext::text() const { return firstBytes(std::string::npos); }

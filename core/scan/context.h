@@ -28,6 +28,12 @@ class HLContext {
   // Returns the context of a child whose own words, lower-cased and compacted, these are.
   [[nodiscard]] HLContext extendedBy(std::string own) const;
 
+  // The words that the context was last extended by. Valid while it lives.
+  [[nodiscard]] const std::string& own() const;
+
+  // Returns a copy of own(), or of text() if that is empty.
+  [[nodiscard]] std::string ownOrAll() const { return own().empty() ? text() : own(); }
+
   // Returns the words of the whole path from the root, joined by spaces. Copies them: O(length).
   [[nodiscard]] std::string text() const;
   // Returns the first `units` UTF-16 code units of text() without making the rest.
@@ -35,9 +41,6 @@ class HLContext {
 
   [[nodiscard]] bool isNotification() const;
   [[nodiscard]] bool hasCloseWord() const;
-
-  // The words that the context was last extended by, if any. Valid while the context lives.
-  [[nodiscard]] const std::string& lastWords() const;
 
  private:
   // The words of one element, never empty, and cached answers about them together with the words before.
@@ -47,15 +50,17 @@ class HLContext {
     std::optional<bool> isNotification;
     std::optional<bool> hasCloseWord;
 
-    // Whether any of `words` is in the own words, or straddles the boundary to the words before.
-    [[nodiscard]] bool holdsAny(HLWordList words) const;
+    // Whether any of `words` is in these words or before. Recurses once for each ancestor without an answer.
+    [[nodiscard]] bool holdsAny(HLWordList words, std::optional<bool> Words::*answer);
+    // Whether any of `words` begins before and ends in the own words.
+    [[nodiscard]] bool holdsAnyAcrossBoundary(HLWordList words) const;
     [[nodiscard]] std::string lastBytes(std::size_t count) const;
   };
 
-  [[nodiscard]] bool holdsAny(HLWordList words, std::optional<bool> Words::*known) const;
   [[nodiscard]] std::string firstBytes(std::size_t count) const;
 
   std::shared_ptr<Words> last_;  // nullptr without words
+  bool hasOwn_ = false;          // whether own() is last_->own; else it is empty
 };
 
 // Whether a context with these words, in any letter case, belongs to a notification.

@@ -45,8 +45,8 @@ bool HLIsMenuLike(const HLElementFacts& facts) {
 }
 
 std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element, const HLElementFacts& facts,
-                                                     const HLContext& context, const std::string& own,
-                                                     HLScoreDetails* details) {
+                                                     const HLContext& context, HLScoreDetails* details) {
+  const std::string& own = context.own();
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
   Score score{details, 0, ""};
 

@@ -38,9 +38,9 @@ struct HLScoreDetails {
   std::string_view negativeWord;   // the first one in the element's own words, once they were searched; else ""
 };
 
-// Returns the element as a target, or nullopt if it dismisses nothing. `own` are its searchable words, which end
-// `context`. Fills `details`, which must be empty, unless nullptr.
+// Returns the element as a target, or nullopt if it dismisses nothing. The context ends in its own words. Fills
+// `details`, which must be empty, unless nullptr.
 [[nodiscard]] std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element,
                                                                    const HLElementFacts& facts,
-                                                                   const HLContext& context, const std::string& own,
+                                                                   const HLContext& context,
                                                                    HLScoreDetails* details = nullptr);

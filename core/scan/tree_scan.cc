@@ -30,7 +30,7 @@ std::vector<HLDismissTarget> HLTargetsInRoot(const HLElementRef& root, std::stri
   const auto look = [&targets, &keys, &listener](const HLVisit& visit) {
     HLScoreDetails details;
     std::optional<HLDismissTarget> candidate =
-        HLCandidateForElement(visit.element, visit.facts, visit.context, visit.own, listener ? &details : nullptr);
+        HLCandidateForElement(visit.element, visit.facts, visit.context, listener ? &details : nullptr);
     const bool prune = candidate && HLShouldPruneDescendantsAfterCandidate(*candidate);
     const HLDescent descent = prune ? HLDescent::prune : HLDescent::enter;
     if (listener) listener({visit, details, candidate, descent});

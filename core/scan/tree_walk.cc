@@ -15,10 +15,8 @@ std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit,
     if (item.element == nullptr || !visited.insert(item.element).second) continue;
 
     const HLElementFacts facts = item.element->copyFacts();
-    std::string own = HLSearchableContext(facts);
-    const bool hasWords = !own.empty();
-    const HLContext context = item.context.extendedBy(std::move(own));
-    if (visit({item.element, facts, hasWords ? context.lastWords() : own, context}) == HLDescent::prune) continue;
+    const HLContext context = item.context.extendedBy(HLSearchableContext(facts));
+    if (visit({item.element, facts, context}) == HLDescent::prune) continue;
     for (HLQueueItem& child : HLChildQueueItems(facts, context)) queue.push_back(std::move(child));
   }
   return visited.size();

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "core/scan/context.h"
@@ -14,7 +13,6 @@
 struct HLVisit {
   const HLElementRef& element;
   const HLElementFacts& facts;
-  const std::string& own;    // its searchable context
   const HLContext& context;  // the words of its ancestors, then its own
 };
 

@@ -43,6 +43,16 @@ TEST(Context, SeparatesAChildsWords) {
   EXPECT_EQ(root.text(), "axgroup") << "the parent's stays as it is";
 }
 
+TEST(Context, KnowsItsOwnWords) {
+  const HLContext root("axgroup");
+  EXPECT_EQ(HLContext().own(), "");
+  EXPECT_EQ(root.own(), "axgroup");
+  EXPECT_EQ(root.extendedBy("axbutton").own(), "axbutton");
+  EXPECT_EQ(root.extendedBy("").own(), "");
+  EXPECT_EQ(root.extendedBy("axbutton").ownOrAll(), "axbutton");
+  EXPECT_EQ(root.extendedBy("axlist").extendedBy("").ownOrAll(), "axgroup axlist");
+}
+
 TEST(Context, FindsWordsInsideOthers) {
   for (const std::string word :
        {"notification", "axnotification", "stacked", "notification center", "from iphone", "axnotificationlistitems"}) {
@@ -85,7 +95,7 @@ TEST(Context, KeepsTheBeginningOfItsText) {
 
 TEST(Context, InheritsFoundWords) {
   HLContext context = HLContext("notification close");
-  for (int depth = 0; depth < 50; ++depth) context = context.extendedBy("axgroup");
+  for (int depth = 0; depth < 1400; ++depth) context = context.extendedBy("axgroup");
   EXPECT_TRUE(context.isNotification());
   EXPECT_TRUE(context.hasCloseWord());
 }

@@ -19,8 +19,7 @@ const HLElementRef kElement = std::make_shared<FakeElement>();
 
 // The target that an element with these facts is, below ancestors with these words.
 std::string candidate(const HLElementFacts& facts, const std::string& ancestors = "") {
-  const std::string own = HLSearchableContext(facts);
-  return Describe(HLCandidateForElement(kElement, facts, HLContext(ancestors).extendedBy(own), own));
+  return Describe(HLCandidateForElement(kElement, facts, HLContext(ancestors).extendedBy(HLSearchableContext(facts))));
 }
 
 HLElementFacts element(std::string role, std::string title, std::vector<std::string> actions, HLRect frame = {}) {
@@ -210,7 +209,7 @@ TEST(BannerShortcut, NeedsTheSubrole) {
 
 TEST(BannerShortcut, StoresOwnTextOnly) {
   const HLElementFacts facts = banner("");
-  EXPECT_EQ(Describe(HLCandidateForElement(kElement, facts, HLContext("notification"), "")),
+  EXPECT_EQ(Describe(HLCandidateForElement(kElement, facts, HLContext("notification").extendedBy(""))),
             "Name:Close 220 (0,0,360,80) [] notification-subrole-explicit-action");
 }
 
@@ -387,7 +386,7 @@ TEST(Score, CountsButtonRoleOrWord) {
 
 TEST(Score, CountsTheRoleWithoutText) {
   HLElementFacts facts = element("AXButton", "", {"AXPress"}, kSmall);
-  EXPECT_EQ(Describe(HLCandidateForElement(kElement, facts, HLContext("axgroup notification"), "")),
+  EXPECT_EQ(Describe(HLCandidateForElement(kElement, facts, HLContext("axgroup notification").extendedBy(""))),
             "AXPress 62 (0,0,16,16) [axgroup notification] "
             "notification-context,pressable-button,small-frame,press-fallback");
 }
@@ -458,11 +457,11 @@ TEST(Snapshot, UsesContextWithoutOwnText) {
 TEST(Candidate, KeepsTheHandle) {
   const auto handle = std::make_shared<FakeElement>();
   const HLElementFacts facts = element("AXGroup", "", {"Name:Close"});
-  const auto scored = HLCandidateForElement(handle, facts, HLContext("axgroup"), "axgroup");
+  const auto scored = HLCandidateForElement(handle, facts, HLContext("axgroup"));
   ASSERT_TRUE(scored.has_value());
   EXPECT_EQ(scored->element, handle);
   const HLElementFacts shortcut = banner("");
-  const auto taken = HLCandidateForElement(handle, shortcut, HLContext("axgroup"), "axgroup");
+  const auto taken = HLCandidateForElement(handle, shortcut, HLContext("axgroup"));
   ASSERT_TRUE(taken.has_value());
   EXPECT_EQ(taken->element, handle);
 }
