@@ -1,63 +1,44 @@
-// What every host's platform promises, tested alike on all of them. A host's test program includes this once and says
-// how to get at a desktop of its own:
+// What every host promises of the elements and applications on a desktop, tested alike on all of them. A host's test
+// program includes this once and says how to get at a desktop of its own:
 //
-//   INSTANTIATE_TEST_SUITE_P(Simulator, PlatformContract, testing::Values(ContractHost{"Simulator", makeDesktop}),
-//                            ContractHostName);
+//   INSTANTIATE_TEST_SUITE_P(Simulator, PlatformContract, testing::Values(PlatformContract::Case{"Simulator", make}),
+//                            ContractCaseName);
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <cmath>
 #include <cstdint>
 #include <functional>
-#include <limits>
 #include <memory>
-#include <mutex>
-#include <ostream>
 #include <string>
 #include <string_view>
-#include <thread>
-#include <utility>
 #include <vector>
 
 #include "platform/accessibility.h"
 #include "platform/platform.h"
-#include "platform/process_info.h"
 #include "platform/run_loop.h"
 #include "platform/running_applications.h"
+#include "tests/support/host_contract.h"
 
 // A desktop on which one application shows a window with at least two elements below it.
-class ContractDesktop {
+class ContractDesktop : public ContractHost {
  public:
-  ContractDesktop() = default;
-  ContractDesktop(const ContractDesktop&) = delete;
-  ContractDesktop& operator=(const ContractDesktop&) = delete;
-  virtual ~ContractDesktop() = default;
-
-  [[nodiscard]] virtual const HLPlatform& platform() = 0;
   // That application.
   [[nodiscard]] virtual std::int32_t pid() = 0;
   // An action of an element below that application which takes the element away.
   [[nodiscard]] virtual std::string removingAction() = 0;
 };
 
-struct ContractHost {
-  std::string name;
-  std::function<std::unique_ptr<ContractDesktop>()> make;
-};
+class PlatformContract : public testing::TestWithParam<ContractCase<ContractDesktop>> {
+ public:
+  using Case = ContractCase<ContractDesktop>;
 
-inline void PrintTo(const ContractHost& host, std::ostream* stream) { *stream << host.name; }
-inline std::string ContractHostName(const testing::TestParamInfo<ContractHost>& info) { return info.param.name; }
-
-class PlatformContract : public testing::TestWithParam<ContractHost> {
  protected:
   [[nodiscard]] HLAccessibility& accessibility() { return desktop_->platform().accessibility; }
   [[nodiscard]] HLRunningApplications& applications() { return desktop_->platform().runningApplications; }
   [[nodiscard]] HLRunLoop& runLoop() { return desktop_->platform().runLoop; }
-  [[nodiscard]] HLProcessInfo& process() { return desktop_->platform().process; }
   [[nodiscard]] HLElementRef root() { return accessibility().createApplication(desktop_->pid()); }
 
   [[nodiscard]] static std::vector<HLElementRef> members(const HLElementRef& element, std::string_view list) {
@@ -266,186 +247,4 @@ TEST_P(PlatformContract, FindsNothingForUnknownPids) {
   EXPECT_FALSE(applications().find(2147483646).has_value());
   EXPECT_FALSE(applications().find(0).has_value());
   EXPECT_FALSE(applications().find(-1).has_value());
-}
-
-// Run loop and queues
-
-TEST_P(PlatformContract, UsesTheWallClock) {
-  const double wall = std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-  EXPECT_NEAR(runLoop().now(), wall, 60);
-}
-
-TEST_P(PlatformContract, SleepsLongEnough) {
-  const double before = runLoop().now();
-  runLoop().sleep(0.03);
-  EXPECT_GE(runLoop().now() - before, 0.03 - 1e-3);
-}
-
-TEST_P(PlatformContract, SkipsEmptySleeps) {
-  const double before = runLoop().now();
-  for (double seconds : {0.0, -1.0, -1e300, std::numeric_limits<double>::quiet_NaN()}) runLoop().sleep(seconds);
-  EXPECT_LT(runLoop().now() - before, 1);
-}
-
-TEST_P(PlatformContract, RunsLongEnough) {
-  const double before = runLoop().now();
-  runLoop().runFor(0.03);
-  EXPECT_GE(runLoop().now() - before, 0.03 - 1e-3);
-  const double between = runLoop().now();
-  runLoop().runFor(0);
-  runLoop().runFor(-1);
-  EXPECT_LT(runLoop().now() - between, 1);
-}
-
-TEST_P(PlatformContract, KeepsStepsDelayedForCenturies) {
-  bool ran = false;
-  for (const double seconds : {9.3e9, 1e18, 1e300}) {
-    runLoop().postToMainQueueAfter(seconds, [&ran] { ran = true; });
-    const auto timer = runLoop().scheduleTimer(seconds, [&ran] { ran = true; });
-    runLoop().runFor(0.01);
-    EXPECT_FALSE(ran) << seconds;
-  }
-}
-
-TEST_P(PlatformContract, WaitsCenturiesForASignal) {
-  for (const double seconds : {9.3e9, 1e18, 1e300}) {
-    const auto semaphore = runLoop().makeSemaphore();
-    const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
-    queue->addOperation([&] {
-      runLoop().sleep(0.01);
-      semaphore->signal();
-    });
-    EXPECT_TRUE(semaphore->wait(seconds)) << seconds;
-  }
-}
-
-TEST_P(PlatformContract, WaitsForAllOperations) {
-  std::atomic<int> done = 0;
-  const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 3);
-  queue->waitUntilAllOperationsAreFinished();
-  for (int round = 1; round <= 3; ++round) {
-    for (int i = 0; i < 10; ++i) {
-      queue->addOperation([&] {
-        runLoop().sleep(0.001);
-        ++done;
-      });
-    }
-    queue->waitUntilAllOperationsAreFinished();
-    EXPECT_EQ(done, 10 * round);
-  }
-}
-
-TEST_P(PlatformContract, LimitsConcurrentOperations) {
-  for (const int limit : {1, 2, 4}) {
-    std::atomic<int> running = 0;
-    std::atomic<int> most = 0;
-    const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, limit);
-    for (int i = 0; i < 12; ++i) {
-      queue->addOperation([&] {
-        const int now = ++running;
-        int known = most;
-        while (known < now && !most.compare_exchange_weak(known, now)) {
-        }
-        runLoop().sleep(0.02);
-        --running;
-      });
-    }
-    queue->waitUntilAllOperationsAreFinished();
-    EXPECT_EQ(most, limit);
-  }
-}
-
-TEST_P(PlatformContract, StartsOperationsInOrder) {
-  std::vector<int> started;
-  const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
-  for (int i = 0; i < 20; ++i) queue->addOperation([&started, i] { started.push_back(i); });
-  queue->waitUntilAllOperationsAreFinished();
-  std::vector<int> expected(20);
-  for (int i = 0; i < 20; ++i) expected[static_cast<std::size_t>(i)] = i;
-  EXPECT_EQ(started, expected);
-}
-
-TEST_P(PlatformContract, RunsOperationsOnOtherThreads) {
-  const std::thread::id here = std::this_thread::get_id();
-  std::atomic<bool> elsewhere = false;
-  const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
-  queue->addOperation([&] { elsewhere = std::this_thread::get_id() != here; });
-  queue->waitUntilAllOperationsAreFinished();
-  EXPECT_TRUE(elsewhere);
-}
-
-TEST_P(PlatformContract, FinishesOperationsOfDestroyedQueues) {
-  std::atomic<int> done = 0;
-  {
-    const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 2);
-    for (int i = 0; i < 6; ++i) {
-      queue->addOperation([&] {
-        runLoop().sleep(0.005);
-        ++done;
-      });
-    }
-  }
-  EXPECT_EQ(done, 6);
-}
-
-TEST_P(PlatformContract, KeepsSignals) {
-  const auto semaphore = runLoop().makeSemaphore();
-  semaphore->signal();
-  semaphore->signal();
-  EXPECT_TRUE(semaphore->wait(0));
-  EXPECT_TRUE(semaphore->wait(5));
-  EXPECT_FALSE(semaphore->wait(0));
-}
-
-TEST_P(PlatformContract, TimesOutWithoutASignal) {
-  const auto semaphore = runLoop().makeSemaphore();
-  const double before = runLoop().now();
-  EXPECT_FALSE(semaphore->wait(0.03));
-  EXPECT_GE(runLoop().now() - before, 0.03 - 1e-3);
-  const double between = runLoop().now();
-  EXPECT_FALSE(semaphore->wait(-1));
-  EXPECT_LT(runLoop().now() - between, 1);
-}
-
-TEST_P(PlatformContract, WakesOnAnotherThreadsSignal) {
-  const auto semaphore = runLoop().makeSemaphore();
-  const auto queue = runLoop().makeOperationQueue("work", HLQualityOfService::userInitiated, 1);
-  queue->addOperation([&] {
-    runLoop().sleep(0.02);
-    semaphore->signal();
-  });
-  const double before = runLoop().now();
-  EXPECT_TRUE(semaphore->wait(30));
-  EXPECT_LT(runLoop().now() - before, 25);
-}
-
-// Process
-
-TEST_P(PlatformContract, ArgumentsBeginWithTheExecutable) {
-  const std::vector<std::string> arguments = process().arguments();
-  ASSERT_FALSE(arguments.empty());
-  EXPECT_FALSE(arguments[0].empty());
-}
-
-TEST_P(PlatformContract, ReturnsNulloptForUnsetVariables) {
-  EXPECT_FALSE(process().environment("HL_NOBODY_SETS_THIS").has_value());
-  EXPECT_FALSE(process().environment("").has_value());
-}
-
-TEST_P(PlatformContract, ProcessIdentifiersArePositiveAndDiffer) {
-  EXPECT_GT(process().processIdentifier(), 0);
-  EXPECT_GT(process().parentProcessIdentifier(), 0);
-  EXPECT_NE(process().processIdentifier(), process().parentProcessIdentifier());
-}
-
-TEST_P(PlatformContract, ReturnsAbsoluteDirectories) {
-  const std::string home = process().homeDirectory();
-  ASSERT_FALSE(home.empty());
-  EXPECT_EQ(home.front(), '/');
-  EXPECT_TRUE(home == "/" || home.back() != '/');
-  if (const std::optional<std::string> support = process().applicationSupportDirectory()) {
-    ASSERT_FALSE(support->empty());
-    EXPECT_EQ(support->front(), '/');
-    EXPECT_NE(support->back(), '/');
-  }
 }

@@ -94,8 +94,20 @@ class MacContractDesktop final : public ContractDesktop {
 };
 
 INSTANTIATE_TEST_SUITE_P(MacOS, PlatformContract,
-                         testing::Values(ContractHost{"Window", [] { return std::make_unique<MacContractDesktop>(); }}),
-                         ContractHostName);
+                         testing::Values(PlatformContract::Case{"Window", std::make_unique<MacContractDesktop>}),
+                         ContractCaseName);
+
+class MacContractHost : public ContractHost {
+ public:
+  const HLPlatform& platform() override { return host_.platform(); }
+
+ private:
+  HLMacHost host_;
+};
+
+INSTANTIATE_TEST_SUITE_P(MacOS, HostContract,
+                         testing::Values(HostContract::Case{"MacOS", std::make_unique<MacContractHost>}),
+                         ContractCaseName);
 
 class AccessibilityEvents : public testing::Test {
  protected:

@@ -24,10 +24,18 @@ class SimulatedContractDesktop : public ContractDesktop {
   SimulatedDesktop desktop_;
 };
 
-INSTANTIATE_TEST_SUITE_P(
-    Simulator, PlatformContract,
-    testing::Values(ContractHost{"Virtual", [] { return std::make_unique<SimulatedContractDesktop>("virtual"); }},
-                    ContractHost{"Real", [] { return std::make_unique<SimulatedContractDesktop>("real"); }}),
-    ContractHostName);
+std::unique_ptr<SimulatedContractDesktop> makeVirtual() {
+  return std::make_unique<SimulatedContractDesktop>("virtual");
+}
+std::unique_ptr<SimulatedContractDesktop> makeReal() { return std::make_unique<SimulatedContractDesktop>("real"); }
+
+INSTANTIATE_TEST_SUITE_P(Simulator, PlatformContract,
+                         testing::Values(PlatformContract::Case{"Virtual", makeVirtual},
+                                         PlatformContract::Case{"Real", makeReal}),
+                         ContractCaseName);
+INSTANTIATE_TEST_SUITE_P(Simulator, HostContract,
+                         testing::Values(HostContract::Case{"Virtual", makeVirtual},
+                                         HostContract::Case{"Real", makeReal}),
+                         ContractCaseName);
 
 }  // namespace

@@ -47,8 +47,23 @@ class RealContractDesktop : public ContractDesktop {
 
 INSTANTIATE_TEST_SUITE_P(
     Linux, PlatformContract,
-    testing::Values(ContractHost{"Mate", [] { return std::make_unique<RealContractDesktop>(kMate); }},
-                    ContractHost{"Lxqt", [] { return std::make_unique<RealContractDesktop>(kLxqt); }}),
-    ContractHostName);
+    testing::Values(PlatformContract::Case{"Mate", [] { return std::make_unique<RealContractDesktop>(kMate); }},
+                    PlatformContract::Case{"Lxqt", [] { return std::make_unique<RealContractDesktop>(kLxqt); }}),
+    ContractCaseName);
+
+// Without a session: its run loop, queues and process need none.
+class BareContractHost : public ContractHost {
+ public:
+  const HLPlatform& platform() override { return host_.platform(); }
+
+ private:
+  char name_[5] = "test";
+  char* arguments_[2] = {name_, nullptr};
+  HLLinuxHost host_{1, arguments_};
+};
+
+INSTANTIATE_TEST_SUITE_P(Linux, HostContract,
+                         testing::Values(HostContract::Case{"Linux", std::make_unique<BareContractHost>}),
+                         ContractCaseName);
 
 }  // namespace
