@@ -14,7 +14,7 @@ namespace {
 
 // Those of HLNotificationWords that the others contain: a text with any of the list has one of these.
 constexpr std::array<std::string_view, 3> kNotificationWords = {"notification", "stacked", "from iphone"};
-constexpr std::size_t kReach = 11;  // bytes: all but one of the longest word
+constexpr std::size_t kReach = std::string_view("notification").size() - 1;  // all but one byte of the longest word
 static_assert(std::all_of(HLNotificationWords.begin(), HLNotificationWords.end(), [](std::string_view word) {
   return std::any_of(kNotificationWords.begin(), kNotificationWords.end(),
                      [word](std::string_view part) { return word.find(part) != std::string_view::npos; });
