@@ -26,12 +26,13 @@ struct HLShortcutNote {
   HLTextColor color = HLTextColor::secondary;
 };
 
-// Created in a shared_ptr before the run loop starts; lives until the process exits, without teardown. Main thread
+// Created in a shared_ptr before the run loop starts; lives until the process exits. Main thread
 // only; the dismissal itself runs on a background queue.
 class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
  public:
   // The platform must outlive the delegate.
   explicit HLAppDelegate(const HLApplicationPlatform& host) : host_(host) {}
+  ~HLAppDelegate();
   HLAppDelegate(const HLAppDelegate&) = delete;
   HLAppDelegate& operator=(const HLAppDelegate&) = delete;
 

@@ -5,6 +5,7 @@
 #include "app/dismiss_feedback.h"
 #include "base/log.h"
 #include "base/paths.h"
+#include "core/dismissal/result.h"
 #include "daemon/routing.h"
 #include "platform/application/status_item.h"
 #include "platform/platform.h"
@@ -14,6 +15,9 @@ namespace {
 constexpr double kFailureSeconds = 8;  // how long the status item explains a failure
 
 }  // namespace
+
+// The application may end before a request's work has begun.
+HLAppDelegate::~HLAppDelegate() { HLSetProgressHandler(nullptr); }
 
 void HLAppDelegate::dismissNotifications() {
   if (dismissInFlight_) {

@@ -51,7 +51,6 @@ struct Request {
   }
   Request(const Request&) = delete;
   Request& operator=(const Request&) = delete;
-  ~Request() { HLSetProgressHandler(nullptr); }
 
   void runWork() {
     runLoop.refusals.pop_front();

@@ -49,6 +49,15 @@ TEST(RequestSteps, IgnoreCountsAfterTheWork) {
   EXPECT_EQ(request.runLoop.steps.size(), 1U) << "the outcome";
 }
 
+TEST(RequestSteps, IgnoreCountsAfterTheApplication) {
+  Request request;
+  request.runLoop.works.clear();
+  request.runLoop.refusals.clear();
+  request.delegate = nullptr;
+  HLReportProgress(5);
+  EXPECT_THAT(request.runLoop.steps, IsEmpty());
+}
+
 TEST(RequestSteps, EndAsFailedWithoutAThread) {
   Request request;
   request.runLoop.fixedNow = 5.001;
