@@ -37,12 +37,12 @@ struct HLPlatform {
   HLReference<HLProcessInfo> process;
   HLReference<HLPropertyLists> propertyLists;
   HLReference<HLUserNotifications> userNotifications;
+  HLReference<HLHostReport> report;
   // Makes ready what the menu-bar application needs besides, at the first call; it lives as long as the host. Else one
   // line that says what is missing. Main thread.
   std::function<std::variant<const HLApplicationPlatform*, std::string>()> applicationPlatform;
   // nullopt where commands print nothing but what programs read.
   std::optional<HLCommandAdvice> commandAdvice = std::nullopt;
-  HLHostReport* report = nullptr;  // nullptr where the host tells nothing of itself
 };
 
 // The platform stays the caller's and must outlive its use; nullptr takes it out again. Not while other threads use it.

@@ -86,7 +86,7 @@ class ScreenReader {
 
   int numberOf(const HLElementRef& handle) {
     if (const auto known = numbers_.find(handle); known != numbers_.end()) {
-      HLCapturedElement& element = capture_.elements[static_cast<std::size_t>(known->second)];
+      HLCapturedElement& element = capture_.element(known->second);
       if (known->first != handle && !std::exchange(element.freshHandles, true)) fresh_.push_back(handle);
       return element.number();
     }
@@ -128,18 +128,16 @@ bool HLCapturedElement::isEqual(const HLElement& other) const { return HLCapture
 
 std::unique_ptr<HLCapture> HLCaptureScreen() {
   auto capture = std::make_unique<HLCapture>();
-  const HLPlatform& platform = HLCurrentPlatform();
   capture->trusted = HLIsAccessibilityTrusted(false);
   capture->process = HLNotificationCenterApplication();
-  if (platform.report != nullptr) {
-    capture->host = platform.report->systemVersion();
-    if (capture->process) capture->server = platform.report->serverVersion(capture->process->pid);
-  }
+  HLHostReport& report = HLCurrentPlatform().report;
+  capture->host = report.systemVersion();
   if (!capture->process) return capture;
+  capture->server = report.serverVersion(capture->process->pid);
   const HLElementRef application = HLNotificationCenterElement(capture->process->pid);
   if (application == nullptr) return capture;
   ScreenReader(*capture).read(application);
-  if (platform.report != nullptr) capture->raw = platform.report->rawElements(capture->process->pid);
+  capture->raw = report.rawElements(capture->process->pid);
   return capture;
 }
 

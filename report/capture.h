@@ -68,9 +68,8 @@ struct HLCapture {
   HLCapturedElement& add() { return elements.emplace_back(static_cast<int>(elements.size())); }
 
   // A handle that does not own the element.
-  [[nodiscard]] HLElementRef handle(int number) {
-    return {std::shared_ptr<void>(), &elements[static_cast<std::size_t>(number)]};
-  }
+  [[nodiscard]] HLElementRef handle(int number) { return {std::shared_ptr<void>(), &element(number)}; }
+  [[nodiscard]] HLCapturedElement& element(int number) { return elements[static_cast<std::size_t>(number)]; }
   [[nodiscard]] const HLCapturedElement& element(int number) const {
     return elements[static_cast<std::size_t>(number)];
   }

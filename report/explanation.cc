@@ -44,8 +44,8 @@ class Explainer {
     added.target = target;
     added.control = HLResolvedTarget(target);
     added.press = presses_.at(HLCapturedNumber(*added.control.element));
-    added.presses = added.press == pressesSoFar_;
-    if (added.presses) ++pressesSoFar_;
+    added.isFirst = added.press == pressesSoFar_;
+    if (added.isFirst) ++pressesSoFar_;
     targets_.try_emplace(HLCapturedNumber(*target.element), explanation_.targets.size() - 1);
   }
 

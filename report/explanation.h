@@ -38,7 +38,7 @@ struct HLExplainedTarget {
   HLDismissTarget target;
   HLDismissTarget control;  // the control that it resolves to; may be the target itself
   std::size_t press = 0;    // the index of that control in `presses`
-  bool presses = false;     // false if an earlier target resolves to the same control
+  bool isFirst = false;     // of the targets that resolve to that control
 };
 
 struct HLExplanation {

@@ -85,7 +85,7 @@ HLValue HLExplanationData(const HLExplanation& explanation) {
     targets.push_back(HLDictionary{{"target", targetValue(target.target)},
                                    {"resolvesTo", targetValue(target.control)},
                                    {"press", signedNumber(target.press)},
-                                   {"sameAsEarlier", !target.presses}});
+                                   {"sameAsEarlier", !target.isFirst}});
   }
   HLArray presses;
   for (const HLDismissTarget& press : explanation.presses) presses.push_back(targetValue(press));

@@ -157,7 +157,7 @@ class Printer {
       } else {
         text += HLFormat("resolves to another control, score %ld: %@", target.control.score, target.control.reason);
       }
-      if (!target.presses) text += HLFormat("; the same control as press %lu", target.press + 1);
+      if (!target.isFirst) text += HLFormat("; the same control as press %lu", target.press + 1);
       line(Tone::plain, text);
     }
   }

@@ -38,7 +38,7 @@ class Masker {
     }
     for (std::size_t i = 0; i < from_.elements.size(); ++i) to_.add();
     for (const HLCapturedElement& element : from_.elements) {
-      HLCapturedElement& copy = to_.elements[static_cast<std::size_t>(element.number())];
+      HLCapturedElement& copy = to_.element(element.number());
       copy.actions = element.actions;
       copy.freshHandles = element.freshHandles;
       for (const HLCapturedAttribute& attribute : element.attributes) {

@@ -35,7 +35,7 @@ class HLLinuxHost : public HLHost {
                              process_,
                              propertyLists_,
                              userNotifications_,
+                             report_,
                              [this] { return menuBar_.platform(); },
-                             HLLinuxCommandAdvice([this] { return accessibility_.showsUnclosableBanners(); }),
-                             &report_};
+                             HLLinuxCommandAdvice([this] { return accessibility_.showsUnclosableBanners(); })};
 };

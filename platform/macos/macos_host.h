@@ -76,13 +76,6 @@ class HLMacHost : public HLHost {
   HLMacUserNotifications userNotifications_;
   HLMacHostReport report_;
   std::unique_ptr<HLMacApplicationHost> applicationHost_;
-  const HLPlatform platform_{accessibility_,
-                             runningApplications_,
-                             runLoop_,
-                             process_,
-                             propertyLists_,
-                             userNotifications_,
-                             [this] { return &applicationPlatform(); },
-                             std::nullopt,
-                             &report_};
+  const HLPlatform platform_{accessibility_, runningApplications_, runLoop_, process_,
+                             propertyLists_, userNotifications_,   report_,  [this] { return &applicationPlatform(); }};
 };

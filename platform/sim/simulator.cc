@@ -30,10 +30,8 @@ class Simulator : public HLSimulator {
         propertyLists_(desktop_),
         userNotifications_(desktop_),
         interface_(desktop_, runLoop_),
-        platform_{accessibility_, runningApplications_, runLoop_, process_, propertyLists_, userNotifications_, [this] {
-                    return std::variant<const HLApplicationPlatform*, std::string>(&interface_.platform);
-                  }} {
-    platform_.report = &report_;
+        platform_{accessibility_, runningApplications_, runLoop_, process_,
+                  propertyLists_, userNotifications_,   report_,  [this] { return &interface_.platform; }} {
     desktop_.scene = std::move(scene);
     desktop_.refusesThreads = std::move(setup.refusesThreads);
     desktop_.world = std::make_unique<HLSimWorld>(
