@@ -273,6 +273,12 @@ TEST(Scene, Accepts100000Repetitions) {
   EXPECT_EQ(SceneError(Scene(R"({"children": [{"repeat": 100000, "role": "AXGroup", "title": "{n}"}]})")), "");
 }
 
+TEST(Scene, AcceptsValuesInHundredsOfLevels) {
+  std::string nested = "1";
+  for (int level = 0; level < 200; ++level) nested = R"({"in": [)" + nested + "]}";
+  EXPECT_EQ(SceneError(R"({"defaults": {"a": )" + nested + "}}"), "");
+}
+
 TEST(Scene, RejectsDeepNesting) {
   const std::string deep = std::string(5000, '[') + std::string(5000, ']');
   EXPECT_NE(SceneError(R"({"defaults": {"a": )" + deep + "}}").find("nested too deeply"), std::string::npos);
