@@ -245,6 +245,7 @@ TEST(Encodable, RejectsHalvesAndStrayBytes) {
   EXPECT_FALSE(HLIsEncodable("a" + kFirstHalf));
   EXPECT_FALSE(HLIsEncodable(kSecondHalf + "b"));
   EXPECT_FALSE(HLIsEncodable("\xFF"));
+  EXPECT_FALSE(HLIsEncodable("ab\xFF"));
   EXPECT_FALSE(HLIsEncodable("\xE2\x82"));
 }
 

@@ -31,8 +31,9 @@ bool HLIsCloseGlyph(std::string_view lower) {
 
 bool HLMentionsClosing(std::string_view lower) {
   static constexpr std::string_view kStems[] = {
-      "close",  "dismiss", "schließ", "ferme", "cierra", "cerrar", "chiud", "fecha", "slui",   "закр", "zamyka",
-      "zamkni", "zavř",    "zavírá",  "stäng", "lukke",  "sulkee", "kapat", "bezár", "închid", "閉じ", "关闭"};
+      "close",  "dismiss", "schließ", "ferme", "cierra", "cerrar", "chiud", "fecha", "slui",   "закр",   "zamyka",
+      "zamkni", "zavř",    "zavírá",  "stäng", "lukke",  "sulkee", "kapat", "bezár", "închid", "zavrie", "tanca",
+      "κλείν",  "sulge",   "zatvar",  "zapre", "閉じ",   "关闭",   "關閉",  "닫기",  "إغلاق"};
   return std::any_of(std::begin(kStems), std::end(kStems),
                      [lower](std::string_view stem) { return lower.find(stem) != std::string_view::npos; });
 }
