@@ -7,10 +7,10 @@
 namespace {
 
 TEST(CloseName, IsKnownInTranslationsOfGtk) {
-  for (const char* name : {"Close",    "Schließen", "Fermer",   "Cerrar",  "Chiudi", "Fechar",  "Sluiten", "Закрыть",
-                           "Закрити",  "Zamknij",   "Zavřít",   "Zavrieť", "Stäng",  "Luk",     "Lukk",    "Sulje",
-                           "Sulge",    "Kapat",     "Bezárás",  "Închide", "Zapri",  "Zatvori", "Tanca",   "关闭",
-                           "Κλείσιμο", "關閉",      "閉じる",   "닫기"}) {
+  for (const char* name :
+       {"Close",  "Schließen", "Fermer", "Cerrar", "Chiudi",   "Fechar", "Sluiten", "Закрыть", "Закрити", "Zamknij",
+        "Zavřít", "Zavrieť",   "Stäng",  "Luk",    "Lukk",     "Sulje",  "Sulge",   "Kapat",   "Bezárás", "Închide",
+        "Zapri",  "Zatvori",   "Tanca",  "关闭",   "Κλείσιμο", "關閉",   "閉じる",  "닫기"}) {
     EXPECT_TRUE(HLIsCloseName(HLLowercase(name))) << name;
   }
   EXPECT_TRUE(HLIsCloseName("dismiss"));
@@ -20,24 +20,42 @@ TEST(CloseName, IsKnownInTranslationsOfGtk) {
 }
 
 TEST(ClosingDescription, IsKnownInTranslationsOfMate) {
-  for (const char* sentence :
-       {"Closes the notification.", "Schließt die Benachrichtigung.", "Ferme la notification",
-        "Cerrar la notificación",   "Cierra la notificación.",        "Chiude la notifica.",
-        "Fecha a notificação.",     "Sluit de melding.",              "Закрывает уведомление.",
-        "Закриває повідомлення.",   "Zamyka powiadomienie.",          "Zavře upozornění.",
-        "Zavrie oznámenie.",        "Stänger aviseringarna.",         "Lukker påmindelsen.",
-        "Sulkee ilmoituksen.",      "Bildirimleri kapatır.",          "Bezárja az értesítést.",
-        "Tanca la notificació.",    "Κλείνει την ειδοποιήσει.",       "Teavituse sulgemine.",
-        "Zatvara obavijest.",       "Zapre obvestilo.",               "通知を閉じる",
-        "关闭通知",                 "關閉通知。",                     "알림 닫기.",
-        "إغلاق التنبيهات"}) {
+  for (const char* sentence : {"Closes the notification.",
+                               "Schließt die Benachrichtigung.",
+                               "Ferme la notification",
+                               "Cerrar la notificación",
+                               "Cierra la notificación.",
+                               "Chiude la notifica.",
+                               "Fecha a notificação.",
+                               "Sluit de melding.",
+                               "Закрывает уведомление.",
+                               "Закриває повідомлення.",
+                               "Zamyka powiadomienie.",
+                               "Zavře upozornění.",
+                               "Zavrie oznámenie.",
+                               "Stänger aviseringarna.",
+                               "Lukker påmindelsen.",
+                               "Sulkee ilmoituksen.",
+                               "Bildirimleri kapatır.",
+                               "Bezárja az értesítést.",
+                               "Tanca la notificació.",
+                               "Κλείνει την ειδοποιήσει.",
+                               "Teavituse sulgemine.",
+                               "Zatvara obavijest.",
+                               "Zapre obvestilo.",
+                               "通知を閉じる",
+                               "关闭通知",
+                               "關閉通知。",
+                               "알림 닫기.",
+                               "إغلاق التنبيهات"}) {
     EXPECT_TRUE(HLMentionsClosing(HLLowercase(sentence))) << sentence;
   }
   EXPECT_FALSE(HLMentionsClosing("shows the message"));
 }
 
 TEST(CloseGlyph, LooksLikeACross) {
-  for (const char* glyph : {"x", "×", "✕", "✖", "✗", "✘", "⨯", "╳", "🗙"}) EXPECT_TRUE(HLIsCloseGlyph(glyph)) << glyph;
+  for (const char* glyph : {"x", "×", "✕", "✖", "✗", "✘", "⨯", "╳", "🗙"})
+    EXPECT_TRUE(HLIsCloseGlyph(glyph)) << glyph;
   EXPECT_FALSE(HLIsCloseGlyph("+"));
 }
 
