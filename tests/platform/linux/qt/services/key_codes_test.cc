@@ -6,6 +6,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
+
+#include "platform/linux/qt/services/key_names.h"
 
 namespace {
 
@@ -45,6 +48,25 @@ TEST(KeyCodes, KeysThatOnlyModifyOthersHaveNone) {
   }
   EXPECT_FALSE(HLKernelKeyForVirtualKey(55));
   EXPECT_FALSE(HLKernelKeyForVirtualKey(0xFFFF));
+}
+
+// The names of the keys from `first` on, in the order of their positions.
+std::string namesFrom(std::uint32_t first, std::uint32_t count) {
+  std::string names;
+  for (std::uint32_t kernelKey = first; kernelKey < first + count; ++kernelKey) {
+    names += HLKeyNameForVirtualKey(HLVirtualKeyForKernelKey(kernelKey).value_or(0xFFFF)).value_or("?");
+  }
+  return names;
+}
+
+TEST(KeyNames, FollowTheAmericanKeyboard) {
+  EXPECT_EQ(namesFrom(KEY_1, 10), "1234567890");
+  EXPECT_EQ(namesFrom(KEY_Q, 10), "qwertyuiop");
+  EXPECT_EQ(namesFrom(KEY_A, 9), "asdfghjkl");
+  EXPECT_EQ(namesFrom(KEY_Z, 7), "zxcvbnm");
+  EXPECT_EQ(namesFrom(KEY_F1, 10), "F1F2F3F4F5F6F7F8F9F10");
+  EXPECT_EQ(namesFrom(KEY_F11, 2), "F11F12");
+  EXPECT_EQ(HLKeyNameForVirtualKey(0xFFFF), std::nullopt);
 }
 
 }  // namespace
