@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/window_titles.h"
+
 // The scene: the bundle of the process, and other top-level keys.
 struct ApplicationScene {
   bool isProduct = true;
@@ -35,9 +37,6 @@ struct ApplicationRun {
 
 // The messages that begin with the text, in order.
 [[nodiscard]] std::vector<std::string> MessagesOf(const ApplicationRun& run, std::string_view beginning);
-
-inline constexpr const char* SetupTitle = "Set Up Hushlet";
-inline constexpr const char* SettingsTitle = "Hushlet Settings";
 
 // A window of a dump by its title; null when there is none.
 [[nodiscard]] nlohmann::json WindowOf(const nlohmann::json& dump, const std::string& title);

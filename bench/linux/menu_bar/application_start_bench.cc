@@ -71,7 +71,7 @@ bool measure() {
   DesktopSession session;
   const SessionEnvironment environment(session.environment());
   const std::unique_ptr<ChildProcess> server = session.startServer(kMate.command);
-  const std::unique_ptr<ChildProcess> tray = startTray(session);
+  const std::unique_ptr<ChildProcess> tray = session.startTray();
   Screen screen;
   if (!screen.waitForTray()) return false;
   std::vector<Start> floors;

@@ -145,11 +145,6 @@ bool Screen::isDrawn(const Icon& icon) {
   return std::any_of(pixels, pixels + count, [pixels](std::uint32_t pixel) { return pixel != pixels[0]; });
 }
 
-std::unique_ptr<ChildProcess> startTray(DesktopSession& session) {
-  return session.start({"trayer", "--edge", "top", "--align", "left", "--widthtype", "request", "--height", "22",
-                        "--transparent", "true", "--alpha", "0", "--tint", "0x202020"});
-}
-
 std::string statusLog(const DesktopSession& session) {
   std::ifstream file(session.environment().at("XDG_DATA_HOME") + "/com.tessaly.hushlet/status.log", std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

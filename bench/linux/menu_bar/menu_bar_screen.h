@@ -59,8 +59,5 @@ class Screen {
   std::uint16_t iconHeight_ = 0;
 };
 
-// A tray in the upper left corner.
-[[nodiscard]] std::unique_ptr<ChildProcess> startTray(DesktopSession& session);
-
 // The menu-bar application's own log, in that session.
 [[nodiscard]] std::string statusLog(const DesktopSession& session);

@@ -23,6 +23,7 @@
 #include "tests/platform/linux/desktop/real_desktop.h"
 #include "tests/platform/linux/support/screen.h"
 #include "tests/platform/linux/support/shown_parts.h"
+#include "tests/support/window_titles.h"
 
 // What it waits for in vain ends the test.
 class ApplicationDesktop : public RealDesktop {
@@ -30,8 +31,6 @@ class ApplicationDesktop : public RealDesktop {
   static constexpr std::chrono::seconds kTimeout{30};  // for an instrumented program on a busy machine
   static constexpr const char* kProduct = HL_PROGRAM;
   static constexpr const char* kPersonal = HL_PERSONAL_PROGRAM;
-  static constexpr const char* kSettings = "Hushlet Settings";
-  static constexpr const char* kSetup = "Set Up Hushlet";
   inline static const std::vector<int> kDefaultShortcut = {KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_N};
 
   static void require(const std::function<bool()>& condition, const std::function<std::string()>& otherwise) {
@@ -43,17 +42,12 @@ class ApplicationDesktop : public RealDesktop {
     screen_ = std::make_unique<Screen>(session_->environment());
     sender_ = std::make_unique<NotificationSender>(session_->environment());
     require([this] { return screen_->isManaged(); }, [] { return "no window manager"; });
-    startTray();
+    tray_ = session_->startTray();
   }
 
   void beginDesktopWith(const Server& server) {
     beginDesktop();
     server_ = session_->startServer(server.command);
-  }
-
-  void startTray() {
-    tray_ = session_->start({"trayer", "--edge", "top", "--align", "left", "--widthtype", "request", "--height", "26",
-                             "--transparent", "true", "--alpha", "0", "--tint", "0x2b2b2b"});
   }
 
   void TearDown() override {

@@ -109,7 +109,7 @@ TEST_F(Application, ClosesBannersByRulesWhileSwitchedOn) {
 
   storeDefaults("{" + rules + R"(, "HLAutoCloseAutomationBanners": false})");
   startApplication({"--open-settings"});
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   EXPECT_FALSE(findPart("Close Shortcuts Automation Banners"));
   (void)waitForPart("Close Banners by Your Own Rules");
   (void)sendAutomation("Night");

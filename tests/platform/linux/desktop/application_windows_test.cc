@@ -34,9 +34,9 @@ class ApplicationWindows : public ApplicationDesktop {
 TEST_F(ApplicationWindows, ANewShortcutIsRecordedByTypingItAndKept) {
   beginDesktopWith(kMate);
   startApplication({"--open-settings"});
-  waitForWindow(kSettings);
-  expectPlainFrame(kSettings);
-  EXPECT_EQ(waitForPart(kSettings).role, HLRawRole::dialog);
+  waitForWindow(SettingsTitle);
+  expectPlainFrame(SettingsTitle);
+  EXPECT_EQ(waitForPart(SettingsTitle).role, HLRawRole::dialog);
   (void)waitForPart("Ctrl+Alt+Super+N");
   clickPart("Record Shortcut");
   (void)waitForPart("Press the new shortcut. Escape cancels.");
@@ -76,12 +76,12 @@ TEST_F(ApplicationWindows, ASecondStartShowsTheSettingsOfTheFirstAndEnds) {
   beginDesktopWith(kMate);
   startApplication();
   startAgain();
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   EXPECT_EQ(countLogged("applicationDidFinishLaunching"), 1);
   // The window manager takes its keys anew after the first that is typed, and misses one that comes meanwhile.
   EXPECT_TRUE(Eventually([this] {
     screen_->press({KEY_LEFTALT, KEY_F4});
-    return !screen_->findTitled(kSettings);
+    return !screen_->findTitled(SettingsTitle);
   }));
 }
 
@@ -91,14 +91,14 @@ TEST_F(ApplicationWindows, WithoutATrayASecondStartIsTheWayIn) {
   application_ = session_->start(commandLine(kProduct));
   waitForLogged("refreshStatusItem ");
   startAgain();
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
 }
 
 TEST_F(ApplicationWindows, OpenAtTheFirstStartWithoutATray) {
   beginDesktop();
   tray_ = nullptr;
   application_ = session_->start(commandLine(kProduct));
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   EXPECT_THAT(defaultsFile(), HasSubstr("\"HLWelcomedWithoutIcon\": true"));
 }
 
@@ -112,7 +112,7 @@ TEST_F(ApplicationWindows, ExplainAFailedDismissalWithoutATray) {
   waitForLogged("hotKey register ");
   waitForLogged("refreshStatusItem ");
   screen_->press(kDefaultShortcut);
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   (void)waitForPart(kNoServer);
   keepPicture("failed");
   EXPECT_EQ(countLogged(std::string("dismissNotifications unfinished reason=") + kNoServer), 1);
@@ -131,14 +131,14 @@ TEST_F(ApplicationWindows, StayClosedWhileTheIconExplains) {
   };
   require(hasToolTip, [] { return "no tool tip appears"; });
   keepPicture("warning");
-  EXPECT_FALSE(screen_->findTitled(kSettings));
+  EXPECT_FALSE(screen_->findTitled(SettingsTitle));
 }
 
 TEST_F(ApplicationWindows, CloseBannersByTheUsersOwnRules) {
   beginDesktopWith(kMate);
   storeDefaults(R"({"HLAutoCloseRules": ["*|number 2", "a mistake"]})");
   startApplication({"--open-settings"});
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   const std::string mistake = R"(Rule 2 is ignored: "a mistake" is not "APPLICATION|PHRASE".)";
   (void)waitForPart(mistake);
   EXPECT_EQ(countLogged("autoClose mistake=" + mistake), 1);
@@ -159,7 +159,7 @@ TEST_P(TrialButton, ClearsItsOwnNotificationOnly) {
   const std::vector<std::uint32_t> others = send(3);
   waitForTargets(3);
   startApplication({"--open-settings"});
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   clickPart("Try It");
   waitForLogged("trial outcome=");
   EXPECT_EQ(countLogged("trial outcome=Works here"), 1) << testing::PrintToString(logged());
@@ -180,7 +180,7 @@ TEST_F(ApplicationWindows, APanelThatIsRestartedGetsTheIconBack) {
   startApplication();
   tray_->signal(SIGKILL);
   ASSERT_TRUE(tray_->wait(kTimeout));
-  startTray();
+  tray_ = session_->startTray();
   const std::vector<std::uint32_t> ids = send(2);
   waitForTargets(2);
   clickIcon(Screen::kLeftButton);
@@ -201,15 +201,15 @@ TEST_F(ApplicationWindows, ItIsQuitByItsMenu) {
 TEST_F(ApplicationWindows, CloseOnEscapeAndQuitOnCtrlQ) {
   beginDesktop();
   startApplication({"--open-settings"});
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   screen_->press({KEY_ESC});
-  waitUntilGone(kSettings);
+  waitUntilGone(SettingsTitle);
   startAgain();
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   screen_->press({KEY_LEFTCTRL, KEY_W});
-  waitUntilGone(kSettings);
+  waitUntilGone(SettingsTitle);
   startAgain();
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   screen_->press({KEY_LEFTCTRL, KEY_Q});
   EXPECT_EQ(application_->wait(kTimeout), 0) << application_->output();
 }
@@ -217,14 +217,14 @@ TEST_F(ApplicationWindows, CloseOnEscapeAndQuitOnCtrlQ) {
 TEST_F(ApplicationWindows, GiveTheNoteBackAfterACanceledRecording) {
   beginDesktop();
   startApplication({"--open-settings"});
-  waitForWindow(kSettings);
+  waitForWindow(SettingsTitle);
   const std::string note = "Works from any app. Needs at least one of Super, Alt or Ctrl, or an F key.";
   (void)waitForPart(note);
   clickPart("Record Shortcut");
   (void)waitForPart("Press the new shortcut. Escape cancels.");
   screen_->press({KEY_ESC});
   (void)waitForPart(note);
-  EXPECT_TRUE(screen_->findTitled(kSettings)) << "Escape ends the recording only";
+  EXPECT_TRUE(screen_->findTitled(SettingsTitle)) << "Escape ends the recording only";
 }
 
 TEST_F(ApplicationWindows, FailWithOneLineWithoutADisplay) {
@@ -290,8 +290,8 @@ TEST_P(ApplicationSetup, LeadsFromTheFirstStartToTheFirstClearedScreen) {
   session_->setAccessibilityEnabled(false);
   startServer(GetParam().command);
   startApplication();
-  waitForWindow(kSetup);
-  expectPlainFrame(kSetup);
+  waitForWindow(SetupTitle);
+  expectPlainFrame(SetupTitle);
   (void)waitForPart("Waiting for Accessibility access…");
   waitForLogged("refreshStatusItem available=false visible=true");
   keepPicture("waiting");
@@ -305,7 +305,7 @@ TEST_P(ApplicationSetup, LeadsFromTheFirstStartToTheFirstClearedScreen) {
   EXPECT_EQ(countLogged("requestAccessibility trusted=true "), 1);
   keepPicture("allowed");
   screen_->press({KEY_ENTER});
-  waitUntilGone(kSetup);
+  waitUntilGone(SetupTitle);
 
   const std::vector<std::uint32_t> ids = send(3);
   waitForTargets(3);

@@ -196,6 +196,11 @@ std::unique_ptr<ChildProcess> DesktopSession::start(const std::vector<std::strin
   return std::make_unique<ChildProcess>(command, environment_, directory_ + "/output-" + std::to_string(++started_));
 }
 
+std::unique_ptr<ChildProcess> DesktopSession::startTray(const std::string& color) {
+  return start({"trayer", "--edge", "top", "--align", "left", "--widthtype", "request", "--height", "22",
+                "--transparent", "true", "--alpha", "0", "--tint", color});
+}
+
 std::unique_ptr<ChildProcess> DesktopSession::startServer(const std::string& command) {
   std::unique_ptr<ChildProcess> server = start({command});
   if (!Eventually([this, &server] { return serverPid() == server->pid(); })) {

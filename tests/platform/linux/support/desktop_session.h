@@ -38,6 +38,9 @@ class DesktopSession {
   // Starts the program in the session.
   [[nodiscard]] std::unique_ptr<ChildProcess> start(const std::vector<std::string>& command);
 
+  // Starts a tray of the X server, of that color, in the upper left corner.
+  [[nodiscard]] std::unique_ptr<ChildProcess> startTray(const std::string& color = "0x202020");
+
   // Starts it and waits until it owns the notification service.
   [[nodiscard]] std::unique_ptr<ChildProcess> startServer(const std::string& command);
   [[nodiscard]] pid_t serverPid();

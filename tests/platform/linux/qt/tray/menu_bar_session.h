@@ -86,12 +86,6 @@ class MenuBar : public testing::Test {
     }
   }
 
-  // A tray of the X server, of that color.
-  void startXTray(const std::string& color = "0x202020") {
-    panel_ = session_->start({"trayer", "--edge", "top", "--align", "left", "--widthtype", "request", "--height", "22",
-                              "--transparent", "true", "--alpha", "0", "--tint", color});
-  }
-
   // A panel that shows items from the session's bus.
   void startPanel(const std::string& gray = "0.1") {
     const std::string directory = session_->environment().at("HOME") + "/.config/xfce4/xfconf/xfce-perchannel-xml";

@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 TEST_F(MenuBar, AClickIsToldWithItsButtonAndModifiers) {
-  startXTray();
+  panel_ = session_->startTray();
   startProgram();
   clickDocked("1");
   waitFor("click type=2 modifiers=0");
@@ -25,7 +25,7 @@ TEST_F(MenuBar, AClickIsToldWithItsButtonAndModifiers) {
 }
 
 TEST_F(MenuBar, ARightClickOpensTheMenuAndReturnsWhenItIsClosed) {
-  startXTray();
+  panel_ = session_->startTray();
   startProgram();
   clickDocked("3");
   waitFor("click type=4 modifiers=0");
@@ -39,7 +39,7 @@ TEST_F(MenuBar, ARightClickOpensTheMenuAndReturnsWhenItIsClosed) {
 }
 
 TEST_F(MenuBar, AClickWithControlOpensTheMenuTooAndItsItemsAct) {
-  startXTray();
+  panel_ = session_->startTray();
   startProgram();
   xdotool({"keydown", "ctrl", "mousemove", "--window", dockedWindow(), "11", "11", "click", "1", "keyup", "ctrl"});
   waitFor("click type=2 modifiers=40000");
@@ -50,7 +50,7 @@ TEST_F(MenuBar, AClickWithControlOpensTheMenuTooAndItsItemsAct) {
 }
 
 TEST_F(MenuBar, TheMenuObeysItsKeysWhileItIsOpen) {
-  startXTray();
+  panel_ = session_->startTray();
   startProgram();
   clickDocked("3");
   waitFor("menu is open");
@@ -61,19 +61,19 @@ TEST_F(MenuBar, TheMenuObeysItsKeysWhileItIsOpen) {
 
 TEST_F(MenuBar, ATrayThatComesLaterGetsTheItem) {
   startProgram();
-  startXTray();
+  panel_ = session_->startTray();
   clickDocked("1");
   waitFor("click type=2 modifiers=0");
 }
 
 TEST_F(MenuBar, ATrayThatIsRestartedGetsTheItemAgain) {
-  startXTray();
+  panel_ = session_->startTray();
   startProgram();
   clickDocked("1");
   waitFor("click type=2 modifiers=0");
   panel_->signal(SIGKILL);
   ASSERT_TRUE(panel_->wait(std::chrono::seconds(10)));
-  startXTray();
+  panel_ = session_->startTray();
   clickDocked("1");
   waitFor("click type=2 modifiers=0", 2);
 }
@@ -141,7 +141,7 @@ TEST_F(MenuBar, TheMenuCoversTheScreenBesideAWaylandCompositorWhileItIsOpen) {
   ASSERT_EQ(bind(compositor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
   ASSERT_EQ(listen(compositor, 5), 0);
 
-  startXTray();
+  panel_ = session_->startTray();
   startProgram("xcb WAYLAND_DISPLAY=wayland-7");
   const std::string screen = xdotool({"getdisplaygeometry", "--shell"});  // "WIDTH=...\nHEIGHT=...\n"
   const auto isCovered = [&] {
@@ -233,7 +233,7 @@ TEST_F(MenuBar, AnAlertHoldsItUpAndTheRunLoopGoesOn) {
 TEST_F(MenuBar, ItsItemIsKeptAsAPictureOnLightAndDarkTrays) {
   startProgram();
   for (const auto& [name, color] : {std::pair("dark", "0x202020"), std::pair("light", "0xf0f0f0")}) {
-    startXTray(color);
+    panel_ = session_->startTray(color);
     (void)dockedWindow();
     int look = 0;
     for (const char* command : {"title 12", "title HL 5", "title "}) {

@@ -108,7 +108,7 @@ class StatusNotifier : public MenuBar {
 
   // The item goes there from the bus.
   void moveToXTray() {
-    startXTray();
+    panel_ = session_->startTray();
     (void)dockedWindow();
     settle();
   }
