@@ -48,10 +48,11 @@ std::string chainWindow(std::int64_t elements, const std::string& title = "") {
   return window + "}";
 }
 
-// A window with a title of that many bytes over 699 elements, each with these further keys.
-std::string titledWindow(std::int64_t bytes, const std::string& keys = "") {
+// A window with a title of that many bytes, the text repeated, over 699 elements, each with these further keys.
+std::string titledWindow(std::int64_t bytes, const std::string& keys = "",
+                         const std::string& text = "Lunch on Friday at the usual place, ") {
   std::string window = R"({"id": "window", "role": "AXWindow", "title": ")";
-  while (std::ssize(window) < bytes) window += "Lunch on Friday at the usual place, ";
+  while (std::ssize(window) < bytes) window += text;
   window += R"(or not", "children": [)";
   for (int i = 0; i < 699; ++i) {
     window += i == 0 ? "" : ",";
@@ -110,6 +111,12 @@ BENCHMARK(floorTitled)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 // The cost of the text is the difference to the same tree without it.
 void scanTitled(benchmark::State& state) { measure(state, titledWindow(state.range(0)), scan); }
 BENCHMARK(scanTitled)->Arg(0)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
+// The host's Unicode library lower-cases what is not ASCII.
+void scanTitledCyrillic(benchmark::State& state) {
+  measure(state, titledWindow(state.range(0), "", "Обед в пятницу на обычном месте, "), scan);
+}
+BENCHMARK(scanTitledCyrillic)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 
 // Whether an element that can be pressed is a notification depends on the title, too.
 void scanTitledButtons(benchmark::State& state) {
