@@ -3,11 +3,8 @@
 #include <cmath>
 
 #include "base/format.h"
-#include "core/scan/context.h"
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
-#include "core/scan/tree_scan.h"
-#include "core/scan/tree_walk.h"
 
 std::string HLBusyTitle(bool isProductFlavor) { return isProductFlavor ? "" : "HL…"; }
 
@@ -22,16 +19,10 @@ bool HLHasBanner() {
   const std::optional<HLRunningApplication> center = HLNotificationCenterApplication();
   if (!center || !HLIsAccessibilityTrusted(false)) return false;
   const HLElementRef application = HLNotificationCenterElement(center->pid);
-  if (application == nullptr) return false;
-  bool found = false;
-  for (const HLElementRef& window : HLNotificationWindows(*application)) {
-    HLWalkTree({window, HLContext()}, HLScanLimit, [&found](const HLVisit& visit) {
-      found = found || visit.facts.subrole == "AXNotificationCenterAlert" ||
-              visit.facts.subrole == "AXNotificationCenterBanner";
-      return found ? HLDescent::prune : HLDescent::enter;
-    });
-  }
-  return found;
+  return application != nullptr && HLShowsElement(*application, [](const HLVisit& visit) {
+           return visit.facts.subrole == "AXNotificationCenterAlert" ||
+                  visit.facts.subrole == "AXNotificationCenterBanner";
+         });
 }
 
 std::optional<std::string> HLFailureReason(const HLDismissResult& result, bool hasBanner,

@@ -4,11 +4,8 @@
 
 #include "app/dismiss_feedback.h"
 #include "base/format.h"
-#include "core/scan/context.h"
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
-#include "core/scan/tree_scan.h"
-#include "core/scan/tree_walk.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "platform/text.h"
@@ -35,12 +32,8 @@ Look lookFor(const std::string& title) {
   const HLElementRef application = HLNotificationCenterElement(center->pid);
   if (application == nullptr) return look;
   look.isReadable = true;
-  for (const HLElementRef& window : HLNotificationWindows(*application)) {
-    HLWalkTree({window, HLContext()}, HLScanLimit, [&](const HLVisit& visit) {
-      look.isShown = look.isShown || HLContainsIgnoringCase(visit.context.own(), title);
-      return look.isShown ? HLDescent::prune : HLDescent::enter;
-    });
-  }
+  look.isShown = HLShowsElement(
+      *application, [&title](const HLVisit& visit) { return HLContainsIgnoringCase(visit.context.own(), title); });
   if (!look.isShown) return look;
   for (HLDismissTarget& target : HLCurrentTargets(*application)) {
     const std::string description = HLStringAttribute(*target.element, "AXDescription").value_or("");

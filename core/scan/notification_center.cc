@@ -24,6 +24,17 @@ std::vector<HLElementRef> HLNotificationWindows(const HLElement& application) {
   return HLElementsFromAttribute(application.copyAttributeValue("AXWindows"));
 }
 
+bool HLShowsElement(const HLElement& application, const std::function<bool(const HLVisit&)>& fits) {
+  bool found = false;
+  for (const HLElementRef& window : HLNotificationWindows(application)) {
+    HLWalkTree({window, HLContext()}, HLScanLimit, [&found, &fits](const HLVisit& visit) {
+      found = found || fits(visit);
+      return found ? HLDescent::prune : HLDescent::enter;
+    });
+  }
+  return found;
+}
+
 std::vector<HLDismissTarget> HLCurrentTargets(const HLElement& application, const HLScanListener& listener) {
   std::vector<HLDismissTarget> targets;
   std::set<std::string> keys;

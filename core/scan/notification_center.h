@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,9 @@ inline constexpr std::string_view HLNotificationCenterBundleIdentifier = "com.ap
 [[nodiscard]] HLElementRef HLNotificationCenterElement(std::int32_t pid);
 
 [[nodiscard]] std::vector<HLElementRef> HLNotificationWindows(const HLElement& application);
+
+// Whether an element that a scan visits fits.
+[[nodiscard]] bool HLShowsElement(const HLElement& application, const std::function<bool(const HLVisit&)>& fits);
 
 // Returns the targets of all windows, unsorted; of several with equal keys the first. The listener is that of
 // HLTargetsInRoot.

@@ -66,6 +66,18 @@ TEST(NotificationWindows, AreEmptyOnAnError) {
   EXPECT_EQ(HLNotificationWindows(*desktop.application(3)).size(), 1U);
 }
 
+TEST(ShownElements, AreLookedForInEveryWindow) {
+  SimulatedDesktop desktop(NotificationCenterScene(
+      R"({"role": "first"}, {"role": "AXWindow", "children": [{"role": "AXGroup", "children": [{"role": "last"}]}]})"));
+  const auto shows = [&desktop](const std::string& role) {
+    return HLShowsElement(*desktop.application(NotificationCenterPid),
+                          [&role](const HLVisit& visit) { return visit.facts.role == role; });
+  };
+  EXPECT_TRUE(shows("first"));
+  EXPECT_TRUE(shows("last"));
+  EXPECT_FALSE(shows("other"));
+}
+
 TEST(CurrentTargets, FollowWindowsBreadthFirst) {
   SimulatedDesktop desktop(NotificationCenterScene(R"(
     {"title": "one", "children": [
