@@ -5,6 +5,7 @@ CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
 # Most tests wait for another process most of their time.
 TEST_JOBS ?= $(shell expr 3 \* $(JOBS))
+SANITIZER_TEST_JOBS ?= $(shell expr 2 \* $(JOBS))
 
 # Builds the simulator, shows it clear the notifications of an evening from a simulated screen, then builds the program.
 run:
@@ -47,7 +48,7 @@ sanitize:
 	@tools/install-packages build test fuzz
 	for preset in asan tsan; do \
 	  cmake --preset $$preset $(CONFIGURE_FLAGS) && cmake --build --preset $$preset -j $(JOBS) && \
-	  ctest --preset $$preset -j $(TEST_JOBS) || exit 1; \
+	  ctest --preset $$preset -j $(SANITIZER_TEST_JOBS) || exit 1; \
 	done
 
 # Every fuzzer for so many seconds, going on from what was found before.

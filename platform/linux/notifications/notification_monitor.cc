@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -97,6 +98,13 @@ void HLNotificationMonitor::start() {
   if (isRunning_) pthread_setname_np(thread_.native_handle(), "notifications");
 }
 
+void HLNotificationMonitor::waitUntilStarted() {
+  const auto deadline = std::chrono::steady_clock::now() + HLBusTimeout;
+  const HLLock lock(mutex_);
+  while (isRunning_ && !isWatching_ && std::chrono::steady_clock::now() < deadline)
+    changed_.waitUntil(mutex_, deadline);
+}
+
 bool HLNotificationMonitor::isWatching() const {
   const HLLock lock(mutex_);
   return isWatching_;
@@ -105,6 +113,7 @@ bool HLNotificationMonitor::isWatching() const {
 void HLNotificationMonitor::setWatching(bool isWatching) {
   const HLLock lock(mutex_);
   isWatching_ = isWatching;
+  changed_.notifyAll();
 }
 
 void HLNotificationMonitor::run() {
@@ -114,6 +123,7 @@ void HLNotificationMonitor::run() {
   table_.setNamedServer("");
   const HLLock lock(mutex_);
   isRunning_ = false;
+  changed_.notifyAll();
 }
 
 void HLNotificationMonitor::watch() {

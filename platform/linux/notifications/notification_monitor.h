@@ -24,6 +24,9 @@ class HLNotificationMonitor {
   // Starts the thread unless it runs. Does not wait until it watches; without a bus it ends at once.
   void start();
 
+  // Waits until the started thread watches or has ended, for HLBusTimeout at most.
+  void waitUntilStarted();
+
   // Whether what happens on the bus now comes into the table.
   [[nodiscard]] bool isWatching() const;
 
@@ -35,6 +38,7 @@ class HLNotificationMonitor {
   HLNotificationTable& table_;
   HLOpenNotifications& answers_;
   mutable HLMutex mutex_;
+  HLCondition changed_;
   std::thread thread_ HL_GUARDED_BY(mutex_);
   bool isRunning_ HL_GUARDED_BY(mutex_) = false;
   bool isWatching_ HL_GUARDED_BY(mutex_) = false;

@@ -53,7 +53,8 @@ class HLOpenNotifications {
   HLOpenNotifications& operator=(const HLOpenNotifications&) = delete;
   virtual ~HLOpenNotifications() = default;
 
-  // Begins to learn what is posted, in a process that stays in the session. Idempotent. Main thread.
+  // Begins to learn what is posted, in a process that stays in the session: watch() works afterwards if the bus can be
+  // watched. Idempotent. Main thread.
   virtual void prepareToStay() {}
 
   // Returns for each banner the open notification that it shows, each notification at most once, or nullopt where none

@@ -49,6 +49,8 @@ void HLSessionNotifications::prepareToStay() {
   if (stays_ || !mayWatch_()) return;
   stays_ = true;
   monitor_.start();
+  // The auto-closer of an application observes the server next, and does not try again.
+  monitor_.waitUntilStarted();
 }
 
 bool HLSessionNotifications::knows() {

@@ -192,8 +192,14 @@ TEST_F(ApplicationWindows, ItIsQuitByItsMenu) {
   startApplication();
   (void)openMenu(Screen::kLeftButton, {KEY_LEFTCTRL});
   EXPECT_EQ(countLogged("handleClick type=2 modifiers=262144"), 1);
-  screen_->press({KEY_UP});
-  screen_->press({KEY_ENTER});
+  // A menu takes keys a moment after it is shown.
+  (void)Eventually(
+      [this] {
+        screen_->press({KEY_UP});
+        screen_->press({KEY_ENTER});
+        return application_->wait(std::chrono::milliseconds(300)).has_value();
+      },
+      kTimeout);
   EXPECT_EQ(application_->wait(kTimeout), 0) << application_->output();
   EXPECT_EQ(application_->output(), "");
 }

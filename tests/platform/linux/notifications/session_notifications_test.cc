@@ -35,7 +35,7 @@ class SessionNotifications : public testing::Test {
  protected:
   void stay() {
     notifications_.prepareToStay();
-    ASSERT_TRUE(Eventually([this] { return notifications_.watch() != nullptr; }));
+    ASSERT_NE(notifications_.watch(), nullptr);
   }
   // Waits until the banner is matched.
   [[nodiscard]] std::optional<HLNotificationName> matchOf(HLOpenNotifications& notifications,
@@ -349,10 +349,10 @@ TEST_F(SessionNotifications, AskTheNextWhenTheFirstEnds) {
   const FakeServer server(kKnown);
   auto first = std::make_unique<HLSessionNotifications>(always());
   first->prepareToStay();
-  ASSERT_TRUE(Eventually([&first] { return first->watch() != nullptr; }));
+  ASSERT_NE(first->watch(), nullptr);
   HLSessionNotifications second(always());
   second.prepareToStay();
-  ASSERT_TRUE(Eventually([&second] { return second.watch() != nullptr; }));
+  ASSERT_NE(second.watch(), nullptr);
   Poster poster;
   (void)poster.post("Ada");
   EXPECT_EQ(matchOf(notifications_, {"Ada"}), numbered(1));
@@ -368,7 +368,7 @@ TEST_F(SessionNotifications, AskOnlyNumbersAndApplications) {
   });
   HLSessionNotifications running(always());
   running.prepareToStay();
-  ASSERT_TRUE(Eventually([&running] { return running.watch() != nullptr; }));
+  ASSERT_NE(running.watch(), nullptr);
   Poster poster;
   (void)poster.post("secret", "more");
   EXPECT_TRUE(Eventually([this] { return listOf(notifications_.shown()) == std::vector<std::string>{"1 poster  "}; }));
@@ -416,7 +416,7 @@ TEST_F(SessionNotifications, AskAboutNoMoreThanIsAnswered) {
   const FakeServer server(kKnown);
   HLSessionNotifications running(always());
   running.prepareToStay();
-  ASSERT_TRUE(Eventually([&running] { return running.watch() != nullptr; }));
+  ASSERT_NE(running.watch(), nullptr);
   Poster poster;
   (void)poster.post("Ada");
   ASSERT_TRUE(matchOf(notifications_, {"Ada"}));
