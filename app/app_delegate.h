@@ -26,15 +26,15 @@ struct HLShortcutNote {
   HLTextColor color = HLTextColor::secondary;
 };
 
-// Created in a shared_ptr before the run loop starts; lives until the process exits. Main thread
-// only; the dismissal itself runs on a background queue.
+// Created in a shared_ptr before the run loop starts; work that is posted shares it. Main thread only; the dismissal
+// itself runs on a background queue.
 class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
  public:
   // The platform must outlive the delegate.
   explicit HLAppDelegate(const HLApplicationPlatform& host) : host_(host) {}
-  ~HLAppDelegate();
   HLAppDelegate(const HLAppDelegate&) = delete;
   HLAppDelegate& operator=(const HLAppDelegate&) = delete;
+  ~HLAppDelegate();
 
   // Launch
   void applicationDidFinishLaunching();
