@@ -9,14 +9,6 @@
 
 namespace {
 
-HLAutoCloseRule shortcutsRule() {
-  return {HLLocalizedForms("/System/Applications/Shortcuts.app/Contents/Resources/InfoPlist.loctable",
-                           "CFBundleDisplayName", "Shortcuts"),
-          HLLocalizedForms(
-              "/System/Library/PrivateFrameworks/VoiceShortcuts.framework/Versions/A/Resources/Localizable.loctable",
-              "Running your automation", "Running your automation")};
-}
-
 std::optional<HLAutoCloseRule> parsedRule(std::string_view text) {
   const std::size_t bar = text.find('|');
   if (bar == std::string_view::npos) return std::nullopt;
@@ -41,8 +33,16 @@ std::set<std::string> HLLocalizedForms(const std::string& path, std::string_view
   return forms;
 }
 
+HLAutoCloseRule HLShortcutsRule() {
+  return {HLLocalizedForms("/System/Applications/Shortcuts.app/Contents/Resources/InfoPlist.loctable",
+                           "CFBundleDisplayName", "Shortcuts"),
+          HLLocalizedForms(
+              "/System/Library/PrivateFrameworks/VoiceShortcuts.framework/Versions/A/Resources/Localizable.loctable",
+              "Running your automation", "Running your automation")};
+}
+
 HLAutoCloseRuleList HLAutoCloseRules(const std::optional<std::string>& testRule) {
-  static const HLAutoCloseRule builtIn = shortcutsRule();
+  static const HLAutoCloseRule builtIn = HLShortcutsRule();
   HLAutoCloseRuleList rules = {builtIn};
   if (const auto rule = testRule ? parsedRule(*testRule) : std::nullopt) rules.push_back(*rule);
   return rules;

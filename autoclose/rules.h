@@ -20,6 +20,9 @@ using HLAutoCloseRuleList = std::vector<HLAutoCloseRule>;
 [[nodiscard]] std::set<std::string> HLLocalizedForms(const std::string& path, std::string_view key,
                                                      std::string_view fallback);
 
+// Returns the built-in rule, read from its two localization tables. Any thread.
+[[nodiscard]] HLAutoCloseRule HLShortcutsRule();
+
 // Returns the built-in rule, whose tables are read once per process, and the test rule if it is "APPLICATION|PHRASE".
 // Any thread.
 [[nodiscard]] HLAutoCloseRuleList HLAutoCloseRules(const std::optional<std::string>& testRule);
