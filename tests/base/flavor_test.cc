@@ -1,16 +1,14 @@
-// The flavor is decided once per process, so each case looks at it in a process of its own.
-#include "base/paths.h"
-
+// The flavor is decided once per process, so each case looks at it in a child process, and no test of this program
+// decides it before.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "base/log.h"
+#include "base/paths.h"
 #include "tests/support/processes.h"
 #include "tests/support/simulated_desktop.h"
 #include "tests/support/temporary_directory.h"
@@ -126,53 +124,6 @@ TEST(ProductPaths, SeparateTheTwoLogs) {
             std::vector<std::string>{"to the status log"});
   EXPECT_EQ(LogMessages(FileContent(support.path() + "/dismiss/hushlet_detailed_diagnostics.log")),
             std::vector<std::string>{"to the diagnostics log"});
-}
-
-class StateDirectory : public testing::Test {
- protected:
-  StateDirectory() : mask_(umask(022)) {}
-  ~StateDirectory() override { umask(mask_); }
-
-  SimulatedDesktop desktop_{"{}"};
-  std::string path_ = desktop_.home() + "/.local/state/hushlet";
-
- private:
-  mode_t mask_;
-};
-
-TEST_F(StateDirectory, IsMadeForThisUserAlone) {
-  HLEnsureStateDirectory();
-  EXPECT_EQ(FileMode(path_), 0700U);
-}
-
-TEST_F(StateDirectory, KeepsAnExistingOne) {
-  std::filesystem::create_directories(path_);
-  chmod(path_.c_str(), 0755);
-  HLEnsureStateDirectory();
-  EXPECT_EQ(FileMode(path_), 0755U);
-}
-
-TEST_F(StateDirectory, HasDefaultPermissionsFromALog) {
-  HLAppendDiagnostics("first line");
-  EXPECT_EQ(FileMode(path_), 0755U);
-  HLEnsureStateDirectory();
-  EXPECT_EQ(FileMode(path_), 0755U);
-}
-
-TEST_F(StateDirectory, IgnoresFailures) {
-  std::ofstream(desktop_.home() + "/.local") << "a file";
-  HLEnsureStateDirectory();
-  HLAppendDiagnostics("lost");
-  EXPECT_EQ(FileContent(desktop_.home() + "/.local"), "a file");
-}
-
-TEST_F(StateDirectory, CreatesParents) {
-  HLCreateDirectories(desktop_.home() + "/a/b/c");
-  EXPECT_EQ(FileMode(desktop_.home() + "/a"), 0755U);
-  EXPECT_EQ(FileMode(desktop_.home() + "/a/b/c"), 0755U);
-  HLCreateDirectories(desktop_.home() + "/a/b/c");
-  HLCreateDirectories("/dev/null/x");
-  HLCreateDirectories("");
 }
 
 }  // namespace
