@@ -16,20 +16,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Reads until the end. Returns false if that has not come by the deadline.
-bool readUntilEnd(int descriptor, Clock::time_point deadline, std::string& text) {
-  std::array<char, 4096> part{};
-  while (true) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-    if (left.count() <= 0) return false;
-    pollfd waiting{descriptor, POLLIN, 0};
-    if (poll(&waiting, 1, static_cast<int>(left.count())) <= 0) continue;
-    const ssize_t count = read(descriptor, part.data(), part.size());
-    if (count == 0) return true;
-    if (count > 0) text.append(part.data(), static_cast<std::size_t>(count));
-  }
-}
-
 // Returns the process, whose output goes to the descriptor, or -1.
 pid_t spawn(const std::vector<std::string>& words, int output) {
   std::vector<char*> pointers;
@@ -46,6 +32,19 @@ pid_t spawn(const std::vector<std::string>& words, int output) {
   return error == 0 ? child : -1;
 }
 
+// Whether the process has ended by the deadline, with code 0. Kills it if it has not ended.
+bool endsWell(pid_t child, Clock::time_point deadline) {
+  int status = 0;
+  pid_t ended = 0;
+  while ((ended = waitpid(child, &status, WNOHANG)) == 0 && Clock::now() < deadline) poll(nullptr, 0, 1);
+  if (ended == 0) {
+    kill(child, SIGKILL);  // not reaped yet, so the number is still its own
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+  }
+  return ended == child && status == 0;
+}
+
 }  // namespace
 
 std::optional<std::string> HLProgramOutput(const std::vector<std::string>& words, std::chrono::milliseconds timeout) {
@@ -56,14 +55,26 @@ std::optional<std::string> HLProgramOutput(const std::vector<std::string>& words
   const pid_t child = spawn(words, pipe[1]);
   close(pipe[1]);
   if (child < 0) return std::nullopt;
-  std::string text;
-  const bool ended = readUntilEnd(reading.number(), deadline, text);
-  if (!ended) kill(child, SIGKILL);  // not reaped yet, so the number is still its own
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  if (!ended || status != 0) return std::nullopt;
+  std::optional<std::string> text = HLReadUntilEnd(reading.number(), deadline);
+  if (!endsWell(child, text ? deadline : Clock::now())) return std::nullopt;
   return text;
+}
+
+std::optional<std::string> HLReadUntilEnd(int descriptor, Clock::time_point deadline) {
+  std::string text;
+  std::array<char, 4096> part{};
+  while (true) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    if (left.count() <= 0) return std::nullopt;
+    pollfd waiting{descriptor, POLLIN, 0};
+    const int ready = poll(&waiting, 1, static_cast<int>(left.count()));
+    if (ready < 0 && errno != EINTR) return std::nullopt;
+    if (ready <= 0) continue;
+    const ssize_t count = read(descriptor, part.data(), part.size());
+    if (count < 0 && errno != EINTR) return std::nullopt;
+    if (count == 0) return text;
+    if (count > 0) text.append(part.data(), static_cast<std::size_t>(count));
+  }
 }
 
 std::optional<std::string> HLReadDesktopSetting(const std::string& schema, const std::string& key) {

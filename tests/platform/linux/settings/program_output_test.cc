@@ -1,11 +1,19 @@
 #include "platform/linux/settings/program_output.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <string>
 
+#include "platform/linux/files/files.h"
+#include "tests/support/processes.h"
+
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 TEST(ProgramOutput, ReturnsAllThatIsPrinted) {
   EXPECT_EQ(HLProgramOutput({"printf", "%s-%s", "a b", "c"}), "a b-c");
@@ -20,9 +28,37 @@ TEST(ProgramOutput, IsMissingForFailures) {
 }
 
 TEST(ProgramOutput, EndsASlowProgram) {
-  const auto begin = std::chrono::steady_clock::now();
+  const Clock::time_point begin = Clock::now();
   EXPECT_EQ(HLProgramOutput({"sleep", "60"}, std::chrono::milliseconds(50)), std::nullopt);
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+  EXPECT_LT(Clock::now() - begin, std::chrono::seconds(30));
+}
+
+TEST(ProgramOutput, EndsASlowProgramThatClosedItsOutput) {
+  const Clock::time_point begin = Clock::now();
+  EXPECT_EQ(HLProgramOutput({"sh", "-c", "echo text; exec sleep 60 >&-"}, std::chrono::milliseconds(500)),
+            std::nullopt);
+  EXPECT_LT(Clock::now() - begin, std::chrono::seconds(30));
+}
+
+TEST(ReadUntilEnd, EndsAtAnErrorOfRead) {
+  const HLDescriptor folder(open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC));  // poll() finds it readable, read() fails
+  ASSERT_TRUE(folder.isOpen());
+  const Clock::time_point begin = Clock::now();
+  EXPECT_EQ(HLReadUntilEnd(folder.number(), begin + std::chrono::seconds(30)), std::nullopt);
+  EXPECT_LT(Clock::now() - begin, std::chrono::seconds(15));
+}
+
+TEST(ReadUntilEnd, EndsAtAnErrorOfPoll) {
+  EXPECT_EQ(InChildProcess([] {
+              rlimit limit{};
+              getrlimit(RLIMIT_NOFILE, &limit);
+              limit.rlim_cur = 0;  // fewer than poll() is asked about
+              setrlimit(RLIMIT_NOFILE, &limit);
+              const Clock::time_point begin = Clock::now();
+              const bool missing = !HLReadUntilEnd(STDIN_FILENO, begin + std::chrono::seconds(30));
+              return std::string(missing && Clock::now() - begin < std::chrono::seconds(15) ? "at once" : "late");
+            }),
+            "at once");
 }
 
 }  // namespace
