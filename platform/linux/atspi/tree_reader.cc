@@ -126,8 +126,7 @@ class Walk {
  public:
   Walk(HLBus& bus, const std::string& application, HLRawTree& tree)
       : bus_(bus), application_(application), tree_(tree) {
-    if (tree_.empty()) add(-1, HLAccessibleRootPath);
-    tree_.front().role = HLRawRole::application;
+    add(-1, HLAccessibleRootPath);
   }
 
   // Adds the items of the application's cache. The cache may lack new elements; run() reads those.

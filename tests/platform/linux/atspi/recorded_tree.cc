@@ -48,7 +48,6 @@ HLRawNode parseNode(const std::string& line) {
 
 HLRawTree ParseTree(std::string_view text) {
   HLRawTree tree(1);
-  tree.front().role = HLRawRole::application;
   std::vector<int> path = {0};  // the ancestors of the next line
   std::istringstream lines{std::string(text)};
   for (std::string line; std::getline(lines, line);) {
