@@ -62,11 +62,12 @@ TEST(Picture, WrapsAndShortensLongTexts) {
 TEST(Picture, PlacesTextsInAWindow) {
   EXPECT_EQ(pictureOf(R"({"role": "AXWindow", "title": "Notes", "frame": [14, 20, 280, 100], "children": [
     {"role": "AXStaticText", "value": "Groceries", "frame": [42, 40, 140, 16]},
+    {"role": "AXTextField", "value": "Milk", "frame": [42, 60, 140, 16]},
     {"role": "AXButton", "title": "OK", "frame": [42, 80, 84, 20]},
     {"role": "AXStaticText", "value": "nowhere"}]})"),
             "╭ Notes ───────────╮\n"
             "│ Groceries        │\n"
-            "│                  │\n"
+            "│ Milk             │\n"
             "│ [OK]             │\n"
             "╰──────────────────╯");
 }

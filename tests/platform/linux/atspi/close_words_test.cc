@@ -19,7 +19,7 @@ TEST(CloseName, IsKnownInTranslationsOfGtk) {
   EXPECT_FALSE(HLIsCloseName("close account"));
 }
 
-TEST(ClosingDescription, IsKnownInTranslationsOfMate) {
+TEST(ClosingDescription, IsKnownInTranslationsOfServers) {
   for (const char* sentence : {"Closes the notification.",
                                "Schließt die Benachrichtigung.",
                                "Ferme la notification",
@@ -31,13 +31,16 @@ TEST(ClosingDescription, IsKnownInTranslationsOfMate) {
                                "Закрывает уведомление.",
                                "Закриває повідомлення.",
                                "Zamyka powiadomienie.",
+                               "Zamknij powiadomienie.",
                                "Zavře upozornění.",
+                               "Zavírá upozornění.",
                                "Zavrie oznámenie.",
                                "Stänger aviseringarna.",
                                "Lukker påmindelsen.",
                                "Sulkee ilmoituksen.",
                                "Bildirimleri kapatır.",
                                "Bezárja az értesítést.",
+                               "Închide notificarea.",
                                "Tanca la notificació.",
                                "Κλείνει την ειδοποιήσει.",
                                "Teavituse sulgemine.",

@@ -22,11 +22,17 @@ namespace {
 
 constexpr const char* kPath = "/org/a11y/atspi/accessible/";
 
+enum class State {
+  showing,
+  hidden,
+  gone  // listed by its parent, but answers no more
+};
+
 struct Element {
   HLRawRole role = HLRawRole::invalid;
   std::string name;
   std::vector<std::string> children;
-  bool isGone = false;  // listed by its parent, but answers no more
+  State state = State::showing;
 };
 
 // An application without a cache, on a connection of its own.
@@ -74,13 +80,14 @@ class Application {
     const std::string_view path = sd_bus_message_get_path(call);
     const std::string_view method = member;
     const auto found = elements_.find(std::string(path.substr(path.rfind('/') + 1)));
-    if (method == "GetItems" || found == elements_.end() || found->second.isGone) {
+    if (method == "GetItems" || found == elements_.end() || found->second.state == State::gone) {
       return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_UNKNOWN_OBJECT, "no such object");
     }
     const Element& element = found->second;
     if (method == "GetRole") return sd_bus_reply_method_return(call, "u", static_cast<std::uint32_t>(element.role));
     if (method == "GetState") {
-      return sd_bus_reply_method_return(call, "au", 2, static_cast<std::uint32_t>(HLRawState::kShowing), 0U);
+      const auto states = element.state == State::showing ? HLRawState::kShowing : 0;
+      return sd_bus_reply_method_return(call, "au", 2, static_cast<std::uint32_t>(states), 0U);
     }
     if (method == "Get") return sd_bus_reply_method_return(call, "v", "s", element.name.c_str());
     sd_bus_message* reply = nullptr;
@@ -100,25 +107,46 @@ class Application {
 
 constexpr HLRawRole kFiller{20};
 
-// A server's one window shows two banners, of which the first closes while the second is read.
-TEST(TreeReader, LeavesOutElementsThatGo) {
+HLRawTree Read(const std::map<std::string, Element>& elements) {
   const TemporaryDirectory folder;
   const std::string socket = folder.path() + "/application";
-  const Application application(socket, {{"root", {HLRawRole::application, "", {"window"}}},
-                                         {"window", {kFiller, "", {"gone", "banner"}}},
-                                         {"gone", {kFiller, "", {}, true}},
-                                         {"banner", {kFiller, "", {"title", "close"}}},
-                                         {"title", {HLRawRole::label, "Ada", {}}},
-                                         {"close", {HLRawRole::pushButton, "x", {}}}});
+  const Application application(socket, elements);
   const std::unique_ptr<HLBus> bus = HLBus::openPeer("unix:path=" + socket);
-  ASSERT_NE(bus, nullptr);
   HLRawTree tree;
-  ASSERT_EQ(HLReadTree(*bus, "", tree), HLBusOutcome::answered);
-  ASSERT_EQ(tree.front().children.size(), 1U);
-  const HLRawNode& window = tree[static_cast<std::size_t>(tree.front().children[0])];
-  ASSERT_EQ(window.children.size(), 1U);
-  EXPECT_EQ(tree[static_cast<std::size_t>(window.children[0])].path, std::string(kPath) + "banner");
+  EXPECT_TRUE(bus != nullptr && HLReadTree(*bus, "", tree) == HLBusOutcome::answered);
+  return tree;
+}
+
+// By its key, with its children below it.
+std::string Outline(const HLRawTree& tree, int index = 0) {
+  const HLRawNode& node = tree.at(static_cast<std::size_t>(index));
+  std::string text = node.path.substr(node.path.rfind('/') + 1);
+  for (int child : node.children) text += " (" + Outline(tree, child) + ")";
+  return text;
+}
+
+// A server's one window shows two banners, of which the first closes while the second is read.
+TEST(TreeReader, LeavesOutElementsThatGo) {
+  const HLRawTree tree = Read({{"root", {HLRawRole::application, "", {"window"}}},
+                               {"window", {kFiller, "", {"gone", "banner"}}},
+                               {"gone", {kFiller, "", {}, State::gone}},
+                               {"banner", {kFiller, "", {"title", "close"}}},
+                               {"title", {HLRawRole::label, "Ada", {}}},
+                               {"close", {HLRawRole::pushButton, "x", {}}}});
+  EXPECT_EQ(Outline(tree), "root (window (banner (title) (close)))");
   EXPECT_EQ(HLFindBanners(tree).size(), 1U) << "what is gone keeps nothing else from being a banner";
+}
+
+// The close button and its group show while the pointer is over the banner.
+TEST(TreeReader, ReadsTwoHiddenLevelsInShownWindows) {
+  const HLRawTree tree = Read({{"root", {HLRawRole::application, "", {"window", "closed"}}},
+                               {"window", {kFiller, "", {"group"}}},
+                               {"group", {kFiller, "", {"close"}, State::hidden}},
+                               {"close", {HLRawRole::pushButton, "", {"picture"}, State::hidden}},
+                               {"picture", {kFiller, "", {}, State::hidden}},
+                               {"closed", {kFiller, "", {"text"}, State::hidden}},
+                               {"text", {HLRawRole::label, "Ada", {}}}});
+  EXPECT_EQ(Outline(tree), "root (window (group (close))) (closed)");
 }
 
 }  // namespace

@@ -3,10 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -16,12 +17,6 @@ using testing::UnorderedElementsAre;
 
 class Activation : public testing::Test {
  protected:
-  Activation() : root_(std::filesystem::temp_directory_path() / "hushlet-activation-XXXXXX") {
-    std::string path = root_.string();
-    root_ = mkdtemp(path.data());
-  }
-  ~Activation() override { std::filesystem::remove_all(root_); }
-
   void write(const std::string& file, const std::string& content) {
     std::filesystem::create_directories((root_ / file).parent_path());
     std::ofstream(root_ / file) << content;
@@ -31,7 +26,8 @@ class Activation : public testing::Test {
     return HLActivationCommands({root_ / "missing", root_ / "first", root_ / "second"}, "org.example.Service");
   }
 
-  std::filesystem::path root_;
+  const TemporaryDirectory directory_;
+  const std::filesystem::path root_ = directory_.path();
 };
 
 constexpr const char* kHead = "[D-BUS Service]\nName=org.example.Service\n";
@@ -60,9 +56,10 @@ TEST_F(Activation, QuotesHoldWordsTogether) {
   EXPECT_THAT(commands(), ElementsAre(ElementsAre("/opt/my server/run", "a b", "c")));
 }
 
-TEST_F(Activation, OtherFilesAndOtherSectionsDoNotCount) {
+TEST_F(Activation, IgnoresOtherFilesAndSections) {
   write("first/a.service.bak", std::string(kHead) + "Exec=/bin/one\n");
   write("first/b.service", "[Other]\nName=org.example.Service\nExec=/bin/two\n");
+  write("first/c.service", "Name=org.example.Service\nExec=/bin/three\n");
   EXPECT_THAT(commands(), IsEmpty());
 }
 

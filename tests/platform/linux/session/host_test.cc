@@ -1,4 +1,4 @@
-// Process information and the run loop of a Linux host.
+// Process information, the run loop and the reports of a Linux host.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
@@ -15,10 +15,15 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "platform/linux/linux_host_report.h"
+#include "platform/linux/linux_menu_bar.h"
 #include "platform/linux/session/linux_process_info.h"
 #include "platform/linux/session/linux_run_loop.h"
+#include "tests/platform/linux/session/fake_process.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -88,9 +93,8 @@ TEST(ProcessInfo, ApplicationSupportIsTheDataHome) {
 }
 
 TEST(BundleInformation, IsBesideTheExecutable) {
-  std::string directory = (std::filesystem::temp_directory_path() / "hushlet-bundle-XXXXXX").string();
-  ASSERT_NE(mkdtemp(directory.data()), nullptr);
-  const std::filesystem::path prefix = directory;
+  const TemporaryDirectory directory;
+  const std::filesystem::path prefix = directory.path();
   std::filesystem::create_directories(prefix / "share/hushlet");
   std::ofstream(prefix / "share/hushlet/Info.plist")
       << "<plist><dict><key>CFBundleIdentifier</key><string>org.example.one</string></dict></plist>";
@@ -100,7 +104,29 @@ TEST(BundleInformation, IsBesideTheExecutable) {
   EXPECT_TRUE(HLBundleInformation((prefix / "bin/deeper/program").string()).empty());
   std::ofstream(prefix / "share/hushlet/Info.plist") << "<plist><array/></plist>";
   EXPECT_TRUE(HLBundleInformation((prefix / "bin/program").string()).empty());
-  std::filesystem::remove_all(prefix);
+}
+
+TEST(HostReport, AddsTheDesktopToTheSystem) {
+  HLLinuxHostReport report;
+  const Variable noDesktop("XDG_CURRENT_DESKTOP", nullptr);
+  const Variable noSession("XDG_SESSION_TYPE", nullptr);
+  const std::string system = report.systemVersion();
+  EXPECT_NE(system, "");
+  const Variable session("XDG_SESSION_TYPE", "x11");
+  for (const auto& [desktop, added] : {std::pair("", ", x11"), std::pair("MATE", ", MATE, x11")}) {
+    const Variable variable("XDG_CURRENT_DESKTOP", desktop);
+    EXPECT_EQ(report.systemVersion(), system + added);
+  }
+}
+
+TEST(MenuBarModule, IsNamedWhereItIsMissing) {
+  FakeProcess process("/nonexistent");
+  process.executable = "/nonexistent/bin/program";
+  HLLinuxRunLoop loop;
+  const auto made = HLLinuxMenuBar(process, loop).platform();
+  ASSERT_TRUE(std::holds_alternative<std::string>(made));
+  EXPECT_THAT(std::get<std::string>(made), testing::StartsWith("hushlet: the menu-bar application cannot be loaded: "
+                                                               "/nonexistent/lib/hushlet/hushlet-desktop.so: "));
 }
 
 TEST(RunLoop, TheClockIsTheWallClock) {

@@ -1,4 +1,4 @@
-// A desktop shell that shows banners, while a helper process owns the notification service.
+// Which process is the server: a desktop shell whose helper owns the notification service, or what the bus would start.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -7,8 +7,11 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/session/linux_running_applications.h"
@@ -116,6 +119,32 @@ TEST_F(Shell, IsReportedWhenItStarts) {
     return !launched.empty();
   }));
   EXPECT_EQ(launched, std::vector<std::int32_t>{shell_});
+}
+
+// An interpreter is told from another by its script. This process is the server; the signal is the one that does
+// nothing.
+TEST(RestartableServer, RunsTheCommandOfItsServiceFile) {
+  SessionSetup setup = WithActivatable({"/bin/true"});
+  setup.withAccessibility = false;
+  const DesktopSession session(setup);
+  const SessionEnvironment environment(session.environment());
+  const Owner owner(session.environment().at("DBUS_SESSION_BUS_ADDRESS"), {kService});
+  const std::string program = std::filesystem::read_symlink("/proc/self/exe");
+  std::string whole = program;
+  std::ifstream words("/proc/self/cmdline", std::ios::binary);
+  std::string word;
+  std::getline(words, word, '\0');
+  while (std::getline(words, word, '\0')) whole += " '" + word + "'";
+  HLLinuxRunLoop loop;
+  for (const auto& [command, outcome] : {std::pair(program, HLSignalOutcome::sent),
+                                         {whole, HLSignalOutcome::sent},
+                                         {program + " script", HLSignalOutcome::refused},
+                                         {whole + " script", HLSignalOutcome::refused},
+                                         {"/bin/true", HLSignalOutcome::refused}}) {
+    std::ofstream(session.directory() + "/data/dbus-1/services/server-1.service")
+        << "[D-BUS Service]\nName=" << kService << "\nExec=" << command << "\n";
+    EXPECT_EQ(HLLinuxRunningApplications(loop).sendSignal(getpid(), 0), outcome) << command;
+  }
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
@@ -39,6 +40,10 @@ constexpr std::uint32_t kF5 = 96;
 constexpr std::uint32_t kF6 = 97;
 constexpr std::uint32_t kThree = HLHotKeyCommand | HLHotKeyOption | HLHotKeyControl;
 const HLHotKeyIdentity kNoIdentity;
+
+constexpr xcb_keysym_t kScrollLock = 0xFF14;
+constexpr int kThird = 5;  // in the server's table of modifiers: Shift, Lock, Control, then these by their numbers
+constexpr int kFourth = 6;
 
 constexpr xcb_keycode_t keycode(int kernelKey) { return static_cast<xcb_keycode_t>(kernelKey + 8); }
 
@@ -95,16 +100,21 @@ class OtherClient {
     return count;
   }
 
-  // Gives the keys of one modifier to another, and the other way round.
-  void swapModifiers(int one, int other) {
+  // Calls `change` with the keycodes of each modifier, which are so many, and sets what it makes of them.
+  void changeModifiers(const std::function<void(xcb_keycode_t* codes, int width)>& change) {
     xcb_get_modifier_mapping_reply_t* mapping =
         xcb_get_modifier_mapping_reply(connection_, xcb_get_modifier_mapping(connection_), nullptr);
-    const int width = mapping->keycodes_per_modifier;
-    xcb_keycode_t* codes = xcb_get_modifier_mapping_keycodes(mapping);
-    for (int i = 0; i < width; ++i) std::swap(codes[one * width + i], codes[other * width + i]);
-    std::free(xcb_set_modifier_mapping_reply(
-        connection_, xcb_set_modifier_mapping(connection_, mapping->keycodes_per_modifier, codes), nullptr));
+    change(xcb_get_modifier_mapping_keycodes(mapping), mapping->keycodes_per_modifier);
+    std::free(xcb_set_modifier_mapping_reply(connection_,
+                                             xcb_set_modifier_mapping(connection_, mapping->keycodes_per_modifier,
+                                                                      xcb_get_modifier_mapping_keycodes(mapping)),
+                                             nullptr));
     std::free(mapping);
+  }
+
+  void changeSymbols(int kernelKey, const std::vector<xcb_keysym_t>& symbols) {
+    xcb_change_keyboard_mapping(connection_, 1, keycode(kernelKey), static_cast<std::uint8_t>(symbols.size()),
+                                symbols.data());
   }
 
   void sync() { std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr)); }
@@ -185,7 +195,10 @@ TEST_F(HotKeys, DoNotFireForOtherCombinations) {
   EXPECT_THAT(fired(), IsEmpty());
 }
 
+// Where Scroll Lock switches a light, it is the third modifier. In the second layout the key here is a letter.
 TEST_F(HotKeys, FireWhateverTheLocks) {
+  other_.changeSymbols(KEY_SCROLLLOCK, {kScrollLock, XCB_NO_SYMBOL, 'a', XCB_NO_SYMBOL});
+  other_.changeModifiers([](xcb_keycode_t* codes, int width) { codes[kThird * width] = keycode(KEY_SCROLLLOCK); });
   const HLHotKeyRegistration registration = add(kF5, 0);
   ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   other_.press({KEY_NUMLOCK});
@@ -197,6 +210,9 @@ TEST_F(HotKeys, FireWhateverTheLocks) {
   other_.press({KEY_NUMLOCK});
   other_.press({KEY_F5});
   EXPECT_THAT(fired(), ElementsAre(1)) << "Caps Lock";
+  other_.press({KEY_SCROLLLOCK});
+  other_.press({KEY_F5});
+  EXPECT_THAT(fired(), ElementsAre(1)) << "Caps Lock and Scroll Lock";
 }
 
 TEST_F(HotKeys, FireOnceAPressHoweverLongItIsHeld) {
@@ -284,13 +300,13 @@ TEST_F(HotKeys, MayBeEndedAndMadeAnewByTheirHandler) {
 }
 
 TEST_F(HotKeys, FollowAChangeOfTheModifiers) {
-  constexpr int kThird = 5;  // in the server's table: Shift, Lock, Control, then these by their numbers
-  constexpr int kFourth = 6;
   const HLHotKeyRegistration registration = add(kN, HLHotKeyCommand);
   ASSERT_EQ(registration.status, HLHotKeyStatus::success);
   ASSERT_FALSE(other_.canGrab(KEY_N, XCB_MOD_MASK_4));
   ASSERT_TRUE(other_.canGrab(KEY_N, XCB_MOD_MASK_3));
-  other_.swapModifiers(kThird, kFourth);
+  other_.changeModifiers([](xcb_keycode_t* codes, int width) {
+    std::swap_ranges(codes + kThird * width, codes + kFourth * width, codes + kFourth * width);
+  });
   EXPECT_TRUE(runUntil([this] { return !other_.canGrab(KEY_N, XCB_MOD_MASK_3); }));
   EXPECT_TRUE(other_.canGrab(KEY_N, XCB_MOD_MASK_4));
   other_.press({KEY_LEFTMETA, KEY_N});

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTimer>
 
 #include "tests/platform/linux/qt/offscreen.h"
@@ -16,27 +18,42 @@ HLMenu menuWith(const std::string& title) {
   return menu;
 }
 
+// Opens it beside that item, and returns what `note` returns while it is open.
+template <class Note>
+auto whileOpen(HLTrayMenu& menu, const QRect& item, const Note& note) {
+  decltype(note()) noted;
+  QTimer::singleShot(0, [&] {
+    noted = note();
+    menu.close();
+  });
+  menu.open(item);
+  return noted;
+}
+
 // As a window of the desktop's it would be tiled if it could be resized.
 TEST(TrayMenu, AsAWindowItHasTheProgramsNameAndTheSizeOfItsItems) {
   (void)Offscreen();
   HLTrayMenu menu(menuWith("Short"));
-  QSize first;
-  QSize second;
-  const auto openAndNote = [&menu](QSize& size) {
-    QTimer::singleShot(0, [&] {
-      size = menu.size();
-      EXPECT_EQ(menu.windowTitle(), "Program");
-      EXPECT_EQ(menu.minimumSize(), size);
-      EXPECT_EQ(menu.maximumSize(), size);
-      menu.close();
-    });
-    menu.open({10, 10, 0, 0});
+  const auto noteSize = [&menu] {
+    EXPECT_EQ(menu.windowTitle(), "Program");
+    EXPECT_EQ(menu.minimumSize(), menu.size());
+    EXPECT_EQ(menu.maximumSize(), menu.size());
+    return menu.size();
   };
-  openAndNote(first);
+  const QSize first = whileOpen(menu, {10, 10, 0, 0}, noteSize);
   menu.setItem("item", "A title that is a good deal longer", false);
-  openAndNote(second);
   EXPECT_GT(first.width(), 0);
-  EXPECT_GT(second.width(), first.width());
+  EXPECT_GT(whileOpen(menu, {10, 10, 0, 0}, noteSize).width(), first.width());
+}
+
+TEST(TrayMenu, OpensAwayFromItsPanel) {
+  (void)Offscreen();
+  HLTrayMenu menu(menuWith("Item"));
+  const auto noteFrame = [&menu] { return menu.geometry(); };
+  const QRect above(10, 0, 22, 22);
+  EXPECT_EQ(whileOpen(menu, above, noteFrame).topLeft(), QPoint(10, 22));
+  const QRect below(10, QGuiApplication::primaryScreen()->size().height() - 22, 22, 22);
+  EXPECT_EQ(whileOpen(menu, below, noteFrame).bottomLeft(), QPoint(10, below.top() - 1));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QPolygon>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -29,22 +30,29 @@ class TrayPicture : public testing::Test {
   void SetUp() override { (void)Offscreen(); }
 };
 
-QImage onBackground(const HLTrayLook& look, int size, const QColor& color, const QColor& background) {
-  QImage image(size, size, QImage::Format_RGB32);
+QImage onBackground(const QImage& picture, const QColor& background) {
+  QImage image(picture.size(), QImage::Format_RGB32);
   image.fill(background);
-  QPainter(&image).drawImage(0, 0, HLDrawTrayPicture(look, size, color));
+  QPainter(&image).drawImage(0, 0, picture);
   return image;
 }
 
 // Pixels that differ from the background about as much as black does from white.
-int strongPixels(const QImage& image, const QColor& background) {
-  int count = 0;
+QPolygon strongPixels(const QImage& picture, const QColor& background) {
+  const QImage image = onBackground(picture, background);
+  QPolygon points;
   for (int y = 0; y < image.height(); ++y) {
     for (int x = 0; x < image.width(); ++x) {
-      if (std::abs(image.pixelColor(x, y).lightness() - background.lightness()) > 110) ++count;
+      if (std::abs(image.pixelColor(x, y).lightness() - background.lightness()) > 110) points << QPoint(x, y);
     }
   }
-  return count;
+  return points;
+}
+
+// By how much more is free to the left of them than to the right, and above them than below.
+QPoint offCenter(const QImage& picture, const QColor& background) {
+  const QRect bounds = strongPixels(picture, background).boundingRect();
+  return bounds.topLeft() + bounds.bottomRight() - picture.rect().bottomRight();
 }
 
 TEST_F(TrayPicture, EachLookIsItsOwnPictureInEachSize) {
@@ -62,14 +70,14 @@ TEST_F(TrayPicture, EachLookIsItsOwnPictureInEachSize) {
 TEST_F(TrayPicture, ItStandsOutFromLightAndFromDark) {
   for (const HLTrayLook& look : kLooks) {
     const int least = 22 * 22 / 12;
-    EXPECT_GT(strongPixels(onBackground(look, 22, HLTrayLightColor, Qt::black), Qt::black), least) << look.title;
-    EXPECT_GT(strongPixels(onBackground(look, 22, HLTrayDarkColor, Qt::white), Qt::white), least) << look.title;
+    EXPECT_GT(strongPixels(HLDrawTrayPicture(look, 22, HLTrayLightColor), Qt::black).size(), least) << look.title;
+    EXPECT_GT(strongPixels(HLDrawTrayPicture(look, 22, HLTrayDarkColor), Qt::white).size(), least) << look.title;
   }
 }
 
 TEST_F(TrayPicture, ItCanBeReadOnAPanelAsLightAsItself) {
   for (const HLTrayLook& look : kLooks) {
-    const QImage image = onBackground(look, 22, HLTrayLightColor, HLTrayLightColor);
+    const QImage image = onBackground(HLDrawTrayPicture(look, 22, HLTrayLightColor), HLTrayLightColor);
     int contour = 0;
     for (int y = 0; y < 22; ++y) {
       for (int x = 0; x < 22; ++x) contour += image.pixelColor(x, y).lightness() < 190 ? 1 : 0;
@@ -91,9 +99,21 @@ TEST_F(TrayPicture, NothingTouchesTheEdge) {
   }
 }
 
+TEST_F(TrayPicture, IsInTheMiddle) {
+  for (const HLTrayLook& look :
+       {HLTrayLook{"bell.slash", ""}, {"exclamationmark.triangle", ""}, {"", "HL"}, {"", "HL!"}}) {
+    const QPoint off = offCenter(HLDrawTrayPicture(look, 160, HLTrayLightColor), Qt::black);
+    EXPECT_NEAR(off.x(), 0, 4) << look.symbol << look.title;
+    EXPECT_NEAR(off.y(), 0, 4) << look.symbol << look.title;
+  }
+  const QPoint off = offCenter(HLDrawApplicationIcon(128), QColor("#27306e"));
+  EXPECT_NEAR(off.x(), 0, 1);
+  EXPECT_NEAR(off.y(), 0, 1);
+}
+
 TEST_F(TrayPicture, AnUnknownSymbolIsNoPicture) {
   EXPECT_TRUE(HLTraySymbol("dogcow").isEmpty());
-  EXPECT_EQ(strongPixels(onBackground({"dogcow", ""}, 22, HLTrayLightColor, Qt::black), Qt::black), 0);
+  EXPECT_TRUE(strongPixels(HLDrawTrayPicture({"dogcow", ""}, 22, HLTrayLightColor), Qt::black).empty());
 }
 
 // The outline as SVG writes it.
