@@ -1,6 +1,10 @@
 // A Linux desktop, gathered.
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <utility>
+
 #include "platform/linux/atspi/atspi_accessibility.h"
 #include "platform/linux/files/linux_property_lists.h"
 #include "platform/linux/linux_conventions.h"
@@ -24,7 +28,11 @@ class HLLinuxHost : public HLHost {
   HLLinuxRunningApplications runningApplications_{runLoop_};
   HLLinuxProcessInfo process_;
   HLSessionNotifications notifications_{[this] { return HLMayWatchNotifications(process_); }};
-  HLLinuxAccessibility accessibility_{runningApplications_, notifications_, process_, runLoop_};
+  // The auto-closer does not retry: it starts again when a launch is reported.
+  HLLinuxAccessibility accessibility_{runningApplications_, notifications_, process_, runLoop_,
+                                      [this](std::int32_t pid, std::function<bool()> isReady) {
+                                        runningApplications_.reportAgainWhenReady(pid, std::move(isReady));
+                                      }};
   HLLinuxPropertyLists propertyLists_;
   HLLinuxUserNotifications userNotifications_;
   HLLinuxMenuBar menuBar_{process_, runLoop_};

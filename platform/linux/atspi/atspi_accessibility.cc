@@ -367,6 +367,12 @@ HLElementRef HLLinuxAccessibility::createApplication(std::int32_t pid) {
 }
 
 std::unique_ptr<HLObserver> HLLinuxAccessibility::createObserver(std::int32_t pid, HLObserverCallback callback) {
+  std::unique_ptr<HLObserver> observer = makeObserver(pid, std::move(callback));
+  if (observer == nullptr) unobservable_(pid, [this, pid] { return makeObserver(pid, nullptr) != nullptr; });
+  return observer;
+}
+
+std::unique_ptr<HLObserver> HLLinuxAccessibility::makeObserver(std::int32_t pid, HLObserverCallback callback) {
   const HLElementRef application = createApplication(pid);
   const auto* element = dynamic_cast<const ApplicationElement*>(application.get());
   if (element == nullptr) return nullptr;

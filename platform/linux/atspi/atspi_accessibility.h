@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include "platform/accessibility.h"
 #include "platform/linux/notifications/open_notifications.h"
@@ -19,11 +21,19 @@
 // "AXWindows" returns the last snapshot, so that an unresponsive process never looks like an empty screen.
 class HLLinuxAccessibility : public HLAccessibility {
  public:
+  // Called on the main thread after a process could not be observed. `isReady` returns whether it can be observed by
+  // now; it may block.
+  using Unobservable = std::function<void(std::int32_t pid, std::function<bool()> isReady)>;
+
   // The processes that `servers` lists are notification servers. Their banners without a close control are closed by
   // `notifications`. The preferences are those of `process`. Observers run on `runLoop`.
   HLLinuxAccessibility(HLRunningApplications& servers, HLOpenNotifications& notifications, HLProcessInfo& process,
-                       HLLinuxRunLoop& runLoop)
-      : servers_(servers), notifications_(notifications), process_(process), runLoop_(runLoop) {}
+                       HLLinuxRunLoop& runLoop, Unobservable unobservable)
+      : servers_(servers),
+        notifications_(notifications),
+        process_(process),
+        runLoop_(runLoop),
+        unobservable_(std::move(unobservable)) {}
 
   // With `prompt`, switches accessibility on for the session, if necessary, or else stores the user's consent if the
   // server has no usable tree. Without, changes and starts nothing.
@@ -38,9 +48,11 @@ class HLLinuxAccessibility : public HLAccessibility {
 
  private:
   [[nodiscard]] bool isConsentEnough();
+  [[nodiscard]] std::unique_ptr<HLObserver> makeObserver(std::int32_t pid, HLObserverCallback callback);
 
   HLRunningApplications& servers_;
   HLOpenNotifications& notifications_;
   HLProcessInfo& process_;
   HLLinuxRunLoop& runLoop_;
+  const Unobservable unobservable_;
 };

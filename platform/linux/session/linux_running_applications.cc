@@ -20,6 +20,10 @@ constexpr const char* kBundleIdentifier = "com.apple.notificationcenterui";
 constexpr const char* kShellHelper = "org.gnome.Shell.Notifications";
 constexpr const char* kShell = "org.gnome.Shell";
 
+// A server that has just got its name is ready within a second; ten doubled waits are eight minutes.
+constexpr double kFirstWait = 0.5;  // seconds
+constexpr int kQuestions = 10;
+
 HLBusCall toBus(const char* member) {
   return {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member};
 }
@@ -122,6 +126,7 @@ std::optional<HLRunningApplication> HLLinuxRunningApplications::find(std::int32_
 }
 
 void HLLinuxRunningApplications::observeLaunches(std::function<void(const HLRunningApplication&)> observer) {
+  observers_.push_back(observer);
   std::shared_ptr<HLBus> events = HLBus::openSession();
   if (events == nullptr) return;
   for (const char* name : {HLNotificationService, kShell}) {
@@ -144,6 +149,27 @@ void HLLinuxRunningApplications::observeLaunches(std::function<void(const HLRunn
     return true;
   };
   (void)runLoop_.addSource({descriptor, ready});
+}
+
+void HLLinuxRunningApplications::reportAgainWhenReady(std::int32_t pid, std::function<bool()> isReady) {
+  if (awaited_.pid != pid) awaited_ = {pid, 0, std::move(isReady), nullptr};
+  if (awaited_.timer == nullptr) waitForAwaited();
+}
+
+void HLLinuxRunningApplications::waitForAwaited() {
+  if (awaited_.asked == kQuestions) return;
+  awaited_.timer = runLoop_.scheduleTimer(kFirstWait * (1 << awaited_.asked++), [this] { askAwaited(); });
+}
+
+void HLLinuxRunningApplications::askAwaited() {
+  awaited_.timer = nullptr;
+  const std::vector<HLRunningApplication> now = list();
+  if (!now.empty() && now.front().pid != awaited_.pid) return;
+  if (now.empty() || !awaited_.isReady()) {
+    waitForAwaited();
+    return;
+  }
+  for (const auto& observer : observers_) observer(now.front());
 }
 
 HLSignalOutcome HLLinuxRunningApplications::sendSignal(std::int32_t pid, int signal) {

@@ -1,6 +1,7 @@
 // The desktop's notification server: the one application that the program has to do with here.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -24,8 +25,25 @@ class HLLinuxRunningApplications : public HLRunningApplications {
   void observeLaunches(std::function<void(const HLRunningApplication&)> observer) override;
   [[nodiscard]] HLSignalOutcome sendSignal(std::int32_t pid, int signal) override;
 
+  // Reports the launch of the listed process again as soon as `isReady`, which may block, returns true. Asks it less
+  // and less often, and no more after some minutes or if another process is listed. Main thread.
+  void reportAgainWhenReady(std::int32_t pid, std::function<bool()> isReady);
+
  private:
+  // The last process whose launch is to be reported again.
+  struct Awaited {
+    std::int32_t pid = 0;
+    int asked = 0;
+    std::function<bool()> isReady;
+    std::unique_ptr<HLTimer> timer;  // nullptr unless the process is waited for
+  };
+
+  void waitForAwaited();
+  void askAwaited();
+
   HLLinuxRunLoop& runLoop_;
+  std::vector<std::function<void(const HLRunningApplication&)>> observers_;
+  Awaited awaited_;
   HLMutex mutex_;
   std::shared_ptr<const HLProcessWatch> signalled_ HL_GUARDED_BY(mutex_);  // until the bus was asked for its successor
 };

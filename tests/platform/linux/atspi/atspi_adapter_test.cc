@@ -226,6 +226,27 @@ TEST_P(Adapter, AStoppedServerIsNoApplication) {
   server_->signal(SIGCONT);
 }
 
+TEST_P(Adapter, ReportsAServerAgainOnceItIsObservable) {
+  std::vector<std::int32_t> launched;
+  host_->platform().runningApplications->observeLaunches(
+      [&launched](const HLRunningApplication& server) { launched.push_back(server.pid); });
+  const auto observer = [this] {
+    return host_->platform().accessibility->createObserver(server_->pid(),
+                                                           [](const HLElementRef&, std::string_view) {});
+  };
+  server_->signal(SIGSTOP);
+  EXPECT_EQ(observer(), nullptr);
+  host_->platform().runLoop->runFor(1);
+  EXPECT_THAT(launched, IsEmpty());
+  server_->signal(SIGCONT);
+  EXPECT_TRUE(Eventually([&] {
+    host_->platform().runLoop->runFor(0.01);
+    return !launched.empty();
+  }));
+  EXPECT_THAT(launched, ElementsAre(server_->pid()));
+  EXPECT_NE(observer(), nullptr);
+}
+
 TEST_P(Adapter, TheElementsOfADeadServerAreInvalid) {
   const HLElementRef root = applicationShowing(2);
   const std::vector<HLElementRef> found = banners(*root);

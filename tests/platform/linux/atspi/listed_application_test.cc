@@ -59,7 +59,8 @@ class ListedServer : public testing::Test {
   OwnProcess servers_;
   FakeProcess process_{"/nonexistent"};
   HLLinuxRunLoop runLoop_;
-  HLLinuxAccessibility accessibility_{servers_, known_, process_, runLoop_};
+  HLLinuxAccessibility accessibility_{servers_, known_, process_, runLoop_,
+                                      [](std::int32_t, const std::function<bool()>&) {}};
   std::unique_ptr<HLLinuxHost> host_;
   HLPlatform platform_;
 };

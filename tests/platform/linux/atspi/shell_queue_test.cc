@@ -155,7 +155,8 @@ class ShellQueue : public testing::Test {
   OwnProcess servers_;
   FakeProcess process_{"/nonexistent"};
   HLLinuxRunLoop runLoop_;
-  HLLinuxAccessibility accessibility_{servers_, known_, process_, runLoop_};
+  HLLinuxAccessibility accessibility_{servers_, known_, process_, runLoop_,
+                                      [](std::int32_t, const std::function<bool()>&) {}};
   int reads_ = 0;
 };
 

@@ -116,6 +116,18 @@ TEST_F(Application, ClosesBannersByRulesWhileSwitchedOn) {
   waitForTargets(1);
 }
 
+TEST_F(Application, ClosesBannersByRulesOnceTheServerAnswers) {
+  beginDesktopWith(kLxqt);
+  storeDefaults(R"({"HLAutoCloseRules": ["Chat|running late"], "HLAutoCloseAutomationBanners": true})");
+  server_->signal(SIGSTOP);
+  startApplication();
+  waitForLogged("auto-close start failed nc=present");
+  server_->signal(SIGCONT);
+  waitForLogged("auto-close watching pid=" + std::to_string(server_->pid()) + " register=0");
+  EXPECT_EQ(countLogged("auto-close start failed"), 1);
+  ASSERT_TRUE(sender_->waitUntilClosed({sender_->send("Chat", "Ada", "Running late")}, kTimeout));
+}
+
 TEST_F(Application, ClosesBannersByRulesWithoutATree) {
   beginDesktopWith(kDunst);
   storeDefaults(R"({"HLAutoCloseRules": ["Chat|running late"], "HLAutoCloseAutomationBanners": true})");

@@ -92,6 +92,32 @@ TEST_P(Launches, OfTheServerThatIsThereAlreadyAreNotToldOf) {
   expectTold({});
 }
 
+TEST_P(Launches, AreReportedAgainOnceReady) {
+  begin();
+  const std::unique_ptr<ChildProcess> server = session_->startServer(GetParam().command);
+  expectTold({server->pid()});
+  int questions = 0;
+  applications_.reportAgainWhenReady(server->pid(), [&questions] { return ++questions == 2; });
+  EXPECT_EQ(questions, 0);
+  expectTold({server->pid(), server->pid()});
+  EXPECT_EQ(questions, 2);
+}
+
+TEST_P(Launches, OfAServerThatAnotherFollowedAreNotReportedAgain) {
+  begin();
+  const std::unique_ptr<ChildProcess> first = session_->startServer(GetParam().command);
+  applications_.reportAgainWhenReady(first->pid(), [] {
+    ADD_FAILURE();
+    return true;
+  });
+  first->signal(SIGKILL);
+  EXPECT_TRUE(first->wait(std::chrono::seconds(10)));
+  const std::unique_ptr<ChildProcess> second = session_->startServer(GetParam().command);
+  expectTold({second->pid()});
+  loop_.runFor(2);  // past the first two questions
+  EXPECT_EQ(told_, std::vector<std::int32_t>{second->pid()});
+}
+
 INSTANTIATE_TEST_SUITE_P(Real, Launches, testing::Values(kMate, kLxqt),
                          [](const auto& server) { return server.param.name; });
 
