@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "core/dismissal/resolution.h"
+#include "core/dismissal/batch.h"
 #include "core/scan/element_access.h"
 #include "core/scan/notification_center.h"
 #include "core/scan/tree_scan.h"
@@ -26,29 +26,21 @@ class Explainer {
   explicit Explainer(HLCapture& capture) : capture_(capture), explanation_{capture, {}, {}, {}} {}
 
   HLExplanation run() {
-    const HLJudgement judgement = HLJudgeCapture(capture_, [this](const HLScanStep& step) {
+    const auto addStep = [this](const HLScanStep& step) {
       steps_.try_emplace(HLCapturedNumber(*step.visit.element), Step{step.details, step.candidate, step.descent});
-    });
-    explanation_.presses = judgement.batch.resolved;
-    for (const HLDismissTarget& press : explanation_.presses) {
-      presses_.emplace(HLCapturedNumber(*press.element), presses_.size());
-    }
-    for (const HLDismissTarget& target : judgement.targets) addTarget(target);
+    };
+    const auto addTarget = [this](const HLResolutionStep& step) {
+      const bool isFirst = step.index == presses_;
+      if (isFirst) ++presses_;
+      targets_.try_emplace(HLCapturedNumber(*step.target.element), explanation_.targets.size());
+      explanation_.targets.push_back({step.target, step.control, step.index, isFirst});
+    };
+    explanation_.presses = HLJudgeCapture(capture_, addStep, addTarget).batch.resolved;
     if (!capture_.elements.empty()) addWindows();
     return std::move(explanation_);
   }
 
  private:
-  void addTarget(const HLDismissTarget& target) {
-    HLExplainedTarget& added = explanation_.targets.emplace_back();
-    added.target = target;
-    added.control = HLResolvedTarget(target);
-    added.press = presses_.at(HLCapturedNumber(*added.control.element));
-    added.isFirst = added.press == pressesSoFar_;
-    if (added.isFirst) ++pressesSoFar_;
-    targets_.try_emplace(HLCapturedNumber(*target.element), explanation_.targets.size() - 1);
-  }
-
   struct Place {
     int number;
     int window;
@@ -103,9 +95,8 @@ class Explainer {
   HLCapture& capture_;
   HLExplanation explanation_;
   std::map<int, Step> steps_;
-  std::size_t pressesSoFar_ = 0;
   std::map<int, std::size_t> targets_;  // by element
-  std::map<int, std::size_t> presses_;  // by control
+  std::size_t presses_ = 0;
   std::set<int> added_;
 };
 

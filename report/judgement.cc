@@ -19,13 +19,14 @@ std::vector<std::size_t> firstAlike(const std::vector<std::string>& texts) {
 
 }  // namespace
 
-HLJudgement HLJudgeCapture(HLCapture& capture, const HLScanListener& listener) {
+HLJudgement HLJudgeCapture(HLCapture& capture, const HLScanListener& scanListener,
+                           const HLResolutionListener& resolutionListener) {
   if (!capture.trusted || capture.elements.empty()) return {};
   // A scan with a listener writes no log.
   const HLScanListener nobody = [](const HLScanStep&) {};
   HLJudgement judgement;
-  judgement.targets = HLSortedTargets(HLCurrentTargets(*capture.handle(0), listener ? listener : nobody));
-  judgement.batch = HLPrepareBatch(judgement.targets);
+  judgement.targets = HLSortedTargets(HLCurrentTargets(*capture.handle(0), scanListener ? scanListener : nobody));
+  judgement.batch = HLPrepareBatch(judgement.targets, resolutionListener);
   return judgement;
 }
 

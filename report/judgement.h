@@ -16,9 +16,10 @@ struct HLJudgement {
   HLPreparedBatch batch;                 // of the first attempt
 };
 
-// Scans, orders and resolves as the first attempt of a dismissal does; presses and logs nothing. The listener is that
-// of HLCurrentTargets. Returns an empty judgement if this process was not trusted.
-[[nodiscard]] HLJudgement HLJudgeCapture(HLCapture& capture, const HLScanListener& listener = nullptr);
+// Scans, orders and resolves as the first attempt of a dismissal does; presses and logs nothing. The listeners are
+// those of HLCurrentTargets and HLPrepareBatch. Returns an empty judgement if this process was not trusted.
+[[nodiscard]] HLJudgement HLJudgeCapture(HLCapture& capture, const HLScanListener& scanListener = nullptr,
+                                         const HLResolutionListener& resolutionListener = nullptr);
 
 // The parts of a judgement that do not depend on texts. Two captures are judged the same if their outlines are equal.
 struct HLJudgementOutline {

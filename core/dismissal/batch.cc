@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <memory>
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 
 #include "base/log.h"
@@ -63,16 +63,18 @@ std::string HLProgressIdentityKeyForTarget(const HLDismissTarget& target) {
   return target.action + "|" + target.snapshot;
 }
 
-HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible) {
+HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible, const HLResolutionListener& listener) {
   HLRunLoop& clock = HLCurrentPlatform().runLoop;
   HLPreparedBatch batch;
-  std::unordered_set<HLElementRef, HLElementHash, HLElementEqual> controls;
+  std::unordered_map<HLElementRef, std::size_t, HLElementHash, HLElementEqual> controls;
   for (const HLDismissTarget& target : eligible) {
     const double start = clock.now();
     HLDismissTarget control = HLResolvedTarget(target);
     batch.resolutionSeconds += clock.now() - start;
     if (control.element == nullptr) continue;
-    if (!controls.insert(control.element).second) continue;
+    const auto [known, isNew] = controls.try_emplace(control.element, batch.resolved.size());
+    if (listener) listener({target, control, known->second});
+    if (!isNew) continue;
     batch.prepared.push_back(target);
     batch.resolved.push_back(std::move(control));
   }

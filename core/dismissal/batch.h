@@ -2,7 +2,9 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,8 +26,17 @@ struct HLPreparedBatch {
   double resolutionSeconds = 0;
 };
 
-// Resolves each target; of several targets with one control keeps the first. Presses nothing.
-[[nodiscard]] HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible);
+struct HLResolutionStep {
+  const HLDismissTarget& target;
+  const HLDismissTarget& control;
+  std::size_t index;  // in HLPreparedBatch::resolved, of the first target's control that is equal to this one
+};
+using HLResolutionListener = std::function<void(const HLResolutionStep&)>;
+
+// Resolves each target; of several targets with one control keeps the first. Presses nothing. Calls the listener, if
+// there is one, for each target that has a control.
+[[nodiscard]] HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible,
+                                             const HLResolutionListener& listener = nullptr);
 
 // Performs the action of each prepared target, at most four concurrently, each control once. Returns the eligible
 // targets whose action succeeded, in order; adds keys of failed ones to `ineffective`. Blocks.

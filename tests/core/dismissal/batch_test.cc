@@ -209,6 +209,24 @@ TEST(DismissBatch, ComparesResolvedElements) {
   EXPECT_EQ(actions[0].element, "x");
 }
 
+TEST(PreparedBatch, ReportsTheControlOfEachTarget) {
+  SimulatedDesktop desktop(NotificationCenterScene(R"(
+    {"id": "a", "frame": [0, 0, 360, 80],
+     "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["AXPress"]}}}},
+    {"id": "b", "actions": ["AXPress"]},
+    {"id": "c", "frame": [0, 0, 360, 80], "attributes": {"AXCloseButton": {"ref": "x"}}})"));
+  Lines reported;
+  const HLPreparedBatch batch = HLPrepareBatch(
+      {targetOf(desktop.element("a"), "AXPress", "a", kLargeFrame), targetOf(nullptr, "AXPress", "none"),
+       targetOf(desktop.element("b"), "AXPress", "b"), targetOf(desktop.element("c"), "AXPress", "c", kLargeFrame)},
+      [&reported](const HLResolutionStep& step) {
+        reported.push_back(step.target.snapshot + " " + step.control.reason + " " + std::to_string(step.index));
+      });
+  EXPECT_EQ(reported,
+            (Lines{"a attribute-control:AXCloseButton 0", "b reason 1", "c attribute-control:AXCloseButton 0"}));
+  EXPECT_EQ(snapshots(batch.prepared), (Lines{"a", "b"}));
+}
+
 TEST(DismissBatch, ReturnsPreparedTargetsForResolvedControls) {
   SimulatedDesktop desktop(NotificationCenterScene(R"({"id": "banner", "frame": [0, 0, 360, 80],
       "actions": ["AXPress"], "attributes": {"AXCloseButton": {"element": {"id": "x", "actions": ["Name:Clear"]}}}})"));
