@@ -145,17 +145,18 @@ TEST_F(ListedServer, TellsItsObserverOfChanges) {
       });
   ASSERT_NE(observer, nullptr);
   const HLElementRef root = application();
-  for (std::string_view event : {"AXCreated", "AXLayoutChanged", "AXUIElementDestroyed"}) {
+  for (std::string_view event : {"AXCreated", "AXLayoutChanged", "AXChildrenChanged", "AXUIElementDestroyed"}) {
     EXPECT_EQ(observer->addNotification(root, event), HLAXErrorSuccess);
   }
   observer->attach();
   known_.post(2, "Chat", "Ada", "Hello");
   runLoop_.runFor(0.01);
-  EXPECT_THAT(events, ElementsAre("AXCreated Chat, Ada, Hello", "AXLayoutChanged Chat, Ada, Hello"));
+  EXPECT_THAT(events,
+              ElementsAre("AXCreated Chat, Ada, Hello", "AXLayoutChanged Chat, Ada, Hello", "AXChildrenChanged "));
   events.clear();
   EXPECT_TRUE(known_.close({2, "", ""}));
   runLoop_.runFor(0.01);
-  EXPECT_THAT(events, SizeIs(1));
+  EXPECT_THAT(events, ElementsAre("AXUIElementDestroyed ", "AXChildrenChanged "));
 }
 
 TEST_F(ListedServer, IsOnlyTheNotificationServer) { EXPECT_EQ(accessibility_.createApplication(getppid()), nullptr); }

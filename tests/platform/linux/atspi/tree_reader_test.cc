@@ -139,14 +139,14 @@ TEST(TreeReader, LeavesOutElementsThatGo) {
 
 // The close button and its group show while the pointer is over the banner.
 TEST(TreeReader, ReadsTwoHiddenLevelsInShownWindows) {
-  const HLRawTree tree = Read({{"root", {HLRawRole::application, "", {"window", "closed"}}},
+  const HLRawTree tree = Read({{"root", {HLRawRole::application, "", {"closed", "window"}}},
                                {"window", {kFiller, "", {"group"}}},
                                {"group", {kFiller, "", {"close"}, State::hidden}},
                                {"close", {HLRawRole::pushButton, "", {"picture"}, State::hidden}},
                                {"picture", {kFiller, "", {}, State::hidden}},
                                {"closed", {kFiller, "", {"text"}, State::hidden}},
                                {"text", {HLRawRole::label, "Ada", {}}}});
-  EXPECT_EQ(Outline(tree), "root (window (group (close))) (closed)");
+  EXPECT_EQ(Outline(tree), "root (closed) (window (group (close)))");
 }
 
 }  // namespace
