@@ -109,8 +109,11 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   void registerDefaultShortcut();
   void installHotKeyHandler();
   void unregisterHotKey() { hotKeyRef_ = nullptr; }
-  [[nodiscard]] std::string shownShortcut() const;  // for display; storedShortcutLabel() is for logs
-  [[nodiscard]] std::string dismissHint() const;    // for the user: how to clear notifications
+  [[nodiscard]] bool isShortcutInactive() const;      // stored, but known not to work
+  [[nodiscard]] std::string shownShortcut() const;    // for display; storedShortcutLabel() is for logs
+  [[nodiscard]] std::string dismissHint() const;      // for the user: how to clear notifications
+  [[nodiscard]] std::string shortcutRefusal() const;  // for the user: why the latest registration failed
+  [[nodiscard]] HLShortcutNote noteOnStoredShortcut() const;
   void setShortcutNote(const HLShortcutNote& note);
   void setRecordButtonTitle(const std::string& title);
 
@@ -120,7 +123,8 @@ class HLAppDelegate : public std::enable_shared_from_this<HLAppDelegate> {
   bool trialInFlight_ = false;
   bool promptedAccessibilityThisRun_ = false;
   std::unique_ptr<HLHotKey> hotKeyRef_;
-  std::unique_ptr<HLKeyMonitor> recordMonitor_;  // non-null while recording
+  HLHotKeyStatus hotKeyStatus_ = HLHotKeyStatus::success;  // of the latest registration
+  std::unique_ptr<HLKeyMonitor> recordMonitor_;            // non-null while recording
   HLShortcutNote shortcutNote_;
   HLShortcutNote noteBeforeRecording_;
   HLUserRules userRules_;

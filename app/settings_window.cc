@@ -31,10 +31,7 @@ HLStackItem heading(const char* text) { return {HLLabel{"", text, 13, HLFontWeig
 
 HLWindowDescription HLAppDelegate::settingsWindowDescription() {
   HLWindowDescription window = HLEmptyWindow(HLFormat("%@ Settings", HLAppDisplayName()), 420, 280);
-  const std::string need =
-      HLFormat("Works from any app. Needs at least one of %@, or an F key.", conventions().modifierChoice);
-  shortcutNote_ = {host_.hotKeys->unsupportedReason().value_or(host_.hotKeys->storageNote().value_or(need)),
-                   HLTextColor::secondary};
+  shortcutNote_ = noteOnStoredShortcut();
   const HLLabel shortcut{kShortcutValueLabel, "", 15, HLFontWeight::medium};
   const HLButton record{kRecordButton, "Record Shortcut", "", [this] { toggleRecording(); }};
   const HLButton clear{"", "Clear", "", [this] { clearShortcut(); }};
@@ -80,7 +77,9 @@ void HLAppDelegate::showSettingsWindow() {
 }
 
 void HLAppDelegate::updateSettingsState() {
-  settingsWindow_->setLabel(kShortcutValueLabel, shownShortcut(), HLTextColor::label);
+  const bool isInactive = isShortcutInactive();
+  settingsWindow_->setLabel(kShortcutValueLabel, shownShortcut() + (isInactive ? " (not active)" : ""),
+                            isInactive ? HLTextColor::secondary : HLTextColor::label);
   const bool trusted = HLIsAccessibilityTrusted(false);
   settingsWindow_->setLabel(kAccessibilityLabel, trusted ? "Allowed" : "Not allowed yet",
                             trusted ? HLTextColor::green : HLTextColor::orange);

@@ -75,8 +75,14 @@ std::string HLAppDelegate::shownShortcut() const {
   return stored.code < 0 ? "None" : conventions().shortcutText(stored.modifiers, stored.label);
 }
 
+bool HLAppDelegate::isShortcutInactive() const {
+  if (storedKeyCode() < 0) return false;
+  const bool isRefused = hotKeyStatus_ != HLHotKeyStatus::success && conventions().marksInactiveShortcuts;
+  return isRefused || host_.hotKeys->unsupportedReason();
+}
+
 std::string HLAppDelegate::dismissHint() const {
-  const bool hasShortcut = storedKeyCode() >= 0 && !host_.hotKeys->unsupportedReason();
+  const bool hasShortcut = storedKeyCode() >= 0 && !isShortcutInactive();
   const bool hasIcon = host_.statusItem->isVisible();
   const std::string& icon = conventions().icon;
   if (hasShortcut && hasIcon) {
@@ -84,6 +90,21 @@ std::string HLAppDelegate::dismissHint() const {
   }
   if (hasShortcut) return HLFormat("Press %@ to clear notifications.", shownShortcut());
   return hasIcon ? HLFormat("Click the %@ to clear notifications.", icon) : conventions().fallbackHint;
+}
+
+std::string HLAppDelegate::shortcutRefusal() const {
+  if (hotKeyStatus_ != HLHotKeyStatus::taken && conventions().marksInactiveShortcuts) {
+    return HLFormat("%@ cannot be a shortcut here. Try a different one.", shownShortcut());
+  }
+  return HLFormat("%@ is already used by another app. Try a different one.", shownShortcut());
+}
+
+HLShortcutNote HLAppDelegate::noteOnStoredShortcut() const {
+  if (const auto reason = host_.hotKeys->unsupportedReason()) return {*reason, HLTextColor::secondary};
+  if (isShortcutInactive()) return {shortcutRefusal(), HLTextColor::orange};
+  const std::string need =
+      HLFormat("Works from any app. Needs at least one of %@, or an F key.", conventions().modifierChoice);
+  return {host_.hotKeys->storageNote().value_or(need), HLTextColor::secondary};
 }
 
 // The hot key
@@ -97,16 +118,17 @@ void HLAppDelegate::installHotKeyHandler() {
 HLHotKeyStatus HLAppDelegate::applyStoredHotKey() {
   unregisterHotKey();
   const std::int64_t code = storedKeyCode();
+  hotKeyStatus_ = HLHotKeyStatus::success;
   if (code < 0) {
     HLAppendLog("hotKey none");
     return HLHotKeyStatus::success;
   }
   HLHotKeyRegistration registration =
       host_.hotKeys->registerHotKey(static_cast<std::uint32_t>(code), HLCarbonModifiers(storedModifiers()), kIdentity);
-  if (registration.status == HLHotKeyStatus::success) hotKeyRef_ = std::move(registration.hotKey);
-  HLAppendLog("hotKey register label=%@ status=%d", storedShortcutLabel(),
-              static_cast<std::int32_t>(registration.status));
-  return registration.status;
+  hotKeyStatus_ = registration.status;
+  if (hotKeyStatus_ == HLHotKeyStatus::success) hotKeyRef_ = std::move(registration.hotKey);
+  HLAppendLog("hotKey register label=%@ status=%d", storedShortcutLabel(), static_cast<std::int32_t>(hotKeyStatus_));
+  return hotKeyStatus_;
 }
 
 // Recording
@@ -142,21 +164,22 @@ void HLAppDelegate::recordEvent(const HLKeyEvent& event) {
   const StoredShortcut old = readShortcut(host_.userDefaults);
   storeShortcut(host_.userDefaults, {event.code, flags, HLKeyLabelForEvent(event)});
   stopRecording();
-  HLHotKeyStatus status = host_.hotKeys->userRecorded(static_cast<std::uint32_t>(event.code), HLCarbonModifiers(flags));
-  if (status == HLHotKeyStatus::success) status = applyStoredHotKey();
-  if (status == HLHotKeyStatus::success) {
+  hotKeyStatus_ = host_.hotKeys->userRecorded(static_cast<std::uint32_t>(event.code), HLCarbonModifiers(flags));
+  const bool isStored = hotKeyStatus_ == HLHotKeyStatus::success;
+  if (isStored) applyStoredHotKey();
+  if (hotKeyStatus_ == HLHotKeyStatus::success) {
     updateSettingsState();
     const std::string where = host_.hotKeys->storageNote().value_or("Works from any app.");
     setShortcutNote({HLFormat("Saved. %@", where), HLTextColor::secondary});
     return;
   }
-  const std::string refused = shownShortcut();
+  const bool mayBeUnsupported = isStored && hotKeyStatus_ != HLHotKeyStatus::taken;
+  const auto reason = mayBeUnsupported ? host_.hotKeys->unsupportedReason() : std::nullopt;
+  const std::string refusal = reason.value_or(shortcutRefusal());
   storeShortcut(host_.userDefaults, old);
   applyStoredHotKey();
   updateSettingsState();
-  const std::string taken = HLFormat("%@ is already used by another app. Try a different one.", refused);
-  const bool isTaken = status == HLHotKeyStatus::taken;
-  setShortcutNote({isTaken ? taken : host_.hotKeys->unsupportedReason().value_or(taken), HLTextColor::orange});
+  setShortcutNote({refusal, HLTextColor::orange});
 }
 
 void HLAppDelegate::stopRecording() {

@@ -68,6 +68,7 @@ HLConventions HLLinuxConventions() {
   conventions.spellsModifiers = true;
   conventions.offersAutoClose = false;
   conventions.offersUserRules = true;
+  conventions.marksInactiveShortcuts = true;
   conventions.restoresShortcutNote = true;
   conventions.logsUnchangedPolls = false;
   conventions.explainsFailures = true;

@@ -68,6 +68,54 @@ TEST(Conventions, FormatShortcutsInWindowsOnly) {
   EXPECT_THAT(labels["shortcutNoteLabel"], HasSubstr("badge"));
 }
 
+// The settings window's shortcut and the note below it, and the setup window's hint, after a start.
+Calls shownOfShortcut(bool marksInactive, HLHotKeyStatus status, const std::optional<std::string>& reason) {
+  Application application(R"("trusted": true)");
+  application.host.platform.conventions = conventionsWith(&HLConventions::marksInactiveShortcuts, marksInactive);
+  application.host.hotKeys.status = status;
+  application.host.hotKeys.reason = reason;
+  application.delegate->applicationDidFinishLaunching();
+  application.delegate->showSettingsWindow();
+  application.delegate->showSetupWindow();
+  LabelTexts& labels = application.host.windows.labels;
+  return {labels["shortcutValueLabel"],
+          ControlNamed<HLLabel>(application.host.windows.made.at(0), "shortcutNoteLabel").text,
+          labels["setupStatusLabel"]};
+}
+
+TEST(Conventions, MarkAShortcutThatDoesNotWork) {
+  const std::string works = "Works from any app. Needs at least one of Command, Option or Control, or an F key.";
+  const std::string both = "Allowed. Press ⌃⌥⌘N or click the menu bar icon to clear notifications.";
+  const std::string icon = "Allowed. Click the menu bar icon to clear notifications.";
+  EXPECT_THAT(shownOfShortcut(true, HLHotKeyStatus::success, std::nullopt), ElementsAre("⌃⌥⌘N", works, both));
+  EXPECT_THAT(shownOfShortcut(true, HLHotKeyStatus::failed, "None here."),
+              ElementsAre("⌃⌥⌘N (not active)", "None here.", icon));
+  EXPECT_THAT(shownOfShortcut(true, HLHotKeyStatus::taken, std::nullopt),
+              ElementsAre("⌃⌥⌘N (not active)", "⌃⌥⌘N is already used by another app. Try a different one.", icon));
+  EXPECT_THAT(shownOfShortcut(true, HLHotKeyStatus::failed, std::nullopt),
+              ElementsAre("⌃⌥⌘N (not active)", "⌃⌥⌘N cannot be a shortcut here. Try a different one.", icon));
+  EXPECT_THAT(shownOfShortcut(false, HLHotKeyStatus::taken, std::nullopt), ElementsAre("⌃⌥⌘N", works, both));
+}
+
+TEST(Conventions, MarkAShortcutUntilOneIsRecorded) {
+  Application application;
+  application.host.platform.conventions = conventionsWith(&HLConventions::marksInactiveShortcuts, true);
+  application.host.hotKeys.status = HLHotKeyStatus::failed;
+  application.delegate->applicationDidFinishLaunching();
+  application.delegate->showSettingsWindow();
+  LabelTexts& labels = application.host.windows.labels;
+  application.host.hotKeys.recorded = HLHotKeyStatus::failed;
+  application.delegate->recordEvent({45, HLModifierControl, "k"});
+  EXPECT_EQ(labels["shortcutValueLabel"], "⌃⌥⌘N (not active)");
+  EXPECT_EQ(labels["shortcutNoteLabel"], "⌃K cannot be a shortcut here. Try a different one.");
+  application.host.hotKeys.recorded = application.host.hotKeys.status = HLHotKeyStatus::success;
+  application.delegate->recordEvent({45, HLModifierControl, "k"});
+  EXPECT_EQ(labels["shortcutValueLabel"], "⌃K");
+  application.host.hotKeys.status = HLHotKeyStatus::failed;
+  application.delegate->clearShortcut();
+  EXPECT_EQ(labels["shortcutValueLabel"], "None");
+}
+
 TEST(Conventions, NameTheSetupButton) {
   Application application(R"("trusted": false)");
   application.host.platform.conventions = conventionsWith(&HLConventions::accessButton, std::string("Do It"));

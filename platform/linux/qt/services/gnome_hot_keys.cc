@@ -21,8 +21,8 @@ std::optional<std::string> accelerator(std::uint32_t code, std::uint32_t modifie
 HLHotKeyRegistration HLGnomeHotKeys::registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                     const HLHotKeyIdentity&) {
   const std::optional<std::string> wanted = accelerator(code, modifiers);
-  const std::optional<std::string> stored = wanted ? shortcut_.accelerator() : std::nullopt;
-  isActive_ = stored && HLAreSameAccelerators(*stored, *wanted);
+  stored_ = shortcut_.accelerator();
+  isActive_ = wanted && stored_ && HLAreSameAccelerators(*stored_, *wanted);
   if (!isActive_) return {HLHotKeyStatus::failed, nullptr};
   return {HLHotKeyStatus::success, std::make_unique<HLHotKey>()};
 }
@@ -36,7 +36,14 @@ HLHotKeyStatus HLGnomeHotKeys::userRecorded(std::uint32_t code, std::uint32_t mo
 
 std::optional<std::string> HLGnomeHotKeys::unsupportedReason() const {
   if (isActive_) return std::nullopt;
+  if (stored_) return "GNOME's keyboard settings have " + *stored_ + " instead. Record a shortcut to replace it.";
   return "Not active yet. Record a shortcut: GNOME's settings then hold it, and run the command hushlet --dismiss-now.";
+}
+
+void HLGnomeHotKeys::userCleared() {
+  shortcut_.remove();
+  stored_ = std::nullopt;
+  isActive_ = false;
 }
 
 std::optional<std::string> HLGnomeHotKeys::storageNote() const {

@@ -19,11 +19,12 @@ class HLGnomeHotKeys : public HLHotKeys {
   [[nodiscard]] HLHotKeyRegistration registerHotKey(std::uint32_t code, std::uint32_t modifiers,
                                                     const HLHotKeyIdentity& identity) override;
   [[nodiscard]] HLHotKeyStatus userRecorded(std::uint32_t code, std::uint32_t modifiers) override;
-  void userCleared() override { shortcut_.remove(); }
+  void userCleared() override;
   [[nodiscard]] std::optional<std::string> unsupportedReason() const override;
   [[nodiscard]] std::optional<std::string> storageNote() const override;
 
  private:
   const HLGnomeShortcut shortcut_;
+  std::optional<std::string> stored_;  // the accelerator that the settings had at the latest registration
   bool isActive_ = false;
 };

@@ -58,11 +58,15 @@ TEST_F(GnomeHotKeys, AreKeptOnceRecorded) {
   HLQtHotKeys nextStart(runLoop_, "org.example");
   EXPECT_EQ(nextStart.registerHotKey(kLetterN, kCtrlAltSuper, {}).status, HLHotKeyStatus::success);
   EXPECT_EQ(nextStart.registerHotKey(kLetterN, HLHotKeyCommand, {}).status, HLHotKeyStatus::failed) << "not that one";
+  EXPECT_EQ(nextStart.unsupportedReason(),
+            "GNOME's keyboard settings have <Control><Alt><Super>n instead. Record a shortcut to replace it.");
 }
 
 TEST_F(GnomeHotKeys, AreRemovedWhenCleared) {
   ASSERT_EQ(keys_.userRecorded(kLetterN, kCtrlAltSuper), HLHotKeyStatus::success);
+  EXPECT_EQ(keys_.registerHotKey(kLetterN, kCtrlAltSuper, {}).status, HLHotKeyStatus::success);
   keys_.userCleared();
+  EXPECT_EQ(keys_.storageNote(), std::nullopt);
   EXPECT_EQ(customShortcuts(), "@as []");
   EXPECT_EQ(stored("binding"), "''");
   EXPECT_EQ(keys_.registerHotKey(kLetterN, kCtrlAltSuper, {}).status, HLHotKeyStatus::failed);
