@@ -1,5 +1,6 @@
 # The commands; CMakePresets.json holds what they configure. Each one installs the packages that it needs and that are missing.
-.PHONY: run package release test fuzz swarm mutate sanitize bench desktops coverage macos mac-report lint tidy format clean
+.PHONY: run package release test fuzz swarm mutate sanitize asan tsan bench desktops coverage macos mac-report lint tidy format clean \
+  build-test build-asan build-tsan build-fuzz build-release
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
@@ -24,40 +25,44 @@ package:
 	cd build-release && cpack
 
 # The release, with each source compiled alone, and a short test of what it installs and of its packages.
-release:
-	@tools/install-packages build test package
-	cmake --preset release $(CONFIGURE_FLAGS)
-	cmake --build --preset release -j $(JOBS)
+release: build-release
 	tests/packaging/install-test build-release
 	tests/packaging/package-test build-release
 
-# Every test, those on a real desktop included, after a short run of the fuzzers; then the macOS build, where a sysroot for it
-# is named.
-test:
-	@tools/install-packages build test fuzz
-	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
-	cmake --build --preset dev -j $(JOBS)
-	cmake --preset fuzz $(CONFIGURE_FLAGS)
-	cmake --build --preset fuzz -j $(JOBS)
-	tools/fuzz 5
+build-release:
+	@tools/install-packages build test package
+	cmake --preset release $(CONFIGURE_FLAGS)
+	cmake --build --preset release -j $(JOBS)
+
+# Every test, those on a real desktop included; then the macOS build, where a sysroot for it is named.
+test: build-test
 	ctest --preset dev -j $(TEST_JOBS)
 	tools/check-macos
 
+build-test:
+	@tools/install-packages build test
+	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
+	cmake --build --preset dev -j $(JOBS)
+
 # The same tests under the address, undefined-behavior and thread sanitizers.
-sanitize:
+sanitize: asan tsan
+asan tsan: %: build-%
+	ctest --preset $@ -j $(SANITIZER_TEST_JOBS)
+
+build-asan build-tsan: build-%:
 	@tools/install-packages build test fuzz
-	for preset in asan tsan; do \
-	  cmake --preset $$preset $(CONFIGURE_FLAGS) && cmake --build --preset $$preset -j $(JOBS) && \
-	  ctest --preset $$preset -j $(SANITIZER_TEST_JOBS) || exit 1; \
-	done
+	cmake --preset $* $(CONFIGURE_FLAGS)
+	cmake --build --preset $* -j $(JOBS)
 
 # Every fuzzer for so many seconds, going on from what was found before.
 fuzz: SECONDS ?= 600
-fuzz:
+fuzz: build-fuzz
+	tools/fuzz $(SECONDS)
+
+build-fuzz:
 	@tools/install-packages build fuzz
 	cmake --preset fuzz $(CONFIGURE_FLAGS)
 	cmake --build --preset fuzz -j $(JOBS)
-	tools/fuzz $(SECONDS)
 
 # Random desktops, faults and input for so many seconds; docs/swarm.md.
 swarm: SECONDS ?= 600
