@@ -151,7 +151,13 @@ class Walk {
   }
 
  private:
+  struct Place {
+    int window;       // the child of the application above the node, or the node itself
+    int hiddenLevel;  // 0 when showing, else how many hidden ancestors lead up to it, itself included
+  };
+
   int add(int parent, std::string_view path);
+  Place& place(int index) { return places_[static_cast<std::size_t>(index)]; }
   HLRawNode& node(int index) { return tree_[static_cast<std::size_t>(index)]; }
   const std::string& pathOf(int index) { return node(index).path; }
   void ask(int index);
@@ -169,10 +175,8 @@ class Walk {
   std::vector<int> gone_;                  // elements that no longer existed when they were asked
   std::size_t next_ = 0;                   // in toRead_
   std::unordered_set<std::string> known_;  // paths in the tree
-  // Per node:
-  std::vector<int> window_;             // the child of the application above the node, or the node itself
-  std::vector<int> hiddenLevel_;        // 0 when showing, else how many hidden ancestors lead up to it, itself included
-  std::unordered_map<int, int> sizes_;  // per window: its nodes
+  std::vector<Place> places_;              // of each node
+  std::unordered_map<int, int> sizes_;     // per window: its nodes
 };
 
 int Walk::add(int parent, std::string_view path) {
@@ -182,22 +186,21 @@ int Walk::add(int parent, std::string_view path) {
   node.parent = parent;
   if (parent >= 0) tree_[static_cast<std::size_t>(parent)].children.push_back(index);
   known_.emplace(path);
-  const int window = parent <= 0 ? index : window_[static_cast<std::size_t>(parent)];
-  window_.push_back(window);
+  const int window = parent <= 0 ? index : place(parent).window;
+  places_.push_back({window, 0});
   ++sizes_[window];
-  hiddenLevel_.push_back(0);
   return index;
 }
 
-// Returns whether the node's children are to be read. Sets the node's hiddenLevel_, from its parent's.
+// Returns whether the node's children are to be read. Sets the node's hidden level, from its parent's.
 bool Walk::wantsChildren(int index) {
-  const auto at = static_cast<std::size_t>(index);
-  const HLRawNode& node = tree_[at];
   if (index == 0) return true;
-  const bool isWindow = node.parent == 0;
-  hiddenLevel_[at] = node.isShowing() ? 0 : hiddenLevel_[static_cast<std::size_t>(node.parent)] + 1;
-  if (isWindow && !node.isShowing()) return false;
-  return hiddenLevel_[at] < kHiddenLevels && (node.states & HLRawState::kManagesDescendants) == 0;
+  const HLRawNode& asked = node(index);
+  int& hiddenLevel = place(index).hiddenLevel;
+  hiddenLevel = asked.isShowing() ? 0 : place(asked.parent).hiddenLevel + 1;
+  const bool isWindow = asked.parent == 0;
+  if (isWindow && !asked.isShowing()) return false;
+  return hiddenLevel < kHiddenLevels && (asked.states & HLRawState::kManagesDescendants) == 0;
 }
 
 void Walk::adopt(std::vector<CacheItem>& items) {
@@ -276,7 +279,7 @@ void Walk::takeChildren(int parent, sd_bus_message* message) {
   while (readReference(message, child)) {
     // A child may be an element of another process (AT-SPI sockets). Only the application's own are read.
     const bool own = child.application.empty() || child.application == application_;
-    const int window = window_[static_cast<std::size_t>(parent)];
+    const int window = place(parent).window;
     const bool full = static_cast<int>(tree_.size()) >= kWalkLimit || (parent != 0 && sizes_[window] >= kWindowLimit);
     if (!own || full || known_.contains(std::string(child.path))) continue;
     toRead_.push_back(add(parent, child.path));
