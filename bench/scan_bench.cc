@@ -49,8 +49,7 @@ std::string chainWindow(std::int64_t elements, const std::string& title = "") {
 }
 
 // A window with a title of that many bytes, the text repeated, over 699 elements, each with these further keys.
-std::string titledWindow(std::int64_t bytes, const std::string& keys = "",
-                         const std::string& text = "Lunch on Friday at the usual place, ") {
+std::string titledWindow(std::int64_t bytes, const std::string& text, const std::string& keys = "") {
   std::string window = R"({"id": "window", "role": "AXWindow", "title": ")";
   while (std::ssize(window) < bytes) window += text;
   window += R"(or not", "children": [)";
@@ -105,24 +104,36 @@ void scanTitledChain(benchmark::State& state) {
 }
 BENCHMARK(scanTitledChain)->Arg(350)->Arg(700)->Arg(1400)->Unit(benchmark::kMillisecond);
 
-void floorTitled(benchmark::State& state) { measure(state, titledWindow(state.range(0)), readFacts); }
-BENCHMARK(floorTitled)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+const std::string kAscii = "Lunch on Friday at the usual place, ";
+const std::string kCyrillic = "Обед в Пятницу на обычном месте, ";
+const std::string kGreek = "ΓΕΥΜΑ την Παρασκευή στο συνηθισμένο ΜΕΡΟΣ, ";
+const std::string kChinese = "星期五在老地方吃午饭，大家都来。";
+const std::string kMixture = kAscii + kCyrillic + kGreek + kChinese + "İstanbul’da\u00A0öğle yemeği 🍲, ";
+
+void floorTitled(benchmark::State& state) { measure(state, titledWindow(1'000'000, kAscii), readFacts); }
+BENCHMARK(floorTitled)->Unit(benchmark::kMillisecond);
 
 // The cost of the text is the difference to the same tree without it.
-void scanTitled(benchmark::State& state) { measure(state, titledWindow(state.range(0)), scan); }
-BENCHMARK(scanTitled)->Arg(0)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
-
-// The host's Unicode library lower-cases what is not ASCII.
-void scanTitledCyrillic(benchmark::State& state) {
-  measure(state, titledWindow(state.range(0), "", "Обед в пятницу на обычном месте, "), scan);
+void scanTitled(benchmark::State& state, const std::string& text) {
+  measure(state, titledWindow(text.empty() ? 0 : 1'000'000, text), scan);
 }
-BENCHMARK(scanTitledCyrillic)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitled, none, "")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitled, ascii, kAscii)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitled, cyrillic, kCyrillic)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitled, greek, kGreek)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitled, chinese, kChinese)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitled, mixture, kMixture)->Unit(benchmark::kMillisecond);
 
 // Whether an element that can be pressed is a notification depends on the title, too.
-void scanTitledButtons(benchmark::State& state) {
-  measure(state, titledWindow(state.range(0), R"(, "actions": ["AXPress"])"), scan);
+void scanTitledButtons(benchmark::State& state, const std::string& text) {
+  measure(state, titledWindow(text.empty() ? 0 : 1'000'000, text, R"(, "actions": ["AXPress"])"), scan);
 }
-BENCHMARK(scanTitledButtons)->Arg(0)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitledButtons, none, "")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitledButtons, ascii, kAscii)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitledButtons, cyrillic, kCyrillic)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitledButtons, greek, kGreek)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitledButtons, chinese, kChinese)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(scanTitledButtons, mixture, kMixture)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

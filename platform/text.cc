@@ -36,6 +36,20 @@ void append(std::string& text, char32_t codePoint) {
   }
 }
 
+// The bytes of the white space character at the beginning of the text, or 0.
+std::size_t leadingWhitespace(std::string_view text) {
+  std::size_t position = 0;
+  return !text.empty() && HLIsWhitespace(HLNextCodePoint(text, position)) ? position : 0;
+}
+
+// The same at the end; none has more than three bytes.
+std::size_t trailingWhitespace(std::string_view text) {
+  for (std::size_t size = 1; size <= std::min<std::size_t>(3, text.size()); ++size) {
+    if (leadingWhitespace(text.substr(text.size() - size)) == size) return size;
+  }
+  return 0;
+}
+
 char lowercaseAscii(char c) { return static_cast<char>(c + (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0)); }
 
 std::string lowercaseAscii(std::string_view text) {
@@ -83,15 +97,9 @@ bool HLIsWhitespaceBeyondAscii(char32_t codePoint) {
 }
 
 std::string_view HLTrim(std::string_view text) {
-  std::size_t begin = text.size();
-  std::size_t end = 0;
-  for (std::size_t position = 0; position < text.size();) {
-    const std::size_t start = position;
-    if (HLIsWhitespace(HLNextCodePoint(text, position))) continue;
-    begin = std::min(begin, start);
-    end = position;
-  }
-  return begin < end ? text.substr(begin, end - begin) : std::string_view();
+  while (const std::size_t size = leadingWhitespace(text)) text.remove_prefix(size);
+  while (const std::size_t size = trailingWhitespace(text)) text.remove_suffix(size);
+  return text;
 }
 
 std::u16string HLUtf16Units(std::string_view text) {
@@ -125,13 +133,13 @@ std::string HLLowercase(std::string_view text) {
   return isAscii(text) ? lowercaseAscii(text) : HLTextOfUtf16(HLHostLowercase(HLUtf16Units(text)));
 }
 
-void HLMakeLowercase(std::string& text) {
+bool HLMakeAsciiLowercase(std::string& text) {
   unsigned char all = 0;
   for (char& c : text) {
     all = static_cast<unsigned char>(all | static_cast<unsigned char>(c));
-    c = lowercaseAscii(c);  // no mapping of another character depends on the case of an ASCII letter
+    c = lowercaseAscii(c);
   }
-  if (all >= 0x80) text = HLLowercase(text);
+  return all < 0x80;
 }
 
 std::string HLUppercase(std::string_view text) { return HLTextOfUtf16(HLHostUppercase(HLUtf16Units(text))); }

@@ -36,9 +36,11 @@
 
 // Full Unicode mappings that depend on no locale.
 [[nodiscard]] std::string HLLowercase(std::string_view text);
-void HLMakeLowercase(std::string& text);  // the same, without a copy of plain ASCII
 [[nodiscard]] std::string HLUppercase(std::string_view text);
 [[nodiscard]] std::string HLFoldCase(std::string_view text);
+
+// Lower-cases the ASCII letters, which changes no mapping of the text. Returns whether all of the text is ASCII.
+bool HLMakeAsciiLowercase(std::string& text);
 
 // Full case folding of both sides, then a literal search. Everything contains the empty text.
 [[nodiscard]] bool HLContainsIgnoringCase(std::string_view text, std::string_view part);

@@ -57,7 +57,7 @@ std::optional<HLDismissTarget> focusedControl(const HLVisit& visit, const HLRect
   if (HLIsMenuLike(facts)) return std::nullopt;
 
   const bool small = isSmallControl(facts.frame);
-  const bool closeWords = HLLowercaseContainsAny(context.own(), HLOwnCloseWords);
+  const bool closeWords = context.ownWordIn(HLOwnCloseWords).has_value();
   const std::optional<std::string> action = dismissOrPressAction(facts.actionNames);
   if (!action || (!small && !(explicitAction && closeWords))) return std::nullopt;
 
@@ -122,6 +122,6 @@ std::optional<HLDismissTarget> HLFocusedDismissControlInSubtree(const HLElementR
     }
     return HLDescent::enter;
   };
-  HLWalkTree({root, HLContext(HLSearchableContext(rootFacts))}, kVisitLimit, look);
+  HLWalkTree({root, HLContext(HLJoinedTexts(rootFacts))}, kVisitLimit, look);
   return best;
 }

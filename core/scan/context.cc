@@ -20,7 +20,11 @@ static_assert(std::all_of(HLNotificationWords.begin(), HLNotificationWords.end()
                      [word](std::string_view part) { return word.find(part) != std::string_view::npos; });
 }));
 
-std::string joinedWords(std::initializer_list<std::string_view> texts) {
+// The lower case of two characters beyond ASCII has an ASCII letter: of this one it is k. That of U+0130 is i and a
+// mark, which is in no word, since none ends in i.
+constexpr std::array<std::string_view, 1> kKelvinSign = {"\u212A"};
+
+std::string joined(std::initializer_list<std::string_view> texts) {
   std::size_t size = 0;
   for (std::string_view text : texts) size += text.size() + 1;
   std::string joined;
@@ -30,31 +34,43 @@ std::string joinedWords(std::initializer_list<std::string_view> texts) {
     if (!joined.empty()) joined += ' ';
     joined += text;
   }
-  HLMakeLowercase(joined);
-  return HLCompactSnapshot(std::move(joined));
+  return joined;
 }
+
+std::string lowercaseWords(std::string_view text) { return HLCompactSnapshot(HLLowercase(text)); }
 
 }  // namespace
 
-std::string HLSearchableContext(const HLElementFacts& facts) {
-  return joinedWords({facts.role, facts.subrole, facts.roleDescription, facts.title, facts.description, facts.value,
-                      facts.identifier});
+std::string HLJoinedTexts(const HLElementFacts& facts) {
+  return joined({facts.role, facts.subrole, facts.roleDescription, facts.title, facts.description, facts.value,
+                 facts.identifier});
 }
+
+std::string HLSearchableContext(const HLElementFacts& facts) { return lowercaseWords(HLJoinedTexts(facts)); }
 
 std::string HLStructuralContext(const HLElementFacts& facts) {
-  return joinedWords({facts.role, facts.subrole, facts.roleDescription, facts.identifier});
+  return lowercaseWords(joined({facts.role, facts.subrole, facts.roleDescription, facts.identifier}));
 }
 
-HLContext HLContext::extendedBy(std::string own) const {
+HLContext HLContext::extendedBy(std::string texts) const {
+  const std::string_view trimmed = HLTrim(texts);
   HLContext child = *this;
-  child.hasOwn_ = !own.empty();
-  if (child.hasOwn_) child.last_ = std::make_shared<Words>(Words{last_, std::move(own), {}, {}});
+  child.hasOwn_ = !trimmed.empty();
+  if (!child.hasOwn_) return child;
+  std::string own = trimmed.size() == texts.size() ? std::move(texts) : std::string(trimmed);
+  const bool isAscii = HLMakeAsciiLowercase(own);
+  child.last_ = std::make_shared<Words>(Words{last_, std::move(own), false, {}, {}});
+  if (!isAscii && HLLowercaseContainsAny(child.last_->own, kKelvinSign)) child.last_->finish();
   return child;
 }
 
 const std::string& HLContext::own() const {
   static const std::string none;
-  return hasOwn_ ? last_->own : none;
+  return hasOwn_ ? last_->finish() : none;
+}
+
+std::optional<std::string_view> HLContext::ownWordIn(HLWordList words) const {
+  return hasOwn_ ? last_->ownWordIn(words) : std::nullopt;
 }
 
 bool HLContext::isNotification() const {
@@ -65,14 +81,32 @@ bool HLContext::hasCloseWord() const {
   return last_ != nullptr && last_->holdsAny(HLDismissWords, &Words::hasCloseWord);
 }
 
+const std::string& HLContext::Words::finish() {
+  if (!finished) own = lowercaseWords(own);
+  finished = true;
+  return own;
+}
+
+// What finish() changes beside white space is not ASCII, so that it adds and removes no word without a space.
+std::optional<std::string_view> HLContext::Words::ownWordIn(HLWordList words) {
+  for (const std::string_view word : words) {
+    const std::string_view last = word.substr(word.rfind(' ') + 1);
+    if (!HLLowercaseContainsAny(own, {&last, 1})) continue;
+    if (last == word || HLLowercaseContainsAny(finish(), {&word, 1})) return word;
+  }
+  return std::nullopt;
+}
+
 bool HLContext::Words::holdsAny(HLWordList words, std::optional<bool> Words::*answer) {
   if (!(this->*answer)) {
-    this->*answer = HLLowercaseContainsAny(own, words) || holdsAnyAcrossBoundary(words) ||
-                    (before != nullptr && before->holdsAny(words, answer));
+    this->*answer =
+        ownWordIn(words) || holdsAnyAcrossBoundary(words) || (before != nullptr && before->holdsAny(words, answer));
   }
   return *(this->*answer);
 }
 
+// A word has one space at most, which is the boundary then, and no white space is beside it: so the words need not be
+// finished.
 bool HLContext::Words::holdsAnyAcrossBoundary(HLWordList words) const {
   return before != nullptr && HLLowercaseContainsAny(before->lastBytes(kReach) + ' ' + own.substr(0, kReach), words);
 }
@@ -83,17 +117,17 @@ std::string HLContext::text() const { return firstBytes(std::string::npos); }
 std::string HLContext::beginning(std::size_t units) const { return HLUtf16Prefix(firstBytes(3 * units + 4), units); }
 
 std::string HLContext::firstBytes(std::size_t count) const {
-  std::vector<const std::string*> path;
+  std::vector<Words*> path;
   std::size_t size = 0;
-  for (const Words* words = last_.get(); words != nullptr; words = words->before.get()) {
-    path.push_back(&words->own);
+  for (Words* words = last_.get(); words != nullptr; words = words->before.get()) {
+    path.push_back(words);
     size += words->own.size() + 1;
   }
   std::string text;
   text.reserve(std::min(size, count));
-  for (auto own = path.rbegin(); own != path.rend() && text.size() < count; ++own) {
+  for (auto words = path.rbegin(); words != path.rend() && text.size() < count; ++words) {
     if (!text.empty()) text += ' ';
-    text.append(**own, 0, count - std::min(count, text.size()));
+    text.append((*words)->finish(), 0, count - std::min(count, text.size()));
   }
   return text;
 }
@@ -108,4 +142,4 @@ std::string HLContext::Words::lastBytes(std::size_t count) const {
   return text;
 }
 
-bool HLIsNotificationContext(std::string_view words) { return HLContext(HLLowercase(words)).isNotification(); }
+bool HLIsNotificationContext(std::string_view words) { return HLContext(std::string(words)).isNotification(); }

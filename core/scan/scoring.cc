@@ -46,7 +46,6 @@ bool HLIsMenuLike(const HLElementFacts& facts) {
 
 std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element, const HLElementFacts& facts,
                                                      const HLContext& context, HLScoreDetails* details) {
-  const std::string& own = context.own();
   const std::optional<std::string> explicitAction = HLExplicitDismissAction(facts.actionNames);
   Score score{details, 0, ""};
 
@@ -57,7 +56,7 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
                            *explicitAction,
                            facts.frame,
                            score.points,
-                           HLUtf16Prefix(own, HLSnapshotLimit),
+                           HLUtf16Prefix(context.own(), HLSnapshotLimit),
                            std::move(score.reason)};
   }
   const bool pressable = HLIsPressable(facts.actionNames);
@@ -65,9 +64,9 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
   if (!explicitAction && !context.isNotification()) return refuse(details, HLRefusal::outsideNotification);
   if (HLIsMenuLike(facts)) return refuse(details, HLRefusal::menu);
 
-  const bool closeWords = HLLowercaseContainsAny(own, HLOwnCloseWords) || context.hasCloseWord();
-  const std::optional<std::string_view> negativeWord = HLWordIn(own, HLNegativeWords);
-  const bool buttonLike = facts.role == "AXButton" || HLLowercaseContainsAny(own, HLButtonWords);
+  const bool closeWords = context.ownWordIn(HLOwnCloseWords) || context.hasCloseWord();
+  const std::optional<std::string_view> negativeWord = context.ownWordIn(HLNegativeWords);
+  const bool buttonLike = facts.role == "AXButton" || context.ownWordIn(HLButtonWords);
   const bool small = isSmall(facts.frame);
   if (details != nullptr) details->negativeWord = negativeWord.value_or("");
 
@@ -85,6 +84,7 @@ std::optional<HLDismissTarget> HLCandidateForElement(const HLElementRef& element
   }
   if (score.points < kAcceptance) return refuse(details, HLRefusal::lowScore);
 
+  const std::string& own = context.own();
   return HLDismissTarget{element,
                          explicitAction.value_or("AXPress"),
                          facts.frame,

@@ -15,7 +15,7 @@ std::size_t HLWalkTree(const HLQueueItem& root, std::size_t limit,
     if (item.element == nullptr || !visited.insert(item.element).second) continue;
 
     const HLElementFacts facts = item.element->copyFacts();
-    const HLContext context = item.context.extendedBy(HLSearchableContext(facts));
+    const HLContext context = item.context.extendedBy(HLJoinedTexts(facts));
     if (visit({item.element, facts, context}) == HLDescent::prune) continue;
     for (HLQueueItem& child : HLChildQueueItems(facts, context)) queue.push_back(std::move(child));
   }

@@ -11,7 +11,7 @@
 
 using HLWordList = std::span<const std::string_view>;
 
-// Words are lower-case, and match anywhere in a lower-cased text.
+// Words are lower-case ASCII with one space at most, do not end in i, and match anywhere in a lower-cased text.
 
 // In an action's name: the action closes the element that has it. In the words of an element and its ancestors: the
 // element is near a control that closes.
@@ -36,7 +36,7 @@ inline constexpr std::array<std::string_view, 3> HLMenuStructureWords = {"menu i
 // Whether the text, in any letter case, contains any of the words.
 [[nodiscard]] bool HLStringContainsAny(std::string_view text, HLWordList words);
 
-// The same for a text that is lower-cased already.
+// The same for a text whose ASCII letters are lower-cased already.
 [[nodiscard]] bool HLLowercaseContainsAny(std::string_view text, HLWordList words);
 
 // Returns the first word of the list that a lower-cased text contains, or nullopt.

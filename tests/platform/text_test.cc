@@ -73,6 +73,26 @@ TEST(Trim, KeepsInnerWhitespace) {
   EXPECT_EQ(HLTrim(" " + kFirstHalf + " "), kFirstHalf);
 }
 
+TEST(Trim, MatchesASearchFromTheStart) {
+  constexpr std::array<std::string_view, 16> kPieces = {" ",        "\t",     "a",    "\u0085", "\u3000", "\u200B",
+                                                        "\u205F",   "\u00E0", "\x85", "\xC2",   "\xE2",   "\x80",
+                                                        "\xE3\x80", "\xF0",   "\xA0", "\u0820"};
+  std::mt19937 random(20261122);
+  for (int round = 0; round < 20'000; ++round) {
+    std::string text;
+    for (std::size_t length = random() % 8; length > 0; --length) text += kPieces[random() % kPieces.size()];
+    std::size_t begin = text.size();
+    std::size_t end = text.size();
+    for (std::size_t position = 0; position < text.size();) {
+      const std::size_t start = position;
+      if (HLIsWhitespace(HLNextCodePoint(text, position))) continue;
+      begin = std::min(begin, start);
+      end = position;
+    }
+    ASSERT_EQ(HLTrim(text), std::string_view(text).substr(begin, end - begin)) << testing::PrintToString(text);
+  }
+}
+
 // Case
 
 TEST(Lowercase, IsFullUnicodeWithoutALocale) {
@@ -85,17 +105,32 @@ TEST(Lowercase, IsFullUnicodeWithoutALocale) {
   EXPECT_EQ(HLLowercase(""), "");
 }
 
-// It lowers the ASCII letters first; no other letter's mapping may depend on that.
-TEST(Lowercase, IsTheSameInPlace) {
+// Searches for ASCII words rely on this.
+TEST(Lowercase, AddsAsciiToTwoCharactersOnly) {
+  std::vector<char32_t> found;
+  for (char32_t codePoint = 0x80; codePoint <= 0x10FFFF; ++codePoint) {
+    std::u16string units = {static_cast<char16_t>(codePoint)};
+    if (codePoint > 0xFFFF) {
+      units = {static_cast<char16_t>(0xD7C0 + (codePoint >> 10)), static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF))};
+    }
+    const std::u16string lower = HLHostLowercase(units);
+    if (std::any_of(lower.begin(), lower.end(), [](char16_t unit) { return unit < 0x80; })) found.push_back(codePoint);
+  }
+  EXPECT_THAT(found, ElementsAre(0x130, 0x212A));
+  EXPECT_EQ(HLLowercase("\u0130\u212A"), "i\u0307k");
+}
+
+// No other letter's mapping may depend on the case of an ASCII letter.
+TEST(Lowercase, IgnoresTheCaseOfAsciiNeighbors) {
   constexpr std::array<std::string_view, 14> kPieces = {"A",      "i", "I", "\u0307", "\u0130", "\u03A3", " ", "\u0345",
                                                         "\u0300", "Z", "J", "\u00AD", ".",      "\u1E9E"};
   std::mt19937 random(20261122);
   for (int round = 0; round < 5000; ++round) {
     std::string text;
     for (std::size_t length = random() % 7; length > 0; --length) text += kPieces[random() % kPieces.size()];
-    std::string made = text;
-    HLMakeLowercase(made);
-    ASSERT_EQ(made, HLLowercase(text)) << text;
+    std::string lowered = text;
+    HLMakeAsciiLowercase(lowered);
+    ASSERT_EQ(HLLowercase(lowered), HLLowercase(text)) << text;
   }
 }
 

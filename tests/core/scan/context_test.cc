@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/scan/records.h"
+#include "core/scan/words.h"
 #include "platform/text.h"
 
 namespace {
@@ -171,6 +175,106 @@ TEST(Context, MatchesTheWholeTextWhenExtended) {
       ASSERT_EQ(HLContext(whole).isNotification(), isNotification(whole)) << whole;
       ASSERT_EQ(HLContext(whole).hasCloseWord(), hasCloseWord(whole)) << whole;
     }
+  }
+}
+
+// Unfinished words are searched; the answers must be those of a search of the finished ones.
+
+const std::vector<HLWordList> kLists = {HLDismissWords,  HLOwnCloseWords, HLNotificationWords,
+                                        HLNegativeWords, HLButtonWords,   HLMenuStructureWords};
+
+std::string finished(std::string_view text) { return HLCompactSnapshot(HLLowercase(text)); }
+
+void expectTheSameAnswers(const HLContext& context, std::string_view own) {
+  for (const HLWordList list : kLists) {
+    ASSERT_EQ(context.ownWordIn(list), HLWordIn(own, list)) << testing::PrintToString(own);
+  }
+}
+
+std::string encoded(char32_t codePoint) {
+  if (codePoint < 0x10000) return HLTextOfUtf16(std::u16string(1, static_cast<char16_t>(codePoint)));
+  return HLTextOfUtf16(std::u16string{static_cast<char16_t>(0xD7C0 + (codePoint >> 10)),
+                                      static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF))});
+}
+
+// Beyond these code points there is neither letter case nor white space.
+TEST(UnfinishedContext, MatchesTheFinishedForEveryCodePoint) {
+  for (char32_t codePoint = 0; codePoint <= 0x1FFFF; ++codePoint) {
+    const std::string piece = encoded(codePoint);
+    const std::string text =
+        piece + "Stac" + piece + "ed not" + piece + "fication \u03A3" + piece + "\u03A3 menu" + piece;
+    const HLContext parent(text + "from" + piece);
+    const HLContext child = parent.extendedBy(piece + "iPhone");
+    const std::string whole = finished(text + "from" + piece) + ' ' + finished(piece + "iPhone");
+    ASSERT_EQ(child.isNotification(), isNotification(whole)) << whole;
+    ASSERT_EQ(child.text(), whole);
+  }
+}
+
+// A word with some letters in upper case, i and k as characters that become them, and other white space.
+std::string disguised(std::string_view word, std::mt19937& random) {
+  constexpr std::array<std::string_view, 8> kBlanks = {"  ",      "\n",     "\u00A0", "\u200B",
+                                                       "\u3000 ", "\u2028", " \t ",   "\u200C"};
+  std::string text;
+  for (const char c : word) {
+    const bool keep = random() % 4 != 0;
+    if (keep) {
+      text += c;
+    } else if (c == ' ') {
+      text += kBlanks[random() % kBlanks.size()];
+    } else if (c == 'k') {
+      text += "\u212A";
+    } else if (c == 'i') {
+      text += "\u0130";
+    } else {
+      text += static_cast<char>(c - 'a' + 'A');
+    }
+  }
+  return text;
+}
+
+std::string hostileText(std::mt19937& random) {
+  constexpr std::array<std::string_view, 24> kPieces = {
+      " ",        "\t",           "\u00A0",       "\u200B",   "\u3000", "\u03A3", "\u03A3", "\u03C2",
+      "\u0391",   "\u0301",       "\u0130",       "\u0307",   "\u212A", "\u00AD", "\x80",   "\xC2",
+      "\xE2\x84", "\xED\xA0\xBD", "\xED\xB8\x80", "\xF0\x9F", "Ж",      "日",     "🍲",      "\u023A"};
+  std::string text;
+  for (std::size_t length = random() % 12; length > 0; --length) {
+    const HLWordList list = kLists[random() % kLists.size()];
+    const std::string word = disguised(list[random() % list.size()], random);
+    const bool wanted = random() % 6 == 0;
+    text += wanted ? word.substr(random() % 8 == 0 ? 1 : 0) : std::string(kPieces[random() % kPieces.size()]);
+    if (random() % 400 == 0) text.append(600, "x "[random() % 2]);  // longer than a cut, and than a block of a search
+  }
+  return text;
+}
+
+TEST(UnfinishedContext, MatchesTheFinishedForHostileTexts) {
+  std::mt19937 random(20261122);
+  for (int round = 0; round < 20'000; ++round) {
+    HLContext context;
+    std::string whole;
+    for (int depth = 0; depth < 3; ++depth) {
+      const std::string text = hostileText(random);
+      const std::string own = finished(text);
+      context = context.extendedBy(text);
+      if (!whole.empty() && !own.empty()) whole += ' ';
+      whole += own;
+      const auto asked = random();
+      if (asked % 2 == 0) {
+        ASSERT_EQ(context.isNotification(), isNotification(whole)) << testing::PrintToString(text);
+      }
+      if (asked % 3 == 0) expectTheSameAnswers(context, own);
+      if (asked % 5 == 0) {
+        ASSERT_EQ(context.beginning(HLSnapshotLimit), HLUtf16Prefix(whole, HLSnapshotLimit));
+      }
+      if (asked % 7 == 0) {
+        ASSERT_EQ(context.own(), own) << testing::PrintToString(text);
+      }
+    }
+    ASSERT_EQ(context.isNotification(), isNotification(whole)) << testing::PrintToString(whole);
+    ASSERT_EQ(context.hasCloseWord(), hasCloseWord(whole)) << testing::PrintToString(whole);
+    ASSERT_EQ(context.text(), whole);
   }
 }
 

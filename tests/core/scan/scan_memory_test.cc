@@ -110,17 +110,33 @@ HLElementRef chain(int depth, const std::string& title) {
   return top;
 }
 
-TEST(ScanMemory, StaysSmallBelowLongTitles) {
-  SimulatedDesktop desktop("{}");
-  const auto window = elementWithTitle(words(kMegabyte));
+// Every second descendant can be pressed, so that the title is searched.
+Cost costOfScanBelow(const std::string& title) {
+  const auto window = elementWithTitle(title);
   for (int i = 0; i < 699; ++i) {
     const auto group = elementWithTitle("group");
-    addChild(*group, elementWithTitle("text"));
+    const auto text = elementWithTitle("text");
+    text->actions.names = {"AXPress"};
+    addChild(*group, text);
     addChild(*window, group);
   }
-  const Cost cost = costOf([&window] { (void)HLTargetsInRoot(window, "window-0"); });
+  return costOf([&window] { (void)HLTargetsInRoot(window, "window-0"); });
+}
+
+TEST(ScanMemory, StaysSmallBelowLongTitles) {
+  SimulatedDesktop desktop("{}");
+  const Cost cost = costOfScanBelow(words(kMegabyte));
   EXPECT_LT(cost.peak, 4 * kMegabyte);
   EXPECT_LT(cost.total, 4 * kMegabyte) << "each text is copied twice, whatever its descendants";
+}
+
+TEST(ScanMemory, StaysSmallBelowTitlesBeyondAscii) {
+  SimulatedDesktop desktop("{}");
+  std::string title;
+  while (title.size() < kMegabyte) title += "ОБЕД\u00A0 в Пятницу, ΣΑΣ, \u0130stanbul, 日本語。 ";
+  const Cost cost = costOfScanBelow(title);
+  EXPECT_LT(cost.peak, 4 * kMegabyte);
+  EXPECT_LT(cost.total, 4 * kMegabyte) << "the host's mapping of the whole text would take more";
 }
 
 // Resembles a word of notifications and one of closing so closely that only an exact search tells the difference.
