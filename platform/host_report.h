@@ -11,6 +11,7 @@ struct HLServerVersion {
   std::string name;
   std::string vendor;
   std::string version;
+  std::string bundle = {};  // the path of the process's bundle, with the home folder as "~"
 };
 
 // An attribute by which a host may say why an element that looks like a close control is not taken for one: a short
@@ -39,6 +40,10 @@ class HLHostReport {
 
   // Returns name and version of the operating system. Any thread.
   [[nodiscard]] virtual std::string systemVersion() = 0;
+
+  // Returns the path of this program's bundle, with the home folder as "~"; "" where programs have no bundles. Any
+  // thread.
+  [[nodiscard]] virtual std::string programBundle() { return ""; }
 
   // Returns what the program that shows notifications says of itself. May block. Any thread.
   [[nodiscard]] virtual HLServerVersion serverVersion(std::int32_t pid) = 0;

@@ -132,6 +132,7 @@ std::unique_ptr<HLCapture> HLCaptureScreen() {
   capture->process = HLNotificationCenterApplication();
   HLHostReport& report = HLCurrentPlatform().report;
   capture->host = report.systemVersion();
+  capture->program = report.programBundle();
   if (!capture->process) return capture;
   capture->server = report.serverVersion(capture->process->pid);
   const HLElementRef application = HLNotificationCenterElement(capture->process->pid);

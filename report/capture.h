@@ -52,6 +52,7 @@ struct HLCapture {
   HLTexts texts = HLTexts::kept;
   bool trusted = false;
   std::string host;
+  std::string program;  // the path of this program's bundle; may be empty
   HLServerVersion server;
   std::optional<HLRunningApplication> process;
   std::vector<HLRawElement> raw;  // the same interface as the host reads it, read slightly later

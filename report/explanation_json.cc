@@ -89,15 +89,19 @@ HLValue HLExplanationData(const HLExplanation& explanation) {
   }
   HLArray presses;
   for (const HLDismissTarget& press : explanation.presses) presses.push_back(targetValue(press));
-  return HLDictionary{{"system", textOrNull(capture.host)},
-                      {"server", HLDictionary{{"name", textOrNull(capture.server.name)},
-                                              {"vendor", textOrNull(capture.server.vendor)},
-                                              {"version", textOrNull(capture.server.version)}}},
-                      {"process", std::move(process)},
-                      {"trusted", capture.trusted},
-                      {"texts", capture.texts == HLTexts::kept ? "kept" : "replaced"},
-                      {"complete", capture.isComplete},
-                      {"elements", std::move(elements)},
-                      {"targets", std::move(targets)},
-                      {"presses", std::move(presses)}};
+  HLDictionary server = {{"name", textOrNull(capture.server.name)},
+                         {"vendor", textOrNull(capture.server.vendor)},
+                         {"version", textOrNull(capture.server.version)}};
+  if (!capture.server.bundle.empty()) server.push_back({"bundle", capture.server.bundle});
+  HLDictionary data = {{"system", textOrNull(capture.host)}};
+  if (!capture.program.empty()) data.push_back({"program", capture.program});
+  data.insert(data.end(), {{"server", std::move(server)},
+                           {"process", std::move(process)},
+                           {"trusted", capture.trusted},
+                           {"texts", capture.texts == HLTexts::kept ? "kept" : "replaced"},
+                           {"complete", capture.isComplete},
+                           {"elements", std::move(elements)},
+                           {"targets", std::move(targets)},
+                           {"presses", std::move(presses)}});
+  return data;
 }

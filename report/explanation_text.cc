@@ -64,6 +64,7 @@ class Printer {
   void printHead() {
     const HLCapture& capture = explanation_.capture;
     if (!capture.host.empty()) line(Tone::plain, "system: " + capture.host);
+    if (!capture.program.empty()) line(Tone::plain, "program: " + capture.program);
     if (!capture.process) {
       line(Tone::bad, "process: none, nothing shows notifications here");
     } else {
@@ -76,6 +77,7 @@ class Printer {
       line(Tone::plain, "server: " + server.name + (server.version.empty() ? "" : " " + server.version) +
                             (server.vendor.empty() ? "" : " by " + server.vendor));
     }
+    if (!capture.server.bundle.empty()) line(Tone::plain, "bundle: " + capture.server.bundle);
     if (capture.trusted) {
       line(Tone::plain, "access: granted");
     } else {

@@ -127,6 +127,7 @@ std::unique_ptr<HLCapture> HLMaskedCapture(HLCapture& capture, std::uint64_t see
   copy->texts = HLTexts::replaced;
   copy->trusted = capture.trusted;
   copy->host = capture.host;
+  copy->program = capture.program;
   copy->server = capture.server;
   copy->process = capture.process;
   copy->isComplete = capture.isComplete;

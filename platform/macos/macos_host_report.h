@@ -7,7 +7,8 @@ class HLMacHostReport : public HLHostReport {
  public:
   // Returns version and build, as in "macOS 14.5 (23F79)".
   [[nodiscard]] std::string systemVersion() override;
-  // Returns name, version and build of the process's bundle.
+  [[nodiscard]] std::string programBundle() override;
+  // Returns name, version, build and path of the process's bundle.
   [[nodiscard]] HLServerVersion serverVersion(std::int32_t pid) override;
   [[nodiscard]] std::vector<HLRawElement> rawElements(std::int32_t) override { return {}; }
 };

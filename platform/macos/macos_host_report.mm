@@ -22,6 +22,10 @@ std::string textAt(const HLDictionary& dictionary, std::string_view key) {
   return text == nullptr ? "" : *text;
 }
 
+std::string shortenedPath(NSURL* url) {
+  return HLOptionalText(url.path.stringByAbbreviatingWithTildeInPath).value_or("");
+}
+
 std::string withBuild(const std::string& version, const std::string& build) {
   return build.empty() ? version : version + " (" + build + ")";
 }
@@ -32,12 +36,19 @@ std::string HLMacHostReport::systemVersion() {
   return withBuild("macOS " + systemText("kern.osproductversion"), systemText("kern.osversion"));
 }
 
+std::string HLMacHostReport::programBundle() {
+  @autoreleasepool {
+    return shortenedPath(NSBundle.mainBundle.bundleURL);
+  }
+}
+
 HLServerVersion HLMacHostReport::serverVersion(std::int32_t pid) {
   @autoreleasepool {
     NSURL* url = [NSRunningApplication runningApplicationWithProcessIdentifier:pid].bundleURL;
     if (url == nil) return {};
     const HLDictionary information = HLDictionaryOfObject([NSBundle bundleWithURL:url].infoDictionary);
     return {textAt(information, "CFBundleName"), "",
-            withBuild(textAt(information, "CFBundleShortVersionString"), textAt(information, "CFBundleVersion"))};
+            withBuild(textAt(information, "CFBundleShortVersionString"), textAt(information, "CFBundleVersion")),
+            shortenedPath(url)};
   }
 }

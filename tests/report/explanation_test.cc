@@ -1,19 +1,25 @@
 #include "report/explanation.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "base/terminal.h"
+#include "platform/host_report.h"
+#include "platform/platform.h"
 #include "report/explain.h"
 #include "tests/support/processes.h"
 #include "tests/support/scenes.h"
 #include "tests/support/simulated_desktop.h"
 
 namespace {
+
+using testing::HasSubstr;
 
 // Returns the refusal of an element with these keys, in a window with notification words.
 std::string refusalOf(const std::string& keys) {
@@ -98,6 +104,33 @@ TEST(Explain, ShowsEscapedTextsOnATerminal) {
   const std::string text = explain(true, 200);
   EXPECT_NE(text.find("\"Mail, \\u001B[31mTom, Lunch\""), std::string::npos) << text;
   EXPECT_NE(text.find("\033[32m"), std::string::npos);
+}
+
+// A host whose programs have bundles.
+class BundleReport : public HLHostReport {
+ public:
+  [[nodiscard]] std::string systemVersion() override { return "macOS"; }
+  [[nodiscard]] std::string programBundle() override { return "~/Hushlet.app"; }
+  [[nodiscard]] HLServerVersion serverVersion(std::int32_t) override {
+    return {"Center", "", "1.0", "/System/Center.app"};
+  }
+  [[nodiscard]] std::vector<HLRawElement> rawElements(std::int32_t) override { return {}; }
+};
+
+TEST(Explain, NamesTheBundles) {
+  for (const std::string options : {R"("--keep-texts")", R"("--keep-texts", "--json")", "", R"("--json")"}) {
+    SimulatedDesktop desktop(NotificationCenterScene(kBanner, R"(, "arguments": [)" + options + "]"));
+    BundleReport report;
+    HLPlatform platform = desktop.platform();
+    platform.report = report;
+    HLInstallPlatform(&platform);
+    std::ostringstream out;
+    EXPECT_EQ(HLExplainScreen(out, out), 0);
+    HLInstallPlatform(&desktop.platform());
+    const bool isData = options.ends_with("--json\"");
+    EXPECT_THAT(out.str(), HasSubstr(isData ? R"("bundle": "/System/Center.app"})" : "\nbundle: /System/Center.app\n"));
+    EXPECT_THAT(out.str(), HasSubstr(isData ? R"("program": "~/Hushlet.app")" : "\nprogram: ~/Hushlet.app\n"));
+  }
 }
 
 TEST(Explain, ReplacesTextsInAFile) {

@@ -51,8 +51,12 @@ TEST(HostReport, NamesSystemAndNotificationCenter) {
     const HLServerVersion center = report.serverVersion(application.pid);
     EXPECT_NE(center.name, "");
     EXPECT_NE(center.version, "");
+    EXPECT_THAT(center.bundle, MatchesRegex("/System/.*\\.app"));
   }
   EXPECT_EQ(report.serverVersion(-1).name, "");
+  const std::string home = HLMacProcessInfo().homeDirectory() + "/";
+  const std::string bundle = HLMacProcessInfo().bundlePath().value_or("");
+  EXPECT_EQ(report.programBundle(), bundle.starts_with(home) ? "~/" + bundle.substr(home.size()) : bundle);
 }
 
 TEST(Signals, GoToNoGroupOfProcesses) {
