@@ -48,8 +48,9 @@ std::unique_ptr<HLBus> HLBus::openPeer(const std::string& address, Timeout timeo
 std::unique_ptr<HLBus> HLBus::openAddress(const std::string& address, bool isPeer, Timeout timeout) {
   sd_bus* bus = nullptr;
   if (sd_bus_new(&bus) < 0) return nullptr;
-  if (sd_bus_set_address(bus, address.c_str()) < 0 || sd_bus_set_bus_client(bus, isPeer ? 0 : 1) < 0 ||
-      sd_bus_start(bus) < 0) {
+  sd_bus_set_address(bus, address.c_str());
+  sd_bus_set_bus_client(bus, isPeer ? 0 : 1);
+  if (sd_bus_start(bus) < 0) {
     sd_bus_close_unref(bus);
     return nullptr;
   }
