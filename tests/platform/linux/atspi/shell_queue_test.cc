@@ -14,6 +14,7 @@
 
 #include "core/scan/notification_center.h"
 #include "platform/linux/atspi/atspi_accessibility.h"
+#include "platform/linux/linux_host_report.h"
 #include "platform/linux/session/bus.h"
 #include "tests/platform/linux/atspi/known_notifications.h"
 #include "tests/platform/linux/atspi/own_process.h"
@@ -32,7 +33,7 @@ constexpr const char* kRegistry = "org.a11y.atspi.Registry";
 constexpr std::string_view kElements = "/org/a11y/atspi/accessible/";
 constexpr milliseconds kLong{20'000};  // no test waits so long
 
-// The elements of the test's own process, which is a shell: a banner deep within its window, or none.
+// The elements of the test's own process, which is a shell: a clock, and a banner deep within its window or none.
 class Shell {
  public:
   std::atomic<int> banner = 1;  // the number of its notification; 0 for none
@@ -63,6 +64,7 @@ class Shell {
     if (member == "GetState")
       return sd_bus_reply_method_return(call, "au", 2, static_cast<std::uint32_t>(HLRawState::kShowing), 0U) >= 0;
     if (member == "GetExtents") return sd_bus_reply_method_return(call, "(iiii)", 0, 0, 300, 60) >= 0;
+    if (member == "GetActions") return sd_bus_reply_method_return(call, "a(sss)", 1, "press", "", "") >= 0;
     if (member == "Get") return sd_bus_reply_method_return(call, "v", "s", element.c_str()) >= 0;
     if (member != "GetChildren") return false;
     const std::vector<std::string> children = childrenOf(element);
@@ -80,13 +82,14 @@ class Shell {
     constexpr HLRawRole kPanel{39};
     if (element == "root") return HLRawRole::application;
     if (element == "window") return HLRawRole::window;
+    if (element == "clock") return HLRawRole::pushButton;
     if (element.starts_with("banner")) return HLRawRole::notification;
     return element.starts_with("panel") ? kPanel : HLRawRole::label;
   }
 
   std::vector<std::string> childrenOf(const std::string& element) {
     if (element == "root") return {"window"};
-    if (element == "window") return {"panel"};
+    if (element == "window") return {"clock", "panel"};
     if (element == "panel") return {"panel2"};
     if (element == "panel2") return banners();
     const std::string number = element.substr(element.size() - 1);
@@ -181,6 +184,15 @@ TEST_F(ShellQueue, IsGivenUpWhenNothingComes) {
   const HLElementRef application = applicationAfterClosing();
   EXPECT_THAT(descriptions(*application), IsEmpty());
   EXPECT_GT(readsSinceClosing(), 1);
+}
+
+class ShellReport : public ShellQueue {};
+
+TEST_F(ShellReport, HasActionsOfEveryElement) {
+  std::vector<std::string> lines;
+  for (const HLRawElement& element : HLLinuxHostReport().rawElements(getpid()))
+    lines.push_back(HLRawElementLine(element));
+  EXPECT_THAT(lines, testing::Contains("  button 'clock' / 'clock' [0 0 300x60] <press>"));
 }
 
 TEST_F(ShellQueue, NeverKeepsAnObserverWaiting) {
