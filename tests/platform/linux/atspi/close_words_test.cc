@@ -10,7 +10,7 @@ TEST(CloseName, IsKnownInTranslationsOfGtk) {
   for (const char* name :
        {"Close",  "Schließen", "Fermer", "Cerrar", "Chiudi",   "Fechar", "Sluiten", "Закрыть", "Закрити", "Zamknij",
         "Zavřít", "Zavrieť",   "Stäng",  "Luk",    "Lukk",     "Sulje",  "Sulge",   "Kapat",   "Bezárás", "Închide",
-        "Zapri",  "Zatvori",   "Tanca",  "关闭",   "Κλείσιμο", "關閉",   "閉じる",  "닫기"}) {
+        "Zapri",  "Zatvori",   "Tanca",  "关闭",   "Κλείσιμο", "關閉",   "閉じる",  "닫기",    "إغلاق"}) {
     EXPECT_TRUE(HLIsCloseName(HLLowercase(name))) << name;
   }
   EXPECT_TRUE(HLIsCloseName("dismiss"));
@@ -21,6 +21,7 @@ TEST(CloseName, IsKnownInTranslationsOfGtk) {
 
 TEST(ClosingDescription, IsKnownInTranslationsOfServers) {
   for (const char* sentence : {"Closes the notification.",
+                               "Dismisses the notification.",
                                "Schließt die Benachrichtigung.",
                                "Ferme la notification",
                                "Cerrar la notificación",
