@@ -20,6 +20,17 @@ static_assert(std::all_of(HLNotificationWords.begin(), HLNotificationWords.end()
                      [word](std::string_view part) { return word.find(part) != std::string_view::npos; });
 }));
 
+// What the search of unfinished words relies on.
+constexpr bool isSearchable(HLWordList words) {
+  return std::all_of(words.begin(), words.end(), [](std::string_view word) {
+    const auto isPlain = [](char c) { return c == ' ' || (c >= 'a' && c <= 'z'); };
+    return std::all_of(word.begin(), word.end(), isPlain) && std::count(word.begin(), word.end(), ' ') <= 1 &&
+           !word.ends_with('i');
+  });
+}
+static_assert(isSearchable(HLDismissWords) && isSearchable(HLOwnCloseWords) && isSearchable(HLNotificationWords) &&
+              isSearchable(HLNegativeWords) && isSearchable(HLButtonWords));
+
 // The lower case of two characters beyond ASCII has an ASCII letter: of this one it is k. That of U+0130 is i and a
 // mark, which is in no word, since none ends in i.
 constexpr std::array<std::string_view, 1> kKelvinSign = {"\u212A"};
