@@ -3,9 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -27,6 +25,7 @@
 #include <vector>
 
 #include "platform/run_loop.h"
+#include "tests/support/listener.h"
 #include "tests/support/personal_log.h"
 #include "tests/support/processes.h"
 #include "tests/support/simulated_desktop.h"
@@ -234,14 +233,9 @@ TEST_F(Log, WritesIntoNoDevice) {
 }
 
 TEST_F(Log, LeavesASocketAlone) {
-  const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  path("log").copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
-  ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  const Listener listener(path("log"));
   HLAppendLineToPath(path("log"), "message");
   EXPECT_TRUE(std::filesystem::is_socket(path("log")));
-  close(listener);
 }
 
 TEST_F(Log, FollowsNoLinkAtItsPath) {

@@ -2,10 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <thread>
 #include <vector>
 
 #include "tests/daemon/daemon_process.h"
+#include "tests/support/listener.h"
 #include "tests/support/scenes.h"
 
 namespace {
@@ -27,20 +29,13 @@ class Routing : public TrustedDaemon {
   // Stands in for a daemon: takes one connection, and answers whatever it is asked.
   [[nodiscard]] std::thread answerOnce(const std::string& reply) const {
     std::filesystem::create_directories(std::filesystem::path(socketPath()).parent_path());
-    const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    socketPath().copy(static_cast<char*>(address.sun_path), 103);
-    EXPECT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(::listen(listener, 1), 0);
-    return std::thread([listener, reply] {
-      const int connection = ::accept(listener, nullptr, nullptr);
+    return std::thread([listener = std::make_unique<Listener>(socketPath()), reply] {
+      const int connection = listener->accept();
       std::array<char, 64> request{};
       while (::read(connection, request.data(), request.size()) > 0) {
       }
       (void)::send(connection, reply.data(), reply.size(), MSG_NOSIGNAL);
       ::close(connection);
-      ::close(listener);
     });
   }
 };

@@ -2,10 +2,7 @@
 #include "platform/linux/atspi/tree_reader.h"
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <systemd/sd-bus.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <map>
@@ -16,6 +13,7 @@
 #include <vector>
 
 #include "platform/linux/atspi/banners.h"
+#include "tests/support/listener.h"
 #include "tests/support/temporary_directory.h"
 
 namespace {
@@ -39,25 +37,15 @@ struct Element {
 class Application {
  public:
   Application(const std::string& socket, std::map<std::string, Element> elements)
-      : elements_(std::move(elements)), listener_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    socket.copy(static_cast<char*>(address.sun_path), sizeof address.sun_path - 1);
-    (void)::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    (void)::listen(listener_, 1);
-    thread_ = std::thread([this] { serve(); });
-  }
+      : elements_(std::move(elements)), listener_(socket), thread_([this] { serve(); }) {}
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
-  ~Application() {
-    thread_.join();
-    ::close(listener_);
-  }
+  ~Application() { thread_.join(); }
 
  private:
   // Until the reader closes the connection.
   void serve() {
-    const int connection = ::accept(listener_, nullptr, nullptr);
+    const int connection = listener_.accept();
     sd_bus* bus = nullptr;
     sd_id128_t id{};
     sd_id128_randomize(&id);
@@ -101,7 +89,7 @@ class Application {
   }
 
   const std::map<std::string, Element> elements_;
-  const int listener_;
+  const Listener listener_;
   std::thread thread_;
 };
 

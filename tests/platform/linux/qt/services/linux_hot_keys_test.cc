@@ -4,9 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
@@ -26,6 +23,7 @@
 
 #include "platform/linux/qt/services/x11_hot_keys.h"
 #include "tests/platform/linux/support/desktop_session.h"
+#include "tests/support/listener.h"
 
 namespace {
 
@@ -327,20 +325,13 @@ TEST_F(HotKeys, AreNotAskedOfTheXServerOfAWaylandCompositor) {
             HLHotKeyStatus::success)
       << "the name has outlived its compositor";
 
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  const std::string path = session_.environment().at("XDG_RUNTIME_DIR") + "/wayland-7";
-  ASSERT_LT(path.copy(address.sun_path, sizeof address.sun_path - 1), sizeof address.sun_path - 1);
-  const int compositor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  ASSERT_EQ(bind(compositor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-  ASSERT_EQ(listen(compositor, 5), 0);
+  const Listener compositor(session_.environment().at("XDG_RUNTIME_DIR") + "/wayland-7");
   for (const char* type : {"tty", "", "wayland"}) {
     setenv("XDG_SESSION_TYPE", type, 1);
     EXPECT_EQ(HLQtHotKeys(loop_, "com.example.program").registerHotKey(kF5, 0, {"HLhk", 1}).status,
               HLHotKeyStatus::failed)
         << "there is no portal; type " << type;
   }
-  close(compositor);
 }
 
 TEST_F(HotKeys, EndQuietlyWithTheirServer) {

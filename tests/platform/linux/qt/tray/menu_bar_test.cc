@@ -1,14 +1,12 @@
 // The menu-bar application in a real session, used with the mouse and the keyboard.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <string>
 
 #include "tests/platform/linux/qt/tray/menu_bar_session.h"
+#include "tests/support/listener.h"
 
 namespace {
 
@@ -133,14 +131,7 @@ TEST_F(MenuBar, ASecondStartReopensTheFirstAndEnds) {
 
 // There it is not told of clicks beside it, unless on a window of its own.
 TEST_F(MenuBar, TheMenuCoversTheScreenBesideAWaylandCompositorWhileItIsOpen) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  const std::string path = session_->environment().at("XDG_RUNTIME_DIR") + "/wayland-7";
-  ASSERT_LT(path.copy(address.sun_path, sizeof address.sun_path - 1), sizeof address.sun_path - 1);
-  const int compositor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  ASSERT_EQ(bind(compositor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-  ASSERT_EQ(listen(compositor, 5), 0);
-
+  const Listener compositor(session_->environment().at("XDG_RUNTIME_DIR") + "/wayland-7");
   panel_ = session_->startTray();
   startProgram("xcb WAYLAND_DISPLAY=wayland-7");
   const std::string screen = xdotool({"getdisplaygeometry", "--shell"});  // "WIDTH=...\nHEIGHT=...\n"
@@ -156,7 +147,6 @@ TEST_F(MenuBar, TheMenuCoversTheScreenBesideAWaylandCompositorWhileItIsOpen) {
   xdotool({"mousemove", "300", "300", "click", "1"});
   waitFor("menu closed");
   EXPECT_TRUE(Eventually([&] { return !isCovered(); }));
-  close(compositor);
 }
 
 TEST_F(MenuBar, ItEndsWellWhenItIsTold) {
