@@ -161,7 +161,6 @@ void feedSignal(HLNotificationTable& table, sd_bus_message* message) {
     const char* before = nullptr;
     const char* after = nullptr;
     if (sd_bus_message_is_signal(message, kBus.data(), "NameOwnerChanged") <= 0 ||
-        sd_bus_message_has_signature(message, "sss") <= 0 ||
         sd_bus_message_read(message, "sss", &name, &before, &after) <= 0) {
       return;
     }
