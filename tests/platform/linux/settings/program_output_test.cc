@@ -50,14 +50,15 @@ TEST(ReadUntilEnd, EndsAtAnErrorOfRead) {
 
 TEST(ReadUntilEnd, EndsAtAnErrorOfPoll) {
   EXPECT_EQ(InChildProcess([] {
-              rlimit limit{};
-              getrlimit(RLIMIT_NOFILE, &limit);
-              const rlimit none{0, limit.rlim_max};  // fewer than poll() is asked about
+              rlimit before{};
+              getrlimit(RLIMIT_NOFILE, &before);
+              const rlimit none{0, before.rlim_max};  // fewer than poll() is asked about
               setrlimit(RLIMIT_NOFILE, &none);
               const Clock::time_point begin = Clock::now();
               const bool missing = !HLReadUntilEnd(STDIN_FILENO, begin + std::chrono::seconds(30));
-              setrlimit(RLIMIT_NOFILE, &limit);  // a sanitizer opens files at the end
-              return std::string(missing && Clock::now() - begin < std::chrono::seconds(15) ? "at once" : "late");
+              const bool isAtOnce = Clock::now() - begin < std::chrono::seconds(15);
+              setrlimit(RLIMIT_NOFILE, &before);  // which a sanitizer needs at the end
+              return std::string(missing && isAtOnce ? "at once" : "late");
             }),
             "at once");
 }
