@@ -5,6 +5,7 @@
 #include <sstream>
 #include <vector>
 
+#include "base/paths.h"
 #include "platform/platform.h"
 #include "platform/run_loop.h"
 #include "tests/support/flushed_stream.h"
@@ -14,6 +15,17 @@
 namespace {
 
 using Lines = std::vector<std::string>;
+
+// The flavor is decided once per process. This program decides before its first test, or a test that logs in a scene
+// without ProductBundle would move the status log of all others.
+class ProductFlavor : public testing::Environment {
+ public:
+  void SetUp() override {
+    const SimulatedDesktop desktop(std::string("{") + ProductBundle + "}");
+    EXPECT_TRUE(HLIsProductFlavor());
+  }
+};
+[[maybe_unused]] const testing::Environment* const kFlavor = testing::AddGlobalTestEnvironment(new ProductFlavor);
 
 constexpr const char* kBanner = "Shortcuts, Running your automation";
 
