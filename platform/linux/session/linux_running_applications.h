@@ -25,8 +25,9 @@ class HLLinuxRunningApplications : public HLRunningApplications {
   void observeLaunches(std::function<void(const HLRunningApplication&)> observer) override;
   [[nodiscard]] HLSignalOutcome sendSignal(std::int32_t pid, int signal) override;
 
-  // Reports the launch of the listed process again as soon as `isReady`, which may block, returns true. Asks it less
-  // and less often, and no more after some minutes or if another process is listed. Main thread.
+  // Reports the launch of the listed process again as soon as `isReady`, which may block, returns true. Calls `isReady`
+  // after 0.5 s and then at doubled intervals, ten times at most in the life of the process. Stops if another process
+  // is listed. Main thread.
   void reportAgainWhenReady(std::int32_t pid, std::function<bool()> isReady);
 
  private:
