@@ -54,7 +54,7 @@ build-asan build-tsan: build-%:
 	cmake --preset $* $(CONFIGURE_FLAGS)
 	cmake --build --preset $* -j $(JOBS)
 
-# Every fuzzer for so many seconds, going on from what was found before.
+# Every fuzzer for SECONDS seconds, starting from what earlier runs found.
 fuzz: SECONDS ?= 600
 fuzz: build-fuzz
 	tools/fuzz $(SECONDS)
@@ -64,7 +64,7 @@ build-fuzz:
 	cmake --preset fuzz $(CONFIGURE_FLAGS)
 	cmake --build --preset fuzz -j $(JOBS)
 
-# Random desktops, faults and input for so many seconds; docs/swarm.md.
+# Random desktops, faults and input for SECONDS seconds; docs/swarm.md.
 swarm: SECONDS ?= 600
 swarm:
 	@tools/install-packages build test

@@ -10,7 +10,7 @@
 #include "base/paths.h"
 
 // Appends a line: local time, space, message. Creates a missing file and its directories. Ignores all errors, also a
-// missing path, a message that is no UTF-8, and a path of something other than a regular file.
+// missing path, a message that is not UTF-8, and a path of something other than a regular file.
 void HLAppendLineToPath(const std::optional<std::string>& path, std::string_view message);
 
 // Appends to the status log: what the user did and what followed.

@@ -35,9 +35,9 @@ struct HLActionList {
   std::vector<std::string> names;  // in the element's own order
 };
 
-// One node of another process's interface. All methods may be called from any thread, several at once, and may block
-// until that process answers; a host that cannot wait for ever answers HLAXErrorCannotComplete. An element that has
-// gone, or whose process has, answers HLAXErrorInvalidElement; without trust everything answers HLAXErrorAPIDisabled.
+// An element of another process's UI. Thread-safe. Calls may block until that process responds; a host with a
+// timeout returns HLAXErrorCannotComplete after it. Calls return HLAXErrorInvalidElement once the element is destroyed
+// or its process exits, and HLAXErrorAPIDisabled while this process is untrusted.
 class HLElement {
  public:
   HLElement() = default;
@@ -53,7 +53,7 @@ class HLElement {
 
   [[nodiscard]] virtual HLActionList copyActionNames() const = 0;
 
-  // Success means that the other process took the action, not that it had an effect.
+  // Success means that the request was accepted, not that it had an effect.
   [[nodiscard]] virtual HLAXError performAction(std::string_view action) const = 0;
 
   // Whether both handles stand for the same node.
@@ -63,7 +63,7 @@ class HLElement {
   [[nodiscard]] virtual std::size_t hash() const = 0;
 };
 
-// Elements by what their handles stand for.
+// Hash and equality of elements by the node that their handles represent.
 struct HLElementHash {
   std::size_t operator()(const HLElementRef& element) const { return element->hash(); }
 };
@@ -96,8 +96,8 @@ class HLAccessibility {
   HLAccessibility& operator=(const HLAccessibility&) = delete;
   virtual ~HLAccessibility() = default;
 
-  // Whether this process may read and press other processes' controls now. With prompt, a process that may not asks the
-  // user; the call does not wait for the answer. Any thread.
+  // Returns whether this process may now read and press other processes' controls. With `prompt`, an untrusted process
+  // asks the user without waiting for the answer. Any thread.
   [[nodiscard]] virtual bool isProcessTrusted(bool prompt) = 0;
 
   // The root element of a process, or nullptr when it cannot be made. Any thread.
@@ -106,7 +106,7 @@ class HLAccessibility {
   // nullptr when the process cannot be watched. Main thread.
   [[nodiscard]] virtual std::unique_ptr<HLObserver> createObserver(std::int32_t pid, HLObserverCallback callback) = 0;
 
-  // Called once by a process that stays in the session, before its first dismissal. A host that can close more when it
-  // has seen what was posted begins to watch here. Main thread.
+  // Called once by a process that stays in the session, before its first dismissal. A host that can close more after
+  // it has seen what was posted starts watching here. Main thread.
   virtual void prepareToStay() {}
 };

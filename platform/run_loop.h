@@ -8,7 +8,7 @@
 // macOS's quality-of-service classes. Other hosts ignore them.
 enum class HLQualityOfService { userInitiated = 25 };
 
-// Runs operations on worker threads: as many as can be started, or without any on the thread that waits for the queue.
+// Runs operations on worker threads, as many as can be started; if none can, on the thread that waits for the queue.
 // One owner thread adds operations and waits. Destruction waits too.
 class HLOperationQueue {
  public:
@@ -63,9 +63,9 @@ class HLRunLoop {
   // thread.
   virtual void runFor(double seconds) = 0;
 
-  // Has this run on the main thread while its loop runs, after all that was posted before. Any thread.
+  // Queues `step` for the main run loop, FIFO. Thread-safe.
   virtual void postToMainQueue(std::function<void()> step) = 0;
-  // The same, that many seconds from now.
+  // Queues `step` for the main run loop after `seconds`. Thread-safe.
   virtual void postToMainQueueAfter(double seconds, std::function<void()> step) = 0;
 
   // Runs `work` on another thread, never on the main thread. If no thread can be started for HLThreadStartTimeout,
@@ -73,10 +73,10 @@ class HLRunLoop {
   virtual void postToGlobalQueue(HLQualityOfService quality, std::function<void()> work,
                                  std::function<void()> refused = nullptr) = 0;
 
-  // Runs the action on the main thread every so many seconds, the first time that long from now. Main thread.
+  // Runs `action` on the main thread every `interval` seconds, first after `interval`. Main thread.
   [[nodiscard]] virtual std::unique_ptr<HLTimer> scheduleTimer(double interval, std::function<void()> action) = 0;
 
-  // A queue that runs at most that many operations at once (1 or more). The name is shown by debuggers.
+  // Returns a queue that runs at most `maxConcurrentOperations` (1 or more) at once. Debuggers show `name`.
   [[nodiscard]] virtual std::unique_ptr<HLOperationQueue> makeOperationQueue(const std::string& name,
                                                                              HLQualityOfService quality,
                                                                              int maxConcurrentOperations) = 0;

@@ -33,8 +33,8 @@ class HLRunningApplications {
   [[nodiscard]] virtual std::optional<HLRunningApplication> find(std::int32_t pid) = 0;
 
   // Calls on the main thread, while its loop runs, for each application that is launched from now on. Main thread; for
-  // the whole life of the process. A host may tell of a launch by what it lists alone, and may tell
-  // again of an application that could not be observed, once it can be.
+  // the whole life of the process. A host may derive launches from list() alone. It may report again an application
+  // that could not be observed, once it can be.
   virtual void observeLaunches(std::function<void(const HLRunningApplication&)> observer) = 0;
 
   // Sends SIGTERM or SIGKILL to an application that the system starts again by itself, or that the host can have

@@ -39,7 +39,8 @@
 [[nodiscard]] std::string HLUppercase(std::string_view text);
 [[nodiscard]] std::string HLFoldCase(std::string_view text);
 
-// Lower-cases the ASCII letters, which changes no mapping of the text. Returns whether all of the text is ASCII.
+// Lower-cases the ASCII letters; HLLowercase() of the result is that of the original. Returns whether the whole text is
+// ASCII.
 bool HLMakeAsciiLowercase(std::string& text);
 
 // Full case folding of both sides, then a literal search. Everything contains the empty text.
@@ -51,7 +52,7 @@ bool HLMakeAsciiLowercase(std::string& text);
 [[nodiscard]] std::u16string HLUtf16Units(std::string_view text);
 [[nodiscard]] std::string HLTextOfUtf16(std::u16string_view units);
 
-// The first so many UTF-16 code units. A pair that the cut halves leaves its first half.
+// Returns the first `units` UTF-16 code units. If the cut splits a pair, keeps its first half.
 [[nodiscard]] std::string HLUtf16Prefix(std::string_view text, std::size_t units);
 
 // Whether the text can be written as UTF-8: well-formed, without halves of pairs.

@@ -13,7 +13,7 @@
 #include "platform/geometry.h"
 
 class HLElement;
-// A reference-counted handle. Identity is the pointer; equality of what it stands for is HLElement::isEqual.
+// A reference-counted handle. Pointers compare handles; HLElement::isEqual() compares the nodes that they represent.
 using HLElementRef = std::shared_ptr<HLElement>;
 
 struct HLValue;

@@ -29,12 +29,12 @@ struct HLPreparedBatch {
 struct HLResolutionStep {
   const HLDismissTarget& target;
   const HLDismissTarget& control;
-  std::size_t index;  // in HLPreparedBatch::resolved, of the first target's control that is equal to this one
+  std::size_t index;  // of the control in HLPreparedBatch::resolved; equal controls share an index
 };
 using HLResolutionListener = std::function<void(const HLResolutionStep&)>;
 
-// Resolves each target; of several targets with one control keeps the first. Presses nothing. Calls the listener, if
-// there is one, for each target that has a control.
+// Resolves each target. Keeps only the first of several targets with equal controls. Presses nothing. Calls the
+// listener, if any, for each target that has a control.
 [[nodiscard]] HLPreparedBatch HLPrepareBatch(const std::vector<HLDismissTarget>& eligible,
                                              const HLResolutionListener& listener = nullptr);
 

@@ -3,6 +3,6 @@
 
 #include <string>
 
-// Returns "pid=%d ppid=%d parentBundle=%@ parentName=%@" of this process; "none" unless the parent is a running
-// application with bundle identifier and name.
+// Returns "pid=%d ppid=%d parentBundle=%@ parentName=%@" of this process. parentBundle and parentName are each
+// "none" if the parent is no running application or lacks that value.
 [[nodiscard]] std::string HLLaunchContextSummary();

@@ -5,8 +5,8 @@
 
 #include "core/scan/records.h"
 
-// Returns the close control at or below the target if the target is large and its action dismisses nothing; otherwise
-// the target itself.
+// Returns the target itself if it is not large or its action's name has a dismiss word; else the close control that is
+// an attribute of its element or at or below it, or the target if there is none.
 [[nodiscard]] HLDismissTarget HLResolvedTarget(const HLDismissTarget& target);
 
 [[nodiscard]] bool HLTargetUsesClearAction(const HLDismissTarget& target);

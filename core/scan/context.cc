@@ -20,7 +20,7 @@ static_assert(std::all_of(HLNotificationWords.begin(), HLNotificationWords.end()
                      [word](std::string_view part) { return word.find(part) != std::string_view::npos; });
 }));
 
-// What the search of unfinished words relies on.
+// Returns whether these words can be searched for before finish().
 constexpr bool isSearchable(HLWordList words) {
   return std::all_of(words.begin(), words.end(), [](std::string_view word) {
     const auto isPlain = [](char c) { return c == ' ' || (c >= 'a' && c <= 'z'); };
@@ -31,8 +31,8 @@ constexpr bool isSearchable(HLWordList words) {
 static_assert(isSearchable(HLDismissWords) && isSearchable(HLOwnCloseWords) && isSearchable(HLNotificationWords) &&
               isSearchable(HLNegativeWords) && isSearchable(HLButtonWords));
 
-// The lower case of two characters beyond ASCII has an ASCII letter: of this one it is k. That of U+0130 is i and a
-// mark, which is in no word, since none ends in i.
+// Beyond ASCII, only U+212A and U+0130 have a lower case with an ASCII letter. U+212A (Kelvin) becomes k, so a text
+// with it is finished at once. U+0130 becomes i and a combining mark. No word ends in i, so no word matches there.
 constexpr std::array<std::string_view, 1> kKelvinSign = {"\u212A"};
 
 std::string joined(std::initializer_list<std::string_view> texts) {
@@ -98,7 +98,8 @@ const std::string& HLContext::Words::finish() {
   return own;
 }
 
-// What finish() changes beside white space is not ASCII, so that it adds and removes no word without a space.
+// finish() changes only white space and characters beyond ASCII, so a word without a space matches before it exactly if
+// it matches after.
 std::optional<std::string_view> HLContext::Words::ownWordIn(HLWordList words) {
   for (const std::string_view word : words) {
     const std::string_view last = word.substr(word.rfind(' ') + 1);
@@ -116,8 +117,8 @@ bool HLContext::Words::holdsAny(HLWordList words, std::optional<bool> Words::*an
   return *(this->*answer);
 }
 
-// A word has one space at most, which is the boundary then, and no white space is beside it: so the words need not be
-// finished.
+// A word has at most one space. If it straddles the boundary, the boundary is that space, and neither side has white
+// space next to it. So finish() is not needed.
 bool HLContext::Words::holdsAnyAcrossBoundary(HLWordList words) const {
   return before != nullptr && HLLowercaseContainsAny(before->lastBytes(kReach) + ' ' + own.substr(0, kReach), words);
 }

@@ -31,7 +31,7 @@ struct HLConventions {
   bool spellsModifiers = false;         // shortcuts are too long to share a row with their buttons
   bool offersAutoClose = true;          // the host has automations whose banners can be closed
   bool offersUserRules = false;         // the preferences may hold rules for banners to close
-  bool marksInactiveShortcuts = false;  // windows tell a stored shortcut that is not registered from one that works
+  bool marksInactiveShortcuts = false;  // windows mark a stored shortcut that is not registered
   bool restoresShortcutNote = false;    // a canceled recording restores the note under the shortcut
   bool logsUnchangedPolls = true;       // the setup window's polls are logged even without a change
   bool explainsFailures = false;  // the status item, or without one the settings window, says why a dismissal failed

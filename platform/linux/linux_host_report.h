@@ -1,4 +1,4 @@
-// What a Linux desktop tells of itself.
+// What a Linux desktop reports about itself.
 #pragma once
 
 #include "platform/host_report.h"

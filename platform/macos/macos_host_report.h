@@ -1,4 +1,4 @@
-// What a Mac tells of itself and of Notification Center.
+// What a Mac reports about itself and about Notification Center.
 #pragma once
 
 #include "platform/host_report.h"

@@ -116,7 +116,7 @@ TEST(UpdateCheck, AcceptsBuildAsNumberOrText) {
   }
 }
 
-TEST(UpdateCheck, AcceptsANumericInstalledVersion) {
+TEST(UpdateCheck, AcceptsInstalledVersionOfAnyType) {
   for (const auto& [version, named] :
        {std::pair{"1.5", "1.5"}, {"2", "2"}, {"\"1.3 beta\"", "1.3 beta"}, {"[1]", "?"}}) {
     const ApplicationRun run =

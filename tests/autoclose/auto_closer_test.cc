@@ -175,7 +175,7 @@ TEST(AutoCloser, RestartsTheDelayAfterForgetting) {
   EXPECT_EQ(closer.closed(), 202);
 }
 
-TEST(AutoCloser, IgnoresOtherNotifications) {
+TEST(AutoCloser, IgnoresOtherAccessibilityEvents) {
   SimulatedDesktop desktop(scene(banner("a", kBanner, R"("Name:Close")"),
                                  R"(,"timeline": [{"at": 0.5, "notify": "AXCreated", "element": "a"}])"));
   HLAutoCloser closer;

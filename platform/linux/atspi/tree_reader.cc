@@ -153,7 +153,7 @@ class Walk {
  private:
   struct Place {
     int window;       // the child of the application above the node, or the node itself
-    int hiddenLevel;  // 0 when showing, else how many hidden ancestors lead up to it, itself included
+    int hiddenLevel;  // 0 when showing; else the number of consecutive hidden nodes upward, this one included
   };
 
   int add(int parent, std::string_view path);

@@ -21,7 +21,8 @@ bool isExecutableFile(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && access(path.c_str(), X_OK) == 0;
 }
 
-// The first word of a command line whose string escapes have been taken out; field codes are none of it.
+// Returns the first word of a command line whose string escapes are already decoded, without field codes; nullopt if
+// the word is empty or a quote is not closed.
 std::optional<std::string> firstWord(std::string_view command) {
   std::string word;
   bool quoted = false;
@@ -110,8 +111,8 @@ std::string HLDesktopStringOfText(std::string_view text) {
 }
 
 std::string HLExecOfProgram(std::string_view program) {
-  // GLib looks for the program under its escaped name; one of an argument it finds. A path with an equals sign would
-  // be a variable there.
+  // GLib searches for the program by its still escaped name, so a "%" fails there but works in an argument of `env`.
+  // `env` takes a path with "=" for a variable, so that stays the program.
   const bool asArgument = program.find('%') != std::string_view::npos && program.find('=') == std::string_view::npos;
   std::string command = asArgument ? "env \"" : "\"";
   for (const char c : program) {

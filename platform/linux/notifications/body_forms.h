@@ -11,7 +11,7 @@
 
 // Returns the texts that a server may show for this body, with plain blanks, each once:
 // - the text of the markup, read as leniently as HTML, or with only <b>, <i>, <u> and some entities understood;
-// - the body itself, what is outside angle brackets, or what is before the fault, where it is no well-formed markup of
-//   the kind that applications may send;
-// - nothing, where it has elements beyond those, since some servers then show none.
+// - the body itself, if it is not well-formed or has elements that strict servers do not understand;
+// - its text outside angle brackets and its text before the fault, if it is not well-formed;
+// - "", if it has elements that strict servers do not understand, since some servers then show no text.
 [[nodiscard]] std::vector<std::string> HLBodyForms(std::string_view body);

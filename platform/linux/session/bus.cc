@@ -48,6 +48,7 @@ std::unique_ptr<HLBus> HLBus::openPeer(const std::string& address, Timeout timeo
 std::unique_ptr<HLBus> HLBus::openAddress(const std::string& address, bool isPeer, Timeout timeout) {
   sd_bus* bus = nullptr;
   if (sd_bus_new(&bus) < 0) return nullptr;
+  // If one of these two fails, so does sd_bus_start().
   sd_bus_set_address(bus, address.c_str());
   sd_bus_set_bus_client(bus, isPeer ? 0 : 1);
   if (sd_bus_start(bus) < 0) {

@@ -39,8 +39,8 @@ class HLLinuxRunLoop : public HLRunLoop {
   [[nodiscard]] int addSource(Source source);
   void removeSource(int number);
 
-  // For an event loop of another kind that takes this one's place: a descriptor that is readable when there is
-  // something to do, and the doing of it, which never waits. Main thread.
+  // For another event loop (Qt's) that replaces this one: when descriptor() is readable, call serve(), which never
+  // waits for events. Main thread.
   [[nodiscard]] int descriptor() const { return poll_; }
   void serve();
 

@@ -13,7 +13,7 @@
 @class NSMenuItem;
 @class NSStatusItem;
 
-// The menu is not the item's own: it opens only when it is popped up.
+// The menu is not attached to the NSStatusItem; only popUpMenu() opens it.
 class HLMacStatusItem : public HLStatusItem {
  public:
   HLMacStatusItem();

@@ -4,5 +4,5 @@
 #include <cstdint>
 #include <string>
 
-// A white PNG of that many pixels.
+// Returns a white PNG of `width` x `height` pixels.
 [[nodiscard]] std::string HLBlankPng(std::uint32_t width, std::uint32_t height);

@@ -51,7 +51,7 @@ TEST(Click, CarriesItsModifiers) {
                           "click 2 1048576@1000", "click 2 8388608@1000", "click 4 393216@1000"));
 }
 
-TEST(Click, HasNoEventForNone) {
+TEST(Click, SendsNoEventWithoutButton) {
   MenuBar program(Timeline(R"({"at": 1, "click": "none", "modifiers": ["shift"]})"));
   (void)program.run([&] { installItem(program); });
   EXPECT_THAT(program.entries(), ElementsAre("click@1000"));

@@ -116,7 +116,8 @@ QPainterPath titlePath(const QString& title) {
   return path;
 }
 
-// Puts the number in the lower right corner, in front of the symbol's outline. Of what is in it, scraps would remain.
+// Puts the number in the lower right corner, in front of the symbol's outline. The outline lacks the symbol's inner
+// parts: only fragments of them would stay visible.
 QPainterPath withNumber(const QPainterPath& outline, const QString& number) {
   const QPainterPath digits = textPath(number);
   const QRectF bounds = digits.boundingRect();

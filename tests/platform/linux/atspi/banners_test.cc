@@ -181,7 +181,7 @@ TEST(Banners, IgnoreEntriesOfAMessageList) {
   EXPECT_THAT(HLFindBanners(ParseTree(tree)), IsEmpty());
 }
 
-TEST(Banners, ListItemsAreBannersWhereEachCanBeClosed) {
+TEST(Banners, IncludeListItemsWithCloseButtons) {
   EXPECT_THAT(textsOf(ParseTree(R"(
 window ''
   list ''

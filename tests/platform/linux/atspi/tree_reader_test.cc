@@ -105,7 +105,7 @@ HLRawTree Read(const std::map<std::string, Element>& elements) {
   return tree;
 }
 
-// By its key, with its children below it.
+// Returns the last part of each node's path, with its children in parentheses.
 std::string Outline(const HLRawTree& tree, int index = 0) {
   const HLRawNode& node = tree.at(static_cast<std::size_t>(index));
   std::string text = node.path.substr(node.path.rfind('/') + 1);

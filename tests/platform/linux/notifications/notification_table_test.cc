@@ -254,7 +254,7 @@ TEST_F(NotificationTable, BoundsUnansweredTexts) {
   EXPECT_GT(table_.waitingCount(), 400U);
 }
 
-TEST_F(NotificationTable, SignalsEveryChangeOfOpen) {
+TEST_F(NotificationTable, SignalsChangesOfOpenNotifications) {
   const int event = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
   const auto signaled = [event] {
     std::uint64_t count = 0;

@@ -412,7 +412,7 @@ TEST_F(SessionNotifications, RefuseLargeOrOddQuestions) {
             HLBusOutcome::refused);
 }
 
-TEST_F(SessionNotifications, AskAboutNoMoreThanIsAnswered) {
+TEST_F(SessionNotifications, StayWithinTheRequestLimits) {
   const FakeServer server(kKnown);
   HLSessionNotifications running(always());
   running.prepareToStay();

@@ -58,7 +58,7 @@ TEST_P(Launches, AreToldOfOnceEach) {
   expectTold({first->pid(), second->pid()});
 }
 
-TEST_P(Launches, BetweenWhichTheLoopDidNotRunAreToldOfAsTheLastOne) {
+TEST_P(Launches, ReportOnlyTheLastWhileLoopStopped) {
   begin();
   {
     const std::unique_ptr<ChildProcess> first = session_->startServer(GetParam().command);
@@ -103,7 +103,7 @@ TEST_P(Launches, AreReportedAgainOnceReady) {
   EXPECT_EQ(questions, 2);
 }
 
-TEST_P(Launches, OfAServerThatAnotherFollowedAreNotReportedAgain) {
+TEST_P(Launches, StopRetryingForReplacedServers) {
   begin();
   const std::unique_ptr<ChildProcess> first = session_->startServer(GetParam().command);
   applications_.reportAgainWhenReady(first->pid(), [] {

@@ -269,7 +269,7 @@ TEST_F(MainLoop, AStepMayRunALoopOfItsOwnWhichFindsTheOthers) {
   EXPECT_THAT(seen_, ElementsAre(1, 2, 3, 4));
 }
 
-TEST_F(MainLoop, ATimerGoesOnWhileItsActionRunsALoopOfItsOwn) {
+TEST_F(MainLoop, KeepsTimerRunningInNestedLoop) {
   int depth = 0;
   int deepest = 0;
   const std::unique_ptr<HLTimer> timer = loop_.scheduleTimer(0.005, [&] {

@@ -98,7 +98,7 @@ class OtherClient {
     return count;
   }
 
-  // Calls `change` with the keycodes of each modifier, which are so many, and sets what it makes of them.
+  // Passes the modifier mapping and its keycodes per modifier to `change`, then sets the result.
   void changeModifiers(const std::function<void(xcb_keycode_t* codes, int width)>& change) {
     xcb_get_modifier_mapping_reply_t* mapping =
         xcb_get_modifier_mapping_reply(connection_, xcb_get_modifier_mapping(connection_), nullptr);

@@ -95,7 +95,7 @@ TEST_F(MenuBar, APanelOnTheBusMayAskForTheMenu) {
   waitFor("menu opens");
 }
 
-TEST_F(MenuBar, APanelThatComesLaterOrIsRestartedGetsTheItem) {
+TEST_F(MenuBar, RegistersWithLateOrRestartedPanel) {
   startProgram("offscreen");
   startPanel();
   waitForPanelItem();

@@ -18,7 +18,7 @@ HLMenu menuWith(const std::string& title) {
   return menu;
 }
 
-// Opens it beside that item, and returns what `note` returns while it is open.
+// Opens the menu beside `item`. Returns the result of `note`, called while the menu is open.
 template <class Note>
 auto whileOpen(HLTrayMenu& menu, const QRect& item, const Note& note) {
   decltype(note()) noted;
@@ -31,7 +31,7 @@ auto whileOpen(HLTrayMenu& menu, const QRect& item, const Note& note) {
 }
 
 // As a window of the desktop's it would be tiled if it could be resized.
-TEST(TrayMenu, AsAWindowItHasTheProgramsNameAndTheSizeOfItsItems) {
+TEST(TrayMenu, HasProgramNameAndFitsItsItems) {
   (void)Offscreen();
   HLTrayMenu menu(menuWith("Short"));
   const auto noteSize = [&menu] {

@@ -30,7 +30,8 @@ class TrayPicture : public testing::Test {
   void SetUp() override { (void)Offscreen(); }
 };
 
-// Pixels that differ from the background by more than so much; black differs from white by 255.
+// Returns the pixels whose lightness differs from the background's by more than `difference`; black and white differ by
+// 255.
 QPolygon strongPixels(const QImage& picture, const QColor& background, int difference = 110) {
   QImage image(picture.size(), QImage::Format_RGB32);
   image.fill(background);

@@ -40,7 +40,7 @@ TEST(Alerts, TheAnswerIsTheIndexOfTheButtonThatWasChosen) {
   EXPECT_EQ(ask(kQuestion, [](QMessageBox& box) { box.buttons().at(1)->click(); }), 1U);
 }
 
-TEST(Alerts, ButtonsStandInTheGivenOrder) {
+TEST(Alerts, ShowButtonsInTheGivenOrder) {
   std::vector<std::string> titles;
   (void)ask({"Title", "Message", {"One", "Two", "Three"}}, [&titles](QMessageBox& box) {
     QList<QAbstractButton*> buttons = box.buttons();

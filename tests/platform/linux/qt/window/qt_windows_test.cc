@@ -107,7 +107,7 @@ TEST_F(Windows, TheStackStandsWithinItsMarginsWithTheDescribedSpacings) {
   EXPECT_EQ(primary.top() + primary.height() + 22, widget().height());
 }
 
-TEST_F(Windows, FullWidthMeansAsWideAsTheStackAndElseAsWideAsTheText) {
+TEST_F(Windows, FillTheStackWithFullWidthItems) {
   make(SetupWindow()).fitHeight();
   for (const char* name : {"explanation", "steps", "note", "status"}) EXPECT_EQ(place(name).width(), 460 - 48) << name;
   for (const char* name : {"heading", "primary"}) EXPECT_LT(place(name).width(), 300) << name;
