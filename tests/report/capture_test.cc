@@ -24,7 +24,7 @@ std::string deepScene(int depth) {
   return NotificationCenterScene(R"({"children": [{"ref": "n1"}], "attributes": {)" + attributes + "}}");
 }
 
-TEST(Capture, ReadsADeepTreeOnASmallStack) {
+TEST(Capture, ReadsDeepTreesOnSmallStacks) {
   constexpr int kDepth = 4000;
   const std::string elements = InChildProcess([] {
     const SimulatedDesktop desktop(deepScene(kDepth));

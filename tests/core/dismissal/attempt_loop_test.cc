@@ -196,7 +196,7 @@ TEST(AttemptLoop, CountsAReplacedTargetAsDismissed) {
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 3, 0})) << "what vanished, not the drop in number";
 }
 
-TEST(AttemptLoop, StopsAfter64AttemptsAsASuccess) {
+TEST(AttemptLoop, SucceedsAtLimitOf64Attempts) {
   const LoopRun run(ChainOfControls(66, "Mail"));
   EXPECT_EQ(run.result, (HLDismissResult{HLDismissStatusSuccess, 64, 1}));
   EXPECT_EQ(countStarting(run.log, "attempt iteration="), 64U);

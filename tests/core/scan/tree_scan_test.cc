@@ -250,7 +250,7 @@ TEST(ChildQueueItems, KeepOrderAndContext) {
   EXPECT_TRUE(HLChildQueueItems(HLElementFacts(), context).empty());
 }
 
-TEST(Pruning, NeedsScore150AndASmallFrame) {
+TEST(Pruning, NeedsScore150AndSmallFrame) {
   const auto prunes = [](std::int64_t score, HLRect frame) {
     return HLShouldPruneDescendantsAfterCandidate({nullptr, "Close", frame, score, "", ""});
   };

@@ -139,7 +139,7 @@ class AccessibilityEvents : public testing::Test {
   }
 };
 
-TEST_F(AccessibilityEvents, OfElementsBelowComeWhileTheObserverIsAttached) {
+TEST_F(AccessibilityEvents, CoverDescendantsOnlyWhileAttached) {
   int all = 0;
   int ofWindow = 0;
   const auto observer =
@@ -194,7 +194,7 @@ class Applications : public testing::Test {
   }
 };
 
-TEST_F(Applications, ComeAndGoInTheListThoughNothingRunsTheLoop) {
+TEST_F(Applications, AreListedWithoutARunningLoop) {
   const double deadline = loop_.now() + 20;
   auto window = std::make_unique<WindowProcess>();
   const std::int32_t pid = window->pid();
@@ -205,7 +205,7 @@ TEST_F(Applications, ComeAndGoInTheListThoughNothingRunsTheLoop) {
   EXPECT_FALSE(lists(pid));
 }
 
-TEST_F(Applications, AreToldOfThoughTheyStayOutOfTheDock) {
+TEST_F(Applications, AreReportedEvenOutsideTheDock) {
   const auto launched = std::make_shared<std::vector<std::int32_t>>();  // the observer stays to the end of the process
   applications_.observeLaunches(
       [launched](const HLRunningApplication& application) { launched->push_back(application.pid); });
@@ -216,7 +216,7 @@ TEST_F(Applications, AreToldOfThoughTheyStayOutOfTheDock) {
   EXPECT_TRUE(told());
 }
 
-TEST(Observer, OfAProcessThatIsNotThereIsNone) {
+TEST(Observer, IsMissingForUnknownProcess) {
   HLMacHost host;
   const auto observer =
       host.platform().accessibility->createObserver(-1, [](const HLElementRef&, std::string_view) { FAIL(); });

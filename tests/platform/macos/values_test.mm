@@ -26,7 +26,7 @@ std::optional<T> contentOf(const HLValue& value) {
   return contentOf<T>(&value);
 }
 
-TEST(Values, OfNumbersKeepTheirKind) {
+TEST(Values, KeepKindsOfNumbers) {
   EXPECT_EQ(contentOf<bool>(valueOf(@YES)), true);
   EXPECT_EQ(contentOf<bool>(valueOf([NSNumber numberWithBool:NO])), false);
   EXPECT_EQ(contentOf<std::int64_t>(valueOf(@1)), 1);
@@ -38,7 +38,7 @@ TEST(Values, OfNumbersKeepTheirKind) {
   EXPECT_EQ(contentOf<double>(valueOf([NSDecimalNumber decimalNumberWithString:@"1e20"])), 1e20);
 }
 
-TEST(Values, OfStringsKeepHalvesOfPairs) {
+TEST(Values, KeepUnpairedSurrogatesInStrings) {
   const unichar units[] = {u'a', 0xD83D, 0xD83D, 0xDE00, 0xDE00};
   EXPECT_EQ(contentOf<std::string>(valueOf([NSString stringWithCharacters:units length:5])),
             "a\xED\xA0\xBD\xF0\x9F\x98\x80\xED\xB8\x80");
@@ -53,7 +53,7 @@ TEST(Values, GoThroughStringsUnchanged) {
   }
 }
 
-TEST(Values, OfBoxesAreGeometry) {
+TEST(Values, ReadBoxedPointsAndSizes) {
   const CGPoint point = CGPointMake(-1440, 12.5);
   const CGSize size = CGSizeMake(360, 80);
   const CGRect rectangle = CGRectMake(1, 2, 3, 4);
@@ -65,7 +65,7 @@ TEST(Values, OfBoxesAreGeometry) {
   EXPECT_TRUE(HLValueOfObject(boxedRectangle.get()).isMissing());
 }
 
-TEST(Values, OfElementsAreHandlesOfTheSameNode) {
+TEST(Values, ReferToTheSameElement) {
   const HLCFRef<AXUIElementRef> element(AXUIElementCreateApplication(getpid()));
   const HLValue first = HLValueOfObject(element.get());
   const HLValue second = HLValueOfObject(element.get());
@@ -76,7 +76,7 @@ TEST(Values, OfElementsAreHandlesOfTheSameNode) {
   EXPECT_EQ(HLSystemElement(**first.as<HLElementRef>()), element.get());
 }
 
-TEST(Values, OfCollectionsKeepWhatIsOfUse) {
+TEST(Values, KeepOnlyUsableMembersOfCollections) {
   const HLValue list = valueOf(@[ @"one", NSNull.null, [NSDate date], @[ @2 ] ]);
   ASSERT_NE(list.as<HLArray>(), nullptr);
   const HLArray& members = *list.as<HLArray>();

@@ -108,7 +108,7 @@ std::vector<std::string> actionsOf(const HLMappedTree& mapped) {
   return actions;
 }
 
-TEST(ClosingActions, AreTheOnlyActionsOfAServer) {
+TEST(ClosingActions, ReplaceAllOtherActionsOfServers) {
   KnownNotifications known;
   known.post(7, "Chat", "Ada", "Are you there?");
   const HLRawTree tree = ParseTree(kMixed);
@@ -128,7 +128,7 @@ std::vector<HLShownTexts> bannerTextsOf(const HLRawTree& tree) {
   return texts;
 }
 
-TEST(BannerTexts, NameTheApplicationWhereItIsShown) {
+TEST(BannerTexts, NameTheApplicationIfShown) {
   EXPECT_THAT(bannerTextsOf(RecordedTree("lxqt")),
               ElementsAre(ElementsAre("Mail", "New message", "Hello, world"), ElementsAre("Chat", "Ada", "Lunch?")));
   EXPECT_THAT(bannerTextsOf(RecordedTree("mate")),

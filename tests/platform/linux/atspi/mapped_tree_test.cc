@@ -62,7 +62,7 @@ filler '' [974 628 300x200]
       button 'Close' [1121 821 100x25] <Press>
 )";
 
-TEST(MapTree, MapsBannersToOneChildOfTheirWindow) {
+TEST(MapTree, MapsBannersToOneWindowChild) {
   EXPECT_THAT(described(mapServer(ParseTree(kLxqt))),
               ElementsAre("AXWindow/AXStandardWindow '' '' ''",
                           "AXGroup/AXNotificationCenterAlert '' 'Mail, New message, Hello' '' <Name:Close>",
@@ -73,7 +73,7 @@ TEST(MapTree, MapsBannersToOneChildOfTheirWindow) {
                           "AXStaticText/ '' '' 'Lunch?'", "AXGroup/ '' '' ''", "AXButton/ 'Close' '' ''"));
 }
 
-TEST(MapTree, MapsCloseActionToTheCloseControl) {
+TEST(MapTree, MapsCloseActionToCloseControl) {
   const HLRawTree tree = ParseTree(kLxqt);
   const HLMappedTree mapped = mapServer(tree);
   const HLMappedNode& banner = at(mapped, at(mapped, mapped.windows.at(0)).children.at(0));
@@ -84,7 +84,7 @@ TEST(MapTree, MapsCloseActionToTheCloseControl) {
   EXPECT_EQ(banner.facts.frame, (HLRect{974, 634, 300, 86}));
 }
 
-TEST(MapTree, MapsBannerWindowToWindowAndBanner) {
+TEST(MapTree, SplitsBannerWindowsInTwo) {
   const HLMappedTree mapped = mapServer(ParseTree(R"(
 alert 'Notification' [820 125 454x83]
   label 'Title'
@@ -125,7 +125,7 @@ TEST(MapTree, OmitsHiddenWindows) {
   EXPECT_THAT(mapServer(ParseTree("window 'Hidden' (hidden)\n  label 'Text'\n")).windows, IsEmpty());
 }
 
-TEST(MapTree, MapsRolesAndActionsToAxNames) {
+TEST(MapTree, GivesRolesAndActionsAxNames) {
   EXPECT_THAT(described(mapOther(ParseTree(R"(
 frame 'Window'
   button 'Push' <click>

@@ -171,7 +171,7 @@ TEST_F(ShellQueue, IsAwaitedAfterAClosing) {
   EXPECT_THAT(descriptions(*application), ElementsAre(", title2, body2"));
 }
 
-TEST_F(ShellQueue, IsAwaitedOnlyWhereThereIsOne) {
+TEST_F(ShellQueue, IsNotAwaitedWithoutQueueTime) {
   const HLElementRef application = applicationAfterClosing();
   shell_.next = 2;
   shell_.emptyReads = 2;

@@ -34,7 +34,7 @@ TEST_P(RealServer, OneNotificationIsClosed) {
   keepPicture("after");
 }
 
-TEST_P(RealServer, ThreeNotificationsOfSeveralApplicationsAreClosed) {
+TEST_P(RealServer, ClosesNotificationsOfSeveralApplications) {
   beginWith(GetParam());
   const std::vector<std::uint32_t> ids = send(3);
   waitForTargets(3);
@@ -44,7 +44,7 @@ TEST_P(RealServer, ThreeNotificationsOfSeveralApplicationsAreClosed) {
   keepPicture("after");
 }
 
-TEST_P(RealServer, FiveNotificationsOfOneApplicationAreClosed) {
+TEST_P(RealServer, ClosesFiveNotificationsOfOneApplication) {
   beginWith(GetParam());
   const std::vector<std::uint32_t> ids = send(5, "Chat");
   waitForTargets(5);
@@ -52,7 +52,7 @@ TEST_P(RealServer, FiveNotificationsOfOneApplicationAreClosed) {
   expectClosed(ids, GetParam());
 }
 
-TEST_P(RealServer, MoreNotificationsThanTheScreenHoldsAreClosed) {
+TEST_P(RealServer, ClosesMoreThanTheScreenHolds) {
   beginWith(GetParam());
   const std::vector<std::uint32_t> ids = send(GetParam().most);
   waitForTargets(GetParam().most);
@@ -62,7 +62,7 @@ TEST_P(RealServer, MoreNotificationsThanTheScreenHoldsAreClosed) {
   keepPicture("after");
 }
 
-TEST_P(RealServer, TheButtonsOfTheApplicationAreNeverPressed) {
+TEST_P(RealServer, NeverHasApplicationButtonsPressed) {
   beginWith(GetParam());
   const std::vector<std::string> actions = {"default", "Show", "reply", "Reply", "close",
                                             "Close",   "x",    "x",     "undo",  "Undo"};
@@ -75,12 +75,12 @@ TEST_P(RealServer, TheButtonsOfTheApplicationAreNeverPressed) {
   EXPECT_THAT(sender_->invoked(), IsEmpty());
 }
 
-TEST_P(RealServer, NothingOnScreenIsNothingToClear) {
+TEST_P(RealServer, HasNothingToClearWhenEmpty) {
   beginWith(GetParam());
   ASSERT_TRUE(Eventually([this] { return dismiss() == "nothing|0|0\n"; }));
 }
 
-TEST_P(RealServer, AServerThatIsStoppedIsAFailureAndNotAnEmptyScreen) {
+TEST_P(RealServer, CausesFailureWhenStopped) {
   beginWith(GetParam());
   (void)send(2);
   waitForTargets(2);
@@ -88,7 +88,7 @@ TEST_P(RealServer, AServerThatIsStoppedIsAFailureAndNotAnEmptyScreen) {
   EXPECT_EQ(dismiss(seconds(5)), "failed|0|0\n");
 }
 
-TEST_P(RealServer, AServerThatIsKilledInTheMiddleLeavesNothingToClear) {
+TEST_P(RealServer, LeavesNothingWhenKilledWhileClearing) {
   beginWith(GetParam());
   (void)send(GetParam().most);
   waitForTargets(GetParam().most);
@@ -100,7 +100,7 @@ TEST_P(RealServer, AServerThatIsKilledInTheMiddleLeavesNothingToClear) {
   EXPECT_THAT(program->output(), testing::EndsWith("|0\n"));
 }
 
-TEST_P(RealServer, WithoutTheAccessibilityBusAccessIsDenied) {
+TEST_P(RealServer, IsInaccessibleWithoutAccessibilityBus) {
   beginWith(GetParam());
   (void)send(1);
   waitForTargets(1);
@@ -108,7 +108,7 @@ TEST_P(RealServer, WithoutTheAccessibilityBusAccessIsDenied) {
   EXPECT_EQ(dismiss(seconds(5)), "accessDenied|0|0\n");
 }
 
-TEST_P(RealServer, WithoutTheSessionBusAccessIsDenied) {
+TEST_P(RealServer, IsInaccessibleWithoutSessionBus) {
   beginWith(GetParam());
   (void)send(1);
   waitForTargets(1);
@@ -116,14 +116,14 @@ TEST_P(RealServer, WithoutTheSessionBusAccessIsDenied) {
   EXPECT_EQ(dismiss(seconds(5)), "accessDenied|0|0\n");
 }
 
-TEST_P(RealServer, ASessionBusThatIsStoppedIsGivenUp) {
+TEST_P(RealServer, IsInaccessibleWhileSessionBusHangs) {
   beginWith(GetParam());
   session_->sessionBus().signal(SIGSTOP);
   EXPECT_EQ(dismiss(seconds(10)), "accessDenied|0|0\n");
   session_->sessionBus().signal(SIGCONT);
 }
 
-TEST_P(RealServer, TheBusBringsBackAServerThatWasEndedForItsOverflow) {
+TEST_P(RealServer, IsRestartedByBusAfterOverflow) {
   beginWith(GetParam(), WithActivatable({GetParam().command}));
   const pid_t before = server_->pid();
   const std::vector<std::uint32_t> ids = send(GetParam().most, "Chat");
@@ -136,7 +136,7 @@ TEST_P(RealServer, TheBusBringsBackAServerThatWasEndedForItsOverflow) {
   EXPECT_NE(after, before);
 }
 
-TEST_P(RealServer, AServerThatTheBusWouldNotBringBackIsLeftAlone) {
+TEST_P(RealServer, IsSparedUnlessBusRestartsIt) {
   beginWith(GetParam());
   const std::vector<std::uint32_t> ids = send(GetParam().most, "Chat");
   waitForTargets(GetParam().most);
@@ -145,7 +145,7 @@ TEST_P(RealServer, AServerThatTheBusWouldNotBringBackIsLeftAlone) {
   EXPECT_FALSE(server_->wait(seconds(0))) << "it has ended";
 }
 
-TEST_P(RealServer, AServerInWhosePlaceTheBusWouldStartAnotherIsLeftAlone) {
+TEST_P(RealServer, IsSparedIfBusStartsAnother) {
   beginWith(GetParam(), WithActivatable({GetParam().command, kXfce.command}));
   (void)send(GetParam().most, "Chat");
   waitForTargets(GetParam().most);
@@ -154,7 +154,7 @@ TEST_P(RealServer, AServerInWhosePlaceTheBusWouldStartAnotherIsLeftAlone) {
 }
 
 // Some servers show several alike as one, this one does not.
-TEST_F(RealDesktop, AlikeNotificationsAreClosedOneByOne) {
+TEST_F(RealDesktop, ClosesEachOfFiveEqualNotifications) {
   beginWith(kMate);
   std::vector<std::uint32_t> ids;
   for (int i = 0; i < 5; ++i) ids.push_back(sender_->send("Chat", "Ada", "Are you there?"));
@@ -164,7 +164,7 @@ TEST_F(RealDesktop, AlikeNotificationsAreClosedOneByOne) {
 }
 
 // Its banners have no close control, only the application's own buttons.
-TEST_F(RealDesktop, AServerWithoutCloseControlsIsLeftAlone) {
+TEST_F(RealDesktop, ClearsNothingWithoutCloseControls) {
   beginWith(kXfce);
   (void)sender_->send("Mail", "New message", "Hello");
   (void)sender_->send("Chat", "Ada", "Lunch?", {"close", "Close", "dismiss", "Dismiss"});
@@ -174,7 +174,7 @@ TEST_F(RealDesktop, AServerWithoutCloseControlsIsLeftAlone) {
   EXPECT_THAT(sender_->closed(), IsEmpty());
 }
 
-TEST_F(RealDesktop, WithoutAServerThereIsNoNotificationCenter) {
+TEST_F(RealDesktop, HasNoNotificationCenterWithoutServer) {
   begin();
   EXPECT_EQ(dismiss(), "notificationCenterUnavailable|0|0\n");
 }

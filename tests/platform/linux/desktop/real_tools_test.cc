@@ -66,7 +66,7 @@ class RealToolsWithServer : public RealTools, public testing::WithParamInterface
 INSTANTIATE_TEST_SUITE_P(Servers, RealToolsWithServer, testing::Values(kMate, kLxqt),
                          [](const auto& server) { return server.param.name; });
 
-TEST_F(RealTools, TheAutoCloserClosesTheBannerOfItsRuleAndLeavesTheOthers) {
+TEST_F(RealTools, AutoCloseOnlyBannersMatchingRules) {
   beginWith(kLxqt);
   const std::vector<std::string> probe = {"/usr/bin/env", "HL_AUTO_CLOSE_TEST_RULE=Mail|weekly report", HL_PROGRAM,
                                           "--auto-close-probe", "3"};
@@ -105,7 +105,7 @@ TEST_P(RealToolsWithServer, ObserverPrintsChangesAsTheyHappen) {
   EXPECT_EQ(observer->wait(seconds(10)), 0);
 }
 
-TEST_F(RealTools, CloseByTextClosesOnlyWhatSaysIt) {
+TEST_F(RealTools, CloseOnlyNotificationsContainingText) {
   beginWith(kLxqt);
   const std::uint32_t kept = sender_->send("Chat", "Hello", "see you at noon");
   const std::vector<std::uint32_t> closed = {sender_->send("Mail", "Lunch", "with Ana"),
@@ -118,7 +118,7 @@ TEST_F(RealTools, CloseByTextClosesOnlyWhatSaysIt) {
   EXPECT_EQ(sender_->closed().count(kept), 0U);
 }
 
-TEST_F(RealTools, ACallerOutsideTheSessionIsServedByADaemonInside) {
+TEST_F(RealTools, ServeCallersOutsideSessionByDaemon) {
   beginWith(kMate);
   EXPECT_EQ(runOutside("--daemon-dismiss"), "accessDenied|0|0\n");
   EXPECT_EQ(runOutside("--daemon-self-check"), "reachable=false status=unreachable\n");
@@ -131,7 +131,7 @@ TEST_F(RealTools, ACallerOutsideTheSessionIsServedByADaemonInside) {
   expectClosed(ids, kMate);
 }
 
-TEST_F(RealTools, ADaemonWithoutAccessibilityDeniesItsCallers) {
+TEST_F(RealTools, DenyDaemonCallersWithoutAccessibility) {
   begin(WithoutAccessibility());
   const std::unique_ptr<ChildProcess> daemon = start({"--daemon"});
   EXPECT_TRUE(Eventually([&] { return runOutside("--daemon-self-check") == "reachable=false status=accessDenied\n"; }));
@@ -147,7 +147,7 @@ TEST_F(RealTools, RequestingAccessibilitySwitchesItOn) {
   EXPECT_EQ(request(), 0) << "it is on already";
 }
 
-TEST_F(RealTools, RequestingAccessibilityStartsItsServiceAndNothingElseDoes) {
+TEST_F(RealTools, StartAccessibilityServiceOnlyOnRequest) {
   begin(WithoutAccessibility());
   EXPECT_EQ(request(), 1) << "there is no such service";
   std::ofstream(session_->directory() + "/data/dbus-1/services/org.a11y.Bus.service")
@@ -162,7 +162,7 @@ TEST_F(RealTools, RequestingAccessibilityStartsItsServiceAndNothingElseDoes) {
   EXPECT_THAT(run("--self-check"), HasSubstr("trusted=true"));
 }
 
-TEST_F(RealTools, RequestingAccessibilityIsOverSoonWhenTheServiceIsSilent) {
+TEST_F(RealTools, GiveUpOnSilentAccessibilityService) {
   begin();
   session_->setAccessibilityEnabled(false);
   const pid_t service = std::stoi(askBus({"GetConnectionUnixProcessID", "s", "org.a11y.Bus"}).substr(2));
@@ -173,7 +173,7 @@ TEST_F(RealTools, RequestingAccessibilityIsOverSoonWhenTheServiceIsSilent) {
   kill(service, SIGCONT);
 }
 
-TEST_P(RealToolsWithServer, ThreeTestNotificationsComeAndAreDismissed) {
+TEST_P(RealToolsWithServer, SendsAndDismissesTestNotifications) {
   beginWith(GetParam());
   const std::unique_ptr<ChildProcess> program = start({"--send-test-notifications"});
   EXPECT_EQ(program->wait(seconds(1)), 0) << "it does not wait for them to be shown";
@@ -183,7 +183,7 @@ TEST_P(RealToolsWithServer, ThreeTestNotificationsComeAndAreDismissed) {
   waitForTargets(0);
 }
 
-TEST_F(RealTools, NoCommandLineModeLoadsAWindowToolkit) {
+TEST_F(RealTools, LoadNoWindowToolkit) {
   beginWith(kMate);
   const std::unique_ptr<ChildProcess> observer =
       startUntil({"--observe-nc", "30"}, "register AXAnnouncementRequested -> 0\n");

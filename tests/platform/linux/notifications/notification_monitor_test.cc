@@ -181,7 +181,7 @@ TEST_F(NotificationMonitor, DropsRefusedAndNumberlessCalls) {
   EXPECT_TRUE(Eventually([this] { return table_.waitingCount() == 0; }));
 }
 
-TEST_F(NotificationMonitor, KeepsWhatTheServerRefusesToClose) {
+TEST_F(NotificationMonitor, KeepsNotificationsWhoseCloseIsRefused) {
   FakeServer server;
   watch();
   Poster poster;
@@ -386,7 +386,7 @@ TEST_F(NotificationMonitor, SleepsWhileNothingIsPosted) {
   EXPECT_EQ(waitsOf(task), waits);
 }
 
-TEST_F(NotificationMonitor, EndsWithTheBusAndStartsAnew) {
+TEST_F(NotificationMonitor, StopsWithTheBusAndRestarts) {
   auto server = std::make_unique<FakeServer>();
   watch();
   auto poster = std::make_unique<Poster>();

@@ -128,7 +128,7 @@ TEST_F(NotificationTable, IsEmptiedByAnotherServer) {
   EXPECT_THAT(open(), ElementsAre("1 new"));
 }
 
-TEST_F(NotificationTable, KeepsACallThatStartsTheServer) {
+TEST_F(NotificationTable, KeepsCallsThatStartTheServer) {
   table_.setServer("");
   const HLCallIdentity first = call("starts the server");
   table_.setServer(":1.20");

@@ -30,7 +30,7 @@ constexpr char kBinary[] =
     "b\x10\x01Qc\x08\x0d\x0f\x11\x13\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x05\x00\x00\x00\x00"
     "\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x15";
 
-TEST(PropertyList, EveryKindOfValueIsReadFromXml) {
+TEST(PropertyList, ReadsEveryKindOfXmlValue) {
   const std::optional<HLValue> list = HLParsePropertyList(kXml);
   ASSERT_TRUE(list);
   const HLDictionary* dictionary = list->as<HLDictionary>();

@@ -87,7 +87,7 @@ TEST_F(Preferences, OutliveTheProcess) {
   ASSERT_NE(defaults.value("on").as<bool>(), nullptr);
 }
 
-TEST_F(Preferences, FallBackOnWhatIsRegisteredWhichIsNotStored) {
+TEST_F(Preferences, FallBackOnUnstoredRegisteredDefaults) {
   HLLinuxUserDefaults defaults(file());
   defaults.registerDefaults({{"code", std::int64_t{45}}, {"label", std::string("N")}});
   defaults.registerDefaults({{"code", std::int64_t{46}}});
@@ -109,7 +109,7 @@ TEST_F(Preferences, AreForTheirUserOnly) {
   EXPECT_EQ(FileMode(file()), 0600U);
 }
 
-TEST_F(Preferences, OfOthersInTheFileStayAsTheyAre) {
+TEST_F(Preferences, LeaveOtherFileEntriesUnchanged) {
   write(R"({"z": {"deep": [1, 2.5, null, {"x": "y"}]}, "code": 7, "big": 18446744073709551615, "a": null})");
   HLLinuxUserDefaults defaults(file());
   defaults.setValue("code", std::int64_t{8});
@@ -120,14 +120,14 @@ TEST_F(Preferences, OfOthersInTheFileStayAsTheyAre) {
             R"({"z":{"deep":[1,2.5,null,{"x":"y"}]},"code":8,"big":18446744073709551615,"a":null,"new":"last"})");
 }
 
-TEST_F(Preferences, ANullInTheFileIsNoValue) {
+TEST_F(Preferences, TreatStoredNullsAsMissing) {
   write(R"({"code": null})");
   HLLinuxUserDefaults defaults(file());
   defaults.registerDefaults({{"code", std::int64_t{45}}});
   EXPECT_EQ(HLIntegerDefault(defaults, "code"), 45);
 }
 
-TEST_F(Preferences, AnotherProcesssChangeOfAnotherKeyIsKept) {
+TEST_F(Preferences, KeepOtherKeysSetByOthers) {
   HLLinuxUserDefaults one(file());
   HLLinuxUserDefaults other(file());
   EXPECT_TRUE(one.value("code").isMissing());
@@ -139,7 +139,7 @@ TEST_F(Preferences, AnotherProcesssChangeOfAnotherKeyIsKept) {
   EXPECT_EQ(HLIntegerDefault(third, "code"), 3);
 }
 
-TEST_F(Preferences, ManyProcessesWriteWithoutLosingAKey) {
+TEST_F(Preferences, LoseNoKeysToConcurrentWriters) {
   constexpr int kProcesses = 4;
   constexpr int kKeys = 20;
   std::vector<pid_t> children;
@@ -166,7 +166,7 @@ TEST_F(Preferences, ManyProcessesWriteWithoutLosingAKey) {
   EXPECT_THAT(names(), ElementsAre("defaults.json"));
 }
 
-TEST_F(Preferences, AProcessThatKeepsTheDirectoryLockedHoldsUpNobodyForLong) {
+TEST_F(Preferences, AreStoredDespiteALastingLock) {
   fs::create_directories(folder());
   const int lock = open(folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   ASSERT_EQ(flock(lock, LOCK_EX), 0);
@@ -179,7 +179,7 @@ TEST_F(Preferences, AProcessThatKeepsTheDirectoryLockedHoldsUpNobodyForLong) {
   EXPECT_THAT(FileContent(file()), HasSubstr("\"code\": 1"));
 }
 
-TEST_F(Preferences, ADamagedFileIsPutAsideAndToldOf) {
+TEST_F(Preferences, PutDamagedFilesAsideAndReport) {
   for (const char* damaged : {"{\"code\": 1", "", "[1]", "7", "{\"code\": \"\xFF\"}"}) {
     write(damaged);
     const std::string said = complaints([this] {
@@ -199,7 +199,7 @@ TEST_F(Preferences, ADamagedFileIsPutAsideAndToldOf) {
   EXPECT_EQ(HLIntegerDefault(defaults, "code"), 2);
 }
 
-TEST_F(Preferences, WhatACrashLeftBehindDoesNoHarm) {
+TEST_F(Preferences, IgnoreUnfinishedFilesOfACrash) {
   write("{\"code\": 7}");
   std::ofstream(folder() + "/.defaults.json.AbCdEf") << "{\"code\": 9, \"la";
   HLLinuxUserDefaults defaults(file());
@@ -208,7 +208,7 @@ TEST_F(Preferences, WhatACrashLeftBehindDoesNoHarm) {
   EXPECT_EQ(FileContent(file()), "{\n  \"code\": 7,\n  \"label\": \"N\"\n}\n");
 }
 
-TEST_F(Preferences, AReaderSeesAlwaysAWholeFile) {
+TEST_F(Preferences, AreReadWholeDuringWrites) {
   HLLinuxUserDefaults defaults(file());
   defaults.setValue("text", std::string(20'000, 'x'));
   const pid_t child = fork();
@@ -228,7 +228,7 @@ TEST_F(Preferences, AReaderSeesAlwaysAWholeFile) {
   EXPECT_THAT(names(), ElementsAre("defaults.json"));
 }
 
-TEST_F(Preferences, InADirectoryThatCannotBeWrittenHoldForThisProcess) {
+TEST_F(Preferences, LastForTheProcessIfUnwritable) {
   write("{\"code\": 7}");
   fs::permissions(file(), fs::perms::all);
   fs::permissions(folder(),
@@ -245,7 +245,7 @@ TEST_F(Preferences, InADirectoryThatCannotBeWrittenHoldForThisProcess) {
   EXPECT_EQ(FileContent(file()), "{\"code\": 7}");
 }
 
-TEST_F(Preferences, InAFileThatCannotBeReadAreLeftAlone) {
+TEST_F(Preferences, LeaveUnreadableFilesUnchanged) {
   write("{\"code\": 7}");
   fs::permissions(file(), fs::perms::none);
   for (const std::string& path : {folder(), folder() + "/.."}) fs::permissions(path, fs::perms::all);
@@ -261,7 +261,7 @@ TEST_F(Preferences, InAFileThatCannotBeReadAreLeftAlone) {
   EXPECT_EQ(FileContent(file()), "{\"code\": 7}");
 }
 
-TEST_F(Preferences, ThatCouldNotBeStoredAreStoredWithTheNext) {
+TEST_F(Preferences, RetryFailedStoresWithTheNext) {
   std::ofstream(directory_.path() + "/config") << "in the way";
   HLLinuxUserDefaults defaults(file());
   EXPECT_THAT(complaints([&] { defaults.setValue("code", std::int64_t{8}); }), HasSubstr("cannot be stored"));
@@ -270,7 +270,7 @@ TEST_F(Preferences, ThatCouldNotBeStoredAreStoredWithTheNext) {
   EXPECT_EQ(FileContent(file()), "{\n  \"code\": 8,\n  \"label\": \"N\"\n}\n");
 }
 
-TEST_F(Preferences, BehindALinkAreWrittenBehindIt) {
+TEST_F(Preferences, WriteThroughSymbolicLinks) {
   fs::create_directories(folder());
   fs::create_directories(directory_.path() + "/dotfiles");
   const std::string target = directory_.path() + "/dotfiles/hushlet.json";
@@ -285,7 +285,7 @@ TEST_F(Preferences, BehindALinkAreWrittenBehindIt) {
   EXPECT_THAT(names(), ElementsAre("defaults.json"));
 }
 
-TEST_F(Preferences, InSomethingThatIsNoFileAreLeftAlone) {
+TEST_F(Preferences, LeavePipesInPlace) {
   fs::create_directories(folder());
   ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
   const std::string said = complaints([this] {
@@ -298,14 +298,14 @@ TEST_F(Preferences, InSomethingThatIsNoFileAreLeftAlone) {
   EXPECT_TRUE(fs::is_fifo(file()));
 }
 
-TEST_F(Preferences, OfATextThatIsNoUtf8KeepTheRest) {
+TEST_F(Preferences, ReplaceOnlyInvalidBytesOfTexts) {
   HLLinuxUserDefaults defaults(file());
   defaults.setValue("label", std::string("a\xFFz"));
   HLLinuxUserDefaults next(file());
   EXPECT_EQ(HLStringDefault(next, "label"), "a\xEF\xBF\xBDz");
 }
 
-TEST_F(Preferences, OfAKeyThatComesTwiceAreTheLast) {
+TEST_F(Preferences, TakeTheLastOfRepeatedKeys) {
   write(R"({"code": 1, "other": 2, "code": 3})");
   HLLinuxUserDefaults defaults(file());
   EXPECT_EQ(HLIntegerDefault(defaults, "code"), 3);

@@ -68,7 +68,7 @@ class Workspace : public testing::Test {
   HLLinuxWorkspace workspace_{process_};
 };
 
-TEST_F(Workspace, OpensPagesAndMailByTheDesktopsChoice) {
+TEST_F(Workspace, OpensPagesAndMailByDesktopChoice) {
   makeReporter("xdg-open");
   for (const char* address : {"https://updates.hushlet.example/quillmere/download", "http://127.0.0.1:80/a?b=c&d#e",
                               "HTTPS://Example.org", "mailto:ada@example.org?subject=a%20b", "http://[::1]/"}) {
@@ -77,7 +77,7 @@ TEST_F(Workspace, OpensPagesAndMailByTheDesktopsChoice) {
   }
 }
 
-TEST_F(Workspace, OpensNothingThatIsNoSuchAddress) {
+TEST_F(Workspace, RejectsInvalidAndOtherAddresses) {
   makeReporter("xdg-open");
   for (const std::string address :
        {"",
@@ -112,7 +112,7 @@ TEST_F(Workspace, OpensNothingThatIsNoSuchAddress) {
   EXPECT_FALSE(fs::exists(report()));
 }
 
-TEST_F(Workspace, OpensTheAccessibilityScreenOfTheDesktop) {
+TEST_F(Workspace, OpensAccessibilitySettingsOfTheDesktop) {
   struct Row {
     const char* desktop;
     const char* program;
@@ -142,7 +142,7 @@ TEST_F(Workspace, OpensTheAccessibilityScreenOfTheDesktop) {
   }
 }
 
-TEST_F(Workspace, TriesTheNextProgramWhenOneCannotBeStarted) {
+TEST_F(Workspace, TriesAnotherProgramAfterAFailure) {
   process_.variables["XDG_CURRENT_DESKTOP"] = "KDE";
   makeProgram("systemsettings", "#!/nowhere/no-interpreter\n");
   EXPECT_FALSE(workspace_.openAddress(kPane));
@@ -151,7 +151,7 @@ TEST_F(Workspace, TriesTheNextProgramWhenOneCannotBeStarted) {
   EXPECT_EQ(reported(), "kcmshell6 kcm_access\n");
 }
 
-TEST_F(Workspace, SaysWhenNothingCanOpenAPage) {
+TEST_F(Workspace, FailsWithoutProgramsAndBus) {
   process_.variables["PATH"] = programs();
   const std::string bus = "unix:path=" + directory_.path() + "/no-bus";
   const char* before = std::getenv("DBUS_SESSION_BUS_ADDRESS");
@@ -215,7 +215,7 @@ class AddressPortal {
   std::thread thread_;
 };
 
-TEST_F(Workspace, OpensPagesByThePortalWhereThereIsNoProgramForThem) {
+TEST_F(Workspace, OpensPagesByPortalWithoutPrograms) {
   DesktopSession session(WithoutAccessibility());
   const SessionEnvironment environment(session.environment());
   EXPECT_FALSE(workspace_.openAddress("https://example.org")) << "there is no portal either";
@@ -265,7 +265,7 @@ TEST_F(Workspace, StartsProgramsUnderTheOriginalMask) {
             "0023\n" + std::to_string(077));
 }
 
-TEST_F(Workspace, DoesNotWaitForWhatItStarts) {
+TEST_F(Workspace, ReturnsBeforeStartedProgramsEnd) {
   makeProgram("xdg-open", "#!/bin/sh\nmkfifo " + report() + ".pipe\necho $$ >" + report() + ".new\nmv " + report() +
                               ".new " + report() + "\nread line <" + report() + ".pipe\n");
   EXPECT_TRUE(workspace_.openAddress("https://example.org"));
@@ -274,7 +274,7 @@ TEST_F(Workspace, DoesNotWaitForWhatItStarts) {
   kill(pid, SIGKILL);
 }
 
-TEST(DetachedProgram, ThatIsNotThereIsNotStarted) {
+TEST(DetachedProgram, ReportsWhetherItCouldStart) {
   EXPECT_FALSE(HLStartDetached("/nowhere/at/all", {"all"}));
   EXPECT_FALSE(HLStartDetached("/etc/passwd", {"passwd"}));
   EXPECT_TRUE(HLStartDetached("/bin/true", {"true"}));

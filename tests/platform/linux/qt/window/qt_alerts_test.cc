@@ -35,7 +35,7 @@ void press(QWidget& widget, int key) {
   QApplication::sendEvent(&widget, &event);
 }
 
-TEST(Alerts, TheAnswerIsTheIndexOfTheButtonThatWasChosen) {
+TEST(Alerts, ReturnIndexOfChosenButton) {
   EXPECT_EQ(ask(kQuestion, [](QMessageBox& box) { box.buttons().at(0)->click(); }), 0U);
   EXPECT_EQ(ask(kQuestion, [](QMessageBox& box) { box.buttons().at(1)->click(); }), 1U);
 }
@@ -51,7 +51,7 @@ TEST(Alerts, ShowButtonsInTheGivenOrder) {
   EXPECT_THAT(titles, ElementsAre("One", "Two", "Three"));
 }
 
-TEST(Alerts, DismissedWithoutAChoiceItIsTheLastButton) {
+TEST(Alerts, ReturnLastButtonWhenDismissed) {
   EXPECT_EQ(ask(kQuestion, [](QMessageBox& box) { press(box, Qt::Key_Escape); }), 1U);
   EXPECT_EQ(ask(kQuestion, [](QMessageBox& box) { box.close(); }), 1U);
   EXPECT_EQ(ask({"Title", "Message", {"OK"}}, [](QMessageBox& box) { press(box, Qt::Key_Escape); }), 0U);
@@ -73,7 +73,7 @@ TEST(Alerts, TextsAreTakenAsTheyStand) {
   });
 }
 
-TEST(Alerts, TheMainRunLoopGoesOnMeanwhile) {
+TEST(Alerts, KeepMainRunLoopServed) {
   (void)Offscreen();  // a descriptor is watched by the toolkit that is there
   // As the application does it: the loop's descriptor is watched, and nested loops watch it too.
   std::optional<bool> served;
