@@ -68,7 +68,7 @@ class Workspace : public testing::Test {
   HLLinuxWorkspace workspace_{process_};
 };
 
-TEST_F(Workspace, OpensPagesAndMailByDesktopChoice) {
+TEST_F(Workspace, OpensAddressesByDesktopChoice) {
   makeReporter("xdg-open");
   for (const char* address : {"https://updates.hushlet.example/quillmere/download", "http://127.0.0.1:80/a?b=c&d#e",
                               "HTTPS://Example.org", "mailto:ada@example.org?subject=a%20b", "http://[::1]/"}) {
