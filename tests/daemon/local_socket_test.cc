@@ -125,7 +125,7 @@ TEST_F(ResponseText, StopsWith16385BytesHeld) {
   EXPECT_EQ(text.size(), 16'385U);
 }
 
-TEST_F(ResponseText, GoesOnReadingWith16384BytesHeld) {
+TEST_F(ResponseText, ContinuesWith16384BytesHeld) {
   peerSends(std::string(16'384, 'x'));
   peerSends("yz");
   closePeer();

@@ -105,7 +105,7 @@ TEST_F(RecordScene, NeverOverwrites) {
   EXPECT_EQ(record(desktop_.home() + "/link"), 1);
 }
 
-TEST_F(RecordScene, WritesWhereTheFileSystemHasNoLinks) {
+TEST_F(RecordScene, WritesOnFileSystemsWithoutLinks) {
   hasLinks = false;
   EXPECT_EQ(record(path_), 0) << err_.str();
   const std::string scene = FileContent(path_);

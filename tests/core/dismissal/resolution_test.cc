@@ -364,7 +364,7 @@ TEST(FocusedControl, TakesTheBestAnywhere) {
             "Name:Close 200 (0,0,20,20) [best] focused-explicit-action,small-frame");
 }
 
-TEST(FocusedControl, IsSoughtAmongTheFirst120Elements) {
+TEST(FocusedControl, IsAmongTheFirst120Elements) {
   const std::string control = R"({"title": "x", "frame": [0, 0, 20, 20], "actions": ["AXPress"]})";
   const std::string found = "AXPress 140 (0,0,20,20) [x] focused-press-fallback,small-frame";
   EXPECT_EQ(focusedAlone(R"({"repeat": 118}, )" + control), found);

@@ -40,7 +40,7 @@ TEST_F(UserDefaults, AnswerWhatWasStored) {
   EXPECT_EQ(*defaults_.value("HLTestKey").as<std::string>(), "⌃⌥⌘N");
 }
 
-TEST_F(UserDefaults, FallBackToWhatIsRegisteredAndNeverStoreIt) {
+TEST_F(UserDefaults, UseRegisteredValuesWithoutStoringThem) {
   const std::string key = HLTextOfString(kRegisteredKey);
   defaults_.registerDefaults({{key, std::int64_t{45}}});
   EXPECT_EQ(HLIntegerDefault(defaults_, key), 45);
@@ -83,7 +83,7 @@ TEST_F(PropertyLists, AreReadInBothForms) {
   }
 }
 
-TEST_F(PropertyLists, OfAnotherKindOrNoneAreNothing) {
+TEST_F(PropertyLists, AreRejectedUnlessValidDictionaries) {
   EXPECT_FALSE(lists_.readDictionary(path_).has_value());
   write(@[ @1 ], NSPropertyListXMLFormat_v1_0);
   EXPECT_FALSE(lists_.readDictionary(path_).has_value());
@@ -91,7 +91,7 @@ TEST_F(PropertyLists, OfAnotherKindOrNoneAreNothing) {
   EXPECT_FALSE(lists_.readDictionary(path_).has_value());
 }
 
-TEST_F(PropertyLists, OfTheSystemNameItsShortcutsApplication) {
+TEST_F(PropertyLists, ReadNamesOfTheShortcutsApplication) {
   const auto table = lists_.readDictionary("/System/Applications/Shortcuts.app/Contents/Resources/InfoPlist.loctable");
   ASSERT_TRUE(table.has_value());
   EXPECT_GT(table->size(), 10U);

@@ -27,7 +27,7 @@ HLRawTree withTextsReplaced(const HLRawTree& tree) {
 
 class RawElements : public testing::TestWithParam<std::string> {};
 
-TEST_P(RawElements, AreJudgedTheSameWithTextsReplaced) {
+TEST_P(RawElements, AreJudgedAlikeWithTextsReplaced) {
   const HLRawTree tree = RecordedTree(GetParam());
   const HLRawTree replaced = withTextsReplaced(tree);
   const std::vector<HLBanner> banners = HLFindBanners(tree);
@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, RawElements,
                            return name;
                          });
 
-TEST(CloseDoubt, NamesTheRuleThatAButtonFails) {
+TEST(CloseDoubt, NamesTheRuleAButtonFails) {
   const auto doubtOf = [](const std::string& button) {
     const HLRawTree tree =
         ParseTree("window '' [0 0 300x80]\n  notification '' [0 0 300x80]\n    label 'Lunch'\n    " + button + "\n");

@@ -126,7 +126,7 @@ TEST(TreeReader, LeavesOutElementsThatGo) {
 }
 
 // The close button and its group show while the pointer is over the banner.
-TEST(TreeReader, ReadsTwoHiddenLevelsInShownWindows) {
+TEST(TreeReader, LimitsHiddenLevelsInShownWindows) {
   const HLRawTree tree = Read({{"root", {HLRawRole::application, "", {"closed", "window"}}},
                                {"window", {kFiller, "", {"group"}}},
                                {"group", {kFiller, "", {"close"}, State::hidden}},

@@ -12,7 +12,7 @@ using testing::StartsWith;
 
 class ApplicationWithServer : public ApplicationDesktop, public testing::WithParamInterface<Server> {};
 
-TEST_P(ApplicationWithServer, AClickOnTheIconClearsTheScreen) {
+TEST_P(ApplicationWithServer, ClearsTheScreenOnIconClick) {
   beginDesktopWith(GetParam());
   startApplication();
   const std::vector<std::uint32_t> ids = send(5);
@@ -29,7 +29,7 @@ TEST_P(ApplicationWithServer, AClickOnTheIconClearsTheScreen) {
                                     StartsWith("dismissNotifications outcome ")));
 }
 
-TEST_P(ApplicationWithServer, TheShortcutClearsTheScreenWhileAnotherProgramHasTheKeys) {
+TEST_P(ApplicationWithServer, ClearsByShortcutFromAnotherProgram) {
   beginDesktopWith(GetParam());
   startApplication();
   const auto other = session_->start({"xedit"});
@@ -45,7 +45,7 @@ TEST_P(ApplicationWithServer, TheShortcutClearsTheScreenWhileAnotherProgramHasTh
   }
 }
 
-TEST_P(ApplicationWithServer, TheMenuClearsTheScreen) {
+TEST_P(ApplicationWithServer, ClearsTheScreenFromTheMenu) {
   beginDesktopWith(GetParam());
   startApplication();
   const std::vector<std::uint32_t> ids = send(3);
@@ -59,7 +59,7 @@ TEST_P(ApplicationWithServer, TheMenuClearsTheScreen) {
   expectCleared(ids, GetParam());
 }
 
-TEST_P(ApplicationWithServer, ThePersonalFlavorClearsTheScreenToo) {
+TEST_P(ApplicationWithServer, ClearsTheScreenInPersonalFlavor) {
   const PersonalLogTurn log;
   beginDesktopWith(GetParam());
   startApplication({}, kPersonal);
@@ -79,7 +79,7 @@ INSTANTIATE_TEST_SUITE_P(Real, ApplicationWithServer, testing::Values(kMate, kLx
 
 class Application : public ApplicationDesktop {};
 
-TEST_F(Application, ClosesBannersByRulesWhileSwitchedOn) {
+TEST_F(Application, AutoClosesBannersWhileSwitchedOn) {
   beginDesktopWith(kLxqt);
   startApplication();
   const auto sendAutomation = [this](const std::string& name) {
@@ -116,7 +116,7 @@ TEST_F(Application, ClosesBannersByRulesWhileSwitchedOn) {
   waitForTargets(1);
 }
 
-TEST_F(Application, ClosesBannersByRulesOnceTheServerAnswers) {
+TEST_F(Application, AutoClosesOnceTheServerAnswers) {
   beginDesktopWith(kLxqt);
   storeDefaults(R"({"HLAutoCloseRules": ["Chat|running late"], "HLAutoCloseAutomationBanners": true})");
   server_->signal(SIGSTOP);
@@ -128,7 +128,7 @@ TEST_F(Application, ClosesBannersByRulesOnceTheServerAnswers) {
   ASSERT_TRUE(sender_->waitUntilClosed({sender_->send("Chat", "Ada", "Running late")}, kTimeout));
 }
 
-TEST_F(Application, ClosesBannersByRulesWithoutATree) {
+TEST_F(Application, AutoClosesBannersWithoutATree) {
   beginDesktopWith(kDunst);
   storeDefaults(R"({"HLAutoCloseRules": ["Chat|running late"], "HLAutoCloseAutomationBanners": true})");
   startApplication();

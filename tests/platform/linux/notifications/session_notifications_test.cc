@@ -65,7 +65,7 @@ TEST_F(SessionNotifications, MatchAndClose) {
   EXPECT_TRUE(Eventually([this] { return !notifications_.match({{"Bob", "No"}}).front(); }));
 }
 
-TEST_F(SessionNotifications, MatchEqualOnesAsTheServerShowsThem) {
+TEST_F(SessionNotifications, MatchEqualOnesInServerOrder) {
   for (const auto& [information, number] :
        {std::pair(kKnown, 1U), std::pair(HLServerInformation{"cinnamon", "GNOME", "5.6"}, 2U)}) {
     const FakeServer server(information);
@@ -93,7 +93,7 @@ TEST_F(SessionNotifications, FailWithoutServerOrBus) {
   EXPECT_THAT(notifications_.match({{"Ada"}}), ElementsAre(Eq(std::nullopt)));
 }
 
-TEST_F(SessionNotifications, WaitOnceForAServerThatHangs) {
+TEST_F(SessionNotifications, WaitOnceForHangingServers) {
   std::atomic<bool> hangs = true;
   std::atomic<bool> isSlow = false;
   FakeServer server(kKnown, [&](sd_bus_message* call) {
@@ -345,7 +345,7 @@ TEST_F(SessionNotifications, AskADaemon) {
   EXPECT_EQ(notifications_.watch(), nullptr);
 }
 
-TEST_F(SessionNotifications, AskTheNextWhenTheFirstEnds) {
+TEST_F(SessionNotifications, AskTheNextAfterFirstEnds) {
   const FakeServer server(kKnown);
   auto first = std::make_unique<HLSessionNotifications>(always());
   first->prepareToStay();
@@ -430,7 +430,7 @@ TEST_F(SessionNotifications, StayWithinTheRequestLimits) {
   EXPECT_EQ(notifications_.match({{std::string("Ada\0and more", 12)}}).front(), std::nullopt);
 }
 
-TEST_F(SessionNotifications, StayAwayWhereTheUserSaysSo) {
+TEST_F(SessionNotifications, WatchNothingWhenSwitchedOff) {
   const FakeServer server(kKnown);
   HLSessionNotifications unwatching([] { return false; });
   unwatching.prepareToStay();

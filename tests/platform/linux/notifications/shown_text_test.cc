@@ -69,7 +69,7 @@ TEST(TextFit, IsLooseWithOneOtherText) {
   EXPECT_EQ(HLFitOfTexts({"python3", "Ada", "Just now", "Lunch?"}, mail), HLTextFit::none);
 }
 
-TEST(TextFit, IsDoubtfulWithOtherTextButNoBody) {
+TEST(TextFit, IsDoubtfulForTextWithoutBody) {
   EXPECT_EQ(HLFitOfTexts({"Ada", "Just now"}, posted("Mail", "Ada", "")), HLTextFit::doubtful);
   EXPECT_EQ(HLFitOfTexts({"Bob", "Ada"}, posted("Mail", "Ada", "")), HLTextFit::doubtful);
 }
@@ -118,7 +118,7 @@ TEST(ShownTexts, MatchEqualBannersOldestFirst) {
               ElementsAre(Eq(0U), Eq(1U), Eq(2U), Eq(kNone)));
 }
 
-TEST(ShownTexts, MatchTheNewestWhereThoseAreShown) {
+TEST(ShownTexts, MatchNewestWhereNewestAreShown) {
   const HLPostedNotification one = posted("", "Ada", "Hi");
   const HLShownTexts banner = {"Ada", "Hi"};
   const auto open = numbered({one, one, posted("", "Bob", "Hi"), one});

@@ -109,7 +109,7 @@ TEST_P(ShownTextsOn, MatchWhatWasPosted) {
   }
 }
 
-TEST(ActivatedServer, IsKnownFromTheCallThatStartsIt) {
+TEST(ActivatedServer, IsKnownFromItsStartingCall) {
   DesktopSession session(WithActivatable({kDunst.command}));
   const SessionEnvironment environment(session.environment());
   HLSessionNotifications notifications([] { return true; });

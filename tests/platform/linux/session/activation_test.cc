@@ -32,20 +32,20 @@ class Activation : public testing::Test {
 
 constexpr const char* kHead = "[D-BUS Service]\nName=org.example.Service\n";
 
-TEST_F(Activation, TheServiceIsFoundByItsNameAndNotByTheFiles) {
+TEST_F(Activation, FindsServicesByNameNotFile) {
   write("first/org.example.Service.service", "[D-BUS Service]\nName=org.example.Other\nExec=/bin/other\n");
   write("first/unlike.service",
         "# a comment\n[D-BUS Service]\nExec = /bin/server --flag\nName = org.example.Service\n");
   EXPECT_THAT(commands(), ElementsAre(ElementsAre("/bin/server", "--flag")));
 }
 
-TEST_F(Activation, TheFirstDirectoryThatHasItHidesTheOthers) {
+TEST_F(Activation, PrefersTheFirstDirectoryWithService) {
   write("first/a.service", std::string(kHead) + "Exec=/bin/first\n");
   write("second/a.service", std::string(kHead) + "Exec=/bin/second\n");
   EXPECT_THAT(commands(), ElementsAre(ElementsAre("/bin/first")));
 }
 
-TEST_F(Activation, AllThatContendForTheNameAreGiven) {
+TEST_F(Activation, ReturnsAllContendersInOneDirectory) {
   write("second/a.service", std::string(kHead) + "Exec=/bin/one\n");
   write("second/b.service", std::string(kHead) + "Exec=/bin/two\n");
   EXPECT_THAT(commands(), UnorderedElementsAre(ElementsAre("/bin/one"), ElementsAre("/bin/two")));

@@ -48,7 +48,7 @@ class LoginItem : public testing::Test {
 
 std::string entry(const std::string& lines) { return "[Desktop Entry]\nType=Application\nName=One\n" + lines; }
 
-TEST_F(LoginItem, IsThereOnceRegisteredAndGoneOnceUnregistered) {
+TEST_F(LoginItem, IsEnabledWhileRegistered) {
   EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
   EXPECT_TRUE(item_.registerItem().ok);
   EXPECT_EQ(item_.status(), HLLoginItemStatus::enabled);
@@ -61,7 +61,7 @@ TEST_F(LoginItem, IsThereOnceRegisteredAndGoneOnceUnregistered) {
   EXPECT_TRUE(item_.unregisterItem().ok);
 }
 
-TEST_F(LoginItem, IsAnEntryOfTheBundlesName) {
+TEST_F(LoginItem, WritesAutostartEntryNamedAfterBundle) {
   ASSERT_TRUE(item_.registerItem().ok);
   EXPECT_EQ(FileContent(own()),
             "[Desktop Entry]\nType=Application\nName=Hushlet\nComment=Clears notification banners\n"
@@ -72,7 +72,7 @@ TEST_F(LoginItem, IsAnEntryOfTheBundlesName) {
   EXPECT_TRUE(fs::exists(directory_.path() + "/elsewhere/autostart/org.example.one.desktop"));
 }
 
-TEST_F(LoginItem, StartsAProgramWhateverItsPathIs) {
+TEST_F(LoginItem, StartsProgramsAtAnyPath) {
   for (const char* name :
        {"plain", "with blank", " a blank first", "100%f", "50%%", "quote\"d", "it's", "back\\slash", "trailing\\",
         "do$HOME", "`tick`", "tab\tbed", "new\nline", "a=b;c&d|e<f>(g)*?#~!", "ä 日本", "\\s\\n"}) {
@@ -98,7 +98,7 @@ TEST(DesktopEntry, ProgramsAreQuotedByItsRules) {
   EXPECT_EQ(HLExecOfProgram("/a%=b"), "\"/a%%=b\"");
 }
 
-TEST(DesktopEntry, TheProgramIsTheFirstWordOfACommand) {
+TEST(DesktopEntry, TakesTheFirstWordAsProgram) {
   EXPECT_EQ(HLProgramOfExec("one --two %U"), "one");
   EXPECT_EQ(HLProgramOfExec("  \"/a b/c\" \"d\""), "/a b/c");
   EXPECT_EQ(HLProgramOfExec("/a%%b"), "/a%b");
@@ -115,7 +115,7 @@ TEST(DesktopEntry, OnlyItsOwnGroupIsRead) {
   EXPECT_EQ(read, (HLDesktopEntry{{"Exec", "right"}, {"Name", ""}}));
 }
 
-TEST_F(LoginItem, OfAnEntryThatTheUserHasSwitchedOffIsNotRegistered) {
+TEST_F(LoginItem, IsNotRegisteredWhenSwitchedOff) {
   for (const char* off :
        {"Hidden=true\n", "X-GNOME-Autostart-enabled=false\n", "OnlyShowIn=KDE;\n", "NotShowIn=MATE;X;\n"}) {
     process_.variables["XDG_CURRENT_DESKTOP"] = "X-Other:MATE";
@@ -137,7 +137,7 @@ TEST_F(LoginItem, IsNotFoundWithoutItsProgram) {
   }
 }
 
-TEST_F(LoginItem, OfTheMachineCountsUnlessTheUsersOwnTakesItsPlace) {
+TEST_F(LoginItem, UsesMachineEntryUnlessUserOverrides) {
   write(machine("second"), entry("Exec=env\n"));
   EXPECT_EQ(item_.status(), HLLoginItemStatus::enabled);
   write(machine("first"), entry("Exec=env\nHidden=true\n"));
@@ -147,7 +147,7 @@ TEST_F(LoginItem, OfTheMachineCountsUnlessTheUsersOwnTakesItsPlace) {
   EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
 }
 
-TEST_F(LoginItem, OfTheMachineIsHiddenWhenUnregistered) {
+TEST_F(LoginItem, HidesMachineEntryWhenUnregistered) {
   write(machine("second"), entry("Exec=env\n"));
   EXPECT_TRUE(item_.unregisterItem().ok);
   EXPECT_EQ(item_.status(), HLLoginItemStatus::notRegistered);
@@ -157,7 +157,7 @@ TEST_F(LoginItem, OfTheMachineIsHiddenWhenUnregistered) {
   EXPECT_EQ(item_.status(), HLLoginItemStatus::enabled);
 }
 
-TEST_F(LoginItem, ReplacesALinkAndNotWhatItLeadsTo) {
+TEST_F(LoginItem, ReplacesLinkButNotItsTarget) {
   const std::string shared = write(directory_.path() + "/applications/one.desktop", entry("Exec=/nowhere\n"));
   fs::create_directories(fs::path(own()).parent_path());
   fs::create_symlink(shared, own());
@@ -185,7 +185,7 @@ TEST_F(LoginItem, SaysWhyItCannotBeChanged) {
             own() + " cannot be written: Permission denied\n" + own() + " cannot be removed: Permission denied\n1");
 }
 
-TEST_F(LoginItem, OfAProgramThatCannotBeNamedIsRefused) {
+TEST_F(LoginItem, RefusesMissingRelativeOrInvalidPaths) {
   for (const std::optional<std::string>& program :
        {std::optional<std::string>(), std::optional<std::string>("relative"), std::optional<std::string>("/a\xFF")}) {
     process_.executable = program;

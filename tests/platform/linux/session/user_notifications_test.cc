@@ -38,7 +38,7 @@ std::string ofWaitingProcess(const std::function<std::string(pid_t)>& look) {
   return seen;
 }
 
-TEST(UserNotifications, PostUnderTheOriginalFileModeMask) {
+TEST(UserNotifications, PostWithTheOriginalUmask) {
   EXPECT_EQ(InChildProcess([] {
               umask(023);
               HLRestrictFileModeMask();

@@ -213,7 +213,7 @@ TEST_F(HotKeys, FireWhateverTheLocks) {
   EXPECT_THAT(fired(), ElementsAre(1)) << "Caps Lock and Scroll Lock";
 }
 
-TEST_F(HotKeys, FireOnceAPressHoweverLongItIsHeld) {
+TEST_F(HotKeys, FireOnceWhenHeldDown) {
   // How long it takes the server to repeat a key, seen at one of another program's.
   ASSERT_TRUE(other_.grab(KEY_F7, XCB_MOD_MASK_ANY));
   const Clock::time_point begin = Clock::now();
@@ -233,7 +233,7 @@ TEST_F(HotKeys, FireOnceAPressHoweverLongItIsHeld) {
   EXPECT_THAT(fired(), ElementsAre(1));
 }
 
-TEST_F(HotKeys, ThatAnotherProgramHoldsAreTaken) {
+TEST_F(HotKeys, AreTakenWhileHeldElsewhere) {
   ASSERT_TRUE(other_.grab(KEY_F5, XCB_MOD_MASK_CONTROL));
   const HLHotKeyRegistration registration = add(kF5, HLHotKeyControl);
   EXPECT_EQ(registration.status, HLHotKeyStatus::taken);
@@ -242,7 +242,7 @@ TEST_F(HotKeys, ThatAnotherProgramHoldsAreTaken) {
   EXPECT_EQ(add(kF5, HLHotKeyControl).status, HLHotKeyStatus::success);
 }
 
-TEST_F(HotKeys, OfWhichAnotherProgramHoldsPartAreLeftToItWhole) {
+TEST_F(HotKeys, GrabNothingWhenPartlyHeldElsewhere) {
   ASSERT_TRUE(other_.grab(KEY_F5, XCB_MOD_MASK_LOCK));
   EXPECT_EQ(add(kF5, 0).status, HLHotKeyStatus::taken);
   EXPECT_TRUE(other_.canGrab(KEY_F5, 0));
@@ -265,7 +265,7 @@ TEST_F(HotKeys, AreGivenBackAtTheirEnd) {
   EXPECT_THAT(fired(), ElementsAre(2));
 }
 
-TEST_F(HotKeys, OfOneProgramAreToldApart) {
+TEST_F(HotKeys, AreToldApartWithinOneProgram) {
   const HLHotKeyRegistration one = add(kF5, 0, 1);
   const HLHotKeyRegistration two = add(kF5, HLHotKeyShift, 2);
   const HLHotKeyRegistration three = add(kN, HLHotKeyOption, 3);
@@ -276,12 +276,12 @@ TEST_F(HotKeys, OfOneProgramAreToldApart) {
   EXPECT_EQ(add(kF5, 0).status, HLHotKeyStatus::taken) << "it is held by this program itself";
 }
 
-TEST_F(HotKeys, OfKeysThatThereAreNotFail) {
+TEST_F(HotKeys, FailForUnknownKeys) {
   EXPECT_EQ(add(0xFFFF, kThree).status, HLHotKeyStatus::failed);
   EXPECT_EQ(add(0x7F, kThree).status, HLHotKeyStatus::failed);
 }
 
-TEST_F(HotKeys, MayBeEndedAndMadeAnewByTheirHandler) {
+TEST_F(HotKeys, MayBeReplacedByTheirHandler) {
   HLHotKeyRegistration registration = add(kF5, 0);
   keys_->installHandler([&](const std::optional<HLHotKeyIdentity>& identity) {
     fired_.push_back(identity.value_or(kNoIdentity).id);
@@ -319,7 +319,7 @@ TEST_F(HotKeys, OutliveTheirMaker) {
 }
 
 // The server grants the grab, and is never told of the key.
-TEST_F(HotKeys, AreNotAskedOfTheXServerOfAWaylandCompositor) {
+TEST_F(HotKeys, AvoidTheXServerOnWayland) {
   setenv("WAYLAND_DISPLAY", "wayland-7", 1);
   EXPECT_EQ(HLQtHotKeys(loop_, "com.example.program").registerHotKey(kF5, 0, {"HLhk", 1}).status,
             HLHotKeyStatus::success)

@@ -13,7 +13,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-TEST_F(MenuBar, AClickIsToldWithItsButtonAndModifiers) {
+TEST_F(MenuBar, ReportsClickWithButtonAndModifiers) {
   panel_ = session_->startTray();
   startProgram();
   clickDocked("1");
@@ -22,7 +22,7 @@ TEST_F(MenuBar, AClickIsToldWithItsButtonAndModifiers) {
   waitFor("click type=2 modifiers=100000");
 }
 
-TEST_F(MenuBar, ARightClickOpensTheMenuAndReturnsWhenItIsClosed) {
+TEST_F(MenuBar, OpensModalMenuOnRightClick) {
   panel_ = session_->startTray();
   startProgram();
   clickDocked("3");
@@ -36,7 +36,7 @@ TEST_F(MenuBar, ARightClickOpensTheMenuAndReturnsWhenItIsClosed) {
   waitFor("menu closed");
 }
 
-TEST_F(MenuBar, AClickWithControlOpensTheMenuTooAndItsItemsAct) {
+TEST_F(MenuBar, OpensWorkingMenuOnControlClick) {
   panel_ = session_->startTray();
   startProgram();
   xdotool({"keydown", "ctrl", "mousemove", "--window", dockedWindow(), "11", "11", "click", "1", "keyup", "ctrl"});
@@ -47,7 +47,7 @@ TEST_F(MenuBar, AClickWithControlOpensTheMenuTooAndItsItemsAct) {
   waitFor("menu closed");
 }
 
-TEST_F(MenuBar, TheMenuObeysItsKeysWhileItIsOpen) {
+TEST_F(MenuBar, ObeysShortcutsWhileMenuIsOpen) {
   panel_ = session_->startTray();
   startProgram();
   clickDocked("3");
@@ -57,14 +57,14 @@ TEST_F(MenuBar, TheMenuObeysItsKeysWhileItIsOpen) {
   waitFor("menu closed");
 }
 
-TEST_F(MenuBar, ATrayThatComesLaterGetsTheItem) {
+TEST_F(MenuBar, DocksWhenTrayStartsLater) {
   startProgram();
   panel_ = session_->startTray();
   clickDocked("1");
   waitFor("click type=2 modifiers=0");
 }
 
-TEST_F(MenuBar, ATrayThatIsRestartedGetsTheItemAgain) {
+TEST_F(MenuBar, DocksAgainAfterTrayRestarts) {
   panel_ = session_->startTray();
   startProgram();
   clickDocked("1");
@@ -77,7 +77,7 @@ TEST_F(MenuBar, ATrayThatIsRestartedGetsTheItemAgain) {
 }
 
 // Without the X server the item goes to the panel over the bus; its clicks come from there all the same.
-TEST_F(MenuBar, APanelOnTheBusTellsOfClicks) {
+TEST_F(MenuBar, ReportsClicksFromPanelOnBus) {
   startPanel();
   startProgram("offscreen");
   waitForPanelItem();
@@ -85,7 +85,7 @@ TEST_F(MenuBar, APanelOnTheBusTellsOfClicks) {
   keepPicture("panel");
 }
 
-TEST_F(MenuBar, APanelOnTheBusMayAskForTheMenu) {
+TEST_F(MenuBar, OpensMenuWithoutBlockingThePanel) {
   startPanel();
   startProgram("offscreen");
   waitForPanelItem();
@@ -108,7 +108,7 @@ TEST_F(MenuBar, RegistersWithLateOrRestartedPanel) {
   clickPanel("click type=2 modifiers=0");
 }
 
-TEST_F(MenuBar, APanelWithATrayOfEitherKindShowsItOnce) {
+TEST_F(MenuBar, DocksOnceWithBothTrayKinds) {
   startPanel();
   startProgram();
   clickDocked("1");
@@ -121,7 +121,7 @@ TEST_F(MenuBar, APanelWithATrayOfEitherKindShowsItOnce) {
   waitFor("menu closed");
 }
 
-TEST_F(MenuBar, ASecondStartReopensTheFirstAndEnds) {
+TEST_F(MenuBar, ReopensFirstInstanceOnSecondStart) {
   startProgram();
   const auto second = session_->start({HL_MENU_BAR_PROGRAM});
   EXPECT_EQ(second->wait(std::chrono::seconds(20)), 0) << second->output();
@@ -130,7 +130,7 @@ TEST_F(MenuBar, ASecondStartReopensTheFirstAndEnds) {
 }
 
 // There it is not told of clicks beside it, unless on a window of its own.
-TEST_F(MenuBar, TheMenuCoversTheScreenBesideAWaylandCompositorWhileItIsOpen) {
+TEST_F(MenuBar, CoversWaylandScreenBehindOpenMenu) {
   const Listener compositor(session_->environment().at("XDG_RUNTIME_DIR") + "/wayland-7");
   panel_ = session_->startTray();
   startProgram("xcb WAYLAND_DISPLAY=wayland-7");
@@ -149,13 +149,13 @@ TEST_F(MenuBar, TheMenuCoversTheScreenBesideAWaylandCompositorWhileItIsOpen) {
   EXPECT_TRUE(Eventually([&] { return !isCovered(); }));
 }
 
-TEST_F(MenuBar, ItEndsWellWhenItIsTold) {
+TEST_F(MenuBar, ExitsCleanlyWhenToldToQuit) {
   startProgram();
   tell("quit");
   EXPECT_EQ(program_->wait(std::chrono::seconds(20)), 0) << program_->output();
 }
 
-TEST_F(MenuBar, KeysAreToldByPositionAndByCharacter) {
+TEST_F(MenuBar, ReportsKeysByPositionAndCharacter) {
   startProgram();
   tell("setup");
   waitFor("shown");
@@ -171,7 +171,7 @@ TEST_F(MenuBar, KeysAreToldByPositionAndByCharacter) {
   EXPECT_EQ(count("primary"), 0);
 }
 
-TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
+TEST_F(MenuBar, RaisesWindowAndClosesOnRequest) {
   startProgram();
   tell("setup");
   waitFor("shown");
@@ -186,7 +186,7 @@ TEST_F(MenuBar, AWindowComesUpInFrontAndIsClosedByItsFrame) {
   })) << program_->output();
 }
 
-TEST_F(MenuBar, AWindowBearsTheApplicationsIcon) {
+TEST_F(MenuBar, GivesWindowsTheApplicationIcon) {
   startProgram();
   tell("setup");
   waitFor("shown");
@@ -208,7 +208,7 @@ TEST_F(MenuBar, AWindowBearsTheApplicationsIcon) {
   EXPECT_THAT(sizes, testing::ElementsAre(16, 24, 32, 48, 64, 128));
 }
 
-TEST_F(MenuBar, AnAlertHoldsItUpAndTheRunLoopGoesOn) {
+TEST_F(MenuBar, KeepsRunLoopGoingDuringAlert) {
   startProgram();
   tell("ask");
   waitForActiveWindow("Hushlet");
@@ -220,7 +220,7 @@ TEST_F(MenuBar, AnAlertHoldsItUpAndTheRunLoopGoesOn) {
   waitFor("answer 1");
 }
 
-TEST_F(MenuBar, ItsItemIsKeptAsAPictureOnLightAndDarkTrays) {
+TEST_F(MenuBar, SavesPicturesForBothTrayColors) {
   startProgram();
   for (const auto& [name, color] : {std::pair("dark", "0x202020"), std::pair("light", "0xf0f0f0")}) {
     panel_ = session_->startTray(color);
@@ -239,7 +239,7 @@ TEST_F(MenuBar, ItsItemIsKeptAsAPictureOnLightAndDarkTrays) {
   }
 }
 
-TEST(MenuBarWithoutADesktop, ItSaysSoInOneLineAndEnds) {
+TEST(MenuBarWithoutADesktop, FailsWithOneLineAboutDisplay) {
   const std::string output = std::string(testing::TempDir()) + "no-display-output";
   for (const Environment& environment :
        {Environment{{"PATH", "/usr/bin:/bin"}, {"HOME", "/nonexistent"}},

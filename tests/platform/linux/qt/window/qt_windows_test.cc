@@ -79,7 +79,7 @@ double contrast(const QColor& a, const QColor& b) {
   return std::max(first, second) / std::min(first, second);
 }
 
-TEST_F(Windows, TheContentHasTheDescribedSizeAndCannotBeResized) {
+TEST_F(Windows, HaveTheDescribedFixedSize) {
   make(SettingsWindow());
   EXPECT_EQ(widget().size(), QSize(420, 280));
   EXPECT_EQ(widget().minimumSize(), widget().maximumSize());
@@ -88,7 +88,7 @@ TEST_F(Windows, TheContentHasTheDescribedSizeAndCannotBeResized) {
   EXPECT_EQ(widget().windowTitle(), "Hushlet Settings");
 }
 
-TEST_F(Windows, TheStackStandsWithinItsMarginsWithTheDescribedSpacings) {
+TEST_F(Windows, PlaceStackByMarginsAndSpacings) {
   make(SetupWindow()).fitHeight();
   const QRect heading = place("heading");
   const QRect explanation = place("explanation");
@@ -107,13 +107,13 @@ TEST_F(Windows, TheStackStandsWithinItsMarginsWithTheDescribedSpacings) {
   EXPECT_EQ(primary.top() + primary.height() + 22, widget().height());
 }
 
-TEST_F(Windows, FillTheStackWithFullWidthItems) {
+TEST_F(Windows, StretchOnlyFullWidthItems) {
   make(SetupWindow()).fitHeight();
   for (const char* name : {"explanation", "steps", "note", "status"}) EXPECT_EQ(place(name).width(), 460 - 48) << name;
   for (const char* name : {"heading", "primary"}) EXPECT_LT(place(name).width(), 300) << name;
 }
 
-TEST_F(Windows, ItIsMadeAsHighAsItsTextsNeed) {
+TEST_F(Windows, FitTheirHeightToTheirTexts) {
   HLWindow& window = make(SetupWindow());
   window.fitHeight();
   const int height = widget().height();
@@ -145,7 +145,7 @@ TEST_F(Windows, ShowEveryTextWhole) {
   }
 }
 
-TEST_F(Windows, ALongerTextMakesAWindowGrowRatherThanBeCut) {
+TEST_F(Windows, GrowWhenATextGetsLonger) {
   HLWindow& window = make(SettingsWindow());
   std::string text;
   for (int i = 0; i < 40; ++i) text += "A long remark. ";
@@ -153,7 +153,7 @@ TEST_F(Windows, ALongerTextMakesAWindowGrowRatherThanBeCut) {
   EXPECT_GT(widget().height(), 280);
 }
 
-TEST_F(Windows, PointsArePixelsAndWeightsAreKept) {
+TEST_F(Windows, SetFontPixelSizesAndWeights) {
   make(SetupWindow());
   const QFont heading = find<QLabel>("heading").font();
   EXPECT_EQ(heading.pixelSize(), 20);
@@ -163,7 +163,7 @@ TEST_F(Windows, PointsArePixelsAndWeightsAreKept) {
   EXPECT_EQ(find<QLabel>("status").font().weight(), QFont::Medium);
 }
 
-TEST_F(Windows, ColorsAreLegibleInLightAndDark) {
+TEST_F(Windows, HaveLegibleColorsInBothAppearances) {
   for (bool dark : {false, true}) {
     if (dark) Offscreen().application().setDarkAppearance();
     HLWindow& window = make(SettingsWindow());
@@ -176,7 +176,7 @@ TEST_F(Windows, ColorsAreLegibleInLightAndDark) {
   }
 }
 
-TEST_F(Windows, AWindowThatIsOpenTurnsDarkToo) {
+TEST_F(Windows, TurnDarkWhileOpen) {
   make(SettingsWindow()).makeKeyAndOrderFront();
   const QColor before = find<QLabel>("access").palette().color(QPalette::WindowText);
   Offscreen().application().setDarkAppearance();
@@ -187,7 +187,7 @@ TEST_F(Windows, AWindowThatIsOpenTurnsDarkToo) {
   EXPECT_EQ(after, HLQtTextColor(HLTextColor::orange, QApplication::palette()));
 }
 
-TEST_F(Windows, EveryControlTellsAssistiveTechnologiesItsText) {
+TEST_F(Windows, NameControlsForAssistiveTechnologies) {
   make(SettingsWindow());
   std::vector<std::string> names;
   for (QWidget* control : widget().findChildren<QWidget*>()) {
@@ -236,7 +236,7 @@ TEST_F(Windows, CloseOnEscapeAndCtrlW) {
   EXPECT_EQ(pressed, 0);
 }
 
-TEST_F(Windows, IgnoreEscapeAndLettersWithOtherModifiers) {
+TEST_F(Windows, IgnoreKeysWithOtherModifiers) {
   HLWindow& window = make(SetupWindow());
   window.makeKeyAndOrderFront();
   press(Qt::Key_Escape, Qt::ShiftModifier);
@@ -257,7 +257,7 @@ TEST_F(Windows, QuitTheApplicationOnCtrlQ) {
   EXPECT_EQ(QApplication::exec(), 0);
 }
 
-TEST_F(Windows, ButtonsAndCheckBoxesActWhenTheUserUsesThem) {
+TEST_F(Windows, RunActionsOnlyOnUserClicks) {
   int recorded = 0;
   std::vector<bool> states;
   HLWindow& window =
@@ -275,7 +275,7 @@ TEST_F(Windows, ButtonsAndCheckBoxesActWhenTheUserUsesThem) {
   EXPECT_THAT(states, ElementsAre(true, false));
 }
 
-TEST_F(Windows, TitlesAndTextsAreTakenAsTheyStand) {
+TEST_F(Windows, ShowTitlesAndTextsVerbatim) {
   HLWindow& window = make(SettingsWindow());
   window.setButtonTitle("record", "Salt & Pepper");
   EXPECT_EQ(QAccessible::queryAccessibleInterface(&find<QPushButton>("record"))->text(QAccessible::Name),
@@ -288,7 +288,7 @@ TEST_F(Windows, TitlesAndTextsAreTakenAsTheyStand) {
   window.setEnabled("nobody", true);
 }
 
-TEST_F(Windows, ClosingHidesAndTellsHoweverItIsDone) {
+TEST_F(Windows, HideAndReportHoweverClosed) {
   int closed = 0;
   HLWindow& window = make(SetupWindow({.willClose = [&] { ++closed; }}));
   window.makeKeyAndOrderFront();
@@ -306,7 +306,7 @@ TEST_F(Windows, ClosingHidesAndTellsHoweverItIsDone) {
   EXPECT_TRUE(widget().isVisible());
 }
 
-TEST_F(Windows, ItIsCenteredOnTheScreen) {
+TEST_F(Windows, CenterOnTheScreen) {
   HLWindow& window = make(SetupWindow());
   window.fitHeight();
   window.center();
@@ -315,7 +315,7 @@ TEST_F(Windows, ItIsCenteredOnTheScreen) {
   EXPECT_LE(std::abs(widget().frameGeometry().center().y() - screen.center().y()), 1);
 }
 
-TEST_F(Windows, ViewsTellOfAllWindowsInTheirOrder) {
+TEST_F(Windows, ListViewsInCreationOrder) {
   const std::unique_ptr<HLWindow> setup = windows_.makeWindow(SetupWindow());
   const std::unique_ptr<HLWindow> settings = windows_.makeWindow(SettingsWindow());
   settings->makeKeyAndOrderFront();
@@ -333,7 +333,7 @@ TEST_F(Windows, ViewsTellOfAllWindowsInTheirOrder) {
             QSize(420, 280));
 }
 
-TEST_F(Windows, TheirPicturesAreKeptToBeLookedAt) {
+TEST_F(Windows, SavePicturesInLightAndDark) {
   for (bool dark : {false, true}) {
     if (dark) Offscreen().application().setDarkAppearance();
     const std::unique_ptr<HLWindow> setup = windows_.makeWindow(SetupWindow());
