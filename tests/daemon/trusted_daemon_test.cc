@@ -166,7 +166,7 @@ TEST_F(TrustedDaemon, TakesOverTheSocketPath) {
   EXPECT_EQ(ask("ping\n"), "nothing|0|0\n") << "the socket file of the second one stays";
 }
 
-TEST_F(TrustedDaemon, LeavesTheSocketFileOfASuccessor) {
+TEST_F(TrustedDaemon, LeavesSocketFileOfSuccessor) {
   RunningProgram& daemon = start("{}");
   const DaemonClient kept(socketPath());
   ASSERT_TRUE(kept.isConnected());

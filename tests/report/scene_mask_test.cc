@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(MaskedCapture, IsJudgedTheSameForEveryScene) {
+TEST(MaskedCapture, IsJudgedAlikeForEveryScene) {
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(HUSHLET_SCENES)) {
     if (entry.path().extension() != ".json") continue;
     SCOPED_TRACE(entry.path());

@@ -191,7 +191,7 @@ void expectTheSameAnswers(const HLContext& context, std::string_view own) {
   }
 }
 
-TEST(UnfinishedContext, MatchesTheFinishedForEveryUtf16Unit) {
+TEST(UnfinishedContext, MatchesFinishedForEveryCodeUnit) {
   for (char32_t unit = 0; unit <= 0xFFFF; ++unit) {
     const std::string piece = HLTextOfUtf16(std::u16string(1, static_cast<char16_t>(unit)));
     const std::string text =

@@ -69,19 +69,19 @@ class Application : public testing::Test {
   const HLApplicationPlatform& platform_ = host_.platform();
 };
 
-TEST_F(Application, AnswersAnAlertWithTheButtonThatWasPressed) {
+TEST_F(Application, AnswersAlertWithPressedButton) {
   EXPECT_EQ(answerTo(@"Download"), 0U);
   EXPECT_EQ(answerTo(@"Later"), 1U);
 }
 
-TEST_F(Application, AnswersAnAlertThatWasBrokenOffWithItsLastButton) {
+TEST_F(Application, AnswersAbortedAlertWithLastButton) {
   const Meanwhile breaking(^{
     if (NSApplication.sharedApplication.modalWindow != nil) [NSApplication.sharedApplication abortModal];
   });
   EXPECT_EQ(platform_.alerts->runModal({"Title", "Message", {"Download", "Later"}}), 1U);
 }
 
-TEST_F(Application, HoldsUpStepsOfTheMainQueueBehindOneThatAsks) {
+TEST_F(Application, HoldsUpMainQueueDuringAlert) {
   HLMacRunLoop loop;
   std::vector<std::string> order;
   loop.postToMainQueue([&] {
@@ -94,7 +94,7 @@ TEST_F(Application, HoldsUpStepsOfTheMainQueueBehindOneThatAsks) {
   EXPECT_EQ(order, (std::vector<std::string>{"answer", "later step"}));
 }
 
-TEST_F(Application, HearsKeyPressesUntilTheMonitorEndsItself) {
+TEST_F(Application, HearsKeyPressesUntilMonitorEnds) {
   NSEvent* event = [NSEvent keyEventWithType:NSEventTypeKeyDown
                                     location:NSZeroPoint
                                modifierFlags:NSEventModifierFlagCommand | NSEventModifierFlagShift
@@ -119,7 +119,7 @@ TEST_F(Application, HearsKeyPressesUntilTheMonitorEndsItself) {
   EXPECT_EQ(seen[0].charactersIgnoringModifiers, "N");
 }
 
-TEST_F(Application, OpensItsMenuUntilItIsClosed) {
+TEST_F(Application, OpensItsMenuUntilClosed) {
   int updates = 0;
   int chosen = 0;
   HLStatusItem& item = platform_.statusItem;

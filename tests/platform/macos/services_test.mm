@@ -15,7 +15,7 @@
 namespace {
 
 // This program has no bundle.
-TEST(UserNotifications, AnswerWithAnErrorOutsideABundle) {
+TEST(UserNotifications, ReportErrorOutsideBundle) {
   HLMacUserNotifications notifications;
   std::optional<std::string> asked;
   bool allowed = true;
@@ -67,14 +67,14 @@ TEST_F(HotKeys, AreGivenBackWhenTheyEnd) {
   }
 }
 
-TEST_F(HotKeys, AreTakenWhileThisProgramHoldsThem) {
+TEST_F(HotKeys, AreTakenWhileProgramHoldsThem) {
   const HLHotKeyRegistration first = hotKeys_.registerHotKey(kF19, kModifiers, identity_);
   const HLHotKeyRegistration second = hotKeys_.registerHotKey(kF19, kModifiers, {"HLhk", 2});
   EXPECT_EQ(second.status, HLHotKeyStatus::taken);
   EXPECT_EQ(second.hotKey, nullptr);
 }
 
-TEST_F(HotKeys, TellTheHandlerWhichOneWasPressed) {
+TEST_F(HotKeys, TellHandlerWhichWasPressed) {
   std::optional<HLHotKeyIdentity> pressed;
   hotKeys_.installHandler([&](const std::optional<HLHotKeyIdentity>& identity) {
     pressed = identity;

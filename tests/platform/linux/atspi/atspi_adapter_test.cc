@@ -114,7 +114,7 @@ class Adapter : public testing::TestWithParam<Server> {
 INSTANTIATE_TEST_SUITE_P(Servers, Adapter, testing::Values(kMate, kLxqt),
                          [](const auto& server) { return server.param.name; });
 
-TEST_P(Adapter, ABannerIsOneElementThatCanBeClosed) {
+TEST_P(Adapter, ShowsBannerAsOneClosableElement) {
   const HLElementRef root = applicationShowing(1);
   ASSERT_NE(root, nullptr);
   EXPECT_EQ(textOf(*root, "AXRole"), "AXApplication");
@@ -140,7 +140,7 @@ TEST_P(Adapter, OnlyListedActionsArePerformed) {
   EXPECT_THAT(sender_->closed(), IsEmpty());
 }
 
-TEST_P(Adapter, AnElementThatVanishesBeforeItIsPressedIsInvalid) {
+TEST_P(Adapter, ReportsInvalidWhenPressingVanishedElement) {
   const HLElementRef root = applicationShowing(2);
   const std::vector<HLElementRef> found = banners(*root);
   ASSERT_THAT(found, SizeIs(2));
@@ -149,7 +149,7 @@ TEST_P(Adapter, AnElementThatVanishesBeforeItIsPressedIsInvalid) {
   EXPECT_TRUE(Eventually([&] { return found.front()->performAction("Name:Close") == HLAXErrorInvalidElement; }));
 }
 
-TEST_P(Adapter, AHandleOutlivesTheReadThatMadeIt) {
+TEST_P(Adapter, KeepsHandlesEqualAcrossReads) {
   const HLElementRef root = applicationShowing(2);
   const std::vector<HLElementRef> before = banners(*root);
   const std::vector<HLElementRef> after = banners(*root);
@@ -162,7 +162,7 @@ TEST_P(Adapter, AHandleOutlivesTheReadThatMadeIt) {
   EXPECT_EQ(textOf(*before.front(), "AXDescription"), textOf(*after.front(), "AXDescription"));
 }
 
-TEST_P(Adapter, AHandleOfWhatIsGoneIsInvalidAfterTheNextRead) {
+TEST_P(Adapter, InvalidatesClosedBannerAfterNextRead) {
   const HLElementRef root = applicationShowing(2);
   std::vector<HLElementRef> before = banners(*root);
   ASSERT_THAT(before, SizeIs(2));
@@ -175,7 +175,7 @@ TEST_P(Adapter, AHandleOfWhatIsGoneIsInvalidAfterTheNextRead) {
   EXPECT_EQ(gone->performAction("Name:Close"), HLAXErrorInvalidElement);
 }
 
-TEST_P(Adapter, AStoppedServerKeepsTheWindowsThatItLastShowed) {
+TEST_P(Adapter, KeepsLastBannersOfStoppedServer) {
   const HLElementRef root = applicationShowing(3);
   std::vector<HLElementRef> found = banners(*root);
   ASSERT_THAT(found, SizeIs(3));
@@ -187,7 +187,7 @@ TEST_P(Adapter, AStoppedServerKeepsTheWindowsThatItLastShowed) {
   server_->signal(SIGCONT);
 }
 
-TEST_P(Adapter, ARunOverAStoppedServerFailsSoon) {
+TEST_P(Adapter, FailsRunSoonOverStoppedServer) {
   const HLElementRef root = applicationShowing(10);
   server_->signal(SIGSTOP);
   HLDismissResult result;
@@ -196,7 +196,7 @@ TEST_P(Adapter, ARunOverAStoppedServerFailsSoon) {
   server_->signal(SIGCONT);
 }
 
-TEST_P(Adapter, AServerThatWakesUpIsReadAgain) {
+TEST_P(Adapter, ReadsServerAgainAfterItResumes) {
   const HLElementRef root = applicationShowing(2);
   server_->signal(SIGSTOP);
   EXPECT_THAT(banners(*root), SizeIs(2));
@@ -206,7 +206,7 @@ TEST_P(Adapter, AServerThatWakesUpIsReadAgain) {
   EXPECT_EQ(HLRunDirectDismiss(*root), (HLDismissResult{HLDismissStatusSuccess, 1, 0}));
 }
 
-TEST_P(Adapter, AServerThatAnsweredAgainHasAllItsTime) {
+TEST_P(Adapter, RestoresFullTimeoutAfterServerAnswers) {
   const HLElementRef root = applicationShowing(1);
   server_->signal(SIGSTOP);
   EXPECT_THAT(banners(*root), SizeIs(1));
@@ -227,7 +227,7 @@ TEST_P(Adapter, AStoppedServerIsNoApplication) {
   server_->signal(SIGCONT);
 }
 
-TEST_P(Adapter, ReportsAServerAgainOnceItIsObservable) {
+TEST_P(Adapter, ReportsLaunchWhenServerBecomesObservable) {
   std::vector<std::int32_t> launched;
   host_->platform().runningApplications->observeLaunches(
       [&launched](const HLRunningApplication& server) { launched.push_back(server.pid); });
@@ -248,7 +248,7 @@ TEST_P(Adapter, ReportsAServerAgainOnceItIsObservable) {
   EXPECT_NE(observer(), nullptr);
 }
 
-TEST_P(Adapter, TheElementsOfADeadServerAreInvalid) {
+TEST_P(Adapter, InvalidatesElementsWhenServerDies) {
   const HLElementRef root = applicationShowing(2);
   const std::vector<HLElementRef> found = banners(*root);
   ASSERT_THAT(found, SizeIs(2));
@@ -262,7 +262,7 @@ TEST_P(Adapter, TheElementsOfADeadServerAreInvalid) {
 }
 
 // GTK takes calls without the bus between, Qt does not.
-TEST_P(Adapter, ARunThatLosesTheAccessibilityBusNeverFindsAnEmptyScreen) {
+TEST_P(Adapter, NeverFindsScreenEmptyWithoutBus) {
   const HLElementRef root = applicationShowing(3);
   kill(session_->accessibilityBusPid(), SIGKILL);
   HLDismissResult result;
@@ -288,7 +288,7 @@ TEST_P(Adapter, FourThreadsPressAtOnce) {
   EXPECT_TRUE(sender_->waitUntilClosed(ids_, seconds(5)));
 }
 
-TEST_P(Adapter, ReadsAndPressesMayComeFromSeveralThreads) {
+TEST_P(Adapter, ReadsAndPressesFromSeveralThreads) {
   const HLElementRef root = applicationShowing(8);
   const std::vector<HLElementRef> found = banners(*root);
   const auto queue = host_->platform().runLoop->makeOperationQueue("both", HLQualityOfService::userInitiated, 4);
@@ -301,12 +301,12 @@ TEST_P(Adapter, ReadsAndPressesMayComeFromSeveralThreads) {
   EXPECT_TRUE(sender_->waitUntilClosed(ids_, seconds(5)));
 }
 
-TEST_P(Adapter, AProcessThatIsNotOnTheAccessibilityBusIsNoApplication) {
+TEST_P(Adapter, FindsNoApplicationOutsideAccessibilityBus) {
   EXPECT_EQ(host_->platform().accessibility->createApplication(session_->sessionBus().pid()), nullptr);
   EXPECT_EQ(host_->platform().accessibility->createApplication(-1), nullptr);
 }
 
-TEST_P(Adapter, TheServerIsListedAsNotificationCenter) {
+TEST_P(Adapter, ListsServerAsNotificationCenter) {
   const std::vector<HLRunningApplication> list = host_->platform().runningApplications->list();
   ASSERT_THAT(list, SizeIs(1));
   EXPECT_EQ(list.front().pid, server_->pid());
@@ -317,7 +317,7 @@ TEST_P(Adapter, TheServerIsListedAsNotificationCenter) {
   EXPECT_FALSE(host_->platform().runningApplications->find(getpid()));
 }
 
-TEST_P(Adapter, NoSignalGoesToWhatTheBusCannotStartAgain) {
+TEST_P(Adapter, SendsNoSignalToUnrestartableServer) {
   EXPECT_EQ(host_->platform().runningApplications->sendSignal(server_->pid(), SIGTERM), HLSignalOutcome::refused);
   EXPECT_FALSE(server_->wait(milliseconds(200)));
 }
@@ -329,7 +329,7 @@ TEST_P(Adapter, NoSignalGoesToAnotherProcess) {
   EXPECT_FALSE(other->wait(milliseconds(200)));
 }
 
-TEST_P(Adapter, AServerThatIsHardToEndComesBackAllTheSame) {
+TEST_P(Adapter, RestartsStoppedServerAfterKillingIt) {
   begin(WithActivatable({GetParam().command}));
   HLRunningApplications& applications = host_->platform().runningApplications;
   const std::int32_t before = server_->pid();
@@ -346,7 +346,7 @@ TEST_P(Adapter, AServerThatIsHardToEndComesBackAllTheSame) {
   EXPECT_EQ(session_->serverPid(), list.front().pid);
 }
 
-TEST_P(Adapter, TrustEndsWhenAccessibilityIsSwitchedOffUntilItIsAskedFor) {
+TEST_P(Adapter, LosesTrustWhileAccessibilityIsOff) {
   HLAccessibility& accessibility = host_->platform().accessibility;
   EXPECT_TRUE(accessibility.isProcessTrusted(false));
   session_->setAccessibilityEnabled(false);
@@ -355,7 +355,7 @@ TEST_P(Adapter, TrustEndsWhenAccessibilityIsSwitchedOffUntilItIsAskedFor) {
   EXPECT_TRUE(accessibility.isProcessTrusted(false));
 }
 
-TEST_P(Adapter, AnAddressInTheEnvironmentComesBeforeTheSessions) {
+TEST_P(Adapter, PrefersBusAddressFromEnvironment) {
   HLAccessibility& accessibility = host_->platform().accessibility;
   setenv("AT_SPI_BUS_ADDRESS", "unix:path=/nonexistent", 1);
   EXPECT_FALSE(accessibility.isProcessTrusted(false));

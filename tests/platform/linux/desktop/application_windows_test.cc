@@ -31,7 +31,7 @@ class ApplicationWindows : public ApplicationDesktop {
   }
 };
 
-TEST_F(ApplicationWindows, ANewShortcutIsRecordedByTypingItAndKept) {
+TEST_F(ApplicationWindows, RecordAndKeepTypedShortcut) {
   beginDesktopWith(kMate);
   startApplication({"--open-settings"});
   waitForWindow(SettingsTitle);
@@ -72,7 +72,7 @@ TEST_F(ApplicationWindows, ANewShortcutIsRecordedByTypingItAndKept) {
   expectCleared(second, kMate, 1);
 }
 
-TEST_F(ApplicationWindows, ASecondStartShowsTheSettingsOfTheFirstAndEnds) {
+TEST_F(ApplicationWindows, ShowFirstInstanceOnSecondStart) {
   beginDesktopWith(kMate);
   startApplication();
   startAgain();
@@ -85,7 +85,7 @@ TEST_F(ApplicationWindows, ASecondStartShowsTheSettingsOfTheFirstAndEnds) {
   }));
 }
 
-TEST_F(ApplicationWindows, WithoutATrayASecondStartIsTheWayIn) {
+TEST_F(ApplicationWindows, OpenOnSecondStartWithoutTray) {
   beginDesktop();
   tray_ = nullptr;
   application_ = session_->start(commandLine(kProduct));
@@ -94,7 +94,7 @@ TEST_F(ApplicationWindows, WithoutATrayASecondStartIsTheWayIn) {
   waitForWindow(SettingsTitle);
 }
 
-TEST_F(ApplicationWindows, OpenAtTheFirstStartWithoutATray) {
+TEST_F(ApplicationWindows, OpenAtFirstStartWithoutTray) {
   beginDesktop();
   tray_ = nullptr;
   application_ = session_->start(commandLine(kProduct));
@@ -104,7 +104,7 @@ TEST_F(ApplicationWindows, OpenAtTheFirstStartWithoutATray) {
 
 constexpr const char* kNoServer = "Hushlet finds no program that shows notifications.";
 
-TEST_F(ApplicationWindows, ExplainAFailedDismissalWithoutATray) {
+TEST_F(ApplicationWindows, ExplainFailedDismissalWithoutTray) {
   beginDesktop();
   tray_ = nullptr;
   storeDefaults(R"({"HLWelcomedWithoutIcon": true})");
@@ -134,7 +134,7 @@ TEST_F(ApplicationWindows, StayClosedWhileTheIconExplains) {
   EXPECT_FALSE(screen_->findTitled(SettingsTitle));
 }
 
-TEST_F(ApplicationWindows, CloseBannersByTheUsersOwnRules) {
+TEST_F(ApplicationWindows, CloseBannersByUserRules) {
   beginDesktopWith(kMate);
   storeDefaults(R"({"HLAutoCloseRules": ["*|number 2", "a mistake"]})");
   startApplication({"--open-settings"});
@@ -175,7 +175,7 @@ TEST_P(TrialButton, ClearsItsOwnNotificationOnly) {
 INSTANTIATE_TEST_SUITE_P(Servers, TrialButton, testing::Values(kMate, kLxqt),
                          [](const auto& server) { return server.param.name; });
 
-TEST_F(ApplicationWindows, APanelThatIsRestartedGetsTheIconBack) {
+TEST_F(ApplicationWindows, RestoreIconInRestartedPanel) {
   beginDesktopWith(kMate);
   startApplication();
   tray_->signal(SIGKILL);
@@ -204,7 +204,7 @@ TEST_F(ApplicationWindows, ItIsQuitByItsMenu) {
   EXPECT_EQ(application_->output(), "");
 }
 
-TEST_F(ApplicationWindows, CloseOnEscapeAndQuitOnCtrlQ) {
+TEST_F(ApplicationWindows, CloseAndQuitByKeyboard) {
   beginDesktop();
   startApplication({"--open-settings"});
   waitForWindow(SettingsTitle);
@@ -220,7 +220,7 @@ TEST_F(ApplicationWindows, CloseOnEscapeAndQuitOnCtrlQ) {
   EXPECT_EQ(application_->wait(kTimeout), 0) << application_->output();
 }
 
-TEST_F(ApplicationWindows, GiveTheNoteBackAfterACanceledRecording) {
+TEST_F(ApplicationWindows, RestoreNoteAfterCanceledRecording) {
   beginDesktop();
   startApplication({"--open-settings"});
   waitForWindow(SettingsTitle);
@@ -233,7 +233,7 @@ TEST_F(ApplicationWindows, GiveTheNoteBackAfterACanceledRecording) {
   EXPECT_TRUE(screen_->findTitled(SettingsTitle)) << "Escape ends the recording only";
 }
 
-TEST_F(ApplicationWindows, FailWithOneLineWithoutADisplay) {
+TEST_F(ApplicationWindows, FailWithOneLineWithoutDisplay) {
   begin();
   Environment without = session_->environment();
   without.erase("DISPLAY");
@@ -291,7 +291,7 @@ class ApplicationSetup : public ApplicationWindows, public testing::WithParamInt
   }
 };
 
-TEST_P(ApplicationSetup, LeadsFromTheFirstStartToTheFirstClearedScreen) {
+TEST_P(ApplicationSetup, LeadsFromStartToClearedScreen) {
   beginDesktop();
   session_->setAccessibilityEnabled(false);
   startServer(GetParam().command);

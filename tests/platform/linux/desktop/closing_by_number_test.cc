@@ -165,7 +165,7 @@ TEST_P(WithoutTree, IsTrustedWithTheUsersConsent) {
   expectClosed(ids, GetParam());
 }
 
-TEST_P(WithoutTree, ConsentIsNotEnoughForAServerWithATree) {
+TEST_P(WithoutTree, IgnoresConsentWhenServerHasTree) {
   beginWith(GetParam(), WithoutAccessibility());
   EXPECT_EQ(request(), 0);
   server_ = nullptr;

@@ -25,7 +25,7 @@ class Recording : public RealDesktop, public testing::WithParamInterface<Server>
   }
 };
 
-TEST_P(Recording, ShowsTheSimulatorWhatTheServerShows) {
+TEST_P(Recording, ReproducesTargetsInSimulatorWithoutTexts) {
   beginWith(GetParam());
   (void)sender_->send("Mail", "Ana Petrova", "Are you still coming tonight?");
   (void)sender_->send("Calendar", "Dinner with Tom", "Today at 19:30", {"open", "Open", "close", "Close"});
@@ -49,7 +49,7 @@ TEST_P(Recording, ShowsTheSimulatorWhatTheServerShows) {
   }
 }
 
-TEST_P(Recording, SaysWhyAnApplicationsButtonIsNotPressed) {
+TEST_P(Recording, ExplainsWhyButtonIsNotPressed) {
   beginWith(GetParam());
   (void)sender_->send("Calendar", "Dinner with Tom", "Today at 19:30", {"open", "Open"});
   std::string explanation;

@@ -69,7 +69,7 @@ TEST(ProcessInfo, ReadsTheEnvironment) {
   EXPECT_EQ(process.environment("HUSHLET_TEST_MISSING"), std::nullopt);
 }
 
-TEST(ProcessInfo, HomeIsTheEnvironmentsAndElseTheAccounts) {
+TEST(ProcessInfo, TakesHomeFromEnvironmentOrAccount) {
   HLLinuxProcessInfo process = processWith({"program"});
   {
     const Variable home("HOME", "/somewhere/");
@@ -150,14 +150,14 @@ TEST(RunLoop, RunsThatLong) {
   EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(50));
 }
 
-TEST(RunLoop, SleepsNoTimeAtAllForNoneOrLess) {
+TEST(RunLoop, SkipsSleepWithoutPositiveTime) {
   HLLinuxRunLoop loop;
   const Clock::time_point begin = Clock::now();
   for (double seconds : {0.0, -1.0, std::nan("")}) loop.sleep(seconds);
   EXPECT_LT(Clock::now() - begin, std::chrono::seconds(1));
 }
 
-TEST(OperationQueue, AtMostThatManyRunAtOnceAndAsManyDo) {
+TEST(OperationQueue, RunsExactlyItsLimitAtOnce) {
   HLLinuxRunLoop loop;
   const auto queue = loop.makeOperationQueue("test", HLQualityOfService::userInitiated, 4);
   std::mutex mutex;

@@ -43,7 +43,7 @@ class MainLoop : public testing::Test {
   std::vector<int> seen_;
 };
 
-TEST_F(MainLoop, RunsWhatIsPostedInItsOrderAndOnlyWhileItRuns) {
+TEST_F(MainLoop, RunsPostsInOrderWhileRunning) {
   for (int i = 0; i < 5; ++i) {
     loop_.postToMainQueue([this, i] { seen_.push_back(i); });
   }
@@ -52,7 +52,7 @@ TEST_F(MainLoop, RunsWhatIsPostedInItsOrderAndOnlyWhileItRuns) {
   EXPECT_THAT(seen_, ElementsAre(0, 1, 2, 3, 4));
 }
 
-TEST_F(MainLoop, RunsWhatManyThreadsPostEachInItsOrder) {
+TEST_F(MainLoop, KeepsPostOrderOfEachThread) {
   constexpr int kThreads = 8;
   constexpr int kSteps = 500;
   std::vector<std::vector<int>> of(kThreads);
@@ -84,7 +84,7 @@ TEST_F(MainLoop, WakesForWhatAnotherThreadPosts) {
   EXPECT_THAT(seen_, ElementsAre(1));
 }
 
-TEST_F(MainLoop, RunsAPostThatAPostedStepMakes) {
+TEST_F(MainLoop, RunsPostMadeByPostedStep) {
   loop_.postToMainQueue([this] {
     seen_.push_back(1);
     loop_.postToMainQueue([this] { seen_.push_back(2); });
@@ -93,7 +93,7 @@ TEST_F(MainLoop, RunsAPostThatAPostedStepMakes) {
   EXPECT_THAT(seen_, ElementsAre(1, 2));
 }
 
-TEST_F(MainLoop, RunsDelayedStepsInTheOrderOfTheirMomentsAndNotBefore) {
+TEST_F(MainLoop, RunsDelayedStepsWhenDue) {
   const Clock::time_point begin = Clock::now();
   Clock::time_point moment;
   loop_.postToMainQueueAfter(0.06, [&] {
@@ -107,7 +107,7 @@ TEST_F(MainLoop, RunsDelayedStepsInTheOrderOfTheirMomentsAndNotBefore) {
   EXPECT_GE(moment - begin, milliseconds(60));
 }
 
-TEST_F(MainLoop, DelayedStepsOfManyThreadsAllRun) {
+TEST_F(MainLoop, RunsDelayedStepsFromManyThreads) {
   std::vector<std::thread> threads;
   int done = 0;
   for (int thread = 0; thread < 4; ++thread) {
@@ -119,7 +119,7 @@ TEST_F(MainLoop, DelayedStepsOfManyThreadsAllRun) {
   for (std::thread& thread : threads) thread.join();
 }
 
-TEST_F(MainLoop, ATimerRunsAgainAndAgainUntilItsEnd) {
+TEST_F(MainLoop, RepeatsTimerUntilItEnds) {
   const Clock::time_point begin = Clock::now();
   int turns = 0;
   std::unique_ptr<HLTimer> timer = loop_.scheduleTimer(0.01, [&turns] { ++turns; });
@@ -131,7 +131,7 @@ TEST_F(MainLoop, ATimerRunsAgainAndAgainUntilItsEnd) {
   EXPECT_EQ(turns, last);
 }
 
-TEST_F(MainLoop, ATimerMayEndItselfInItsAction) {
+TEST_F(MainLoop, LetsTimerEndItself) {
   int turns = 0;
   std::unique_ptr<HLTimer> timer;
   const auto kept = std::make_shared<int>(7);
@@ -144,7 +144,7 @@ TEST_F(MainLoop, ATimerMayEndItselfInItsAction) {
   EXPECT_EQ(turns, 1);
 }
 
-TEST_F(MainLoop, ATimerMayEndAnotherThatIsDue) {
+TEST_F(MainLoop, LetsTimerEndAnotherDueTimer) {
   std::unique_ptr<HLTimer> first;
   std::unique_ptr<HLTimer> second;
   const auto action = [this, &first, &second] {
@@ -160,7 +160,7 @@ TEST_F(MainLoop, ATimerMayEndAnotherThatIsDue) {
   EXPECT_THAT(seen_, ElementsAre(1));
 }
 
-TEST_F(MainLoop, ATimerDoesNotMakeUpForTurnsThatItMissed) {
+TEST_F(MainLoop, SkipsMissedTurnsOfTimer) {
   int turns = 0;
   const std::unique_ptr<HLTimer> timer = loop_.scheduleTimer(0.02, [&turns] { ++turns; });
   loop_.sleep(0.11);
@@ -168,7 +168,7 @@ TEST_F(MainLoop, ATimerDoesNotMakeUpForTurnsThatItMissed) {
   EXPECT_EQ(turns, 1);
 }
 
-TEST_F(MainLoop, TheGlobalQueueWorksBesideTheMainThread) {
+TEST_F(MainLoop, RunsGlobalQueueOnOtherThreads) {
   std::atomic<int> done = 0;
   std::atomic<bool> elsewhere = true;
   const std::thread::id here = std::this_thread::get_id();
@@ -188,7 +188,7 @@ TEST_F(MainLoop, TheGlobalQueueWorksBesideTheMainThread) {
   EXPECT_TRUE(elsewhere);
 }
 
-TEST_F(MainLoop, OneWorkMayWaitForAnotherOfTheGlobalQueue) {
+TEST_F(MainLoop, LetsGlobalWorkAwaitOtherWork) {
   const std::shared_ptr<HLSemaphore> second(loop_.makeSemaphore());
   const std::shared_ptr<HLSemaphore> finished(loop_.makeSemaphore());
   loop_.postToGlobalQueue(
@@ -202,7 +202,7 @@ TEST_F(MainLoop, OneWorkMayWaitForAnotherOfTheGlobalQueue) {
   EXPECT_TRUE(finished->wait(20));
 }
 
-TEST_F(MainLoop, ItsEndWaitsForTheGlobalQueue) {
+TEST_F(MainLoop, WaitsForGlobalQueueWhenEnding) {
   std::atomic<bool> done = false;
   {
     HLLinuxRunLoop loop;
@@ -217,7 +217,7 @@ TEST_F(MainLoop, ItsEndWaitsForTheGlobalQueue) {
   EXPECT_TRUE(done);
 }
 
-TEST_F(MainLoop, AForeignLoopServesItWhenItsDescriptorIsReadable) {
+TEST_F(MainLoop, TellsForeignLoopWhenToServe) {
   loop_.serve();
   EXPECT_FALSE(isReadable());
   loop_.postToMainQueue([this] { seen_.push_back(1); });
@@ -257,7 +257,7 @@ TEST_F(MainLoop, ServesASourceUntilItEnds) {
   close(descriptor);
 }
 
-TEST_F(MainLoop, AStepMayRunALoopOfItsOwnWhichFindsTheOthers) {
+TEST_F(MainLoop, RunsOtherStepsInNestedLoop) {
   loop_.postToMainQueue([this] {
     seen_.push_back(1);
     loop_.runFor(0.02);

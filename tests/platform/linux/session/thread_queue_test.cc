@@ -94,7 +94,7 @@ TEST_F(WithoutThreads, OperationsShareTheThreadsThatStart) {
   EXPECT_EQ(threads.count(std::this_thread::get_id()), 0U);
 }
 
-TEST_F(WithoutThreads, TheGlobalQueueWorksOnceAThreadStarts) {
+TEST_F(WithoutThreads, RunsGlobalWorkOnceThreadStarts) {
   std::atomic<bool> done = false;
   bool refused = false;
   {
@@ -109,7 +109,7 @@ TEST_F(WithoutThreads, TheGlobalQueueWorksOnceAThreadStarts) {
   EXPECT_LT(loop_.asked, HLThreadStartTimeout);
 }
 
-TEST_F(WithoutThreads, TheGlobalQueueRefusesAfterFiveSeconds) {
+TEST_F(WithoutThreads, RefusesGlobalWorkAfterFiveSeconds) {
   const ThreadLimit limit(0);
   bool done = false;
   bool refused = false;

@@ -33,7 +33,7 @@ TEST(ProgramOutput, EndsASlowProgram) {
   EXPECT_LT(Clock::now() - begin, std::chrono::seconds(30));
 }
 
-TEST(ProgramOutput, EndsASlowProgramThatClosedItsOutput) {
+TEST(ProgramOutput, EndsSlowProgramWithClosedOutput) {
   const Clock::time_point begin = Clock::now();
   EXPECT_EQ(HLProgramOutput({"sh", "-c", "echo text; exec sleep 60 >&-"}, std::chrono::milliseconds(500)),
             std::nullopt);

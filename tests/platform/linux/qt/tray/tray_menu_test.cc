@@ -31,7 +31,7 @@ auto whileOpen(HLTrayMenu& menu, const QRect& item, const Note& note) {
 }
 
 // As a window of the desktop's it would be tiled if it could be resized.
-TEST(TrayMenu, HasProgramNameAndFitsItsItems) {
+TEST(TrayMenu, HasProgramNameAndFitsItems) {
   (void)Offscreen();
   HLTrayMenu menu(menuWith("Short"));
   const auto noteSize = [&menu] {

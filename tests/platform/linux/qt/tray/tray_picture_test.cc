@@ -51,7 +51,7 @@ QPoint offCenter(const QImage& picture, const QColor& background) {
   return bounds.topLeft() + bounds.bottomRight() - picture.rect().bottomRight();
 }
 
-TEST_F(TrayPicture, EachLookIsItsOwnPictureInEachSize) {
+TEST_F(TrayPicture, DiffersBetweenLooksAtEachSize) {
   for (int size : kSizes) {
     for (const HLTrayLook& look : kLooks) {
       const QImage picture = HLDrawTrayPicture(look, size, HLTrayLightColor);
@@ -63,7 +63,7 @@ TEST_F(TrayPicture, EachLookIsItsOwnPictureInEachSize) {
   }
 }
 
-TEST_F(TrayPicture, ItStandsOutFromLightAndFromDark) {
+TEST_F(TrayPicture, StandsOutFromLightAndDark) {
   for (const HLTrayLook& look : kLooks) {
     const int least = 22 * 22 / 12;
     EXPECT_GT(strongPixels(HLDrawTrayPicture(look, 22, HLTrayLightColor), Qt::black).size(), least) << look.title;
@@ -71,7 +71,7 @@ TEST_F(TrayPicture, ItStandsOutFromLightAndFromDark) {
   }
 }
 
-TEST_F(TrayPicture, ItCanBeReadOnAPanelAsLightAsItself) {
+TEST_F(TrayPicture, IsReadableOnEquallyLightPanel) {
   for (const HLTrayLook& look : kLooks) {
     const QPolygon contour = strongPixels(HLDrawTrayPicture(look, 22, HLTrayLightColor), HLTrayLightColor, 54);
     EXPECT_GT(contour.size(), 22) << look.symbol << look.title;
@@ -126,7 +126,7 @@ std::string pathData(const QPainterPath& path) {
   return data.str() + " Z";
 }
 
-TEST_F(TrayPicture, TheIconFilesHoldTheSameDrawings) {
+TEST_F(TrayPicture, MatchesDrawingsInIconFiles) {
   for (const auto& [symbol, file] :
        {std::pair("bell.slash", "hushlet.svg"), std::pair("bell.slash", "hushlet-symbolic.svg"),
         std::pair("exclamationmark.triangle", "hushlet-attention-symbolic.svg")}) {
@@ -136,7 +136,7 @@ TEST_F(TrayPicture, TheIconFilesHoldTheSameDrawings) {
   }
 }
 
-TEST_F(TrayPicture, TheApplicationsIconHasTheColorsOfItsFile) {
+TEST_F(TrayPicture, MatchesColorsOfApplicationIconFile) {
   std::ostringstream content;
   content << std::ifstream(HL_ICONS "/hushlet.svg").rdbuf();
   const QImage icon = HLDrawApplicationIcon(128);
@@ -152,7 +152,7 @@ TEST_F(TrayPicture, TheApplicationsIconHasTheColorsOfItsFile) {
   }
 }
 
-TEST_F(TrayPicture, TheirPicturesAreKeptToBeLookedAt) {
+TEST_F(TrayPicture, IsSavedForInspection) {
   QImage sheet(static_cast<int>(kLooks.size()) * 56, 4 * 60 * 2, QImage::Format_RGB32);
   QPainter painter(&sheet);
   for (int row = 0; row < 8; ++row) {

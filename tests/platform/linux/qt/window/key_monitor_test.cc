@@ -39,7 +39,7 @@ class KeyMonitor : public testing::Test {
   int pressed_ = 0;
 };
 
-TEST_F(KeyMonitor, AKeyIsToldByItsPositionModifiersAndCharacter) {
+TEST_F(KeyMonitor, ReportsPositionModifiersAndCharacter) {
   const auto watching = monitor();
   send(keyPress(Qt::Key_N, KEY_N, Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier, "\x0E"));
   send(keyPress(Qt::Key_F5, KEY_F5, Qt::ShiftModifier));
@@ -52,7 +52,7 @@ TEST_F(KeyMonitor, AKeyIsToldByItsPositionModifiersAndCharacter) {
   EXPECT_EQ(keys_[1].charactersIgnoringModifiers, "");
 }
 
-TEST_F(KeyMonitor, ThePositionDecidesWhateverTheLayoutPutsThere) {
+TEST_F(KeyMonitor, IgnoresKeyboardLayout) {
   const auto watching = monitor();
   send(keyPress(Qt::Key_Z, KEY_Y, Qt::AltModifier));  // a German keyboard
   ASSERT_EQ(keys_.size(), 1U);
@@ -71,7 +71,7 @@ TEST_F(KeyMonitor, WhatItSeesGoesNoFurther) {
   EXPECT_EQ(pressed_, 1);
 }
 
-TEST_F(KeyMonitor, ItMayBeEndedFromWithinItsOwnHandler) {
+TEST_F(KeyMonitor, MayEndInItsOwnHandler) {
   std::unique_ptr<HLKeyMonitor> watching;
   watching = Offscreen().application().addKeyMonitor([&](const HLKeyEvent& key) {
     watching = nullptr;
@@ -85,7 +85,7 @@ TEST_F(KeyMonitor, ItMayBeEndedFromWithinItsOwnHandler) {
   EXPECT_EQ(pressed_, 1);
 }
 
-TEST_F(KeyMonitor, KeysThatOnlyModifyOthersAreNotTold) {
+TEST_F(KeyMonitor, IgnoresModifierKeysAlone) {
   const auto watching = monitor();
   send(keyPress(Qt::Key_Control, KEY_LEFTCTRL, Qt::NoModifier));
   EXPECT_TRUE(keys_.empty());
