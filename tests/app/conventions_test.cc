@@ -83,7 +83,7 @@ Calls shownOfShortcut(bool marksInactive, HLHotKeyStatus status, const std::opti
           labels["setupStatusLabel"]};
 }
 
-TEST(Conventions, MarkAShortcutThatDoesNotWork) {
+TEST(Conventions, MarkAnInactiveShortcut) {
   const std::string works = "Works from any app. Needs at least one of Command, Option or Control, or an F key.";
   const std::string both = "Allowed. Press ⌃⌥⌘N or click the menu bar icon to clear notifications.";
   const std::string icon = "Allowed. Click the menu bar icon to clear notifications.";
@@ -97,7 +97,7 @@ TEST(Conventions, MarkAShortcutThatDoesNotWork) {
   EXPECT_THAT(shownOfShortcut(false, HLHotKeyStatus::taken, std::nullopt), ElementsAre("⌃⌥⌘N", works, both));
 }
 
-TEST(Conventions, MarkAShortcutUntilOneIsRecorded) {
+TEST(Conventions, MarkShortcutUntilOneIsRecorded) {
   Application application;
   application.host.platform.conventions = conventionsWith(&HLConventions::marksInactiveShortcuts, true);
   application.host.hotKeys.status = HLHotKeyStatus::failed;

@@ -48,7 +48,7 @@ TEST(KeyLabel, FallsBackToTheKeyCode) {
   EXPECT_EQ(HLKeyLabelForEvent({65535, 0, ""}), "Key 65535");
 }
 
-TEST(FunctionKeys, RangeFromF1ToF12) {
+TEST(FunctionKeys, AreF1ToF12) {
   const std::set<std::int64_t> keys = {96, 97, 98, 99, 100, 101, 103, 109, 111, 118, 120, 122};
   for (std::int64_t code = -1; code <= 256; ++code) EXPECT_EQ(HLIsFunctionKey(code), keys.contains(code)) << code;
 }

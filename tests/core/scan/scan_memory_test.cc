@@ -175,7 +175,7 @@ TEST(ScanWork, SearchesLongTextsOnce) {
   EXPECT_LT(searchedBytes, 3 * kMegabyte);
 }
 
-TEST(ScanWork, LeavesOrdinaryTextsToAQuickTest) {
+TEST(ScanWork, BarelySearchesOrdinaryTexts) {
   SimulatedDesktop desktop("{}");
   const auto window = elementWithTitle(words(kMegabyte));
   const auto button = elementWithTitle("button");

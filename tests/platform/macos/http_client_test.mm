@@ -79,7 +79,7 @@ TEST(HttpClient, BringsTheServersRefusal) {
   EXPECT_EQ(answer.status, 404);
 }
 
-TEST(HttpClient, GivesUpOnASilentServerInTime) {
+TEST(HttpClient, TimesOutOnASilentServer) {
   const Server server("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf");
   HLMacRunLoop loop;
   const double start = loop.now();

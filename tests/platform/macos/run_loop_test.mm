@@ -21,7 +21,7 @@ class MainLoop : public testing::Test {
   HLMacRunLoop loop_;
 };
 
-TEST_F(MainLoop, RunsStepsInTheirOrderAndOnlyWhileItRuns) {
+TEST_F(MainLoop, RunsStepsInOrderWhileRunning) {
   std::vector<int> steps;
   for (int i = 0; i < 20; ++i) loop_.postToMainQueue([&steps, i] { steps.push_back(i); });
   EXPECT_TRUE(steps.empty());
@@ -29,7 +29,7 @@ TEST_F(MainLoop, RunsStepsInTheirOrderAndOnlyWhileItRuns) {
   for (int i = 0; i < 20; ++i) EXPECT_EQ(steps[static_cast<std::size_t>(i)], i);
 }
 
-TEST_F(MainLoop, RunsALaterStepNotBeforeItsTime) {
+TEST_F(MainLoop, RunsNoStepBeforeItsTime) {
   const double start = loop_.now();
   double ran = 0;
   loop_.postToMainQueueAfter(0.05, [&] { ran = loop_.now(); });
@@ -38,7 +38,7 @@ TEST_F(MainLoop, RunsALaterStepNotBeforeItsTime) {
   EXPECT_GE(ran - start, 0.05 - 1e-3);
 }
 
-TEST_F(MainLoop, DoesNotReturnEarlyAfterAnEvent) {
+TEST_F(MainLoop, DoesNotReturnEarlyAfterEvents) {
   const double start = loop_.now();
   for (int i = 0; i < 5; ++i) loop_.postToMainQueueAfter(0.01 * i, [] {});
   loop_.runFor(0.1);
@@ -68,7 +68,7 @@ TEST_F(MainLoop, LetsATimerEndItself) {
   EXPECT_EQ(turns, 1);
 }
 
-TEST_F(MainLoop, RunsTimersAndNoFurtherStepWithinAStep) {
+TEST_F(MainLoop, RunsOnlyTimersWithinAStep) {
   int turns = 0;
   bool further = false;
   bool done = false;

@@ -60,7 +60,7 @@ class Windows : public testing::Test {
   }
 };
 
-TEST_F(Windows, AreAsWideAsDescribedAndAsHighAsTheirTexts) {
+TEST_F(Windows, FollowDescribedWidthAndTextHeight) {
   const auto window = platform_.windows->makeWindow(description());
   window->fitHeight();
   const double before = viewNamed("Set Up")->height;
@@ -92,7 +92,7 @@ TEST_F(Windows, ShowTheWholeOfTheirTexts) {
   }
 }
 
-TEST_F(Windows, AreVisibleFromShowingToClosingAndSaySo) {
+TEST_F(Windows, AreVisibleUntilTheyReportClosing) {
   int closed = 0;
   HLWindowDescription described = description();
   described.willClose = [&] { ++closed; };
@@ -116,7 +116,7 @@ TEST_F(Windows, GiveTheirPicture) {
   EXPECT_TRUE(png->starts_with("\x89PNG"));
 }
 
-TEST_F(Windows, IgnoreNamesThatTheyDoNotHave) {
+TEST_F(Windows, IgnoreUnknownControlNames) {
   const auto window = platform_.windows->makeWindow(description());
   window->setLabel("nobody", "text", HLTextColor::green);
   window->setButtonTitle("heading", "text");

@@ -38,31 +38,31 @@ std::vector<std::string> controlsOf(const HLRawTree& tree) {
 // ---------------------------------------------------------------------------------------------------------------------
 // What real servers showed: one banner of the application Mail, and one of Chat with the buttons Open and Close.
 
-TEST(RecordedBanners, MateNamesNoApplicationAndDescribesItsCloseButton) {
+TEST(RecordedBanners, DescribeCloseButtonOnMate) {
   const HLRawTree tree = RecordedTree("mate");
   EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world", ", Ada, Lunch?"));
   EXPECT_THAT(controlsOf(tree), ElementsAre("/Closes the notification. 0", "/Closes the notification. 0"));
 }
 
-TEST(RecordedBanners, LxqtShowsSeveralInOneWindow) {
+TEST(RecordedBanners, ShareOneWindowOnLxqt) {
   const HLRawTree tree = RecordedTree("lxqt");
   EXPECT_THAT(textsOf(tree), ElementsAre("Mail, New message, Hello, world", "Chat, Ada, Lunch?"));
   EXPECT_THAT(controlsOf(tree), ElementsAre("x/ 0", "x/ 0"));
 }
 
-TEST(RecordedBanners, XfceHasOnlyTheButtonsOfTheApplication) {
+TEST(RecordedBanners, HaveNoCloseButtonOnXfce) {
   const HLRawTree tree = RecordedTree("xfce");
   EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world", ", Ada, Lunch?"));
   EXPECT_THAT(controlsOf(tree), ElementsAre("none", "none"));
 }
 
-TEST(RecordedBanners, NotificationDaemonShowsOneAtATime) {
+TEST(RecordedBanners, AppearSinglyWithNotificationDaemon) {
   const HLRawTree tree = RecordedTree("notification-daemon");
   EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world"));
   EXPECT_THAT(controlsOf(tree), ElementsAre("/Closes the notification. 0"));
 }
 
-TEST(RecordedBanners, BudgieNamesItsCloseButtonAsTheApplicationNamesIts) {
+TEST(RecordedBanners, CloseByOwnButtonOnBudgie) {
   const HLRawTree tree = RecordedTree("budgie");
   EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world", ", Ada, Lunch?"));
   const std::vector<HLBanner> banners = HLFindBanners(tree);
@@ -74,13 +74,13 @@ TEST(RecordedBanners, BudgieNamesItsCloseButtonAsTheApplicationNamesIts) {
   }
 }
 
-TEST(RecordedBanners, PlasmaKeepsTheCloseButtonBesideTheNotification) {
+TEST(RecordedBanners, KeepCloseButtonOutsideOnPlasma) {
   const HLRawTree tree = RecordedTree("plasma");
   EXPECT_THAT(textsOf(tree), ElementsAre("Mail, New message, Hello, world  from Mail", "Chat, Ada, Lunch?  from Chat"));
   EXPECT_THAT(controlsOf(tree), ElementsAre("Close/Mail 0", "Close/Chat 0"));
 }
 
-TEST(RecordedBanners, PlasmaMayAskForAReply) {
+TEST(RecordedBanners, MayAskForReplyOnPlasma) {
   const HLRawTree tree = ParseTree(R"(
 frame '' [908 515 336x125]
   tool bar '' [914 515 324x30]
@@ -105,25 +105,25 @@ frame '' [908 515 336x125]
   EXPECT_THAT(controlsOf(tree), ElementsAre("Close/Chat 0"));
 }
 
-TEST(RecordedBanners, CinnamonHasACloseButtonThatCannotBePressed) {
+TEST(RecordedBanners, HaveUnpressableCloseButtonOnCinnamon) {
   const HLRawTree tree = RecordedTree("cinnamon");
   EXPECT_THAT(textsOf(tree), ElementsAre(", New message, Hello, world"));
   EXPECT_THAT(controlsOf(tree), ElementsAre("none"));
 }
 
-TEST(RecordedBanners, GnomeHasACloseButtonThatCannotBePressed) {
+TEST(RecordedBanners, HaveUnpressableCloseButtonOnGnome) {
   const HLRawTree tree = RecordedTree("gnome");
   EXPECT_THAT(controlsOf(tree), ElementsAre("none"));
 }
 
-TEST(RecordedBanners, ADialogThatAsksIsNotClosed) {
+TEST(RecordedBanners, HaveNoCloseControlInDialogs) {
   EXPECT_THAT(controlsOf(RecordedTree("notify-osd")), ElementsAre("none", "none"));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
 // What is a banner.
 
-TEST(Banners, AHiddenWindowHoldsNone) {
+TEST(Banners, ExcludeHiddenWindows) {
   EXPECT_THAT(HLFindBanners(ParseTree(R"(
 alert 'Notification' (hidden)
   label 'Title'
@@ -132,7 +132,7 @@ alert 'Notification' (hidden)
               IsEmpty());
 }
 
-TEST(Banners, AHiddenBannerInAShownWindowIsNone) {
+TEST(Banners, ExcludeHiddenNodesInVisibleWindows) {
   EXPECT_THAT(HLFindBanners(ParseTree(R"(
 window ''
   menu bar ''
@@ -142,7 +142,7 @@ window ''
               IsEmpty());
 }
 
-TEST(Banners, TheInnermostNodeThatBearsTheRoleIsTheBanner) {
+TEST(Banners, AreInnermostNodesWithTheRole) {
   EXPECT_THAT(textsOf(ParseTree(R"(
 window ''
   alert ''
@@ -155,7 +155,7 @@ window ''
 }
 
 // A list of windows shows a text and a close button for each of the user's own.
-TEST(Banners, InADesktopShellOnlyTheRoleTells) {
+TEST(Banners, NeedTheRoleInDesktopShells) {
   EXPECT_THAT(textsOf(ParseTree(R"(
 window '' [0 0 1280x1024]
   panel ''
@@ -195,7 +195,7 @@ window ''
               ElementsAre(", One", ", Two"));
 }
 
-TEST(Banners, AButtonThatHoldsTextAndACloseButtonIsABanner) {
+TEST(Banners, IncludeButtonsContainingCloseButtons) {
   EXPECT_THAT(textsOf(ParseTree(R"(
 window ''
   panel ''
@@ -206,7 +206,7 @@ window ''
               ElementsAre(", One"));
 }
 
-TEST(Banners, AWindowWithoutTextIsNone) {
+TEST(Banners, ExcludeWindowsWithoutText) {
   EXPECT_THAT(HLFindBanners(ParseTree(R"(
 window ''
   button 'Close' <Click>
@@ -214,13 +214,13 @@ window ''
               IsEmpty());
 }
 
-TEST(Banners, AWindowWithTooManyElementsIsNone) {
+TEST(Banners, ExcludeWindowsWithManyElements) {
   std::string tree = "window ''\n  label 'Applications'\n";
   for (int i = 0; i < 100; ++i) tree += "  panel ''\n";
   EXPECT_THAT(HLFindBanners(ParseTree(tree)), IsEmpty());
 }
 
-TEST(Banners, AnEmptyTreeHoldsNone) { EXPECT_THAT(HLFindBanners(HLRawTree(1)), IsEmpty()); }
+TEST(Banners, AreAbsentFromEmptyTrees) { EXPECT_THAT(HLFindBanners(HLRawTree(1)), IsEmpty()); }
 
 // ---------------------------------------------------------------------------------------------------------------------
 // What closes it.
@@ -232,7 +232,7 @@ HLRawTree bannerWith(const std::string& buttons) {
 
 std::vector<std::string> controlsWith(const std::string& buttons) { return controlsOf(bannerWith(buttons)); }
 
-TEST(CloseControl, IsAnUnnamedIconInAnUpperCorner) {
+TEST(CloseControl, IsUnnamedIconInUpperCorner) {
   EXPECT_THAT(controlsWith("  button '' [370 6 24x24] <Click>\n"), ElementsAre("/ 0"));
   EXPECT_THAT(controlsWith("  button '' [6 6 24x24] <Click>\n"), ElementsAre("/ 0"));
 }
@@ -242,37 +242,37 @@ TEST(CloseControl, IsNotAnIconElsewhere) {
   EXPECT_THAT(controlsWith("  button '' [190 6 24x24] <Click>\n"), ElementsAre("none"));
 }
 
-TEST(CloseControl, IsNotAnIconOfUnknownPlace) {
+TEST(CloseControl, IsNoIconWithoutPosition) {
   EXPECT_THAT(controlsWith("  button '' <Click>\n"), ElementsAre("none"));
   EXPECT_THAT(controlsWith("  button 'Close' <Click>\n"), ElementsAre("none"));
 }
 
-TEST(CloseControl, IsNotOneOfTwoThatAreAlike) {
+TEST(CloseControl, IsNeitherOfTwoEqualIcons) {
   EXPECT_THAT(controlsWith("  button '' [370 6 24x24] <Click>\n  button '' [340 6 24x24] <Click>\n"),
               ElementsAre("none"));
 }
 
-TEST(CloseControl, IsTheNamedOneOfTwoIcons) {
+TEST(CloseControl, IsTheNamedIconOfTwo) {
   EXPECT_THAT(controlsWith("  button '' [340 6 24x24] <Click>\n  button 'Close' [370 6 24x24] <Click>\n"),
               ElementsAre("Close/ 0"));
 }
 
-TEST(CloseControl, IsTheDescribedOneWhereverItIs) {
+TEST(CloseControl, IsTheDescribedButtonAnywhere) {
   EXPECT_THAT(controlsWith("  button 'x' [370 6 24x24] <Click>\n  button '' / 'Closes the notification.' <Click>\n"),
               ElementsAre("/Closes the notification. 0"));
 }
 
-TEST(CloseControl, MayBeDescribedInTheLanguageOfTheDesktop) {
+TEST(CloseControl, MayBeDescribedInAnotherLanguage) {
   EXPECT_THAT(controlsWith("  button '' / 'Schließt die Benachrichtigung.' <Click>\n"),
               ElementsAre("/Schließt die Benachrichtigung. 0"));
 }
 
-TEST(CloseControl, IsNotAButtonWithAnotherNameThatIsDescribedSo) {
+TEST(CloseControl, IgnoresDescriptionsOfOtherwiseNamedButtons) {
   EXPECT_THAT(controlsWith("  button 'Open' / 'Opens it and closes this' [370 6 24x24] <Click>\n"),
               ElementsAre("none"));
 }
 
-TEST(CloseControl, IsNoButtonNamedByTheApplication) {
+TEST(CloseControl, IsNoApplicationButtonNamedClose) {
   for (const std::string name : {"Close", "Dismiss", "x"}) {
     EXPECT_THAT(controlsWith("  button '" + name + "' [300 6 80x24] <Click>\n"), ElementsAre("none")) << name;
     EXPECT_THAT(controlsWith("  button '" + name + "' [310 70 24x24] <Click>\n"), ElementsAre("none")) << name;
@@ -281,7 +281,7 @@ TEST(CloseControl, IsNoButtonNamedByTheApplication) {
               ElementsAre("none"));
 }
 
-TEST(CloseControl, IsNeverAnActionOfTheApplication) {
+TEST(CloseControl, IsNoIconWithAnotherName) {
   for (const std::string name : {"Reply", "Open", "Undo", "Delete", "Close tab", "Clear", "OK", "Cancel", "Later"}) {
     EXPECT_THAT(controlsWith("  button '" + name + "' [370 6 24x24] <Click>\n"), ElementsAre("none")) << name;
   }
@@ -293,7 +293,7 @@ TEST(CloseControl, IsTheSymbolInItsCorner) {
   }
 }
 
-TEST(CloseControl, IsPressedByItsFirstPressAction) {
+TEST(CloseControl, UsesItsFirstPressAction) {
   EXPECT_THAT(controlsWith("  button 'x' [370 6 24x24] <SetFocus> <Press> <Press>\n"), ElementsAre("x/ 1"));
 }
 
@@ -313,11 +313,11 @@ TEST(CloseControl, MayBeWithinAnyDepth) {
 // ---------------------------------------------------------------------------------------------------------------------
 // What it says.
 
-TEST(BannerText, LeavesOutABodyThatIsMissing) {
+TEST(BannerText, LeavesOutAMissingBody) {
   EXPECT_THAT(textsOf(ParseTree("alert ''\n  label 'Title'\n")), ElementsAre(", Title"));
 }
 
-TEST(BannerText, KnowsTheApplicationFromThreeLabelsThoughOneIsEmpty) {
+TEST(BannerText, NamesApplicationDespiteEmptyLabels) {
   EXPECT_THAT(
       textsOf(ParseTree("alert ''\n  label '' (hidden)\n  label 'Mail'\n  label 'Title'\n  label '' (hidden)\n")),
       ElementsAre("Mail, Title"));

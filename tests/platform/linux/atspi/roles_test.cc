@@ -51,7 +51,7 @@ TEST(Roles, HaveTheNamesOfTheStandard) {
   }
 }
 
-TEST(Roles, AreMappedToRolesOfMacOS) {
+TEST(Roles, MapToMacOSRoles) {
   for (const HLRole& role : HLRoles) {
     EXPECT_THAT(partsOf(kRoles), testing::Contains(role.role)) << role.name;
     EXPECT_THAT(partsOf(kSubroles), testing::Contains(role.subrole)) << role.name;

@@ -16,7 +16,7 @@ TEST(NotificationServer, ClosesAtTheShellsName) {
   EXPECT_EQ(HLTraitsOfServer({"Plasma", "KDE", "5.27.5"}).closingName, "");
 }
 
-TEST(NotificationServer, ShowsAnEndOfEqualOnesIfKnown) {
+TEST(NotificationServer, ShowsNewestOrOldestOfEquals) {
   EXPECT_EQ(HLTraitsOfServer({"gnome-shell", "GNOME", "43.9"}).shownOfEqual, HLShownOfEqual::newest);
   EXPECT_EQ(HLTraitsOfServer({"cinnamon", "GNOME", "5.6.8"}).shownOfEqual, HLShownOfEqual::newest);
   EXPECT_EQ(HLTraitsOfServer({"Xfce Notify Daemon", "Xfce", "0.7.3"}).shownOfEqual, HLShownOfEqual::oldest);

@@ -13,7 +13,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-TEST(LinuxConventions, GuideInThreeStepsToTheButton) {
+TEST(LinuxConventions, GuideToButtonInThreeSteps) {
   const HLConventions conventions = HLLinuxConventions();
   EXPECT_EQ(std::count(conventions.accessSteps.begin(), conventions.accessSteps.end(), '\n'), 2);
   EXPECT_THAT(conventions.accessSteps, HasSubstr("1. Click " + conventions.accessButton + "."));

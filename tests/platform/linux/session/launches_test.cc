@@ -58,7 +58,7 @@ TEST_P(Launches, AreToldOfOnceEach) {
   expectTold({first->pid(), second->pid()});
 }
 
-TEST_P(Launches, ReportOnlyTheLastWhileLoopStopped) {
+TEST_P(Launches, ReportOnlyLastWhileLoopStopped) {
   begin();
   {
     const std::unique_ptr<ChildProcess> first = session_->startServer(GetParam().command);
@@ -69,7 +69,7 @@ TEST_P(Launches, ReportOnlyTheLastWhileLoopStopped) {
   expectTold({second->pid()});
 }
 
-TEST_P(Launches, OfAServerThatTheBusBringsBackAreToldOf) {
+TEST_P(Launches, ReportServersRestartedByBus) {
   begin(WithActivatable({GetParam().command}));
   NotificationSender sender(session_->environment());
   (void)sender.send("Mail", "One", "which starts the server");
@@ -84,7 +84,7 @@ TEST_P(Launches, OfAServerThatTheBusBringsBackAreToldOf) {
   expectTold({first, second});
 }
 
-TEST_P(Launches, OfTheServerThatIsThereAlreadyAreNotToldOf) {
+TEST_P(Launches, IgnoreServersAlreadyRunning) {
   session_ = std::make_unique<DesktopSession>();
   const std::unique_ptr<ChildProcess> server = session_->startServer(GetParam().command);
   environment_ = std::make_unique<SessionEnvironment>(session_->environment());

@@ -76,7 +76,7 @@ class Shell : public testing::Test {
   pid_t shell_ = -1;
 };
 
-TEST_F(Shell, IsListedInPlaceOfItsHelper) {
+TEST_F(Shell, ReplacesItsHelperInTheList) {
   startShell();
   const Owner helper(address_, {kService, kHelper});
   const std::vector<HLRunningApplication> list = applications_.list();
@@ -95,7 +95,7 @@ TEST_F(Shell, GetsNoSignal) {
   EXPECT_EQ(waitpid(shell_, nullptr, WNOHANG), 0);
 }
 
-TEST_F(Shell, IsNotTheServerWithoutItsHelper) {
+TEST_F(Shell, IsNoServerWithoutItsHelper) {
   startShell();
   const Owner server(address_, {kService});
   const Owner other(address_, {kHelper});
@@ -104,7 +104,7 @@ TEST_F(Shell, IsNotTheServerWithoutItsHelper) {
   EXPECT_EQ(list.front().pid, getpid());
 }
 
-TEST_F(Shell, IsNoServerOnceItHasEnded) {
+TEST_F(Shell, IsNoServerWhenNotRunning) {
   const Owner helper(address_, {kService, kHelper});
   EXPECT_THAT(applications_.list(), SizeIs(0));
 }
@@ -123,7 +123,7 @@ TEST_F(Shell, IsReportedWhenItStarts) {
 
 // An interpreter is told from another by its script. This process is the server; the signal is the one that does
 // nothing.
-TEST(RestartableServer, RunsTheCommandOfItsServiceFile) {
+TEST(RestartableServer, RunsCommandOfItsServiceFile) {
   SessionSetup setup = WithActivatable({"/bin/true"});
   setup.withAccessibility = false;
   const DesktopSession session(setup);

@@ -12,7 +12,7 @@
 
 namespace {
 
-TEST(KeyCodes, AKeyHasTheVirtualKeyCodeOfItsPosition) {
+TEST(KeyCodes, FollowKeyPositions) {
   EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_N), 45);
   EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_ENTER), 36);
   EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_TAB), 48);
@@ -23,14 +23,14 @@ TEST(KeyCodes, AKeyHasTheVirtualKeyCodeOfItsPosition) {
   EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_102ND), 10);
 }
 
-TEST(KeyCodes, TheFunctionKeysAreAllThere) {
+TEST(KeyCodes, CoverAllFunctionKeys) {
   const std::uint16_t codes[] = {122, 120, 99, 118, 96, 97, 98, 100, 101, 109};
   for (std::uint32_t i = 0; i < 10; ++i) EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_F1 + i), codes[i]) << "F" << i + 1;
   EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_F11), 103);
   EXPECT_EQ(HLVirtualKeyForKernelKey(KEY_F12), 111);
 }
 
-TEST(KeyCodes, TheWayBackLeadsToTheSameKey) {
+TEST(KeyCodes, MapBackToTheSameKey) {
   int known = 0;
   for (std::uint32_t kernelKey = 0; kernelKey < 0x300; ++kernelKey) {
     const std::optional<std::uint16_t> code = HLVirtualKeyForKernelKey(kernelKey);
@@ -41,7 +41,7 @@ TEST(KeyCodes, TheWayBackLeadsToTheSameKey) {
   EXPECT_GT(known, 100);
 }
 
-TEST(KeyCodes, KeysThatOnlyModifyOthersHaveNone) {
+TEST(KeyCodes, LeaveOutModifierKeys) {
   for (int key : {KEY_LEFTCTRL, KEY_RIGHTCTRL, KEY_LEFTSHIFT, KEY_RIGHTSHIFT, KEY_LEFTALT, KEY_RIGHTALT, KEY_LEFTMETA,
                   KEY_RIGHTMETA, KEY_CAPSLOCK}) {
     EXPECT_FALSE(HLVirtualKeyForKernelKey(static_cast<std::uint32_t>(key))) << key;

@@ -243,7 +243,7 @@ class WaylandHotKeys : public testing::Test {
 constexpr std::uint32_t kKeyN = 45;
 constexpr std::uint32_t kThreeModifiers = HLHotKeyCommand | HLHotKeyOption | HLHotKeyControl;
 
-TEST_F(WaylandHotKeys, AreWishedForAndFireWhenThePortalSaysSo) {
+TEST_F(WaylandHotKeys, AreRequestedAndFiredByPortal) {
   Portal portal(Manner::willing);
   const HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers, 7);
   ASSERT_EQ(registration.status, HLHotKeyStatus::success);
@@ -256,7 +256,7 @@ TEST_F(WaylandHotKeys, AreWishedForAndFireWhenThePortalSaysSo) {
   EXPECT_THAT(fired_, ElementsAre(7));
 }
 
-TEST_F(WaylandHotKeys, AreKnownAgainAfterARestartByProgramAndCombination) {
+TEST_F(WaylandHotKeys, KeepTheirNamesAcrossRestarts) {
   Portal portal(Manner::willing);
   const auto nameOfOne = [&](std::uint32_t code) {
     HLQtHotKeys keys(loop_, "com.example.the-program");
@@ -270,7 +270,7 @@ TEST_F(WaylandHotKeys, AreKnownAgainAfterARestartByProgramAndCombination) {
   EXPECT_EQ(nameOfOne(40), "com_example_the_program dismiss-CTRL+ALT+LOGO+k") << "with other keys it is another one";
 }
 
-TEST_F(WaylandHotKeys, AreNotAskedForAgainWhereTheSessionBindsThem) {
+TEST_F(WaylandHotKeys, AreNotRequestedAgainWhenBound) {
   Portal portal(Manner::early);
   const HLHotKeyRegistration registration = add(kKeyN, kThreeModifiers, 7);
   ASSERT_EQ(registration.status, HLHotKeyStatus::success);
@@ -279,7 +279,7 @@ TEST_F(WaylandHotKeys, AreNotAskedForAgainWhereTheSessionBindsThem) {
   EXPECT_TRUE(runUntil([this] { return !fired_.empty(); }));
 }
 
-TEST_F(WaylandHotKeys, AreNamedAsThePortalNamesKeys) {
+TEST_F(WaylandHotKeys, UseThePortalsKeyNames) {
   Portal portal(Manner::willing);
   std::vector<HLHotKeyRegistration> kept;
   kept.push_back(add(96, 0));
@@ -290,7 +290,7 @@ TEST_F(WaylandHotKeys, AreNamedAsThePortalNamesKeys) {
   EXPECT_EQ(add(0x7F, kThreeModifiers).status, HLHotKeyStatus::failed);
 }
 
-TEST_F(WaylandHotKeys, SucceedUnlessThePortalSaysThatItHasNotBoundThem) {
+TEST_F(WaylandHotKeys, SucceedUnlessThePortalRefuses) {
   const auto statusWith = [this](Manner manner) {
     Portal portal(manner);
     return add(kKeyN, kThreeModifiers).status;
@@ -318,7 +318,7 @@ TEST_F(WaylandHotKeys, EndWithTheirConnection) {
   EXPECT_TRUE(Eventually([&] { return !isThere(); }));
 }
 
-TEST_F(WaylandHotKeys, FailWithoutAPortalThatGrantsThem) {
+TEST_F(WaylandHotKeys, FailWithoutAGrantingPortal) {
   const auto reason = testing::Optional(
       std::string("This desktop gives apps no shortcuts. Set one of its own for the command: hushlet --dismiss-now"));
   EXPECT_EQ(keys_.unsupportedReason(), std::nullopt) << "not asked yet";

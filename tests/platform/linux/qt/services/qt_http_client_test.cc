@@ -79,7 +79,7 @@ TEST_F(Fetch, BringsADocument) {
   EXPECT_THAT(server->requests().front(), StartsWith("GET /quillmere/latest.json HTTP/1.1\r\n"));
 }
 
-TEST_F(Fetch, BringsAnEmptyDocumentAndOneWithoutALength) {
+TEST_F(Fetch, BringsEmptyAndUnsizedDocuments) {
   EXPECT_EQ(fetch(serving(answerWith("200 OK", ""))->address()), "200 ");
   const auto unsaid = serving("HTTP/1.0 200 OK\r\n\r\nall of it");
   EXPECT_EQ(fetch(unsaid->address()), "200 all of it");
@@ -88,12 +88,12 @@ TEST_F(Fetch, BringsAnEmptyDocumentAndOneWithoutALength) {
   EXPECT_EQ(fetch(chunked->address()), "200 abcde");
 }
 
-TEST_F(Fetch, BringsWhateverTypeItIsSaidToBe) {
+TEST_F(Fetch, BringsAnyContentType) {
   const auto server = serving(answerWith("200 OK", std::string("\0\xFF\x80", 3), "Content-Type: image/png\r\n"));
   EXPECT_EQ(fetch(server->address()), "200 " + std::string("\0\xFF\x80", 3));
 }
 
-TEST_F(Fetch, BringsTheAnswerThatThereIsNone) {
+TEST_F(Fetch, BringsAnswersOtherThanOk) {
   EXPECT_EQ(fetch(serving(answerWith("404 Not Found", "{\"build\": 12}"))->address()), "404 {\"build\": 12}");
   EXPECT_EQ(fetch(serving(answerWith("500 Oh", "oh"))->address()), "500 oh");
   EXPECT_EQ(fetch(serving(answerWith("401 Who", "who", "WWW-Authenticate: Basic realm=\"x\"\r\n"))->address()),
@@ -101,7 +101,7 @@ TEST_F(Fetch, BringsTheAnswerThatThereIsNone) {
   EXPECT_EQ(fetch(serving("HTTP/1.1 204 None\r\nConnection: close\r\n\r\n")->address()), "204 ");
 }
 
-TEST_F(Fetch, FailsWhenTheDocumentIsCutShort) {
+TEST_F(Fetch, FailsWhenDocumentIsCutShort) {
   EXPECT_EQ(fetch(serving("HTTP/1.1 200 OK\r\nContent-Length: 100\r\nConnection: close\r\n\r\nonly this")->address()),
             "200 -");
   EXPECT_EQ(fetch(serving("HTTP/1.1 404 No\r\nContent-Length: 100\r\nConnection: close\r\n\r\nonly this")->address()),
@@ -129,7 +129,7 @@ TEST_F(Fetch, FailsWhenItsTimeIsOver) {
   EXPECT_EQ(fetch(silent.address(), -5), "0 -");
 }
 
-TEST_F(Fetch, ItsTimeIsThatOfTheWholeAndNotOfEachSilence) {
+TEST_F(Fetch, TimesOutDespiteSteadyData) {
   std::atomic<bool> ended = false;
   WebServer slow([&ended](const std::string&, const WebConnection& connection) {
     connection.send("HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n");
@@ -151,7 +151,7 @@ TEST_F(Fetch, FailsWithoutAnHttpAnswer) {
   EXPECT_EQ(fetch("http://no-such-host.invalid/"), "0 -");
 }
 
-TEST_F(Fetch, FailsForWhatIsNoWebAddress) {
+TEST_F(Fetch, FailsWithoutAWebAddress) {
   const TemporaryDirectory directory;
   std::ofstream(directory.path() + "/secret") << "secret";
   for (const std::string& address : {std::string(), std::string("file://") + directory.path() + "/secret",
@@ -237,7 +237,7 @@ TEST_F(Fetch, EndsWithItsClientUnanswered) {
   EXPECT_THAT(answers_, SizeIs(0));
 }
 
-TEST_F(Fetch, AnAnswerMayBeginTheNextRequest) {
+TEST_F(Fetch, AllowsANewRequestWhenAnswering) {
   const auto server = serving(answerWith("200 OK", "x"));
   client_->get(server->address(), kTimeout, [&](HLHTTPAnswer first) {
     answers_.push_back(std::move(first));
@@ -246,7 +246,7 @@ TEST_F(Fetch, AnAnswerMayBeginTheNextRequest) {
   waitForAnswers(2);
 }
 
-TEST_F(Fetch, FailsWhenNobodyVouchesForTheServer) {
+TEST_F(Fetch, FailsForUntrustedServers) {
   const TemporaryDirectory directory;
   const Environment environment = {{"PATH", "/usr/bin:/bin"}, {"HOME", directory.path()}};
   ChildProcess certificate({"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",

@@ -114,7 +114,7 @@ class StatusNotifier : public MenuBar {
   }
 };
 
-TEST_F(StatusNotifier, KeepsItsNameUntilTheWatcherHasAnswered) {
+TEST_F(StatusNotifier, KeepsNameUntilWatcherAnswers) {
   Watcher watcher(session_->environment(), true);
   startProgram();
   ASSERT_TRUE(watcher.waitUntil([&] { return !watcher.items().empty(); }));
@@ -125,7 +125,7 @@ TEST_F(StatusNotifier, KeepsItsNameUntilTheWatcherHasAnswered) {
   EXPECT_TRUE(watcher.waitUntil([this] { return !hasName(); }));
 }
 
-TEST_F(StatusNotifier, GivesItsNameBackAtOnceWhenItIsRegistered) {
+TEST_F(StatusNotifier, ReleasesNameAtOnceWhenRegistered) {
   Watcher watcher(session_->environment(), true);
   startProgram();
   ASSERT_TRUE(watcher.waitUntil([&] { return !watcher.items().empty(); }));
@@ -136,7 +136,7 @@ TEST_F(StatusNotifier, GivesItsNameBackAtOnceWhenItIsRegistered) {
   EXPECT_FALSE(hasName());
 }
 
-TEST_F(StatusNotifier, RegistersOnlyWhereATrayStandsBehindTheWatcher) {
+TEST_F(StatusNotifier, RegistersOnlyWithATrayHost) {
   Watcher watcher(session_->environment(), false);
   startProgram("offscreen");
   ASSERT_TRUE(watcher.waitUntil([&] { return watcher.timesAsked() == 1; }));
@@ -146,7 +146,7 @@ TEST_F(StatusNotifier, RegistersOnlyWhereATrayStandsBehindTheWatcher) {
   EXPECT_THAT(watcher.items(), ElementsAre(itemName()));
 }
 
-TEST_F(StatusNotifier, GoesOnWhenAWatcherLeavesWithoutAnAnswer) {
+TEST_F(StatusNotifier, SurvivesWatcherLeavingWithoutAnswer) {
   auto watcher = std::make_unique<Watcher>(session_->environment(), true);
   startProgram();
   ASSERT_TRUE(watcher->waitUntil([&] { return !watcher->items().empty(); }));
@@ -200,7 +200,7 @@ class StatusNotifierMenu : public StatusNotifier {
 
 constexpr const char* kUnknownItem = "InvalidArgs: There is no item of that id";
 
-TEST_F(StatusNotifierMenu, TellsItsItemsTitlesKeysAndSeparators) {
+TEST_F(StatusNotifierMenu, TellsTitlesKeysAndSeparators) {
   EXPECT_EQ(layout("0", "-1"),
             "(uint32 1, (0, {'children-display': <'submenu'>}, ["
             "<(1, {'label': <'Dismiss Notifications'>}, @av [])>, "
@@ -211,7 +211,7 @@ TEST_F(StatusNotifierMenu, TellsItsItemsTitlesKeysAndSeparators) {
             "<(6, {'label': <'Quit Hushlet'>, 'shortcut': <[['Control', 'q']]>}, @av [])>]))\n");
 }
 
-TEST_F(StatusNotifierMenu, TellsAsMuchAsItIsAskedFor) {
+TEST_F(StatusNotifierMenu, TellsOnlyWhatIsAsked) {
   EXPECT_EQ(layout("0", "0"), "(uint32 1, (0, {'children-display': <'submenu'>}, @av []))\n");
   EXPECT_EQ(layout("4", "-1", "['label', 'visible']"), "(uint32 1, (4, {'label': <'Settings…'>}, @av []))\n");
   EXPECT_EQ(menu("GetGroupProperties", {"[6, 99, 2]", "['label', 'type']"}),
@@ -230,7 +230,7 @@ TEST_F(StatusNotifierMenu, TellsAsMuchAsItIsAskedFor) {
             "(<false>,)\n");
 }
 
-TEST_F(StatusNotifierMenu, IsBroughtUpToDateBeforeItIsShown) {
+TEST_F(StatusNotifierMenu, UpdatesBeforeItIsShown) {
   const auto monitor = session_->start({"gdbus", "monitor", "--session", "--dest", kIdentifier});
   ASSERT_TRUE(Eventually([&] { return monitor->output().find("is owned by") != std::string::npos; }));
   EXPECT_EQ(count("menu opens"), 0);
@@ -267,7 +267,7 @@ TEST_F(StatusNotifierMenu, TellsOfAnItemThatChanges) {
   EXPECT_EQ(menu("AboutToShowGroup", {"[0]"}), "([0], @ai [])\n");
 }
 
-TEST_F(StatusNotifierMenu, AnItemThatIsChosenActsAfterTheAnswer) {
+TEST_F(StatusNotifierMenu, ActsOnChoicesAfterAnswering) {
   EXPECT_EQ(menu("Event", {"1", "hovered", "<0>", "0"}), "()\n");
   EXPECT_EQ(menu("Event", {"0", "opened", "<0>", "0"}), "()\n");
   EXPECT_EQ(menu("Event", {"2", "clicked", "<0>", "0"}), "()\n");
@@ -285,7 +285,7 @@ TEST_F(StatusNotifierMenu, AnItemThatIsChosenActsAfterTheAnswer) {
   EXPECT_EQ(count("answer 0"), 0);
 }
 
-TEST_F(StatusNotifierMenu, AnItemThatIsChosenKeepsItsMark) {
+TEST_F(StatusNotifierMenu, KeepsMarkOfChosenItem) {
   EXPECT_EQ(menu("AboutToShow", {"0"}), "(true,)\n");
   EXPECT_EQ(menu("Event", {"7", "clicked", "<0>", "0"}), "()\n");
   waitFor("chosen accessibility");
@@ -294,7 +294,7 @@ TEST_F(StatusNotifierMenu, AnItemThatIsChosenKeepsItsMark) {
   EXPECT_EQ(menu("AboutToShow", {"0"}), "(false,)\n");
 }
 
-TEST_F(StatusNotifierMenu, WhatThereIsNotIsAnsweredWithAnError) {
+TEST_F(StatusNotifierMenu, RejectsUnknownItemsAndProperties) {
   EXPECT_THAT(layout("99", "-1"), HasSubstr(kUnknownItem));
   EXPECT_THAT(menu("Event", {"99", "clicked", "<0>", "0"}), HasSubstr(kUnknownItem));
   EXPECT_THAT(menu("EventGroup", {"@a(isvu) [(98, 'clicked', <0>, 0), (99, 'clicked', <0>, 0)]"}),
@@ -307,7 +307,7 @@ TEST_F(StatusNotifierMenu, WhatThereIsNotIsAnsweredWithAnError) {
   EXPECT_EQ(menu("GetGroupProperties", {"[99]", "@as []"}), "(@a(ia{sv}) [],)\n");
 }
 
-TEST_F(StatusNotifierMenu, APanelOnTheBusDrawsItOnARightClick) {
+TEST_F(StatusNotifierMenu, OpensInPanelOnRightClick) {
   startPanel();
   waitForPanelItem();
   clickPanel("click type=2 modifiers=0");
