@@ -1,6 +1,5 @@
 # The commands; CMakePresets.json holds what they configure. Each one installs the packages that it needs and that are missing.
-.PHONY: run package release test fuzz swarm mutate sanitize asan tsan bench desktops coverage macos mac-report lint tidy format clean \
-  build-test build-asan build-tsan build-fuzz build-release
+.PHONY: run package release test fuzz swarm mutate sanitize asan tsan bench desktops coverage macos mac-report lint tidy format clean
 
 CONFIGURE_FLAGS ?=
 JOBS ?= $(shell getconf _NPROCESSORS_ONLN)
@@ -25,44 +24,36 @@ package:
 	cd build-release && cpack
 
 # The release, with each source compiled alone, and a short test of what it installs and of its packages.
-release: build-release
-	tests/packaging/install-test build-release
-	tests/packaging/package-test build-release
-
-build-release:
+release:
 	@tools/install-packages build test package
 	cmake --preset release $(CONFIGURE_FLAGS)
 	cmake --build --preset release -j $(JOBS)
+	tests/packaging/install-test build-release
+	tests/packaging/package-test build-release
 
 # Every test, those on a real desktop included; then the macOS build, where a sysroot for it is named.
-test: build-test
-	ctest --preset dev -j $(TEST_JOBS)
-	tools/check-macos
-
-build-test:
+test:
 	@tools/install-packages build test
 	cmake --preset dev -DHL_TESTS=ON $(CONFIGURE_FLAGS)
 	cmake --build --preset dev -j $(JOBS)
+	ctest --preset dev -j $(TEST_JOBS)
+	tools/check-macos
 
 # The same tests under the address, undefined-behavior and thread sanitizers.
 sanitize: asan tsan
-asan tsan: %: build-%
-	ctest --preset $@ -j $(SANITIZER_TEST_JOBS)
-
-build-asan build-tsan: build-%:
+asan tsan:
 	@tools/install-packages build test fuzz
-	cmake --preset $* $(CONFIGURE_FLAGS)
-	cmake --build --preset $* -j $(JOBS)
+	cmake --preset $@ $(CONFIGURE_FLAGS)
+	cmake --build --preset $@ -j $(JOBS)
+	ctest --preset $@ -j $(SANITIZER_TEST_JOBS)
 
 # Every fuzzer for SECONDS seconds, starting from what earlier runs found.
 fuzz: SECONDS ?= 600
-fuzz: build-fuzz
-	tools/fuzz $(SECONDS)
-
-build-fuzz:
+fuzz:
 	@tools/install-packages build fuzz
 	cmake --preset fuzz $(CONFIGURE_FLAGS)
 	cmake --build --preset fuzz -j $(JOBS)
+	tools/fuzz $(SECONDS)
 
 # Random desktops, faults and input for SECONDS seconds; docs/swarm.md.
 swarm: SECONDS ?= 600
